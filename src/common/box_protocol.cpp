@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "common/box_protocol.h"
+
+#include <functional>
+
+namespace
+{
+
+/// One pass over `text`; `place` gives what stands for value n at that spot.
+QString replaceNumbers(const QString& text, int count,
+                       const std::function<QString(int index, bool insideQuotes)>& place)
+{
+    QString result;
+    result.reserve(text.size() + 64);
+    bool insideQuotes = false;
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        const int number =
+            c == QLatin1Char('%') && i + 1 < text.size() ? text.at(i + 1).unicode() - u'0' : 0;
+        if (number >= 1 && number <= count) {
+            result += place(number - 1, insideQuotes);
+            ++i;
+            continue;
+        }
+        if (c == QLatin1Char('"'))
+            insideQuotes = !insideQuotes;
+        result += c;
+    }
+    return result;
+}
+
+bool hasBlank(const QString& text)
+{
+    for (const QChar c : text) {
+        if (c.isSpace())
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+namespace BoxProtocol
+{
+
+bool isIpv4Address(const QString& text)
+{
+    const QStringList parts = text.split(QLatin1Char('.'));
+    if (parts.size() != 4)
+        return false;
+    for (const QString& part : parts) {
+        if (part.isEmpty() || part.size() > 3)
+            return false;
+        for (const QChar c : part) {
+            if (c < QLatin1Char('0') || c > QLatin1Char('9'))
+                return false;
+        }
+        if (part.toInt() > 255)
+            return false;
+    }
+    return true;
+}
+
+QString fill(const QString& text, const QStringList& values)
+{
+    return replaceNumbers(text, values.size(), [&](int n, bool) { return values.at(n); });
+}
+
+QString fillCommand(const QString& commandLine, const QStringList& values)
+{
+    return replaceNumbers(commandLine, values.size(), [&](int n, bool insideQuotes) {
+        QString value = values.at(n);
+        // Three double quotes in a row stand for one in the splitting rule of child processes.
+        value.replace(QLatin1Char('"'), QStringLiteral("\"\"\""));
+        if (!insideQuotes && hasBlank(value))
+            value = QLatin1Char('"') + value + QLatin1Char('"');
+        return value;
+    });
+}
+
+QString readUrl(const QString& ip, const QString& parameter)
+{
+    return fill(QStringLiteral("http://%1:8081/config?action=get&param_name=%2"), {ip, parameter});
+}
+
+QString dashboardUrl(const QString& ip)
+{
+    return fill(QStringLiteral("http://%1/cgi-bin/set-dashboard.cgi"), {ip});
+}
+
+QString rebootCommand(const QString& ip)
+{
+    return fillCommand(QStringLiteral("curl -d action=reboot -X POST http://%1:8081/control?"),
+                       {ip});
+}
+
+QString otaCommand(const QString& ip)
+{
+    return fillCommand(QStringLiteral("curl -d action=ota -X POST http://%1:8081/control?"), {ip});
+}
+
+QString uploadCommand(const QString& file, const QString& ip)
+{
+    return fillCommand(QStringLiteral("curl -X POST -F \"ota_file=@%1\" http://%2:8081/upload"),
+                       {file, ip});
+}
+
+} // namespace BoxProtocol

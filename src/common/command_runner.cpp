@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+#include "common/command_runner.h"
+
+#include "common/operation_log.h"
+
+#include <QDebug>
+#include <QEventLoop>
+#include <QSet>
+#include <QTimer>
+
+namespace
+{
+
+/// Commands that run on their own, so that none outlives the program.
+QSet<QProcess*>& running()
+{
+    static QSet<QProcess*> processes;
+    return processes;
+}
+
+void start(QProcess* process, const QString& command)
+{
+    process->setReadChannel(QProcess::StandardOutput);
+    // curl writes its progress there, for hours in a long transfer; nobody reads it.
+    process->setStandardErrorFile(QProcess::nullDevice());
+    QStringList arguments = QProcess::splitCommand(command);
+    const QString program = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    process->start(program, arguments, QIODevice::ReadWrite);
+}
+
+void releaseWhenEnded(QProcess* process)
+{
+    running().insert(process);
+    QObject::connect(process, &QProcess::stateChanged, process,
+                     [process](QProcess::ProcessState state) {
+                         if (state != QProcess::NotRunning)
+                             return;
+                         running().remove(process);
+                         process->deleteLater();
+                     });
+}
+
+} // namespace
+
+CommandRunner::CommandRunner(QString owner, Wire wire)
+    : m_owner(std::move(owner)), m_wire(std::move(wire))
+{
+}
+
+void CommandRunner::execCurl(const QString& ip, const QString& command,
+                             const QVariantMap& properties)
+{
+    auto* process = new QProcess;
+    process->setProperty("ip", ip);
+    log(ip, process, QStringLiteral("  执行Curl   ") + command, __LINE__, "execCurl");
+    qDebug().noquote() << process << "执行Curl   " << command;
+    for (auto it = properties.cbegin(); it != properties.cend(); ++it)
+        process->setProperty(it.key().toUtf8().constData(), it.value());
+    m_wire(process);
+    releaseWhenEnded(process);
+    start(process, command);
+}
+
+QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
+{
+    QEventLoop loop;
+    QProcess process;
+    QByteArray output;
+    log(ip, &process, QStringLiteral("  执行Curl   ") + command, __LINE__, "execCurlWait");
+    qDebug().noquote() << &process << "执行Curl   " << command;
+
+    const auto collect = [&] {
+        output += process.readAllStandardOutput();
+        if (output.size() > ReplyLimit)
+            process.kill();
+    };
+    QObject::connect(&process, &QProcess::readyReadStandardOutput, &loop, collect);
+    QObject::connect(&process, &QProcess::stateChanged, &loop, [&](QProcess::ProcessState state) {
+        if (state != QProcess::NotRunning)
+            return;
+        collect();
+        loop.quit();
+    });
+    bool answered = true;
+    QTimer::singleShot(WaitLimitMs, &loop, [&] {
+        answered = false;
+        process.kill();
+    });
+
+    start(&process, command);
+    // A program that cannot be started has ended before the loop could be told to.
+    if (process.state() != QProcess::NotRunning)
+        loop.exec();
+    process.disconnect(&loop);
+    if (process.state() != QProcess::NotRunning) {
+        // The program is closing: the loop ended, the command did not.
+        process.kill();
+        process.waitForFinished(1000);
+        answered = false;
+    }
+
+    if (!answered || output.size() > ReplyLimit)
+        output.clear();
+    const QString reply = QString::fromLocal8Bit(output);
+    log(ip, &process, QStringLiteral("  执行Curl返回数据   ") + reply, __LINE__, "execCurlWait");
+    qDebug().noquote() << &process << "执行Curl返回数据     " << reply;
+    return reply;
+}
+
+QString CommandRunner::takeReply(QProcess* process) const
+{
+    const QString reply = QString::fromLocal8Bit(process->readAllStandardOutput());
+    log(process->property("ip").toString(), process,
+        QStringLiteral("  执行Curl返回数据   ") + reply, __LINE__, "R_readyReadStandardOutput");
+    qDebug().noquote() << process << "执行Curl返回数据     " << reply;
+    return reply;
+}
+
+void CommandRunner::noteEnd(QProcess* process) const
+{
+    log(process->property("ip").toString(), process, QStringLiteral("  执行Curl 停止 "), __LINE__,
+        "R_stateChanged");
+    qDebug().noquote() << process << "执行Curl 停止  ";
+}
+
+void CommandRunner::endAll()
+{
+    const QSet<QProcess*> processes = running();
+    for (QProcess* process : processes) {
+        process->disconnect();
+        process->kill();
+    }
+    for (QProcess* process : processes) {
+        process->waitForFinished(1000);
+        delete process;
+    }
+    running().clear();
+}
+
+void CommandRunner::log(const QString& ip, const QObject* process, const QString& event, int line,
+                        const char* function) const
+{
+    const QString identity = QString::number(reinterpret_cast<quintptr>(process));
+    writeLog(ip, logLine(identity + event, "src/common/command_runner.cpp", line,
+                         m_owner + QStringLiteral("::") + QString::fromLatin1(function)));
+}

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+#include <QProcess>
+#include <QString>
+#include <QVariantMap>
+
+#include <functional>
+
+/// Runs the complete `curl` command lines of one owner (the window or a device item) and logs every
+/// start, reply and end under the box's address.
+///
+/// A command that runs on its own is a process owned by nobody: it deletes itself when it ends,
+/// even if the owner has gone meanwhile. GUI thread only.
+class CommandRunner
+{
+public:
+    /// Connects a new process's signals to the owner's slots, before it starts.
+    using Wire = std::function<void(QProcess* process)>;
+
+    /// `owner` is the class name that appears in the log, e.g. "Tarn_Hub".
+    CommandRunner(QString owner, Wire wire);
+
+    /// The longest that execCurlWait() waits, in milliseconds. A healthy box answers within a few
+    /// hundredths of a second and at most about one second while its encoder restarts; twelve
+    /// writes to a box that is switched off still end in under 40 s.
+    static constexpr int WaitLimitMs = 3000;
+
+    /// A reply longer than this, in bytes, is not one of a box: its process is ended.
+    static constexpr int ReplyLimit = 16 * 1024 * 1024;
+
+    /// Starts `command` and returns at once. The process carries "ip" and every entry of
+    /// `properties` as dynamic properties.
+    void execCurl(const QString& ip, const QString& command, const QVariantMap& properties);
+
+    /// Starts `command` and serves events until it ends. Returns its standard output, empty when
+    /// it could not start or gave no answer within WaitLimitMs. Anything can happen meanwhile:
+    /// callers take the address and the values before the call and re-check afterwards.
+    QString execCurlWait(const QString& ip, const QString& command);
+
+    /// For the owner's output slot: what has arrived from `process`, logged.
+    QString takeReply(QProcess* process) const;
+
+    /// For the owner's state slot, once `process` is not running any more: logs the end. The
+    /// process deletes itself.
+    void noteEnd(QProcess* process) const;
+
+    /// Ends every command still running and waits for it; for the end of the program.
+    static void endAll();
+
+private:
+    void log(const QString& ip, const QObject* process, const QString& event, int line,
+             const char* function) const;
+
+    const QString m_owner;
+    const Wire m_wire;
+};

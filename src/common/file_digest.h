@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+/// The MD5 of a file as lower-case hex, empty when it cannot be read. Reads 1 MiB at a time; blocks
+/// its thread for as long as the file takes.
+QString fileMd5(const QString& path);

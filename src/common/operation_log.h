@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QIODevice>
+#include <QString>
+#include <QThread>
+
+/// One log job: appends one record to its key's file of the day, then the thread is free again.
+/// Fields may be set only while the thread is not running.
+class operatelog_Threads : public QThread
+{
+public:
+    operatelog_Threads();
+
+    QString key;
+    QString text;
+
+protected:
+    void run() override;
+};
+
+/// Queues one record for the log file of `key` (a box address, or "http-" + host) and returns at
+/// once. When all writers are busy the record goes synchronously into the key's overflow file.
+/// Called on one thread only, the GUI thread.
+void writeLog(const QString& key, const QString& line);
+
+/// The line of a record: "[time][event][file:line:function][thread name]".
+QString logLine(const QString& event, const char* file, int line, const QString& function);
+
+/// Opens `path` for writing in `mode` (Append for logs) and writes `text` as UTF-8, with a line end
+/// when appending. A file that cannot be opened is skipped silently.
+void appendToFile(const QString& path, const QString& text, QIODevice::OpenMode mode);

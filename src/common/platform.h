@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+/// What differs between operating systems. One source file per system stands behind this header.
+namespace Platform
+{
+
+/// The folder that holds per-user application data, with "/" as separator and none at the end:
+/// APPDATA where that variable is set, else the user's standard data location.
+QString dataRoot();
+
+/// The ping-sweep tool: `wanted` when it is not empty, else the one shipped in the application
+/// folder, else the one on the search path. When none exists the shipped one's path is returned,
+/// so that starting it fails like any other missing program.
+QString fpingPath(const QString& wanted);
+
+/// Makes text passed to and read from child processes UTF-8 where the system lets a program choose.
+void useUtf8ForChildProcesses();
+
+} // namespace Platform

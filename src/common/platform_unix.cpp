@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#include "common/platform.h"
+
+#include <QtGlobal>
+
+#ifndef Q_OS_WIN
+
+#include <QTextCodec>
+
+namespace Platform
+{
+
+void useUtf8ForChildProcesses()
+{
+    // Under the plain C locale Qt would turn every non-Latin letter of a command line into "?".
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+}
+
+} // namespace Platform
+
+#endif

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "common/spark_http.h"
+
+#include "common/http_request.h"
+#include "common/operation_log.h"
+
+#include <QEventLoop>
+#include <QNetworkReply>
+#include <QPointer>
+#include <QUuid>
+
+Spark_Http::Spark_Http() : m_manager(new QNetworkAccessManager(this))
+{
+    m_manager->setTransferTimeout(TransferLimitMs);
+}
+
+QString Spark_Http::get(const QString& type, const QString& url, bool isblocking)
+{
+    QNetworkReply* reply = m_manager->get(httpRequest(url));
+    reply->setProperty("type", type);
+    reply->setProperty("isblocking", isblocking);
+    connect(reply, &QNetworkReply::finished, this, &Spark_Http::R_finished);
+    connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received, qint64) {
+        if (received > BodyLimit)
+            reply->abort();
+    });
+
+    if (!isblocking) {
+        const QString id = QUuid::createUuid().toString(QUuid::Id128);
+        reply->setProperty("id", id);
+        return id;
+    }
+    QEventLoop loop;
+    // Guarded: the program may close, and the loop with it, before the reply has finished.
+    reply->setProperty("eventLoop", QVariant::fromValue(QPointer<QObject>(&loop)));
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    return loop.property("body").toString();
+}
+
+void Spark_Http::R_finished()
+{
+    auto* reply = qobject_cast<QNetworkReply*>(sender());
+    if (!reply)
+        return;
+    QString body;
+    if (reply->error() == QNetworkReply::NoError)
+        body = QString::fromUtf8(reply->readAll());
+
+    const QString id = reply->property("id").toString();
+    const QString host = reply->request().url().host();
+    if (reply->property("isblocking").toBool()) {
+        const auto loop = reply->property("eventLoop").value<QPointer<QObject>>();
+        if (loop) {
+            loop->setProperty("body", body);
+            static_cast<QEventLoop*>(loop.data())->quit();
+        }
+    } else {
+        emit S_finished({{QStringLiteral("type"), reply->property("type").toString()},
+                         {QStringLiteral("id"), id},
+                         {QStringLiteral("deviceip"), host},
+                         {QStringLiteral("body"), body}});
+    }
+
+    if (!body.isEmpty()) {
+        const QString function = QStringLiteral("Spark_Http::R_finished");
+        const QString key = QStringLiteral("http-") + host;
+        const QString url = reply->request().url().toString();
+        writeLog(key, logLine(id + QStringLiteral("  http请求 ") + url, "src/common/spark_http.cpp",
+                              __LINE__, function));
+        writeLog(key, logLine(id + QStringLiteral("  http请求结果 ") + body,
+                              "src/common/spark_http.cpp", __LINE__, function));
+    }
+    reply->deleteLater();
+}
