@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: MIT
+#include "device/device_registry.h"
+
+#include "common/box_protocol.h"
+#include "common/spark_http.h"
+#include "device/item.h"
+#include "device/tree_model.h"
+
+#include <QSet>
+#include <QTimer>
+
+namespace
+{
+
+constexpr int checkPauseMs = 5000;
+
+/// The model name that a dashboard page shows, empty when it is none of ours.
+QString modelOnPage(const QString& page)
+{
+    if (page.contains(QLatin1String("<td>ORBIT</td>")))
+        return QStringLiteral("ORBIT·2");
+    if (page.contains(QLatin1String("<td>RIVER</td>")))
+        return QStringLiteral("RIVER·2");
+    if (page.contains(QLatin1String("<td>LANTERN</td>")))
+        return QStringLiteral("LANTERN");
+    return QString();
+}
+
+} // namespace
+
+DeviceRegistry::DeviceRegistry(TreeModel& model, Spark_Http& http, SweepSettings settings,
+                               Wire wire)
+    : m_model(model), m_http(http), m_settings(std::move(settings)), m_wire(std::move(wire))
+{
+}
+
+DeviceRegistry::~DeviceRegistry()
+{
+    stop();
+}
+
+void DeviceRegistry::stop()
+{
+    for (const QPointer<Spark_Thread>& thread : qAsConst(m_threads)) {
+        if (!thread)
+            continue;
+        thread->stop();
+        // Its own deferred deletion needs an event loop, which may have ended.
+        delete thread;
+    }
+    m_threads.clear();
+}
+
+Spark_Thread* DeviceRegistry::newThread()
+{
+    m_threads.removeAll(nullptr);
+    auto* thread = new Spark_Thread(m_settings);
+    m_threads << thread;
+    m_wire(thread);
+    return thread;
+}
+
+void DeviceRegistry::startSearch()
+{
+    newThread()->startFindDevice();
+}
+
+void DeviceRegistry::checkStates()
+{
+    QStringList ips;
+    const QList<Item*> boxes = devices();
+    for (const Item* box : boxes)
+        ips << box->address();
+    if (!ips.isEmpty())
+        newThread()->startRefreshDevice(ips);
+    QTimer::singleShot(checkPauseMs, this, &DeviceRegistry::checkStates);
+}
+
+QList<Item*> DeviceRegistry::devices() const
+{
+    QList<Item*> boxes = m_model.items();
+    boxes.erase(std::remove_if(boxes.begin(), boxes.end(),
+                               [](const Item* item) { return item->isGroup(); }),
+                boxes.end());
+    return boxes;
+}
+
+void DeviceRegistry::probe(const QStringList& ips)
+{
+    for (const QString& ip : ips) {
+        if (!BoxProtocol::isIpv4Address(ip) || m_model.find(ip))
+            continue;
+        m_http.get(QStringLiteral("findDevice"), BoxProtocol::readUrl(ip, BoxProtocol::DeviceName),
+                   false);
+        m_http.get(QStringLiteral("findDevice_webui"), BoxProtocol::dashboardUrl(ip), false);
+    }
+}
+
+void DeviceRegistry::setReachable(const QStringList& ips)
+{
+    const QSet<QString> alive(ips.begin(), ips.end());
+    QStringList returned;
+    bool anyChange = false;
+    const QList<Item*> boxes = devices();
+    for (Item* box : boxes) {
+        const bool online = alive.contains(box->address());
+        if (box->property("online").toBool() == online)
+            continue;
+        box->setProperty("online", online);
+        anyChange = true;
+        if (online)
+            returned << box->address();
+    }
+    if (anyChange)
+        emit changed();
+    // Last, and by address: what follows may change the tree.
+    for (const QString& ip : qAsConst(returned))
+        emit cameOnline(ip);
+}
+
+void DeviceRegistry::handleWebPage(const QString& ip, const QString& page)
+{
+    addDevice(ip, modelOnPage(page));
+}
+
+void DeviceRegistry::handleDeviceName(const QString& ip, const QString& name)
+{
+    addDevice(ip, name.isEmpty() ? QString() : koraFamily());
+}
+
+void DeviceRegistry::addDevice(const QString& ip, const QString& name)
+{
+    if (name.isEmpty() || !BoxProtocol::isIpv4Address(ip) || m_model.find(ip))
+        return;
+    Item* group = m_model.findGroup(name);
+    if (!group) {
+        group = new Item;
+        group->setProperty("title", name);
+        group->setProperty("content", name);
+        group->setProperty("isdir", true);
+        m_model.append(group, m_model.root(), true);
+    }
+    auto* box = new Item;
+    box->setProperty("title", ip);
+    box->setProperty("content", ip);
+    box->setProperty("deviceip", ip);
+    box->setProperty("isDevice", true);
+    box->setProperty("otaFile", m_firmwareBaseName);
+    m_model.append(box, group, false);
+    emit changed();
+    emit deviceAdded(box);
+}
+
+void DeviceRegistry::forgetIdleDevices()
+{
+    const QList<Item*> boxes = devices();
+    for (Item* box : boxes) {
+        if (!box->property("upgrading").toBool())
+            m_model.remove(box);
+    }
+    const QList<Item*> groups = m_model.items();
+    for (Item* group : groups) {
+        if (group->isGroup() && group->childCount() == 0)
+            m_model.remove(group);
+    }
+    emit changed();
+}
+
+UpgradeCounts DeviceRegistry::upgradeCounts(const QString& group) const
+{
+    UpgradeCounts counts;
+    const QList<Item*> boxes = m_model.items(group);
+    for (const Item* box : boxes) {
+        counts.upgrading += box->property("upgrading").toBool() ? 1 : 0;
+        counts.timedOut += box->property("upgradtimeout").toBool() ? 1 : 0;
+        counts.successful += box->property("upgradsuccessful").toBool() ? 1 : 0;
+    }
+    return counts;
+}

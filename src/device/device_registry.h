@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "device/spark_thread.h"
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+
+class Item;
+class Spark_Http;
+class TreeModel;
+
+/// How the upgrades of a set of boxes stand.
+struct UpgradeCounts {
+    int upgrading = 0;
+    int timedOut = 0;
+    int successful = 0;
+
+    bool allEnded() const { return upgrading == timedOut + successful; }
+};
+
+/// Turns live addresses into boxes of the device tree and keeps each box's online flag. Owns the
+/// sweep threads. GUI thread only; the tree belongs to its view.
+class DeviceRegistry : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Connects a new thread's signals to their receiver, before it starts.
+    using Wire = std::function<void(Spark_Thread* thread)>;
+
+    DeviceRegistry(TreeModel& model, Spark_Http& http, SweepSettings settings, Wire wire);
+    ~DeviceRegistry() override;
+
+    TreeModel& model() const { return m_model; }
+
+    /// Starts the endless search.
+    void startSearch();
+    /// Asks all known boxes whether they still answer, now and again every five seconds.
+    void checkStates();
+    /// Ends every thread and its child processes.
+    void stop();
+
+    /// Addresses that answered a ping: those not yet in the tree are probed for a box.
+    void probe(const QStringList& ips);
+    /// Addresses that answered the check of all known boxes.
+    void setReachable(const QStringList& ips);
+
+    /// What a probe of the web page, or of the box's own interface, brought back.
+    void handleWebPage(const QString& ip, const QString& page);
+    void handleDeviceName(const QString& ip, const QString& name);
+    /// Files a box under its group; does nothing for a known address or an empty name.
+    void addDevice(const QString& ip, const QString& name);
+
+    /// Takes out every box that is not being upgraded, and every group left empty, so that the
+    /// search finds them afresh.
+    void forgetIdleDevices();
+
+    /// The base name of the firmware package at hand; boxes found from now on are compared with it.
+    void setFirmwareBaseName(const QString& name) { m_firmwareBaseName = name; }
+
+    UpgradeCounts upgradeCounts(const QString& group) const;
+
+signals:
+    /// A box has been filed.
+    void deviceAdded(Item* item);
+    /// Something that rows show has changed.
+    void changed();
+    /// The box at `ip` answers again.
+    void cameOnline(const QString& ip);
+
+private:
+    Spark_Thread* newThread();
+    QList<Item*> devices() const;
+
+    TreeModel& m_model;
+    Spark_Http& m_http;
+    const SweepSettings m_settings;
+    const Wire m_wire;
+    QString m_firmwareBaseName;
+    QList<QPointer<Spark_Thread>> m_threads;
+};

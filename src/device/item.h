@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "common/command_runner.h"
+
+#include <QObject>
+#include <QProcess>
+#include <QVariantMap>
+#include <QVector>
+
+/// One row of the device tree: the root, a group, a box or a line of information. All state lives
+/// in named dynamic properties, so that the tree, the window and an upgrade read one record.
+///
+/// An item owns its children. The tree owns all items through its root; whoever waits holds a
+/// QPointer. Commands of an item that is deleted meanwhile run to their end without it.
+class Item : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Item(Item* parentItem = nullptr);
+    ~Item() override;
+
+    Item* parentItem() const { return m_parentItem; }
+    int childCount() const { return m_children.size(); }
+    Item* child(int row) const { return m_children.at(row); }
+    /// This item's row in its parent, 0 for the root.
+    int row() const;
+
+    /// Where `child` would stand: after the last child that sorts before it, by title (groups) or
+    /// by the numbers of its address (boxes).
+    int sortedRow(const Item* child, bool byTitle) const;
+    /// Inserts `child` at its sorted row and takes ownership; gives it its level.
+    void appendChild(Item* child, bool byTitle);
+    /// Inserts `child` at `row`; for lists in order of arrival.
+    void insertChild(int row, Item* child);
+    /// Takes the child at `row` out; the caller owns it.
+    Item* takeChild(int row);
+
+    bool isGroup() const { return property("isdir").toBool(); }
+    QString address() const { return property("deviceip").toString(); }
+    QString title() const { return property("title").toString(); }
+    QString content() const { return property("content").toString(); }
+    int level() const { return property("level").toInt(); }
+
+    /// What the tree shows: the content, or the title when there is none.
+    QString displayText() const;
+    /// The title followed by the content in brackets.
+    QString combinedLabel() const;
+    /// True for a box of the KORA family.
+    bool isKora() const;
+    /// True when a newer firmware package than the box's own lies ready.
+    bool hasNewerFirmware() const;
+
+    /// Adds a line to the upgrade's progress messages.
+    void addTip(const QString& text);
+    /// Uploads the package `file` and activates it; `md5` is its digest in lower-case hex.
+    void startUpgrade(const QString& file, const QString& md5);
+
+public slots:
+    void execCurl(const QString& str, const QVariantMap& map);
+    void R_readyReadStandardOutput();
+    void R_stateChanged(QProcess::ProcessState state);
+
+signals:
+    /// The box refused to delete the recording `filename`.
+    void deleteFailed(const QString& filename);
+    /// The download into `path` has ended.
+    void downloadEnded(const QString& path);
+
+private:
+    void upload(const QString& file, const QString& md5);
+    void handleUploadReply(const QProcess& process, const QString& reply);
+    void handleActivationReply(const QString& reply);
+    void markActivated();
+
+    Item* m_parentItem;
+    QVector<Item*> m_children;
+    CommandRunner m_runner;
+};
+
+/// The name of the family whose boxes the program configures.
+QString koraFamily();

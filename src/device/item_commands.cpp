@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+// The commands that an item runs for its box: upgrade, download, deletion.
+#include "device/item.h"
+
+#include "common/box_protocol.h"
+#include "common/json_map.h"
+
+#include <QFileInfo>
+#include <QTimer>
+
+namespace
+{
+
+/// The pause before an upload that was refused is tried again, in milliseconds: a box that refuses
+/// at once must not keep the computer busy.
+constexpr int uploadRetryPauseMs = 400;
+
+bool isSuccess(const QVariantMap& reply)
+{
+    return reply.value(QStringLiteral("status")).toString() == QLatin1String("success");
+}
+
+} // namespace
+
+void Item::addTip(const QString& text)
+{
+    setProperty("upgradtip", property("upgradtip").toStringList() << text);
+}
+
+void Item::startUpgrade(const QString& file, const QString& md5)
+{
+    setProperty("upgrading", true);
+    setProperty("upgradtimeout", false);
+    setProperty("upgradsuccessful", false);
+    setProperty("rtime", 600);
+    setProperty("upgrade_ota_file", false);
+    setProperty("upgrade_ota", false);
+    addTip(tr("开始上传固件(%1)").arg(QFileInfo(file).fileName()));
+    upload(file, md5);
+}
+
+void Item::upload(const QString& file, const QString& md5)
+{
+    execCurl(BoxProtocol::uploadCommand(file, address()),
+             {{QStringLiteral("exectype"), QStringLiteral("upgrade_ota_file")},
+              {QStringLiteral("ota_file"), file},
+              {QStringLiteral("md5"), md5}});
+}
+
+void Item::execCurl(const QString& str, const QVariantMap& map)
+{
+    m_runner.execCurl(address(), str, map);
+}
+
+void Item::R_readyReadStandardOutput()
+{
+    auto* process = qobject_cast<QProcess*>(sender());
+    if (!process)
+        return;
+    const QString type = process->property("exectype").toString();
+    const QString reply = m_runner.takeReply(process);
+    if (type == QLatin1String("upgrade_ota_file"))
+        handleUploadReply(*process, reply);
+    else if (type == QLatin1String("upgrade_ota"))
+        handleActivationReply(reply);
+    else if (type == QLatin1String("record_del") && !isSuccess(jsonToMap(reply)))
+        emit deleteFailed(process->property("filename").toString());
+}
+
+void Item::handleUploadReply(const QProcess& process, const QString& reply)
+{
+    const QVariantMap map = jsonToMap(reply);
+    const QString received = map.value(QStringLiteral("file_md5")).toString();
+    if (!isSuccess(map) || received != process.property("md5").toString()) {
+        addTip(tr("上传固件 失败 原因 : ") + reply);
+        setProperty("upgradtimeout", true);
+        return;
+    }
+    setProperty("upgrade_ota_file", true);
+    addTip(tr("上传固件 成功"));
+    addTip(tr("开始更新固件"));
+    execCurl(BoxProtocol::otaCommand(address()),
+             {{QStringLiteral("exectype"), QStringLiteral("upgrade_ota")}});
+}
+
+void Item::handleActivationReply(const QString& reply)
+{
+    if (isSuccess(jsonToMap(reply)))
+        markActivated();
+    else
+        addTip(tr("更新固件 未知"));
+}
+
+void Item::markActivated()
+{
+    setProperty("upgrade_ota", true);
+    addTip(tr("更新固件 成功"));
+    setProperty("upgradsuccessful", true);
+}
+
+void Item::R_stateChanged(QProcess::ProcessState state)
+{
+    auto* process = qobject_cast<QProcess*>(sender());
+    if (!process || state != QProcess::NotRunning)
+        return;
+    m_runner.noteEnd(process);
+    const QString type = process->property("exectype").toString();
+    if (type == QLatin1String("download")) {
+        emit downloadEnded(process->property("saveFile").toString());
+    } else if (type == QLatin1String("upgrade_ota")) {
+        // The box restarts to apply the firmware, so that its reply often never arrives.
+        markActivated();
+    } else if (type == QLatin1String("upgrade_ota_file") &&
+               !property("upgrade_ota_file").toBool()) {
+        const QString file = process->property("ota_file").toString();
+        const QString md5 = process->property("md5").toString();
+        QTimer::singleShot(uploadRetryPauseMs, this, [this, file, md5] {
+            // The batch may have ended meanwhile.
+            if (!property("upgrading").toBool())
+                return;
+            addTip(tr("重新开始上传固件(%1)").arg(QFileInfo(file).fileName()));
+            upload(file, md5);
+        });
+    }
+}

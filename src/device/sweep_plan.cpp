@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "device/sweep_plan.h"
+
+#include "common/box_protocol.h"
+
+namespace
+{
+
+/// No tool prints a longer line; more than this without a line end is dropped.
+constexpr int longestLine = 4096;
+
+} // namespace
+
+SweepStep SweepStep::next() const
+{
+    SweepStep step = *this;
+    step.afterPause = v + 1 > max;
+    step.v = step.afterPause ? min : v + 1;
+    return step;
+}
+
+QString SweepStep::arguments() const
+{
+    return QStringLiteral(" -a -r 0 -t 100 -g %1.%2.%3.0/24").arg(ip1).arg(ip2).arg(v);
+}
+
+QVector<SweepStep> sweepRuns(const QString& localAddress)
+{
+    if (!BoxProtocol::isIpv4Address(localAddress))
+        return {};
+    const QStringList parts = localAddress.split(QLatin1Char('.'), Qt::SkipEmptyParts);
+    const int ip1 = parts.at(0).toInt();
+    const int ip2 = parts.at(1).toInt();
+    if (ip1 != 169 || ip2 != 254) {
+        const int v = parts.at(2).toInt();
+        return {SweepStep{ip1, ip2, v, v, v}};
+    }
+    constexpr int blocksPerRun = 64;
+    QVector<SweepStep> runs;
+    for (int first = 0; first < 256; first += blocksPerRun)
+        runs.append(SweepStep{ip1, ip2, first, first, first + blocksPerRun - 1});
+    return runs;
+}
+
+QString blockAddress(const QString& block)
+{
+    const QString ending = QStringLiteral(".0/24");
+    if (!block.endsWith(ending))
+        return QString();
+    const QString address = block.chopped(3);
+    return BoxProtocol::isIpv4Address(address) ? address : QString();
+}
+
+QString checkArguments(const QStringList& ips)
+{
+    return QStringLiteral(" -a -r 2 -t 200 ") + ips.join(QLatin1Char(' '));
+}
+
+QStringList outputLines(const QString& output)
+{
+    return output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+QStringList LineAssembler::add(const QByteArray& piece)
+{
+    m_open += piece;
+    const int end = m_open.lastIndexOf('\n');
+    if (end < 0) {
+        if (m_open.size() > longestLine)
+            m_open.clear();
+        return {};
+    }
+    const QStringList lines = outputLines(QString::fromLocal8Bit(m_open.left(end)));
+    m_open.remove(0, end + 1);
+    return lines;
+}
+
+QStringList LineAssembler::rest()
+{
+    const QStringList lines = outputLines(QString::fromLocal8Bit(m_open));
+    m_open.clear();
+    return lines;
+}

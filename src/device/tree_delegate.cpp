@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+#include "device/tree_delegate.h"
+
+#include "device/item.h"
+#include "device/tree_model.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTreeView>
+
+namespace
+{
+
+// Eight digits are alpha first.
+const char* const frameColour = "#303030";
+const char* const selectedColour = "#32ffffff";
+const char* const hoverColour = "#656565";
+const char* const goodColour = "#3200ff00";
+const char* const badColour = "#32ff0000";
+const char* const textColour = "#e8eaed";
+const char* const dimTextColour = "#a9b0b8";
+
+constexpr int upgradeAllowance = 600; ///< seconds
+
+QColor colour(const char* name)
+{
+    return QColor(QLatin1String(name));
+}
+
+QString iconName(Action action)
+{
+    switch (action) {
+    case Action::GroupExpanded:
+        return QStringLiteral("arrow_expanded");
+    case Action::GroupCollapsed:
+        return QStringLiteral("arrow_collapsed");
+    case Action::Online:
+        return QStringLiteral("online");
+    case Action::Offline:
+        return QStringLiteral("offline");
+    case Action::RestartDevice:
+        return QStringLiteral("restart");
+    case Action::RestartSoftware:
+        return QStringLiteral("reboot");
+    case Action::NewFirmware:
+        return QStringLiteral("needup");
+    default:
+        return QStringLiteral("info");
+    }
+}
+
+} // namespace
+
+TreeDelegate::TreeDelegate(QTreeView* view) : QStyledItemDelegate(view), m_view(view) {}
+
+RowZones TreeDelegate::zones(const QModelIndex& index) const
+{
+    return {m_view->visualRect(index), *TreeModel::itemAt(index), m_view->isExpanded(index)};
+}
+
+QSize TreeDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    return {QStyledItemDelegate::sizeHint(option, index).width(), RowZones::RowHeight};
+}
+
+void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                         const QModelIndex& index) const
+{
+    const Item& item = *TreeModel::itemAt(index);
+    const QRect row = option.rect;
+    const bool selected = option.state & QStyle::State_Selected;
+    const bool hovered = option.state & QStyle::State_MouseOver;
+
+    painter->save();
+    painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter->setClipRect(row);
+
+    painter->setPen(colour(selected ? selectedColour : frameColour));
+    if (selected)
+        painter->setBrush(colour(selectedColour));
+    else if (hovered)
+        painter->setBrush(colour(hoverColour));
+    painter->drawRect(row);
+
+    paintUpgrade(*painter, row, item);
+    const RowZones zones(row, item, m_view->isExpanded(index));
+    paintIcons(*painter, zones, selected || hovered);
+    painter->setFont(option.font);
+    paintText(*painter, zones, item);
+    painter->restore();
+}
+
+void TreeDelegate::paintUpgrade(QPainter& painter, const QRect& row, const Item& item) const
+{
+    const bool good = item.property("upgradsuccessful").toBool();
+    if (good || item.property("upgradtimeout").toBool()) {
+        painter.fillRect(row, colour(good ? goodColour : badColour));
+    } else if (item.property("upgrading").toBool()) {
+        const int done = upgradeAllowance - item.property("rtime").toInt();
+        QRect bar = row;
+        bar.setWidth(row.width() * done / upgradeAllowance);
+        painter.fillRect(bar, colour(goodColour));
+    }
+}
+
+void TreeDelegate::paintIcons(QPainter& painter, const RowZones& zones, bool active) const
+{
+    paintIcon(painter, zones.leading().rect, iconName(zones.leading().action));
+    for (const RowZones::Zone& zone : zones.rightIcons()) {
+        // Restart icons on every row at once would be noise; they show on the row in use.
+        if (active || zone.action == Action::NewFirmware)
+            paintIcon(painter, zone.rect, iconName(zone.action));
+    }
+    if (!zones.selectOrder().isEmpty())
+        paintIcon(painter, zones.selectOrder(), QStringLiteral("selectorder"));
+    if (!zones.correlation().isEmpty())
+        paintIcon(painter, zones.correlation(), QStringLiteral("correlation"));
+}
+
+void TreeDelegate::paintIcon(QPainter& painter, const QRect& rect, const QString& name) const
+{
+    QIcon& icon = m_icons[name];
+    if (icon.isNull())
+        icon = QIcon(QStringLiteral(":/spark/img/") + name + QStringLiteral(".svg"));
+    icon.paint(&painter, rect);
+}
+
+void TreeDelegate::paintText(QPainter& painter, const RowZones& zones, const Item& item) const
+{
+    const auto draw = [&painter](const QRect& rect, const char* name, const QString& text) {
+        // One line, whatever a box sends: line ends would push the text out of the row.
+        const QString line =
+            painter.fontMetrics().elidedText(text.simplified(), Qt::ElideRight, rect.width());
+        painter.setPen(colour(name));
+        painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, line);
+    };
+    if (zones.content().isEmpty()) {
+        draw(zones.title(), textColour, item.displayText());
+        return;
+    }
+    draw(zones.title(), dimTextColour, item.title());
+    draw(zones.content(), textColour, item.content());
+}
+
+bool TreeDelegate::editorEvent(QEvent* event, QAbstractItemModel*, const QStyleOptionViewItem&,
+                               const QModelIndex& index)
+{
+    if (event->type() != QEvent::MouseButtonRelease)
+        return false;
+    const auto* mouse = static_cast<QMouseEvent*>(event);
+    if (mouse->button() != Qt::LeftButton)
+        return false;
+    const Action zone = zones(index).at(mouse->pos());
+    const bool own = static_cast<int>(zone) <= lastOwnActionCode;
+    emit S_ActionClicked(own ? zone : Action::Select, TreeModel::itemAt(index));
+    return false;
+}

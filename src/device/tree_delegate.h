@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "device/action.h"
+#include "device/row_zones.h"
+
+#include <QHash>
+#include <QIcon>
+#include <QStyledItemDelegate>
+
+class Item;
+class QTreeView;
+
+/// Paints one row of the device tree or of an information list, and tells which zone was clicked.
+class TreeDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    /// `view` is the view it paints for; it stays alive as long as the delegate.
+    explicit TreeDelegate(QTreeView* view);
+
+    /// Where everything stands in the visible row of `index`.
+    RowZones zones(const QModelIndex& index) const;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
+signals:
+    void S_ActionClicked(Action type, Item* itemObj);
+
+protected:
+    bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
+                     const QModelIndex& index) override;
+
+private:
+    void paintUpgrade(QPainter& painter, const QRect& row, const Item& item) const;
+    void paintIcons(QPainter& painter, const RowZones& zones, bool active) const;
+    void paintText(QPainter& painter, const RowZones& zones, const Item& item) const;
+    void paintIcon(QPainter& painter, const QRect& rect, const QString& name) const;
+
+    QTreeView* m_view;
+    mutable QHash<QString, QIcon> m_icons;
+};

@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: MIT
+#include "device/tree_view.h"
+
+#include "device/item.h"
+#include "device/tree_delegate.h"
+#include "device/tree_model.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHelpEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QToolTip>
+
+TreeView::TreeView(QWidget* parent)
+    : QTreeView(parent), m_model(new TreeModel(this)), m_delegate(new TreeDelegate(this))
+{
+    setModel(m_model);
+    setItemDelegate(m_delegate);
+    setUpView();
+
+    m_upgradeTimer.setInterval(1000);
+    m_autoExTimer.setInterval(300);
+    m_autoExTimer.setSingleShot(true);
+    m_scrollTimer.setInterval(200);
+    connect(&m_upgradeTimer, &QTimer::timeout, this, &TreeView::tickUpgrades);
+    connect(&m_autoExTimer, &QTimer::timeout, this, &TreeView::R_autoExTimer);
+    connect(&m_scrollTimer, &QTimer::timeout, this, &TreeView::R_scrollTimer);
+    connect(this, &QWidget::customContextMenuRequested, this,
+            &TreeView::R_customContextMenuRequested);
+    connect(this, &QAbstractItemView::clicked, this, &TreeView::R_clicked);
+    connect(m_delegate, &TreeDelegate::S_ActionClicked, this, &TreeView::R_ActionClicked);
+    // A new group shows its boxes at once: nobody starts the program to see closed groups.
+    connect(m_model, &QAbstractItemModel::rowsInserted, this,
+            [this](const QModelIndex& group, int first) {
+                if (group.isValid() && first == 0 && m_model->rowCount(group) == 1)
+                    expand(group);
+            });
+}
+
+void TreeView::setUpView()
+{
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    setHeaderHidden(true);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setAnimated(true);
+    setRootIsDecorated(false);
+    setIndentation(0);
+    setItemsExpandable(false);
+    setExpandsOnDoubleClick(false);
+    setDragEnabled(false);
+    setAcceptDrops(false);
+    setEditTriggers(NoEditTriggers);
+    setUniformRowHeights(true);
+    setMouseTracking(true);
+}
+
+QList<Item*> TreeView::selectedBoxes() const
+{
+    QList<Item*> boxes;
+    const QList<Item*> all = m_model->items();
+    for (Item* item : all) {
+        if (!item->isGroup() && selectionModel()->isSelected(m_model->indexOf(item)))
+            boxes << item;
+    }
+    return boxes;
+}
+
+void TreeView::refresh()
+{
+    m_model->announceLayout();
+    viewport()->update();
+}
+
+void TreeView::startUpgradeTick()
+{
+    m_upgradeTimer.start();
+}
+
+void TreeView::stopUpgradeTick()
+{
+    m_upgradeTimer.stop();
+}
+
+void TreeView::tickUpgrades()
+{
+    bool touched = false;
+    const QList<Item*> all = m_model->items();
+    for (Item* item : all) {
+        if (!item->property("upgrading").toBool() || item->property("upgradsuccessful").toBool())
+            continue;
+        touched = true;
+        const int left = item->property("rtime").toInt();
+        if (left < 1)
+            item->setProperty("upgradtimeout", true);
+        else
+            item->setProperty("rtime", left - 1);
+    }
+    if (touched)
+        m_model->announceLayout();
+    viewport()->update();
+    emit S_ActionClicked(Action::UpgradeTick, nullptr);
+}
+
+void TreeView::dragHovers(const QPoint& pos)
+{
+    if (indexAt(pos) != indexAt(m_dragPos) || !m_scrollTimer.isActive())
+        m_autoExTimer.start();
+    m_dragPos = pos;
+    if (!m_scrollTimer.isActive())
+        m_scrollTimer.start();
+}
+
+void TreeView::dragEnds()
+{
+    m_autoExTimer.stop();
+    m_scrollTimer.stop();
+}
+
+void TreeView::R_autoExTimer()
+{
+    const QModelIndex index = indexAt(m_dragPos);
+    if (index.isValid() && TreeModel::itemAt(index)->isGroup())
+        expand(index);
+}
+
+void TreeView::R_scrollTimer()
+{
+    constexpr int edge = 24;
+    QScrollBar* bar = verticalScrollBar();
+    if (m_dragPos.y() < edge)
+        bar->triggerAction(QAbstractSlider::SliderSingleStepSub);
+    else if (m_dragPos.y() > viewport()->height() - edge)
+        bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+}
+
+void TreeView::R_customContextMenuRequested(QPoint pos)
+{
+    const QModelIndex index = indexAt(pos);
+    if (!index.isValid())
+        return;
+    const QPointer<Item> item = TreeModel::itemAt(index);
+    QMenu menu;
+    QAction* copy = menu.addAction(tr("复制"));
+    QAction* restart = item->isKora() ? menu.addAction(tr("重启设备")) : nullptr;
+    const QAction* chosen = menu.exec(viewport()->mapToGlobal(pos));
+    // The row may have left the list while the menu was open.
+    if (!chosen || !item)
+        return;
+    if (chosen == copy)
+        QGuiApplication::clipboard()->setText(item->displayText());
+    else if (chosen == restart)
+        R_ActionClicked(Action::RestartDevice, item);
+}
+
+void TreeView::R_ActionClicked(Action type, Item* itemObj)
+{
+    const QModelIndex index = m_model->indexOf(itemObj);
+    if (type == Action::GroupExpanded)
+        collapse(index);
+    else if (type == Action::GroupCollapsed)
+        expand(index);
+    emit S_ActionClicked(type, itemObj);
+}
+
+void TreeView::R_clicked(QModelIndex)
+{
+    // Icons at the right edge show on the selected row only.
+    viewport()->update();
+}
+
+void TreeView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
+{
+    QTreeView::selectionChanged(selected, deselected);
+    if (selectionModel()->selection().isEmpty() && !deselected.isEmpty())
+        emit S_ActionClicked(Action::Select, nullptr);
+}
+
+void TreeView::keyPressEvent(QKeyEvent* event)
+{
+    const QModelIndex before = currentIndex();
+    if (before.isValid() && TreeModel::itemAt(before)->isGroup() &&
+        (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)) {
+        setExpanded(before, event->key() == Qt::Key_Right);
+        return;
+    }
+    QTreeView::keyPressEvent(event);
+    // The box that the keys have moved to is shown, as after a click: what is highlighted and what
+    // the panels show must not differ.
+    const QModelIndex now = currentIndex();
+    if (now.isValid() && now != before && selectionModel()->isSelected(now))
+        R_ActionClicked(Action::Select, TreeModel::itemAt(now));
+}
+
+void TreeView::mouseMoveEvent(QMouseEvent* event)
+{
+    QTreeView::mouseMoveEvent(event);
+    const QModelIndex index = indexAt(event->pos());
+    const Action zone = index.isValid() ? m_delegate->zones(index).at(event->pos()) : Action::None;
+    if (m_hoverRow == index && zone == m_hoverZone)
+        return;
+    m_hoverRow = index;
+    m_hoverZone = zone;
+    m_model->setHover(index, zone);
+    showTip(index, event->globalPos());
+}
+
+void TreeView::leaveEvent(QEvent* event)
+{
+    m_hoverRow = QModelIndex();
+    m_hoverZone = Action::None;
+    m_model->setHover({}, Action::None);
+    QTreeView::leaveEvent(event);
+}
+
+bool TreeView::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        showTip(indexAt(help->pos()), help->globalPos());
+        return true;
+    }
+    return QTreeView::viewportEvent(event);
+}
+
+void TreeView::showTip(const QModelIndex& index, const QPoint& globalPos)
+{
+    const QString text = m_model->data(index, Qt::ToolTipRole).toString();
+    if (text.isEmpty()) {
+        QToolTip::hideText();
+        return;
+    }
+    // A tooltip guesses whether its text is markup; text from a box must never be.
+    QToolTip::showText(globalPos,
+                       QStringLiteral("<span style=\"white-space:pre-wrap\">") +
+                           text.toHtmlEscaped() + QStringLiteral("</span>"),
+                       viewport());
+}

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "device/action.h"
+
+#include <QPointer>
+#include <QTimer>
+#include <QTreeView>
+
+class Item;
+class TreeDelegate;
+class TreeModel;
+
+/// A list of boxes under their groups, or of information rows. Owns its model and its delegate.
+/// Reports what the operator does; it changes no box.
+class TreeView : public QTreeView
+{
+    Q_OBJECT
+
+public:
+    explicit TreeView(QWidget* parent = nullptr);
+
+    TreeModel* treeModel() const { return m_model; }
+    /// The selected boxes, groups left out, in display order.
+    QList<Item*> selectedBoxes() const;
+
+    /// Shows again what may have changed in any item.
+    void refresh();
+    /// The once-a-second countdown of the upgrades in progress.
+    void startUpgradeTick();
+    void stopUpgradeTick();
+    bool isUpgradeTickRunning() const { return m_upgradeTimer.isActive(); }
+
+    /// While a file is dragged over the list: `pos` in the viewport. A collapsed group under it
+    /// opens after a moment, and the list scrolls near its edges.
+    void dragHovers(const QPoint& pos);
+    void dragEnds();
+
+signals:
+    /// What a click or key asked for; `itemObj` is null when the selection became empty and for the
+    /// upgrade tick.
+    void S_ActionClicked(Action type, Item* itemObj);
+
+public slots:
+    void R_autoExTimer();
+    void R_scrollTimer();
+    void R_customContextMenuRequested(QPoint pos);
+    void R_ActionClicked(Action type, Item* itemObj);
+    void R_clicked(QModelIndex index);
+
+protected slots:
+    void selectionChanged(const QItemSelection& selected,
+                          const QItemSelection& deselected) override;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+
+private:
+    void setUpView();
+    void tickUpgrades();
+    void showTip(const QModelIndex& index, const QPoint& globalPos);
+
+    TreeModel* m_model;
+    TreeDelegate* m_delegate;
+    QTimer m_upgradeTimer;
+    QTimer m_autoExTimer;
+    QTimer m_scrollTimer;
+    QPoint m_dragPos;
+    Action m_hoverZone = Action::None;
+    QPersistentModelIndex m_hoverRow;
+};
