@@ -14,11 +14,12 @@
 #include <cstdio>
 #include <vector>
 
-namespace {
+namespace
+{
 
 constexpr std::array<int, 6> kSizes = {16, 24, 32, 48, 64, 256};
 
-QByteArray renderPng(QSvgRenderer &renderer, int size)
+QByteArray renderPng(QSvgRenderer& renderer, int size)
 {
     QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -34,7 +35,7 @@ QByteArray renderPng(QSvgRenderer &renderer, int size)
     return png;
 }
 
-QByteArray icon(QSvgRenderer &renderer)
+QByteArray icon(QSvgRenderer& renderer)
 {
     std::vector<QByteArray> pictures;
     for (const int size : kSizes)
@@ -59,14 +60,14 @@ QByteArray icon(QSvgRenderer &renderer)
             << quint32(pictures[i].size()) << offset;
         offset += quint32(pictures[i].size());
     }
-    for (const QByteArray &picture : pictures)
+    for (const QByteArray& picture : pictures)
         out.writeRawData(picture.constData(), picture.size());
     return bytes;
 }
 
 } // namespace
 
-int main(int argc, char **argv)
+int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication application(argc, argv);

@@ -48,8 +48,10 @@ def mountains(x, y):
             edge(x, y, *left, *summit), edge(x, y, *summit, *right), SHORE_Y - y
         )
         cover = coverage(inside)
-        # The side away from the light lies in shadow.
-        shaded = brightness * (1.0 - 0.35 * coverage(x - summit[0] - 0.25 * (y - summit[1])))
+        # The side away from the light lies in shadow, down a ragged ridge.
+        fall = y - summit[1]
+        ridge = summit[0] + 0.22 * fall + 0.12 * fall * abs(fall / 11.0 % 2.0 - 1.0)
+        shaded = brightness * (1.0 - 0.35 * coverage(x - ridge))
         value = value * (1.0 - cover) + shaded * cover
     return value
 
