@@ -88,6 +88,54 @@ QString dashboardUrl(const QString& ip)
     return fill(QStringLiteral("http://%1/cgi-bin/set-dashboard.cgi"), {ip});
 }
 
+QString escapeEquals(const QString& text)
+{
+    return QString(text).replace(QLatin1Char('='), QStringLiteral("%3D"));
+}
+
+QString setCommand(const QString& parameter, const QString& value, const QString& ip)
+{
+    return fillCommand(
+        QStringLiteral(
+            "curl -d \"action=set&param_name=%1&value=%2\" -X POST http://%3:8081/config?"),
+        {parameter, value, ip});
+}
+
+QString controlCommand(const QString& action, const QString& ip)
+{
+    return fillCommand(QStringLiteral("curl -d \"action=%1\" -X POST http://%2:8081/control?"),
+                       {action, ip});
+}
+
+QString decodeOnCommand(const QString& ip, const QString& source)
+{
+    return fillCommand(
+        QStringLiteral("curl -d \"action=hxdec_on&ndi_name='%2'\" -X POST http://%1:8081/control?"),
+        {ip, source});
+}
+
+QString streamPushCommand(const QString& ip, const QString& url)
+{
+    return fillCommand(
+        QStringLiteral(
+            "curl -d \"action=stream_on&stream_url='%2'\" -X POST http://%1:8081/control?"),
+        {ip, url});
+}
+
+QString streamListenCommand(const QString& ip, const QString& port, const QString& streamId)
+{
+    return fillCommand(
+        QStringLiteral("curl -d \"action=stream_on&srt_mode=listener&srt_port=%2&stream_id='%3'\""
+                       " -X POST http://%1:8081/control?"),
+        {ip, port, streamId});
+}
+
+QString restartCommand(const QString& ip)
+{
+    return fillCommand(QStringLiteral("curl -d action=restart -X POST http://%1:8081/control?"),
+                       {ip});
+}
+
 QString rebootCommand(const QString& ip)
 {
     return fillCommand(QStringLiteral("curl -d action=reboot -X POST http://%1:8081/control?"),

@@ -16,6 +16,25 @@ constexpr QLatin1String HardVersion("eParam_HardVersion");
 constexpr QLatin1String SdkVersion("eParam_SdkVersion");
 constexpr QLatin1String DiskSpace("eParam_DiskSpace");
 constexpr QLatin1String MACAddress("eParam_MACAddress");
+constexpr QLatin1String NDIHXFormat("eParam_NDIHXFormat");
+constexpr QLatin1String NDIEncMode("eParam_NDIEncMode");
+constexpr QLatin1String HDMIMode("eParam_HDMIMode");
+constexpr QLatin1String NDIHXQuality("eParam_NDIHXQuality");
+constexpr QLatin1String HXEncProfile("eParam_HXEncProfile");
+constexpr QLatin1String HXControlRate("eParam_HXControlRate");
+constexpr QLatin1String NDIHXBitRate("eParam_NDIHXBitRate");
+constexpr QLatin1String NDIHXGopLength("eParam_NDIHXGopLength");
+constexpr QLatin1String NDIHDR("eParam_NDIHDR");
+constexpr QLatin1String NDIName("eParam_NDIName");
+constexpr QLatin1String DHCP("eParam_DHCP");
+constexpr QLatin1String IPAddress("eParam_IPAddress");
+constexpr QLatin1String NetMask("eParam_NetMask");
+constexpr QLatin1String NTPServer("eParam_NTPServer");
+constexpr QLatin1String SDIVolume("eParam_SDIVolume");
+constexpr QLatin1String LineinVolume("eParam_LineinVolume");
+constexpr QLatin1String LineinDelay("eParam_LineinDelay");
+constexpr QLatin1String NDIDecodeList("eParam_NDIDecodeList");
+constexpr QLatin1String RecordList("eParam_RecordList");
 
 /// True for four decimal numbers of 0 to 255 joined by dots, and nothing else. Only such text may
 /// become a box's address.
@@ -31,7 +50,21 @@ QString fillCommand(const QString& commandLine, const QStringList& values);
 QString readUrl(const QString& ip, const QString& parameter);
 QString dashboardUrl(const QString& ip);
 
+/// The one escaping of free text: every "=" becomes "%3D".
+QString escapeEquals(const QString& text);
+
+/// Writes one parameter; success is the reply's "status" reading "set success".
+QString setCommand(const QString& parameter, const QString& value, const QString& ip);
+/// Runs an action without arguments, e.g. "hxenc_on".
+QString controlCommand(const QString& action, const QString& ip);
+QString decodeOnCommand(const QString& ip, const QString& source);
+/// Pushes the live stream to `url`.
+QString streamPushCommand(const QString& ip, const QString& url);
+/// Serves the live stream as an SRT listener.
+QString streamListenCommand(const QString& ip, const QString& port, const QString& streamId);
+
 QString rebootCommand(const QString& ip);
+QString restartCommand(const QString& ip);
 QString otaCommand(const QString& ip);
 /// `file` is a path on this computer.
 QString uploadCommand(const QString& file, const QString& ip);

@@ -91,7 +91,8 @@ private:
                 [this, process, lines](QProcess::ProcessState state) {
                     if (state != QProcess::NotRunning)
                         return;
-                    report(lines->add(process->readAllStandardOutput()) + lines->rest());
+                    report(lines->add(process->readAllStandardOutput()));
+                    report(lines->rest());
                     advance(process);
                 });
         startTool(*process, m_settings.fping, step.arguments());

@@ -78,9 +78,9 @@ void TreeModel::append(Item* item, Item* parent, bool byTitle)
     insert(item, parent, parent->sortedRow(item, byTitle));
 }
 
-void TreeModel::addRow(Item* item)
+void TreeModel::insertTopRow(int row, Item* item)
 {
-    insert(item, m_root.get(), m_root->childCount());
+    insert(item, m_root.get(), row);
 }
 
 void TreeModel::insert(Item* item, Item* parent, int row)

@@ -38,8 +38,8 @@ public:
 
     /// Inserts `item` under `parent` at its sorted place and takes ownership.
     void append(Item* item, Item* parent, bool byTitle);
-    /// Adds `item` as the last row of the top level and takes ownership.
-    void addRow(Item* item);
+    /// Inserts `item` as row `row` of the top level and takes ownership.
+    void insertTopRow(int row, Item* item);
     /// Takes `item` out and destroys it with everything below it.
     void remove(Item* item);
     void clear();
