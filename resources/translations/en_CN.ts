@@ -1,4 +1,531 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US" sourcelanguage="zh_CN">
+  <context>
+    <name>AudioLevels</name>
+    <message>
+      <source>控制 %1 失败,请重试!</source>
+      <translation>Controlling %1 failed, please retry!</translation>
+    </message>
+  </context>
+  <context>
+    <name>ConfigurationArea</name>
+    <message>
+      <source>配置区域:</source>
+      <translation>Configuration:</translation>
+    </message>
+    <message>
+      <source>NDI流名称 :</source>
+      <translation>NDI stream name:</translation>
+    </message>
+    <message>
+      <source>NDI HX编码质量 :</source>
+      <translation>NDI HX quality:</translation>
+    </message>
+    <message>
+      <source>很高</source>
+      <translation>Very high</translation>
+    </message>
+    <message>
+      <source>高</source>
+      <translation>High</translation>
+    </message>
+    <message>
+      <source>中</source>
+      <translation>Medium</translation>
+    </message>
+    <message>
+      <source>低</source>
+      <translation>Low</translation>
+    </message>
+    <message>
+      <source>很低</source>
+      <translation>Very low</translation>
+    </message>
+    <message>
+      <source>画质级别 :</source>
+      <translation>Profile:</translation>
+    </message>
+    <message>
+      <source>码率控制 :</source>
+      <translation>Rate control:</translation>
+    </message>
+    <message>
+      <source>Gop长度 (0~200) :</source>
+      <translation>GOP length (0~200):</translation>
+    </message>
+    <message>
+      <source>比特率 (0~120) Mbps :</source>
+      <translation>Bit rate (0~120) Mbps:</translation>
+    </message>
+    <message>
+      <source>DHCP :</source>
+      <translation>DHCP:</translation>
+    </message>
+    <message>
+      <source>静态IP地址 :</source>
+      <translation>Static IP address:</translation>
+    </message>
+    <message>
+      <source>静态子网掩码 :</source>
+      <translation>Static subnet mask:</translation>
+    </message>
+    <message>
+      <source>NTP服务器地址 :</source>
+      <translation>NTP server:</translation>
+    </message>
+    <message>
+      <source>Color颜色模式</source>
+      <translation>Colour mode</translation>
+    </message>
+    <message>
+      <source>保存</source>
+      <translation>Save</translation>
+    </message>
+  </context>
+  <context>
+    <name>ConfigurationSave</name>
+    <message>
+      <source>请您在设备列表中选择要操作的设备!</source>
+      <translation>Please select the device to operate in the device list!</translation>
+    </message>
+    <message>
+      <source>请输入正确的IP地址和子网掩码</source>
+      <translation>Enter a correct IP address and subnet mask</translation>
+    </message>
+    <message>
+      <source>设置参数部分失败,请检查KORA网络状态后重试.</source>
+      <translation>Some parameters could not be set. Please check the KORA network and retry.</translation>
+    </message>
+    <message>
+      <source>设置成功,正在重启KORA软件.</source>
+      <translation>Parameters set. The KORA software is restarting.</translation>
+    </message>
+    <message>
+      <source>设置成功,正在重启KORA设备.</source>
+      <translation>Parameters set. The KORA device is restarting.</translation>
+    </message>
+    <message>
+      <source>设置参数成功.</source>
+      <translation>Parameters set.</translation>
+    </message>
+  </context>
+  <context>
+    <name>ControlArea</name>
+    <message>
+      <source>控制区域:</source>
+      <translation>Control:</translation>
+    </message>
+    <message>
+      <source>HX 编码类型 :</source>
+      <translation>HX encoding:</translation>
+    </message>
+    <message>
+      <source>SDI音量 (0~32)</source>
+      <translation>SDI volume (0~32)</translation>
+    </message>
+    <message>
+      <source>嵌入音量 (0~32)</source>
+      <translation>Embedded volume (0~32)</translation>
+    </message>
+    <message>
+      <source>嵌入音量延时(0~341)ms</source>
+      <translation>Embedded delay (0~341) ms</translation>
+    </message>
+    <message>
+      <source>解码控制</source>
+      <translation>Decoding</translation>
+    </message>
+    <message>
+      <source>直播服务控制</source>
+      <translation>Live service</translation>
+    </message>
+    <message>
+      <source>录制</source>
+      <translation>Record</translation>
+    </message>
+  </context>
+  <context>
+    <name>DecodeControl</name>
+    <message>
+      <source>开启解码成功</source>
+      <translation>Decoding started</translation>
+    </message>
+    <message>
+      <source>关闭解码成功</source>
+      <translation>Decoding stopped</translation>
+    </message>
+    <message>
+      <source>请您在设备列表中选择要操作的设备!</source>
+      <translation>Please select the device to operate in the device list!</translation>
+    </message>
+    <message>
+      <source>开启</source>
+      <translation>Start: </translation>
+    </message>
+    <message>
+      <source>关闭</source>
+      <translation>Stop: </translation>
+    </message>
+    <message>
+      <source>解码成功</source>
+      <translation>decoding succeeded </translation>
+    </message>
+    <message>
+      <source>解码失败%1,请重试!</source>
+      <translation>decoding %1 failed, please retry!</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceArea</name>
+    <message>
+      <source>设备列表:</source>
+      <translation>Devices:</translation>
+    </message>
+    <message>
+      <source>固件升级</source>
+      <translation>Upgrade firmware</translation>
+    </message>
+    <message>
+      <source>计算固件MD5</source>
+      <translation>Firmware MD5</translation>
+    </message>
+    <message>
+      <source>全部折叠</source>
+      <translation>Collapse all</translation>
+    </message>
+    <message>
+      <source>全部展开</source>
+      <translation>Expand all</translation>
+    </message>
+    <message>
+      <source>刷新设备列表</source>
+      <translation>Refresh the device list</translation>
+    </message>
+    <message>
+      <source>语言</source>
+      <translation>Language</translation>
+    </message>
+    <message>
+      <source>设备列表</source>
+      <translation>Device list</translation>
+    </message>
+    <message>
+      <source>本机IP地址:</source>
+      <translation>This computer:</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceInfo</name>
+    <message>
+      <source>设备名称</source>
+      <translation>Device name</translation>
+    </message>
+    <message>
+      <source>固件版本</source>
+      <translation>Firmware version</translation>
+    </message>
+    <message>
+      <source>硬件版本</source>
+      <translation>Hardware version</translation>
+    </message>
+    <message>
+      <source>NDI SDK版本</source>
+      <translation>NDI SDK version</translation>
+    </message>
+    <message>
+      <source>剩余磁盘空间</source>
+      <translation>Free disk space</translation>
+    </message>
+    <message>
+      <source>MAC地址</source>
+      <translation>MAC address</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceSelection</name>
+    <message>
+      <source>确认要重启KORA设备吗? </source>
+      <translation>Restart the KORA box? </translation>
+    </message>
+  </context>
+  <context>
+    <name>EncoderControl</name>
+    <message>
+      <source>控制 HB 失败,请重试!</source>
+      <translation>Controlling HB failed, please retry!</translation>
+    </message>
+    <message>
+      <source>控制 HX2 失败,请重试!</source>
+      <translation>Controlling HX2 failed, please retry!</translation>
+    </message>
+    <message>
+      <source>控制 HX3 失败,请重试!</source>
+      <translation>Controlling HX3 failed, please retry!</translation>
+    </message>
+    <message>
+      <source>控制 H264 失败,请重试!</source>
+      <translation>Controlling H264 failed, please retry!</translation>
+    </message>
+  </context>
+  <context>
+    <name>InfoArea</name>
+    <message>
+      <source>设备信息:</source>
+      <translation>Information:</translation>
+    </message>
+    <message>
+      <source>设备信息</source>
+      <translation>Device information</translation>
+    </message>
+  </context>
+  <context>
+    <name>Inputui</name>
+    <message>
+      <source>请输入</source>
+      <translation>Please enter</translation>
+    </message>
+    <message>
+      <source>0/50</source>
+      <translation>0/50</translation>
+    </message>
+    <message>
+      <source>0/500</source>
+      <translation>0/500</translation>
+    </message>
+  </context>
+  <context>
+    <name>Item</name>
+    <message>
+      <source>开始上传固件(%1)</source>
+      <translation>Starting firmware upload (%1)</translation>
+    </message>
+    <message>
+      <source>上传固件 失败 原因 : </source>
+      <translation>Firmware upload failed, reason: </translation>
+    </message>
+    <message>
+      <source>上传固件 成功</source>
+      <translation>Firmware uploaded</translation>
+    </message>
+    <message>
+      <source>开始更新固件</source>
+      <translation>Starting firmware update</translation>
+    </message>
+    <message>
+      <source>更新固件 未知</source>
+      <translation>Firmware update: result unknown</translation>
+    </message>
+    <message>
+      <source>更新固件 成功</source>
+      <translation>Firmware updated</translation>
+    </message>
+    <message>
+      <source>重新开始上传固件(%1)</source>
+      <translation>Restarting firmware upload (%1)</translation>
+    </message>
+  </context>
+  <context>
+    <name>LiveControl</name>
+    <message>
+      <source>关闭直播服务成功</source>
+      <translation>Live service stopped</translation>
+    </message>
+    <message>
+      <source>开启直播服务成功</source>
+      <translation>Live service started </translation>
+    </message>
+    <message>
+      <source>开启直播服务失败</source>
+      <translation>Starting the live service failed</translation>
+    </message>
+    <message>
+      <source>请您在设备列表中选择要操作的设备!</source>
+      <translation>Please select the device to operate in the device list!</translation>
+    </message>
+  </context>
+  <context>
+    <name>MonitorArea</name>
+    <message>
+      <source>监控区域:</source>
+      <translation>Monitor:</translation>
+    </message>
+    <message>
+      <source>切换画面和流信息</source>
+      <translation>Picture or stream information</translation>
+    </message>
+    <message>
+      <source>全屏</source>
+      <translation>Full screen</translation>
+    </message>
+    <message>
+      <source>退出全屏</source>
+      <translation>Exit full screen</translation>
+    </message>
+    <message>
+      <source>上一个</source>
+      <translation>Previous</translation>
+    </message>
+    <message>
+      <source>播放</source>
+      <translation>Play</translation>
+    </message>
+    <message>
+      <source>下一个</source>
+      <translation>Next</translation>
+    </message>
+  </context>
+  <context>
+    <name>StorageArea</name>
+    <message>
+      <source>存储区域:</source>
+      <translation>Storage:</translation>
+    </message>
+    <message>
+      <source>存储区域</source>
+      <translation>Storage</translation>
+    </message>
+  </context>
+  <context>
+    <name>Tarn_Hub</name>
+    <message>
+      <source>正在对KORA升级固件,请勿关闭软件.</source>
+      <translation>KORA firmware is being upgraded. Please do not close the program.</translation>
+    </message>
+  </context>
+  <context>
+    <name>TreeModel</name>
+    <message>
+      <source>重启设备</source>
+      <translation>Restart device</translation>
+    </message>
+    <message>
+      <source>重启软件</source>
+      <translation>Restart software</translation>
+    </message>
+    <message>
+      <source>发现新固件可升级</source>
+      <translation>New firmware available</translation>
+    </message>
+    <message>
+      <source>在线</source>
+      <translation>Online</translation>
+    </message>
+    <message>
+      <source>离线</source>
+      <translation>Offline</translation>
+    </message>
+  </context>
+  <context>
+    <name>TreeView</name>
+    <message>
+      <source>复制</source>
+      <translation>Copy</translation>
+    </message>
+    <message>
+      <source>重启设备</source>
+      <translation>Restart device</translation>
+    </message>
+  </context>
+  <context>
+    <name>WebPane</name>
+    <message>
+      <source>此设备通过自己的网页管理。</source>
+      <translation>This box is managed through its own web page.</translation>
+    </message>
+    <message>
+      <source>在浏览器中打开</source>
+      <translation>Open in browser</translation>
+    </message>
+  </context>
+  <context>
+    <name>messageBox</name>
+    <message>
+      <source>取消</source>
+      <translation>Cancel</translation>
+    </message>
+    <message>
+      <source>Esc</source>
+      <translation>Esc</translation>
+    </message>
+    <message>
+      <source>确定</source>
+      <translation>OK</translation>
+    </message>
+    <message>
+      <source>Return</source>
+      <translation>Return</translation>
+    </message>
+    <message>
+      <source>确定并保留配置</source>
+      <translation>OK, keep configuration</translation>
+    </message>
+  </context>
+  <context>
+    <name>setui</name>
+    <message>
+      <source>NDI源</source>
+      <translation>NDI sources</translation>
+    </message>
+    <message>
+      <source>刷新</source>
+      <translation>Refresh</translation>
+    </message>
+    <message>
+      <source>没有找到NDI源</source>
+      <translation>No NDI sources found</translation>
+    </message>
+    <message>
+      <source>关闭解码</source>
+      <translation>Stop decoding</translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>Cancel</translation>
+    </message>
+    <message>
+      <source>开启解码</source>
+      <translation>Start decoding</translation>
+    </message>
+    <message>
+      <source>请输入地址 :</source>
+      <translation>Enter the address:</translation>
+    </message>
+    <message>
+      <source>流 ID :</source>
+      <translation>Stream ID:</translation>
+    </message>
+    <message>
+      <source>请输入端口 :</source>
+      <translation>Enter the port:</translation>
+    </message>
+    <message>
+      <source>关闭直播</source>
+      <translation>Stop live</translation>
+    </message>
+    <message>
+      <source>开启直播</source>
+      <translation>Start live</translation>
+    </message>
+    <message>
+      <source>解码控制</source>
+      <translation>Decoding</translation>
+    </message>
+    <message>
+      <source>直播服务控制</source>
+      <translation>Live service</translation>
+    </message>
+    <message>
+      <source>请选择您要解码的源</source>
+      <translation>Choose the source to decode</translation>
+    </message>
+    <message>
+      <source>请输入正确的url</source>
+      <translation>Enter a correct url</translation>
+    </message>
+    <message>
+      <source>请输入正确的端口号</source>
+      <translation>Enter a correct port number</translation>
+    </message>
+  </context>
 </TS>

@@ -1,4 +1,531 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
 <TS version="2.1" language="ko_KR" sourcelanguage="zh_CN">
+  <context>
+    <name>AudioLevels</name>
+    <message>
+      <source>控制 %1 失败,请重试!</source>
+      <translation>%1 제어에 실패했습니다. 다시 시도하세요!</translation>
+    </message>
+  </context>
+  <context>
+    <name>ConfigurationArea</name>
+    <message>
+      <source>配置区域:</source>
+      <translation>구성:</translation>
+    </message>
+    <message>
+      <source>NDI流名称 :</source>
+      <translation>NDI 스트림 이름:</translation>
+    </message>
+    <message>
+      <source>NDI HX编码质量 :</source>
+      <translation>NDI HX 인코딩 품질:</translation>
+    </message>
+    <message>
+      <source>很高</source>
+      <translation>매우 높음</translation>
+    </message>
+    <message>
+      <source>高</source>
+      <translation>높음</translation>
+    </message>
+    <message>
+      <source>中</source>
+      <translation>보통</translation>
+    </message>
+    <message>
+      <source>低</source>
+      <translation>낮음</translation>
+    </message>
+    <message>
+      <source>很低</source>
+      <translation>매우 낮음</translation>
+    </message>
+    <message>
+      <source>画质级别 :</source>
+      <translation>화질 수준:</translation>
+    </message>
+    <message>
+      <source>码率控制 :</source>
+      <translation>비트레이트 제어:</translation>
+    </message>
+    <message>
+      <source>Gop长度 (0~200) :</source>
+      <translation>GOP 길이 (0~200):</translation>
+    </message>
+    <message>
+      <source>比特率 (0~120) Mbps :</source>
+      <translation>비트레이트 (0~120) Mbps:</translation>
+    </message>
+    <message>
+      <source>DHCP :</source>
+      <translation>DHCP:</translation>
+    </message>
+    <message>
+      <source>静态IP地址 :</source>
+      <translation>고정 IP 주소:</translation>
+    </message>
+    <message>
+      <source>静态子网掩码 :</source>
+      <translation>고정 서브넷 마스크:</translation>
+    </message>
+    <message>
+      <source>NTP服务器地址 :</source>
+      <translation>NTP 서버 주소:</translation>
+    </message>
+    <message>
+      <source>Color颜色模式</source>
+      <translation>색상 모드</translation>
+    </message>
+    <message>
+      <source>保存</source>
+      <translation>저장</translation>
+    </message>
+  </context>
+  <context>
+    <name>ConfigurationSave</name>
+    <message>
+      <source>请您在设备列表中选择要操作的设备!</source>
+      <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
+    </message>
+    <message>
+      <source>请输入正确的IP地址和子网掩码</source>
+      <translation>올바른 IP 주소와 서브넷 마스크를 입력하세요</translation>
+    </message>
+    <message>
+      <source>设置参数部分失败,请检查KORA网络状态后重试.</source>
+      <translation>일부 매개변수를 설정하지 못했습니다. KORA 네트워크 상태를 확인한 후 다시 시도하세요.</translation>
+    </message>
+    <message>
+      <source>设置成功,正在重启KORA软件.</source>
+      <translation>설정 성공. KORA 소프트웨어를 다시 시작하는 중입니다.</translation>
+    </message>
+    <message>
+      <source>设置成功,正在重启KORA设备.</source>
+      <translation>설정 성공. KORA 장치를 다시 시작하는 중입니다.</translation>
+    </message>
+    <message>
+      <source>设置参数成功.</source>
+      <translation>매개변수를 설정했습니다.</translation>
+    </message>
+  </context>
+  <context>
+    <name>ControlArea</name>
+    <message>
+      <source>控制区域:</source>
+      <translation>제어:</translation>
+    </message>
+    <message>
+      <source>HX 编码类型 :</source>
+      <translation>HX 인코딩 유형:</translation>
+    </message>
+    <message>
+      <source>SDI音量 (0~32)</source>
+      <translation>SDI 음량 (0~32)</translation>
+    </message>
+    <message>
+      <source>嵌入音量 (0~32)</source>
+      <translation>임베디드 음량 (0~32)</translation>
+    </message>
+    <message>
+      <source>嵌入音量延时(0~341)ms</source>
+      <translation>임베디드 지연 (0~341) ms</translation>
+    </message>
+    <message>
+      <source>解码控制</source>
+      <translation>디코딩 제어</translation>
+    </message>
+    <message>
+      <source>直播服务控制</source>
+      <translation>라이브 서비스</translation>
+    </message>
+    <message>
+      <source>录制</source>
+      <translation>녹화</translation>
+    </message>
+  </context>
+  <context>
+    <name>DecodeControl</name>
+    <message>
+      <source>开启解码成功</source>
+      <translation>디코딩을 시작했습니다</translation>
+    </message>
+    <message>
+      <source>关闭解码成功</source>
+      <translation>디코딩을 중지했습니다</translation>
+    </message>
+    <message>
+      <source>请您在设备列表中选择要操作的设备!</source>
+      <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
+    </message>
+    <message>
+      <source>开启</source>
+      <translation>시작: </translation>
+    </message>
+    <message>
+      <source>关闭</source>
+      <translation>중지: </translation>
+    </message>
+    <message>
+      <source>解码成功</source>
+      <translation>디코딩 성공 </translation>
+    </message>
+    <message>
+      <source>解码失败%1,请重试!</source>
+      <translation>%1 디코딩 실패, 다시 시도하세요!</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceArea</name>
+    <message>
+      <source>设备列表:</source>
+      <translation>장치 목록:</translation>
+    </message>
+    <message>
+      <source>固件升级</source>
+      <translation>펌웨어 업그레이드</translation>
+    </message>
+    <message>
+      <source>计算固件MD5</source>
+      <translation>펌웨어 MD5 계산</translation>
+    </message>
+    <message>
+      <source>全部折叠</source>
+      <translation>모두 접기</translation>
+    </message>
+    <message>
+      <source>全部展开</source>
+      <translation>모두 펼치기</translation>
+    </message>
+    <message>
+      <source>刷新设备列表</source>
+      <translation>장치 목록 새로 고침</translation>
+    </message>
+    <message>
+      <source>语言</source>
+      <translation>언어</translation>
+    </message>
+    <message>
+      <source>设备列表</source>
+      <translation>장치 목록</translation>
+    </message>
+    <message>
+      <source>本机IP地址:</source>
+      <translation>이 컴퓨터:</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceInfo</name>
+    <message>
+      <source>设备名称</source>
+      <translation>장치 이름</translation>
+    </message>
+    <message>
+      <source>固件版本</source>
+      <translation>펌웨어 버전</translation>
+    </message>
+    <message>
+      <source>硬件版本</source>
+      <translation>하드웨어 버전</translation>
+    </message>
+    <message>
+      <source>NDI SDK版本</source>
+      <translation>NDI SDK 버전</translation>
+    </message>
+    <message>
+      <source>剩余磁盘空间</source>
+      <translation>남은 디스크 공간</translation>
+    </message>
+    <message>
+      <source>MAC地址</source>
+      <translation>MAC 주소</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceSelection</name>
+    <message>
+      <source>确认要重启KORA设备吗? </source>
+      <translation>KORA 장치를 다시 시작할까요? </translation>
+    </message>
+  </context>
+  <context>
+    <name>EncoderControl</name>
+    <message>
+      <source>控制 HB 失败,请重试!</source>
+      <translation>HB 제어에 실패했습니다. 다시 시도하세요!</translation>
+    </message>
+    <message>
+      <source>控制 HX2 失败,请重试!</source>
+      <translation>HX2 제어에 실패했습니다. 다시 시도하세요!</translation>
+    </message>
+    <message>
+      <source>控制 HX3 失败,请重试!</source>
+      <translation>HX3 제어에 실패했습니다. 다시 시도하세요!</translation>
+    </message>
+    <message>
+      <source>控制 H264 失败,请重试!</source>
+      <translation>H264 제어에 실패했습니다. 다시 시도하세요!</translation>
+    </message>
+  </context>
+  <context>
+    <name>InfoArea</name>
+    <message>
+      <source>设备信息:</source>
+      <translation>장치 정보:</translation>
+    </message>
+    <message>
+      <source>设备信息</source>
+      <translation>장치 정보</translation>
+    </message>
+  </context>
+  <context>
+    <name>Inputui</name>
+    <message>
+      <source>请输入</source>
+      <translation>입력하세요</translation>
+    </message>
+    <message>
+      <source>0/50</source>
+      <translation>0/50</translation>
+    </message>
+    <message>
+      <source>0/500</source>
+      <translation>0/500</translation>
+    </message>
+  </context>
+  <context>
+    <name>Item</name>
+    <message>
+      <source>开始上传固件(%1)</source>
+      <translation>펌웨어 업로드 시작(%1)</translation>
+    </message>
+    <message>
+      <source>上传固件 失败 原因 : </source>
+      <translation>펌웨어 업로드 실패, 원인: </translation>
+    </message>
+    <message>
+      <source>上传固件 成功</source>
+      <translation>펌웨어 업로드 성공</translation>
+    </message>
+    <message>
+      <source>开始更新固件</source>
+      <translation>펌웨어 업데이트 시작</translation>
+    </message>
+    <message>
+      <source>更新固件 未知</source>
+      <translation>펌웨어 업데이트 결과 알 수 없음</translation>
+    </message>
+    <message>
+      <source>更新固件 成功</source>
+      <translation>펌웨어 업데이트 성공</translation>
+    </message>
+    <message>
+      <source>重新开始上传固件(%1)</source>
+      <translation>펌웨어 업로드 다시 시작(%1)</translation>
+    </message>
+  </context>
+  <context>
+    <name>LiveControl</name>
+    <message>
+      <source>关闭直播服务成功</source>
+      <translation>라이브 서비스를 중지했습니다</translation>
+    </message>
+    <message>
+      <source>开启直播服务成功</source>
+      <translation>라이브 서비스를 시작했습니다 </translation>
+    </message>
+    <message>
+      <source>开启直播服务失败</source>
+      <translation>라이브 서비스를 시작하지 못했습니다</translation>
+    </message>
+    <message>
+      <source>请您在设备列表中选择要操作的设备!</source>
+      <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
+    </message>
+  </context>
+  <context>
+    <name>MonitorArea</name>
+    <message>
+      <source>监控区域:</source>
+      <translation>모니터:</translation>
+    </message>
+    <message>
+      <source>切换画面和流信息</source>
+      <translation>화면/스트림 정보 전환</translation>
+    </message>
+    <message>
+      <source>全屏</source>
+      <translation>전체 화면</translation>
+    </message>
+    <message>
+      <source>退出全屏</source>
+      <translation>전체 화면 종료</translation>
+    </message>
+    <message>
+      <source>上一个</source>
+      <translation>이전</translation>
+    </message>
+    <message>
+      <source>播放</source>
+      <translation>재생</translation>
+    </message>
+    <message>
+      <source>下一个</source>
+      <translation>다음</translation>
+    </message>
+  </context>
+  <context>
+    <name>StorageArea</name>
+    <message>
+      <source>存储区域:</source>
+      <translation>저장소:</translation>
+    </message>
+    <message>
+      <source>存储区域</source>
+      <translation>저장소</translation>
+    </message>
+  </context>
+  <context>
+    <name>Tarn_Hub</name>
+    <message>
+      <source>正在对KORA升级固件,请勿关闭软件.</source>
+      <translation>KORA 펌웨어를 업그레이드하는 중입니다. 프로그램을 닫지 마세요.</translation>
+    </message>
+  </context>
+  <context>
+    <name>TreeModel</name>
+    <message>
+      <source>重启设备</source>
+      <translation>장치 다시 시작</translation>
+    </message>
+    <message>
+      <source>重启软件</source>
+      <translation>소프트웨어 다시 시작</translation>
+    </message>
+    <message>
+      <source>发现新固件可升级</source>
+      <translation>새 펌웨어로 업그레이드할 수 있음</translation>
+    </message>
+    <message>
+      <source>在线</source>
+      <translation>온라인</translation>
+    </message>
+    <message>
+      <source>离线</source>
+      <translation>오프라인</translation>
+    </message>
+  </context>
+  <context>
+    <name>TreeView</name>
+    <message>
+      <source>复制</source>
+      <translation>복사</translation>
+    </message>
+    <message>
+      <source>重启设备</source>
+      <translation>장치 다시 시작</translation>
+    </message>
+  </context>
+  <context>
+    <name>WebPane</name>
+    <message>
+      <source>此设备通过自己的网页管理。</source>
+      <translation>이 장치는 자체 웹 페이지로 관리합니다.</translation>
+    </message>
+    <message>
+      <source>在浏览器中打开</source>
+      <translation>브라우저에서 열기</translation>
+    </message>
+  </context>
+  <context>
+    <name>messageBox</name>
+    <message>
+      <source>取消</source>
+      <translation>취소</translation>
+    </message>
+    <message>
+      <source>Esc</source>
+      <translation>Esc</translation>
+    </message>
+    <message>
+      <source>确定</source>
+      <translation>확인</translation>
+    </message>
+    <message>
+      <source>Return</source>
+      <translation>Return</translation>
+    </message>
+    <message>
+      <source>确定并保留配置</source>
+      <translation>확인 및 설정 유지</translation>
+    </message>
+  </context>
+  <context>
+    <name>setui</name>
+    <message>
+      <source>NDI源</source>
+      <translation>NDI 소스</translation>
+    </message>
+    <message>
+      <source>刷新</source>
+      <translation>새로 고침</translation>
+    </message>
+    <message>
+      <source>没有找到NDI源</source>
+      <translation>NDI 소스를 찾을 수 없음</translation>
+    </message>
+    <message>
+      <source>关闭解码</source>
+      <translation>디코딩 중지</translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>취소</translation>
+    </message>
+    <message>
+      <source>开启解码</source>
+      <translation>디코딩 시작</translation>
+    </message>
+    <message>
+      <source>请输入地址 :</source>
+      <translation>주소 입력:</translation>
+    </message>
+    <message>
+      <source>流 ID :</source>
+      <translation>스트림 ID:</translation>
+    </message>
+    <message>
+      <source>请输入端口 :</source>
+      <translation>포트 입력:</translation>
+    </message>
+    <message>
+      <source>关闭直播</source>
+      <translation>라이브 중지</translation>
+    </message>
+    <message>
+      <source>开启直播</source>
+      <translation>라이브 시작</translation>
+    </message>
+    <message>
+      <source>解码控制</source>
+      <translation>디코딩 제어</translation>
+    </message>
+    <message>
+      <source>直播服务控制</source>
+      <translation>라이브 서비스</translation>
+    </message>
+    <message>
+      <source>请选择您要解码的源</source>
+      <translation>디코딩할 소스를 선택하세요</translation>
+    </message>
+    <message>
+      <source>请输入正确的url</source>
+      <translation>올바른 url을 입력하세요</translation>
+    </message>
+    <message>
+      <source>请输入正确的端口号</source>
+      <translation>올바른 포트 번호를 입력하세요</translation>
+    </message>
+  </context>
 </TS>

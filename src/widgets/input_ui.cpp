@@ -15,8 +15,7 @@ Inputui::Inputui(QWidget* parent) : QWidget(parent), m_ui(std::make_unique<Ui::I
     m_ui->titleCount->hide();
     m_ui->contentCount->hide();
     m_ui->label->hide();
-    // Whoever focuses the panel means the field that it shows.
-    setFocusProxy(m_ui->titleEdit);
+    fitPage();
     connect(m_ui->titleEdit, &QLineEdit::returnPressed, this, &Inputui::returnPressed);
 
     m_ui->titleEdit->installEventFilter(this);
@@ -32,11 +31,7 @@ void Inputui::setCurrentIndex(int index)
         return;
     }
     m_ui->stackedWidget->setCurrentIndex(index);
-    if (index == MultiLine) {
-        setFocusProxy(m_ui->contentEdit);
-    } else {
-        setFocusProxy(m_ui->titleEdit);
-    }
+    fitPage();
 }
 
 int Inputui::currentIndex() const
@@ -108,6 +103,27 @@ void Inputui::paintEvent(QPaintEvent*)
 void Inputui::on_titleEdit_textChanged(const QString& arg1)
 {
     emit textChanged(arg1);
+}
+
+void Inputui::fitPage()
+{
+    const bool multiLine = currentIndex() == MultiLine;
+    const auto ignored = QSizePolicy::Ignored;
+    const auto heightOf = [](QWidget* widget, QSizePolicy::Policy policy) {
+        widget->setSizePolicy(widget->sizePolicy().horizontalPolicy(), policy);
+    };
+    heightOf(m_ui->titlePage, multiLine ? ignored : QSizePolicy::Preferred);
+    heightOf(m_ui->contentPage, multiLine ? QSizePolicy::Expanding : ignored);
+    heightOf(m_ui->stackedWidget, multiLine ? QSizePolicy::Expanding : QSizePolicy::Fixed);
+    heightOf(this, multiLine ? QSizePolicy::Expanding : QSizePolicy::Fixed);
+    m_ui->stackedWidget->updateGeometry();
+
+    // Whoever focuses the panel means the field that it shows.
+    if (multiLine) {
+        setFocusProxy(m_ui->contentEdit);
+    } else {
+        setFocusProxy(m_ui->titleEdit);
+    }
 }
 
 void Inputui::showSuggestions()

@@ -59,6 +59,8 @@ private slots:
     void on_titleEdit_textChanged(const QString& arg1);
 
 private:
+    /// Sizes the panel by the page it shows: one line is as high as its field, no more.
+    void fitPage();
     void showSuggestions();
 
     std::unique_ptr<Ui::Inputui> m_ui;

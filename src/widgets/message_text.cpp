@@ -2,13 +2,13 @@
 #include "widgets/message_text.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QTextBlock>
 #include <QTextDocument>
 #include <QtMath>
 
-MessageText::MessageText(QWidget* parent) : QPlainTextEdit(parent)
+MessageText::MessageText(QWidget* parent) : QTextEdit(parent)
 {
     setReadOnly(true);
+    setAcceptRichText(false);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -31,33 +31,21 @@ QString MessageText::text() const
 
 void MessageText::resizeEvent(QResizeEvent* event)
 {
-    QPlainTextEdit::resizeEvent(event);
+    QTextEdit::resizeEvent(event);
     fitHeight();
 }
 
 void MessageText::changeEvent(QEvent* event)
 {
-    QPlainTextEdit::changeEvent(event);
+    QTextEdit::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
         fitHeight();
     }
 }
 
-int MessageText::textHeight(int limit) const
-{
-    const QAbstractTextDocumentLayout* layout = document()->documentLayout();
-    qreal height = 2 * document()->documentMargin();
-    for (QTextBlock block = document()->begin(); block.isValid() && height < limit;
-         block = block.next()) {
-        height += layout->blockBoundingRect(block).height();
-    }
-    return qMin(qCeil(height), limit);
-}
-
 void MessageText::fitHeight()
 {
-    // A longer text need not be measured to its end: no dialog of ours is taller than this.
-    constexpr int Limit = 2000;
     const QMargins around = contentsMargins() + viewportMargins();
-    setMaximumHeight(textHeight(Limit) + around.top() + around.bottom());
+    const int height = qCeil(document()->size().height()) + around.top() + around.bottom();
+    setMaximumHeight(qMin(height, QWIDGETSIZE_MAX));
 }

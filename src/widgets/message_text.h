@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QPlainTextEdit>
+#include <QTextEdit>
 
 /// The read-only text of a message. It is never read as markup, wraps even inside a word that is
 /// wider than the line, scrolls once it is taller than its room, and can be selected and copied by
 /// mouse and keyboard. It is never taller than its text, so a layout centres it.
-class MessageText : public QPlainTextEdit
+class MessageText : public QTextEdit
 {
     Q_OBJECT
 
 public:
     explicit MessageText(QWidget* parent = nullptr);
 
+    /// Hides the base class's setText(), which guesses at markup.
     void setText(const QString& text);
     QString text() const;
 
@@ -21,7 +22,5 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    /// The height of the whole text at the present width, in pixels, or `limit` if it is more.
-    int textHeight(int limit) const;
     void fitHeight();
 };

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "common/platform.h"
+#include "ui/options.h"
+#include "ui/start_up.h"
+#include "ui/tarn_hub.h"
+
+#include <QApplication>
+
+#include <cstdio>
+
+namespace
+{
+
+constexpr int wrongUsage = 2;
+
+int printText(const OptionsResult& result)
+{
+    const bool error = result.outcome == OptionsResult::Error;
+    std::fputs(result.text.toLocal8Bit().constData(), error ? stderr : stdout);
+    return error ? wrongUsage : 0;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    // Read first: asking for help needs no display.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const OptionsResult read = readOptions(arguments);
+    if (read.outcome != OptionsResult::Run)
+        return printText(read);
+
+    StartUp::setAttributes();
+    QApplication application(argc, argv);
+    StartUp::dress(application);
+    Options options = read.options;
+    options.sweep.fping = Platform::fpingPath(options.sweep.fping);
+    Tarn_Hub window(options);
+    StartUp::installCrashHandler();
+    window.show();
+    return QApplication::exec();
+}

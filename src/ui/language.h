@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QMenu>
+#include <QObject>
+#include <QTranslator>
+
+/// The languages of the interface: Chinese is the source, the others are translators.
+class Language : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum Choice { Chinese = 1, English = 2, Korean = 3 };
+
+    explicit Language(QObject* parent);
+
+    /// The system's language, Chinese for any that has no translation.
+    void chooseSystemLanguage();
+    /// Pops up the menu at the mouse and applies what is chosen.
+    void askAtCursor();
+    void choose(int choice);
+    QMenu& menu() { return m_menu; }
+
+signals:
+    /// A language was chosen, be it the one in use: everything is labelled again.
+    void chosen();
+
+private:
+    QTranslator m_english;
+    QTranslator m_korean;
+    QMenu m_menu;
+};

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "ui/start_up.h"
+
+#include "common/crash_handler.h"
+#include "common/data_path.h"
+#include "common/platform.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QIcon>
+
+namespace StartUp
+{
+
+void setAttributes()
+{
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+}
+
+void dress(QApplication& application)
+{
+    Platform::useUtf8ForChildProcesses();
+    const int fontId =
+        QFontDatabase::addApplicationFont(QStringLiteral(":/font/font/Cantarell-Regular-5.ttf"));
+    QFont font = QApplication::font();
+    font.setPixelSize(13); // as the style sheet: delegates paint with this one
+    const QStringList families = QFontDatabase::applicationFontFamilies(fontId);
+    if (!families.isEmpty())
+        font.setFamilies(families);
+    QApplication::setFont(font);
+    application.setStyleSheet(QStringLiteral("file:///:/qss/spark.qss"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/icon/TH.ico")));
+    QCoreApplication::setApplicationName(QStringLiteral("Tarn Hub"));
+}
+
+void installCrashHandler()
+{
+    CrashHandler::instance().setDumpFolder(dataPath(QStringLiteral("Dump")));
+}
+
+} // namespace StartUp

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+class QApplication;
+
+/// The steps that prepare the process before and around the application object.
+namespace StartUp
+{
+
+/// High-DPI attributes; before the application object is made.
+void setAttributes();
+/// Font, style sheet, icon and name. What is missing is left out without a word.
+void dress(QApplication& application);
+/// Makes the crash handler and gives it its folder.
+void installCrashHandler();
+
+} // namespace StartUp

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "widgets/elided_label.h"
+
+#include <QEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOption>
+
+ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent)
+{
+    setTextFormat(Qt::PlainText);
+}
+
+QString ElidedLabel::shownText() const
+{
+    return fontMetrics().elidedText(text().simplified(), Qt::ElideRight, contentsRect().width());
+}
+
+bool ElidedLabel::event(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip)
+        setToolTip(shownText() == text() ? QString()
+                                         : QStringLiteral("<span>") + text().toHtmlEscaped() +
+                                               QStringLiteral("</span>"));
+    return QLabel::event(event);
+}
+
+void ElidedLabel::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    QStyleOption option;
+    option.initFrom(this);
+    style()->drawItemText(&painter, contentsRect(), int(alignment()), option.palette, isEnabled(),
+                          shownText(), foregroundRole());
+}
