@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "device/item.h"
 
+#include <QEvent>
+
 #include <array>
 
 namespace
@@ -62,6 +64,20 @@ Item::Item(Item* parentItem)
 Item::~Item()
 {
     qDeleteAll(m_children);
+}
+
+bool Item::event(QEvent* event)
+{
+    if (event->type() == QEvent::DynamicPropertyChange) {
+        const QByteArray name = static_cast<QDynamicPropertyChangeEvent*>(event)->propertyName();
+        if (name == "deviceip")
+            m_address = property("deviceip").toString();
+        else if (name == "title")
+            m_title = property("title").toString();
+        else if (name == "MACAddress")
+            m_macAddress = property("MACAddress").toString();
+    }
+    return QObject::event(event);
 }
 
 int Item::row() const

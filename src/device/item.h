@@ -38,8 +38,9 @@ public:
     Item* takeChild(int row);
 
     bool isGroup() const { return property("isdir").toBool(); }
-    QString address() const { return property("deviceip").toString(); }
-    QString title() const { return property("title").toString(); }
+    QString address() const { return m_address; }
+    QString title() const { return m_title; }
+    QString macAddress() const { return m_macAddress; }
     QString content() const { return property("content").toString(); }
     int level() const { return property("level").toInt(); }
 
@@ -68,6 +69,9 @@ signals:
     /// The download into `path` has ended.
     void downloadEnded(const QString& path);
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     void upload(const QString& file, const QString& md5);
     void handleUploadReply(const QProcess& process, const QString& reply);
@@ -76,6 +80,10 @@ private:
 
     Item* m_parentItem;
     QVector<Item*> m_children;
+    // Copies of three properties: the whole tree is searched by them for every address of a sweep.
+    QString m_address;
+    QString m_title;
+    QString m_macAddress;
     CommandRunner m_runner;
 };
 

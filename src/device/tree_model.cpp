@@ -10,6 +10,18 @@
 namespace
 {
 
+Item* findBelow(Item* item, const QString& key)
+{
+    for (int row = 0; row < item->childCount(); ++row) {
+        Item* child = item->child(row);
+        if (child->address() == key || child->macAddress() == key || child->title() == key)
+            return child;
+        if (Item* found = findBelow(child, key))
+            return found;
+    }
+    return nullptr;
+}
+
 void collect(Item* item, QList<Item*>& into)
 {
     for (int row = 0; row < item->childCount(); ++row) {
@@ -45,8 +57,7 @@ Item* TreeModel::find(const QString& key) const
         return nullptr;
     const QList<Item*> all = items();
     for (Item* item : all) {
-        if (item->address() == key || item->property("MACAddress").toString() == key ||
-            item->title() == key)
+        if (item->address() == key || item->macAddress() == key || item->title() == key)
             return item;
     }
     return nullptr;

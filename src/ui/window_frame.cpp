@@ -64,8 +64,14 @@ void WindowFrame::showStart()
     monitor.colsefull->hide();
     monitor.label_wait->setMovie(m_logo);
     m_logo->start();
+    // Nobody sees it move on another page, and it would cost more than the rest of the window.
+    const auto pause = [this, &monitor] {
+        m_logo->setPaused(monitor.stackedWidget->currentWidget() != monitor.page_wait);
+    };
+    connect(monitor.stackedWidget, &QStackedWidget::currentChanged, this, pause);
     monitor.tip->clear();
     monitor.stackedWidget->setCurrentWidget(monitor.page_video);
+    pause();
 }
 
 void WindowFrame::showNothingSelected()

@@ -9,6 +9,24 @@
 #include <QPainter>
 #include <QStyleOption>
 
+namespace
+{
+
+/// Keeps a placeholder apart from typed text: a style sheet that names a text colour would
+/// otherwise paint both alike.
+void dimPlaceholder(QWidget* field)
+{
+    QPalette palette = field->palette();
+    QColor dimmed = palette.color(QPalette::Text);
+    dimmed.setAlphaF(dimmed.alphaF() * 0.6);
+    if (palette.color(QPalette::PlaceholderText) != dimmed) {
+        palette.setColor(QPalette::PlaceholderText, dimmed);
+        field->setPalette(palette);
+    }
+}
+
+} // namespace
+
 Inputui::Inputui(QWidget* parent) : QWidget(parent), m_ui(std::make_unique<Ui::Inputui>())
 {
     m_ui->setupUi(this);
@@ -87,6 +105,8 @@ bool Inputui::eventFilter(QObject* watched, QEvent* event)
         m_ui->retranslateUi(this);
     } else if (watched == m_ui->titleEdit && event->type() == QEvent::MouseButtonPress) {
         showSuggestions();
+    } else if (watched != this && event->type() == QEvent::PaletteChange) {
+        dimPlaceholder(static_cast<QWidget*>(watched));
     }
     return QWidget::eventFilter(watched, event);
 }

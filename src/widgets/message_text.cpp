@@ -2,6 +2,7 @@
 #include "widgets/message_text.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QScrollBar>
 #include <QTextDocument>
 #include <QtMath>
 
@@ -27,6 +28,14 @@ void MessageText::setText(const QString& text)
 QString MessageText::text() const
 {
     return toPlainText();
+}
+
+void MessageText::showEvent(QShowEvent* event)
+{
+    QTextEdit::showEvent(event);
+    // The base class brings its cursor into sight: before the final layout, that scrolls past the
+    // beginning.
+    verticalScrollBar()->setValue(0);
 }
 
 void MessageText::resizeEvent(QResizeEvent* event)

@@ -18,9 +18,11 @@ public:
     QString text() const;
 
 protected:
+    void showEvent(QShowEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
+    /// No taller than the text, so that a layout centres a short one.
     void fitHeight();
 };
