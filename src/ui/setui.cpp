@@ -7,6 +7,7 @@
 #include "ui_setui.h"
 #include "widgets/message_box.h"
 
+#include <QHeaderView>
 #include <QTimer>
 
 QString ndiSourceName(const QString& entry)
@@ -21,7 +22,14 @@ setui::setui(Page page, const QString& deviceip, Spark_Http& http, QWidget* pare
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setProperty("deviceip", deviceip);
     const bool decode = page == Page::Decode;
-    m_ui->pages->setCurrentWidget(decode ? m_ui->page_decode : m_ui->page_live);
+    // The other page would only keep its room.
+    QWidget* unused = decode ? m_ui->page_live : m_ui->page_decode;
+    m_ui->pages->removeWidget(unused);
+    unused->hide();
+    m_ui->Media_tableWidget->horizontalHeader()->hide();
+    m_ui->Media_tableWidget->horizontalHeader()->setStretchLastSection(true);
+    m_ui->Media_tableWidget->verticalHeader()->hide();
+    resize(decode ? QSize(520, 380) : QSize(520, 0));
     setWindowTitle(decode ? tr("解码控制") : tr("直播服务控制"));
     (decode ? m_ui->okpushButton : m_ui->oklive)->setDefault(true);
     on_radioButton_Listener_toggled(m_ui->radioButton_Listener->isChecked());
@@ -129,4 +137,8 @@ void setui::on_radioButton_Listener_toggled(bool checked)
     m_ui->caption_port->setVisible(checked);
     m_ui->caption_id->setVisible(checked);
     m_ui->caption_url->setVisible(!checked);
+    if (!isVisible())
+        return;
+    adjustSize();
+    (m_ui->stream_url->text().isEmpty() ? m_ui->stream_url : m_ui->srt_port)->setFocus();
 }
