@@ -66,8 +66,7 @@ void whenOpen(const std::function<void(messageBox*)>& act)
         QVERIFY(QTest::qWaitForWindowActive(box));
         const QPointer<messageBox> guard(box);
         act(box);
-        QTest::qWait(200);
-        if (guard && guard->isVisible()) {
+        if (!QTest::qWaitFor([&] { return !guard || !guard->isVisible(); }, 500)) {
             guard->done(-1);
         }
     });
@@ -202,7 +201,7 @@ void TestMessageBox::textIsShownAsItStands_data()
     QTest::newRow("short") << chinese << false;
     QTest::newRow("two lines") << chinese + "\n" + chinese << false;
     QTest::newRow("long") << chinese.repeated(20) << true;
-    QTest::newRow("address without a break") << "http://h/" + QString(190, 'a') << false;
+    QTest::newRow("address without a break") << "http://h/" + QString(190, 'W') << true;
     QTest::newRow("longer than the box") << "http://h/" + QString(2000, 'W') << true;
     QTest::newRow("markup") << "<b>x</b><img src='file:///none.png'><a href='x'>y</a>&lt;" << false;
     QTest::newRow("empty") << "" << false;
