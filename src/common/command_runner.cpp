@@ -2,6 +2,7 @@
 #include "common/command_runner.h"
 
 #include "common/operation_log.h"
+#include "common/platform.h"
 
 #include <QDebug>
 #include <QEventLoop>
@@ -25,7 +26,10 @@ void start(QProcess* process, const QString& command)
     process->setStandardErrorFile(QProcess::nullDevice());
     QStringList arguments = QProcess::splitCommand(command);
     const QString program = arguments.isEmpty() ? QString() : arguments.takeFirst();
-    process->start(program, arguments, QIODevice::ReadWrite);
+    const Platform::ChildInput input = Platform::curlInput(arguments);
+    process->start(program, input.arguments, QIODevice::ReadWrite);
+    process->write(input.standardInput);
+    process->closeWriteChannel();
 }
 
 void releaseWhenEnded(QProcess* process)

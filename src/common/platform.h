@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 /// What differs between operating systems. One source file per system stands behind this header.
 namespace Platform
@@ -15,6 +17,15 @@ QString dataRoot();
 /// folder, else the one on the search path. When none exists the shipped one's path is returned,
 /// so that starting it fails like any other missing program.
 QString fpingPath(const QString& wanted);
+
+/// What a child process gets: its arguments, and what it reads from its standard input.
+struct ChildInput {
+    QStringList arguments;
+    QByteArray standardInput;
+};
+
+/// Prepares `arguments` of curl so that the data it posts is UTF-8 on the wire on every system.
+ChildInput curlInput(const QStringList& arguments);
 
 /// Makes text passed to and read from child processes UTF-8 where the system lets a program choose.
 void useUtf8ForChildProcesses();

@@ -10,6 +10,11 @@
 namespace Platform
 {
 
+ChildInput curlInput(const QStringList& arguments)
+{
+    return {arguments, QByteArray()};
+}
+
 void useUtf8ForChildProcesses()
 {
     // Under the plain C locale Qt would turn every non-Latin letter of a command line into "?".

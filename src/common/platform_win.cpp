@@ -8,6 +8,23 @@
 namespace Platform
 {
 
+ChildInput curlInput(const QStringList& arguments)
+{
+    ChildInput input{arguments, QByteArray()};
+    const int option = arguments.indexOf(QStringLiteral("-d"));
+    if (option < 0 || option + 1 >= arguments.size())
+        return input;
+    const QString data = arguments.at(option + 1);
+    // A program of the older kind sees its arguments in the local code page, where letters of other
+    // alphabets are lost. Its standard input passes bytes as they are.
+    if (data.toUtf8() != data.toLatin1()) {
+        input.arguments[option] = QStringLiteral("--data-binary");
+        input.arguments[option + 1] = QStringLiteral("@-");
+        input.standardInput = data.toUtf8();
+    }
+    return input;
+}
+
 void useUtf8ForChildProcesses()
 {
     // Windows hands command lines over as UTF-16; there is nothing to choose.
