@@ -21,10 +21,7 @@ void startTool(QProcess& process, const QString& fping, const QString& arguments
 {
     process.setReadChannel(QProcess::StandardOutput);
     process.setStandardErrorFile(QProcess::nullDevice());
-    QStringList words =
-        QProcess::splitCommand(QLatin1Char('"') + fping + QLatin1Char('"') + arguments);
-    const QString program = words.takeFirst();
-    process.start(program, words, QIODevice::ReadWrite);
+    process.start(fping, QProcess::splitCommand(arguments), QIODevice::ReadWrite);
 }
 
 void endTool(QProcess& process)

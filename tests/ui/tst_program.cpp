@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#include <QProcess>
+#include <QTest>
+
+/// The built program, as a user starts it. Nothing here needs a display.
+class tst_Program : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void answersWithoutDisplay_data();
+    void answersWithoutDisplay();
+};
+
+void tst_Program::answersWithoutDisplay_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("help") << QStringList{"--help"} << 0 << "--subnet"
+                          << "";
+    QTest::newRow("version") << QStringList{"--version"} << 0 << "Tarn Hub 1.0.0.10"
+                             << "";
+    QTest::newRow("unknown option") << QStringList{"--sweep"} << 2 << ""
+                                    << "sweep";
+    QTest::newRow("wrong block") << QStringList{"--subnet", "10.0.0.0/8"} << 2 << ""
+                                 << "10.0.0.0/8";
+}
+
+void tst_Program::answersWithoutDisplay()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, output);
+    QFETCH(QString, error);
+    QProcess program;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("DISPLAY");
+    environment.remove("WAYLAND_DISPLAY");
+    program.setProcessEnvironment(environment);
+    program.start(TARN_HUB_PROGRAM, arguments);
+    QVERIFY(program.waitForFinished(10000));
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QTEST(program.exitCode(), "exitCode");
+    const QString out = QString::fromUtf8(program.readAllStandardOutput());
+    const QString err = QString::fromUtf8(program.readAllStandardError());
+    QVERIFY2(output.isEmpty() ? out.isEmpty() : out.contains(output), qPrintable(out));
+    QVERIFY2(error.isEmpty() ? err.isEmpty() : err.contains(error), qPrintable(err));
+}
+
+QTEST_GUILESS_MAIN(tst_Program)
+#include "tst_program.moc"
