@@ -30,6 +30,29 @@ QStringList withoutWindowSystemOptions(const QStringList& arguments)
     return rest;
 }
 
+QString defaultUpdateServer()
+{
+    return QStringLiteral("https://update.tarn-hub.example");
+}
+
+/// Written out: the parser's own text needs an application object, and that a display.
+QString helpText()
+{
+    return QStringLiteral(
+               "Usage: tarn-hub [options]\n"
+               "Finds, watches, configures, records from and updates KORA network video boxes.\n"
+               "\n"
+               "Options:\n"
+               "  -h, --help             Show this help.\n"
+               "  -v, --version          Show the version.\n"
+               "  --subnet <a.b.c.0/24>  Sweep exactly this block instead of the computer's own\n"
+               "                         networks. May be given more than once.\n"
+               "  --fping <path>         The ping-sweep tool to use.\n"
+               "  --update-server <URL>  Where to look for newer versions\n"
+               "                         (%1).\n")
+        .arg(defaultUpdateServer());
+}
+
 OptionsResult failure(const QString& message)
 {
     OptionsResult result;
@@ -54,23 +77,12 @@ QString applicationVersion()
 OptionsResult readOptions(const QStringList& arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Finds, watches, configures, records from and updates KORA network video boxes."));
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Show this help."));
-    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
-                                     QStringLiteral("Show the version."));
-    const QCommandLineOption subnet(
-        QStringLiteral("subnet"),
-        QStringLiteral("Sweep exactly this block instead of the computer's own networks. May be "
-                       "given more than once."),
-        QStringLiteral("a.b.c.0/24"));
-    const QCommandLineOption fping(QStringLiteral("fping"),
-                                   QStringLiteral("The ping-sweep tool to use."),
-                                   QStringLiteral("path"));
-    const QCommandLineOption updateServer(
-        QStringLiteral("update-server"), QStringLiteral("Where to look for newer versions."),
-        QStringLiteral("URL"), QStringLiteral("https://update.tarn-hub.example"));
+    const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
+    const QCommandLineOption subnet(QStringLiteral("subnet"), QString(), QStringLiteral("block"));
+    const QCommandLineOption fping(QStringLiteral("fping"), QString(), QStringLiteral("path"));
+    const QCommandLineOption updateServer(QStringLiteral("update-server"), QString(),
+                                          QStringLiteral("URL"), defaultUpdateServer());
     parser.addOptions({help, version, subnet, fping, updateServer});
 
     if (!parser.parse(withoutWindowSystemOptions(arguments)))
@@ -79,7 +91,7 @@ OptionsResult readOptions(const QStringList& arguments)
     if (parser.isSet(help) || parser.isSet(version)) {
         result.outcome = OptionsResult::ShowText;
         result.text = parser.isSet(help)
-                          ? parser.helpText()
+                          ? helpText()
                           : QStringLiteral("Tarn Hub %1\n").arg(applicationVersion());
         return result;
     }
