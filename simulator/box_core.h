@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/box_state.h"
+#include "simulator/event_feed.h"
+#include "simulator/faults.h"
+#include "simulator/http_server.h"
+#include "simulator/kora_api.h"
+#include "simulator/live_stream.h"
+#include "simulator/recorder.h"
+#include "simulator/virtual_box.h"
+
+#include <QObject>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <atomic>
+
+namespace sim
+{
+
+/// The works of a virtual box: power, ports, and what its actions set going. Lives in the
+/// simulator's thread; what may be called from elsewhere says so.
+class BoxCore : public QObject, private BoxHardware
+{
+    Q_OBJECT
+
+public:
+    /// What the core reports, from the simulator's thread or (requests) from workers.
+    struct Reports {
+        std::function<void(const BoxRequest&)> requested;
+        std::function<void(const QString& address, bool reachable)> reachable;
+    };
+
+    BoxCore(const BoxSetup& setup, Reports reports);
+    ~BoxCore() override;
+
+    bool plugIn();
+    void unplug();
+    bool moveTo(const QString& address);
+    void reboot() override; // any thread
+    /// Opens or closes what the present faults ask for.
+    void applyFaults();
+    void setTimes(int rebootMs, int restartMs);
+
+    BoxState& state() { return m_state; }    // any thread
+    FaultList& faults() { return m_faults; } // any thread
+    EventFeed& streamEvents() { return m_streamEvents; }
+    EventFeed& mediaEvents() { return m_mediaEvents; }
+    const BoxSetup& setup() const { return m_setup; }  // any thread, except for the times
+    bool isOn() const { return m_isOn; }               // any thread
+    bool isReachable() const { return m_isReachable; } // any thread
+    QString address() const;                           // any thread
+    QString errorString() const { return m_error; }
+    QString recordingPath(const QString& name) const; // any thread
+
+private:
+    enum class Power { Off, On, Restarting, Rebooting };
+
+    // BoxHardware, called from workers
+    bool startRecording(const QString& fileName, HttpWire* wire) override;
+    bool stopRecording(HttpWire* wire) override;
+    QString startLive(HttpWire* wire) override;
+    void stopLive() override;
+    void restartSoftware() override;
+    void changeFirmware(const QString& version) override;
+    void removeFile(const Recording& recording) override;
+
+    bool powerOn();
+    void goDown(Power meanwhile, int ms);
+    void wake();
+    void install(const QString& version);
+    bool openPorts();
+    void closePorts();
+    bool openWeb();
+    void setPower(Power power);
+    QString bootAddress() const;
+    bool mayUse(const QString& address) const;
+    void setAddress(const QString& address);
+    QStringList streamMessages(int tick) const;
+    QStringList mediaMessages(int tick) const;
+
+    BoxSetup m_setup;
+    const Reports m_reports;
+    BoxState m_state;
+    FaultList m_faults;
+    KoraApi m_api;
+    EventFeed m_streamEvents;
+    EventFeed m_mediaEvents;
+    Recorder m_recorder;
+    LiveStream m_live;
+    std::unique_ptr<HttpServer> m_apiServer;
+    std::unique_ptr<HttpServer> m_webServer;
+    QTimer m_wake;
+    Power m_power = Power::Off;
+    QString m_lease; // the address that the network gives it
+    QString m_error;
+    QTemporaryDir m_ownRecordings;
+    std::atomic<bool> m_isOn{false};
+    std::atomic<bool> m_isReachable{false};
+    mutable QMutex m_addressMutex;
+    QString m_address; // guarded by m_addressMutex
+};
+
+} // namespace sim

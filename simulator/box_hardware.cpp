@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+// The part of the box's works that encodes: recordings, the live picture and the event feeds.
+#include "simulator/box_core.h"
+#include "simulator/faulty_reply.h"
+
+#include <QFile>
+
+#include <cmath>
+
+namespace sim
+{
+namespace
+{
+
+constexpr int pollMs = 5;
+constexpr int startLimitMs = 8000;
+constexpr int finishLimitMs = 10000;
+constexpr int ticksPerSecond = 10; // of the event feeds
+
+/// Waits until `isOver`, at most `ms`; false when the client has gone or the time is over.
+template <typename IsOver> bool waitUntil(HttpWire* wire, int ms, IsOver isOver)
+{
+    for (int waited = 0; !isOver(); waited += pollMs) {
+        if (waited > ms || !wire->wait(pollMs)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+bool BoxCore::startRecording(const QString& fileName, HttpWire* wire)
+{
+    for (const Recording& recording : m_state.recordings()) {
+        if (recording.name == fileName) {
+            return false;
+        }
+    }
+    bool isFree = false;
+    m_state.changeActivity([&](BoxActivity& activity) {
+        isFree = activity.recordingFile.isEmpty();
+        activity.recordingFile = isFree ? fileName : activity.recordingFile;
+    });
+    if (!isFree) {
+        return false;
+    }
+    QMetaObject::invokeMethod(this, [this, fileName] {
+        if (m_power == Power::On) {
+            m_recorder.start(recordingPath(fileName), address());
+        }
+    });
+    waitUntil(wire, startLimitMs, [this] {
+        const Recorder::State state = m_recorder.state();
+        return state == Recorder::State::Running || state == Recorder::State::Failed;
+    });
+    const bool runs = m_recorder.state() == Recorder::State::Running;
+    if (!runs) {
+        m_state.changeActivity([](BoxActivity& activity) { activity.recordingFile.clear(); });
+    }
+    return runs;
+}
+
+bool BoxCore::stopRecording(HttpWire* wire)
+{
+    const QString name = m_state.activity().recordingFile;
+    if (name.isEmpty() || m_recorder.state() != Recorder::State::Running) {
+        return false;
+    }
+    QMetaObject::invokeMethod(this, [this] { m_recorder.finish(); });
+    const bool over = waitUntil(wire, finishLimitMs, [this] {
+        const Recorder::State state = m_recorder.state();
+        return state == Recorder::State::Idle || state == Recorder::State::Failed;
+    });
+    const bool good = over && m_recorder.state() == Recorder::State::Idle;
+    m_state.changeActivity([](BoxActivity& activity) { activity.recordingFile.clear(); });
+    if (good) {
+        m_state.addRecording({name, recordingPath(name)});
+    }
+    return good;
+}
+
+QString BoxCore::startLive(HttpWire* wire)
+{
+    QMetaObject::invokeMethod(this, [this] {
+        if (m_power == Power::On && m_live.state() != LiveStream::State::On) {
+            m_live.start(address(), m_setup.livePort, [this](HttpReply* reply) {
+                spoilReply(&m_faults, {QStringLiteral("live")}, reply);
+            });
+        }
+    });
+    waitUntil(wire, startLimitMs, [this] {
+        const LiveStream::State state = m_live.state();
+        return state == LiveStream::State::On || state == LiveStream::State::Failed;
+    });
+    if (m_live.state() != LiveStream::State::On) {
+        return {};
+    }
+    return QStringLiteral("http://%1:%2/live.ts").arg(address()).arg(m_setup.livePort);
+}
+
+void BoxCore::stopLive()
+{
+    QMetaObject::invokeMethod(this, [this] { m_live.stop(); });
+}
+
+void BoxCore::removeFile(const Recording& recording)
+{
+    if (!recording.path.isEmpty()) {
+        QFile::remove(recording.path);
+    }
+}
+
+QStringList BoxCore::streamMessages(int tick) const
+{
+    const qint64 recorded = m_recorder.elapsedMs();
+    if (recorded > 0) {
+        return {QStringLiteral("{\"event\":\"record\",\"record_ms\":%1}").arg(recorded)};
+    }
+    if (tick % ticksPerSecond != 0) {
+        return {};
+    }
+    const BoxActivity activity = m_state.activity();
+    const auto flag = [](bool on) { return on ? QStringLiteral("true") : QStringLiteral("false"); };
+    return {QStringLiteral("{\"event\":\"stream\",\"ndi\":%1,\"ndi_hx\":%2,\"kbps\":%3,\"fps\":50}")
+                .arg(flag(activity.fullEncoder), flag(activity.compressedEncoder),
+                     m_state.parameter(QStringLiteral("eParam_NDIHXBitRate")))};
+}
+
+QStringList BoxCore::mediaMessages(int tick) const
+{
+    if (tick % ticksPerSecond != 0) {
+        return {};
+    }
+    const int second = tick / ticksPerSecond;
+    const auto level = [second](double phase) {
+        return QString::number(-18.0 + 6.0 * std::sin(second + phase), 'f', 1);
+    };
+    return {QStringLiteral("{\"event\":\"media\",\"input\":\"1920x1080p50\",\"audio_db\":[%1,%2]}")
+                .arg(level(0.0), level(1.0))};
+}
+
+} // namespace sim

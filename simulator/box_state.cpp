@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/box_state.h"
+
+#include "simulator/parameters.h"
+
+#include <QMutexLocker>
+
+#include <algorithm>
+
+namespace sim
+{
+namespace
+{
+constexpr int maxRequests = 20000;
+} // namespace
+
+BoxState::BoxState(int number, const QString& address)
+    : m_factory(factorySettings(number, address)), m_parameters(m_factory)
+{
+    const bool full = m_parameters.value(QStringLiteral("eParam_NDIEncMode")) == QLatin1String("1");
+    m_activity.fullEncoder = full;
+    m_activity.compressedEncoder = !full;
+}
+
+QString BoxState::parameter(const QString& name) const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_parameters.value(name);
+}
+
+bool BoxState::hasParameter(const QString& name) const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_parameters.contains(name);
+}
+
+void BoxState::setParameter(const QString& name, const QString& value)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_parameters.insert(name, value);
+}
+
+QMap<QString, QString> BoxState::parameters() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_parameters;
+}
+
+void BoxState::loseSettings()
+{
+    const QMutexLocker lock(&m_mutex);
+    QMap<QString, QString> settings = m_factory;
+    for (const char* name : {"eParam_FirmVersion", "eParam_MACAddress"}) {
+        settings.insert(QString::fromLatin1(name), m_parameters.value(QString::fromLatin1(name)));
+    }
+    m_parameters = settings;
+}
+
+QStringList BoxState::decodeSources() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_decodeSources;
+}
+
+void BoxState::setDecodeSources(const QStringList& sources)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_decodeSources = sources;
+}
+
+QVector<Recording> BoxState::recordings() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_recordings;
+}
+
+void BoxState::addRecording(const Recording& recording)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_recordings.prepend(recording);
+}
+
+Recording BoxState::takeRecording(const QString& name)
+{
+    const QMutexLocker lock(&m_mutex);
+    const auto found =
+        std::find_if(m_recordings.begin(), m_recordings.end(),
+                     [&name](const Recording& recording) { return recording.name == name; });
+    if (found == m_recordings.end()) {
+        return {};
+    }
+    const Recording taken = *found;
+    m_recordings.erase(found);
+    return taken;
+}
+
+BoxActivity BoxState::activity() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_activity;
+}
+
+QString BoxState::uploadedVersion() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_uploadedVersion;
+}
+
+void BoxState::setUploadedVersion(const QString& version)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_uploadedVersion = version;
+}
+
+void BoxState::log(const BoxRequest& request)
+{
+    const QMutexLocker lock(&m_mutex);
+    if (m_requests.size() >= maxRequests) {
+        m_requests.remove(0, maxRequests / 10); // in one go, not one by one
+    }
+    m_requests.append(request);
+}
+
+QVector<BoxRequest> BoxState::requests() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_requests;
+}
+
+void BoxState::clearRequests()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_requests.clear();
+}
+
+} // namespace sim

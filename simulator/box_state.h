@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QMap>
+#include <QMutex>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+namespace sim
+{
+
+/// One request as a box received it.
+struct BoxRequest {
+    qint64 time = 0;     ///< ms since the epoch
+    QByteArray method;   ///< "GET", "POST", …
+    QByteArray path;     ///< "/config"
+    QByteArray query;    ///< what stood after "?", not decoded
+    QByteArray body;     ///< as received, not decoded; of an upload: its file name
+    qint64 bodySize = 0; ///< bytes; of an upload: the size of the file
+};
+
+/// What a box is doing.
+struct BoxActivity {
+    bool fullEncoder = false;       ///< switched by ndienc_on, ndienc_off
+    bool compressedEncoder = false; ///< switched by hxenc_on, hxenc_off
+    QString decodeSource;           ///< source being decoded, empty: none
+    QString streamTarget;           ///< address it pushes to, or the id of an SRT listener
+    QString recordingFile;          ///< file being recorded, empty: none
+    int reboots = 0;                ///< since it was made, by command, firmware change or reboot()
+    int restarts = 0;               ///< of its software only
+};
+
+/// A recording on a box.
+struct Recording {
+    QString name;
+    QString path; ///< file on this computer; empty: a sample clip, made when first asked for
+};
+
+/// What a box remembers: settings, recordings, firmware, and what it was asked. Every function
+/// may be called from any thread.
+class BoxState
+{
+public:
+    BoxState(int number, const QString& address);
+
+    QString parameter(const QString& name) const; ///< empty when there is none
+    bool hasParameter(const QString& name) const;
+    void setParameter(const QString& name, const QString& value);
+    QMap<QString, QString> parameters() const;
+    /// Forgets every change made since the box left the factory; version and MAC address stay.
+    void loseSettings();
+
+    QStringList decodeSources() const;
+    void setDecodeSources(const QStringList& sources);
+
+    QVector<Recording> recordings() const; ///< newest first
+    void addRecording(const Recording& recording);
+    /// Takes a recording out and gives it back; an empty name when there is none.
+    Recording takeRecording(const QString& name);
+
+    BoxActivity activity() const;
+    /// `change` gets the activity under the lock.
+    template <typename Change> void changeActivity(Change change)
+    {
+        const QMutexLocker lock(&m_mutex);
+        change(m_activity);
+    }
+
+    QString uploadedVersion() const; ///< of the last firmware file; empty: none came
+    void setUploadedVersion(const QString& version);
+
+    void log(const BoxRequest& request); ///< the oldest of 20,000 are dropped
+    QVector<BoxRequest> requests() const;
+    void clearRequests();
+
+private:
+    mutable QMutex m_mutex;
+    // All guarded by m_mutex.
+    const QMap<QString, QString> m_factory;
+    QMap<QString, QString> m_parameters;
+    QStringList m_decodeSources;
+    QVector<Recording> m_recordings;
+    BoxActivity m_activity;
+    QString m_uploadedVersion;
+    QVector<BoxRequest> m_requests;
+};
+
+} // namespace sim

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/event_feed.h"
+
+#include <QWebSocket>
+#include <QWebSocketServer>
+
+namespace sim
+{
+namespace
+{
+constexpr int tickMs = 100;
+constexpr int floodTickMs = 10;
+constexpr qint64 maxUnsent = 8 * 1024 * 1024; // a client that reads no more loses messages
+constexpr quint64 maxIncoming = 64 * 1024;
+} // namespace
+
+EventFeed::EventFeed(FaultList* faults, std::function<QStringList(int)> messages, QObject* parent)
+    : QObject(parent), m_faults(faults), m_messages(std::move(messages)), m_timer(this)
+{
+    connect(&m_timer, &QTimer::timeout, this, &EventFeed::tick);
+}
+
+EventFeed::~EventFeed()
+{
+    close();
+}
+
+bool EventFeed::open(const QString& address, quint16 port)
+{
+    close();
+    m_server = std::make_unique<QWebSocketServer>(QString(), QWebSocketServer::NonSecureMode);
+    connect(m_server.get(), &QWebSocketServer::newConnection, this, &EventFeed::accept);
+    if (!m_server->listen(QHostAddress(address), port)) {
+        m_server.reset();
+        return false;
+    }
+    return true;
+}
+
+void EventFeed::close()
+{
+    if (m_server) {
+        m_server->close();
+    }
+    dropClients();
+    m_server.reset();
+}
+
+void EventFeed::dropClients()
+{
+    const QList<QWebSocket*> clients = m_clients.keys();
+    for (QWebSocket* client : clients) {
+        client->disconnect(this);
+        forget(client);
+        client->abort();
+    }
+}
+
+void EventFeed::send(const QString& text)
+{
+    const QMap<QWebSocket*, bool> clients = m_clients; // a failing send takes its client out
+    for (auto it = clients.constBegin(); it != clients.constEnd(); ++it) {
+        if (it.value() && it.key()->bytesToWrite() < maxUnsent) {
+            it.key()->sendTextMessage(text);
+        }
+    }
+}
+
+int EventFeed::listeners() const
+{
+    return m_listeners;
+}
+
+void EventFeed::accept()
+{
+    while (QWebSocket* client = m_server->nextPendingConnection()) {
+        client->setMaxAllowedIncomingMessageSize(maxIncoming);
+        m_clients.insert(client, false);
+        connect(client, &QWebSocket::disconnected, this, [this, client] { forget(client); });
+        connect(client, &QWebSocket::textMessageReceived, this,
+                [this, client](const QString& text) {
+                    if (text == QLatin1String("hx_meta=on")) {
+                        setListening(client, true);
+                    } else if (text == QLatin1String("hx_meta=off")) {
+                        setListening(client, false);
+                    }
+                });
+    }
+}
+
+void EventFeed::forget(QWebSocket* client)
+{
+    setListening(client, false);
+    m_clients.remove(client);
+    client->deleteLater();
+}
+
+void EventFeed::setListening(QWebSocket* client, bool listens)
+{
+    m_clients[client] = listens;
+    int count = 0;
+    for (const bool each : qAsConst(m_clients)) {
+        count += each ? 1 : 0;
+    }
+    m_listeners = count;
+    if (count == 0) {
+        m_timer.stop();
+    } else if (!m_timer.isActive()) {
+        m_ticks = 0;
+        m_timer.start(tickMs);
+    }
+}
+
+void EventFeed::tick()
+{
+    const QStringList tags = {QStringLiteral("events")};
+    if (const auto flood = m_faults->strike(FaultKind::Flood, tags)) {
+        m_timer.setInterval(floodTickMs);
+        const qint64 count = flood->amountOrDefault() * floodTickMs / 1000;
+        for (qint64 i = 0; i < count; ++i) {
+            send(QStringLiteral("{\"event\":\"flood\",\"number\":%1}").arg(++m_flooded));
+        }
+        return;
+    }
+    m_timer.setInterval(tickMs);
+    QStringList messages = m_messages(m_ticks++);
+    if (const auto text = m_faults->strike(FaultKind::Text, tags)) {
+        messages << (text->text.isEmpty() ? hostileText() : text->text);
+    }
+    for (const QString& message : qAsConst(messages)) {
+        send(message);
+    }
+}
+
+} // namespace sim

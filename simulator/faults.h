@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QMutex>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+namespace sim
+{
+
+/// What can be wrong with a box. The words are those of scenario files and of kora-lan's commands.
+enum class FaultKind {
+    Slow,          ///< "slow": answers after `amount` ms (1000)
+    Silent,        ///< "silent": takes the request and never answers
+    Refuse,        ///< "refuse": its web ports are closed, though it still answers ping
+    HangUp,        ///< "hang-up": closes after `amount` percent of the reply (50); 0: says nothing
+    Garbage,       ///< "garbage": the reply is not JSON
+    NotAnObject,   ///< "not-an-object": the reply is JSON, but an array
+    EmptyReply,    ///< "empty": the reply has no content
+    HttpError,     ///< "http-error": HTTP status `amount` (500)
+    HugeReply,     ///< "huge": the reply is `amount` bytes long (10 MB)
+    ValueAsNumber, ///< "number": "value" is a JSON number
+    ValueAsArray,  ///< "array": "value" is a JSON array
+    ValueMissing,  ///< "no-value": "value" is left out
+    Text,          ///< "text": "value", and what feeds and lists carry, is `text` (hostile text)
+    Fail,          ///< "fail": writes and actions end in the status `text` ("failed")
+    WrongMd5,      ///< "wrong-md5": the upload's digest is a wrong one
+    CutUpload,     ///< "cut-upload": closes after `amount` percent of the upload (60)
+    Throttle,      ///< "throttle": uploads and downloads run at `amount` bytes/s (100,000)
+    OtaStaysAway,  ///< "ota-stays-away": never comes back from the firmware change
+    OtaOldVersion, ///< "ota-old-version": comes back with the version it had
+    OtaLosesSettings, ///< "ota-loses-settings": comes back with the settings of the factory
+    OtaMoves,         ///< "ota-moves": comes back under the address `text`
+    Flood,            ///< "flood": both event feeds send `amount` messages a second (2000)
+    NoPing,           ///< "no-ping": does not answer ping, though everything else works
+};
+
+/// One fault of one box.
+struct Fault {
+    FaultKind kind = FaultKind::Slow;
+    /// Where it strikes: a parameter name, an action, or one of "read", "write", "config",
+    /// "control", "upload", "media", "web", "live"; several joined with "+" must all hold
+    /// ("write+eParam_NDIName"). Empty: everywhere.
+    QString target;
+    qint64 amount = -1; ///< see the kind; below 0: the default in brackets there
+    QString text;       ///< see the kind; empty: the default
+    int strikes = -1;   ///< how many times it strikes until it is spent; below 0: always
+
+    /// `amount`, or the kind's default.
+    qint64 amountOrDefault() const;
+};
+
+/// The word of a kind, e.g. "hang-up".
+QString faultWord(FaultKind kind);
+/// All words, in the order of FaultKind.
+QStringList faultWords();
+
+/// Reads "slow 3000 on reboot times 2", "fail eParam_NDIName", "ota-moves 127.77.0.99". After the
+/// kind a number is the amount, "on" names the target, "times" the number of strikes and "as"
+/// begins a text that runs to the end. A bare word is the text for "ota-moves", else the target.
+/// No value when the line is not understood; `error` then tells why.
+std::optional<Fault> parseFault(const QString& line, QString* error = nullptr);
+/// The line that parseFault() reads back as `fault`.
+QString faultLine(const Fault& fault);
+
+/// A text with everything in it that a careless program trips over: markup, quotes, placeholders,
+/// line breaks, control and right-to-left characters, and a good length.
+QString hostileText();
+
+/// The faults of one box. All functions may be called from any thread.
+class FaultList
+{
+public:
+    void add(const Fault& fault);
+    void clear();
+    void clear(FaultKind kind);
+    QVector<Fault> all() const;
+    /// Whether such a fault without a target is set.
+    bool has(FaultKind kind) const;
+    /// The first fault of this kind whose target fits what is going on (`tags`), counted as one
+    /// strike.
+    std::optional<Fault> strike(FaultKind kind, const QStringList& tags);
+
+private:
+    mutable QMutex m_mutex;
+    QVector<Fault> m_faults; // guarded by m_mutex
+};
+
+} // namespace sim

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+// kora-lan: a network of virtual boxes for people and scripts.
+#include "simulator/lan_commands.h"
+#include "simulator/scenario.h"
+#include "simulator/virtual_lan.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <optional>
+
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr int exitFailed = 1;
+constexpr int exitWrongOption = 2;
+constexpr int parentCheckMs = 500;
+
+int signalPipe[2]; // a signal handler may do little more than write
+
+void say(const QString& text)
+{
+    std::fputs((text + QLatin1Char('\n')).toUtf8().constData(), stdout);
+    std::fflush(stdout);
+}
+
+void complain(const QString& text)
+{
+    std::fputs((QStringLiteral("kora-lan: ") + text + QLatin1Char('\n')).toUtf8().constData(),
+               stderr);
+}
+
+struct Options {
+    sim::LanPlan plan;
+    QString runDir;
+    QString scenario;
+    int parent = 0; // process to end with, 0: none
+};
+
+/// The value of a whole-number option, or nothing when it is not one from `min` to `max`.
+std::optional<int> number(const QCommandLineParser& parser, const QString& option, int min, int max)
+{
+    bool ok = false;
+    const int value = parser.value(option).toInt(&ok);
+    if (!ok || value < min || value > max) {
+        complain(QStringLiteral("--%1 needs a number from %2 to %3").arg(option).arg(min).arg(max));
+        return std::nullopt;
+    }
+    return value;
+}
+
+void describe(QCommandLineParser* parser, const QString& runDir)
+{
+    parser->setApplicationDescription(
+        QStringLiteral("A network of virtual boxes on loopback addresses.\n"
+                       "Reads commands on standard input:\n\n") +
+        sim::LanCommands::help());
+    parser->addHelpOption();
+    parser->addVersionOption();
+    const auto add = [parser](const char* name, const char* text, const char* value,
+                              const QString& standard) {
+        parser->addOption({QString::fromLatin1(name), QString::fromLatin1(text),
+                           QString::fromLatin1(value), standard});
+    };
+    add("subnet", "Where the boxes live: a.b.c.0/24.", "subnet", QStringLiteral("127.77.0.0/24"));
+    add("boxes", "How many KORA boxes.", "number", QStringLiteral("12"));
+    add("first", "Last number of the first address.", "number", QStringLiteral("11"));
+    add("reboot-seconds", "How long a reboot takes.", "seconds", QStringLiteral("10"));
+    add("run-dir", "Where the file \"plugged\" for lan-fping is kept.", "dir", runDir);
+    add("scenario", "Boxes with faults, and what happens to them.", "file", {});
+    add("exit-with-parent", "End when this process does.", "pid", QStringLiteral("0"));
+    add("web-port", "Port of the web-managed boxes.", "port", QStringLiteral("80"));
+    parser->addOption({QStringLiteral("web"),
+                       QStringLiteral("With one box of each web-managed model (the default).")});
+    parser->addOption({QStringLiteral("no-web"), QStringLiteral("Without them.")});
+    parser->addOption({QStringLiteral("any-address"),
+                       QStringLiteral("Allow addresses outside of 127.0.0.0/8: only in a network "
+                                      "namespace of its own.")});
+}
+
+/// Nothing when an option is wrong; the user has been told.
+std::optional<Options> readOptions(const QCoreApplication& app)
+{
+    QCommandLineParser parser;
+    describe(&parser, QDir::temp().filePath(QStringLiteral("kora-lan-%1").arg(getuid())));
+    if (!parser.parse(app.arguments())) {
+        complain(parser.errorText());
+        return std::nullopt;
+    }
+    if (parser.isSet(QStringLiteral("help"))) {
+        parser.showHelp(); // ends the program
+    }
+    if (parser.isSet(QStringLiteral("version"))) {
+        parser.showVersion();
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        complain(QStringLiteral("unexpected: ") + parser.positionalArguments().first());
+        return std::nullopt;
+    }
+    const auto boxes = number(parser, QStringLiteral("boxes"), 0, 254);
+    const auto first = number(parser, QStringLiteral("first"), 1, 254);
+    const auto reboot = number(parser, QStringLiteral("reboot-seconds"), 0, 3600);
+    const auto parent = number(parser, QStringLiteral("exit-with-parent"), 0, 1 << 30);
+    const auto webPort = number(parser, QStringLiteral("web-port"), 1, 65535);
+    if (!boxes || !first || !reboot || !parent || !webPort) {
+        return std::nullopt;
+    }
+    Options options;
+    options.plan.subnet = parser.value(QStringLiteral("subnet"));
+    options.plan.boxes = *boxes;
+    options.plan.first = *first;
+    options.plan.web = !parser.isSet(QStringLiteral("no-web"));
+    options.plan.webPort = quint16(*webPort);
+    options.plan.rebootMs = *reboot * 1000;
+    options.plan.restartMs = qMin(options.plan.restartMs, options.plan.rebootMs);
+    options.plan.anyAddress = parser.isSet(QStringLiteral("any-address"));
+    options.runDir = parser.value(QStringLiteral("run-dir"));
+    options.scenario = parser.value(QStringLiteral("scenario"));
+    options.parent = *parent;
+    return options;
+}
+
+/// 253 boxes need about a thousand sockets, as many as some systems allow at first.
+void allowManySockets()
+{
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        limit.rlim_cur = limit.rlim_max;
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}
+
+void quitOnSignals(QCoreApplication* app)
+{
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe) != 0) {
+        return;
+    }
+    auto* const notifier = new QSocketNotifier(signalPipe[1], QSocketNotifier::Read, app);
+    QObject::connect(notifier, &QSocketNotifier::activated, app, &QCoreApplication::quit);
+    const auto handler = [](int) {
+        const char byte = 0;
+        [[maybe_unused]] const auto written = write(signalPipe[0], &byte, 1);
+    };
+    std::signal(SIGTERM, handler);
+    std::signal(SIGINT, handler);
+    std::signal(SIGPIPE, SIG_IGN); // who listens to us may go first
+}
+
+void endWith(int parent, QCoreApplication* app)
+{
+    auto* const timer = new QTimer(app);
+    QObject::connect(timer, &QTimer::timeout, app, [parent, app] {
+        if (kill(parent, 0) != 0) {
+            app->quit();
+        }
+    });
+    timer->start(parentCheckMs);
+}
+
+/// Runs the lines of standard input. Its end is not the end of the program.
+void obeyInput(sim::LanCommands* commands, QCoreApplication* app)
+{
+    auto* const notifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, app);
+    auto pending = std::make_shared<QByteArray>();
+    QObject::connect(notifier, &QSocketNotifier::activated, app, [=] {
+        std::array<char, 4096> buffer;
+        const ssize_t got = read(STDIN_FILENO, buffer.data(), buffer.size());
+        if (got <= 0) {
+            notifier->setEnabled(false);
+            return;
+        }
+        pending->append(buffer.data(), int(got));
+        for (int end = pending->indexOf('\n'); end >= 0; end = pending->indexOf('\n')) {
+            const auto answer = commands->run(QString::fromUtf8(pending->left(end)).trimmed());
+            pending->remove(0, end + 1);
+            if (!answer.text.isEmpty()) {
+                say(answer.text);
+            }
+            say(answer.ok ? QStringLiteral("ok") : QStringLiteral("error"));
+            if (answer.quit) {
+                app->quit();
+            }
+        }
+    });
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("kora-lan"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+    const auto options = readOptions(app);
+    if (!options) {
+        return exitWrongOption;
+    }
+    allowManySockets();
+    sim::VirtualLan lan(options->runDir);
+    sim::Scenario scenario;
+    if (!lan.populate(options->plan)) {
+        complain(lan.errorString());
+        return exitWrongOption;
+    }
+    if (!options->scenario.isEmpty() && !scenario.load(options->scenario, &lan)) {
+        complain(scenario.errorString());
+        return exitWrongOption;
+    }
+    if (!lan.plugInAll(scenario.unplugged())) {
+        complain(lan.errorString());
+        return exitFailed;
+    }
+    sim::LanCommands commands(&lan);
+    QObject::connect(&scenario, &sim::Scenario::stepped, &app,
+                     [](const QString& text) { say(QStringLiteral("step: ") + text); });
+    quitOnSignals(&app);
+    obeyInput(&commands, &app);
+    if (options->parent > 0) {
+        endWith(options->parent, &app);
+    }
+    say(commands.run(QStringLiteral("list")).text);
+    say(QStringLiteral("run directory: ") + options->runDir);
+    say(QStringLiteral("ready"));
+    scenario.start(&commands);
+    return QCoreApplication::exec();
+}

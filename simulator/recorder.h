@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulator/test_picture.h"
+
+#include <QObject>
+
+#include <atomic>
+#include <memory>
+
+namespace sim
+{
+
+/// Records the test picture into a file, in real time. Lives in the simulator's thread; state()
+/// and elapsedMs() may be asked from any thread.
+class Recorder : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class State { Idle, Starting, Running, Finishing, Failed };
+
+    explicit Recorder(QObject* parent = nullptr);
+    ~Recorder() override;
+
+    /// Begins; state() goes to Starting, then to Running or Failed.
+    void start(const QString& path, const QString& title);
+    /// Completes the file; state() goes to Finishing, then to Idle (the file is good) or Failed.
+    /// A recording lasts at least about a second: sooner FFmpeg has no file to finish.
+    void finish();
+    /// Ends at once, as when the power fails; the file is lost.
+    void abort();
+
+    State state() const;
+    qint64 elapsedMs() const; ///< since the start, 0 when nothing is being recorded
+
+private:
+    void ended(int exitCode, QProcess::ExitStatus status);
+
+    std::unique_ptr<FfmpegProcess> m_ffmpeg;
+    QString m_path;
+    std::atomic<State> m_state{State::Idle};
+    std::atomic<qint64> m_startedAt{0}; // ms since the epoch, 0: not recording
+};
+
+} // namespace sim

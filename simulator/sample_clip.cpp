@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/sample_clip.h"
+
+#include "simulator/test_picture.h"
+
+#include <QFileInfo>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QTemporaryDir>
+
+namespace sim
+{
+
+QString sampleClip(const QString& name)
+{
+    static QMutex mutex;
+    static QTemporaryDir folder; // guarded by mutex
+    const bool isMov = QFileInfo(name).suffix().toLower() == QLatin1String("mov");
+    const QMutexLocker lock(&mutex);
+    const QString path =
+        folder.filePath(isMov ? QStringLiteral("sample.mov") : QStringLiteral("sample.mp4"));
+    if (QFileInfo::exists(path)) {
+        return path;
+    }
+    const QString unfinished =
+        folder.filePath(QStringLiteral("unfinished.") + QFileInfo(path).suffix());
+    FfmpegProcess ffmpeg;
+    ffmpeg.startWith(testPictureArguments(QStringLiteral("sample"), false)
+                     << QStringLiteral("-t") << QStringLiteral("10") << unfinished);
+    const bool done =
+        ffmpeg.waitForFinished(30000) && ffmpeg.exitCode() == 0 && QFile::rename(unfinished, path);
+    return done ? path : QString();
+}
+
+} // namespace sim

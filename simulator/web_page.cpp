@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/web_page.h"
+
+namespace sim
+{
+namespace
+{
+const QByteArray dashboardPath = QByteArrayLiteral("/cgi-bin/set-dashboard.cgi");
+} // namespace
+
+QByteArray dashboardPage(const QStringList& models, const QString& address, int number)
+{
+    const auto row = [](const QString& caption, const QString& value) {
+        return QStringLiteral("<tr><th>%1</th><td>%2</td></tr>\n").arg(caption, value);
+    };
+    QString rows;
+    for (const QString& model : models) {
+        rows += row(QStringLiteral("Model"), model);
+    }
+    rows += row(QStringLiteral("Name"),
+                QStringLiteral("%1-%2").arg(models.value(0).toLower()).arg(number));
+    rows += row(QStringLiteral("Address"), address);
+    rows += row(QStringLiteral("Firmware"), QStringLiteral("2.4.%1").arg(number % 10));
+    rows += row(QStringLiteral("Input"), QStringLiteral("1920x1080p50"));
+    rows += row(QStringLiteral("Bit rate"), QStringLiteral("%1 Mbit/s").arg(8 + number % 12));
+    rows += row(QStringLiteral("Temperature"), QStringLiteral("%1 &deg;C").arg(41 + number % 9));
+    return QStringLiteral(
+               "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>Dashboard</title>\n"
+               "<style>body{font-family:sans-serif;background:#1d2126;color:#e6e6e6;margin:2em}"
+               "table{border-collapse:collapse}th,td{text-align:left;padding:.4em 1.5em .4em 0;"
+               "border-bottom:1px solid #3a4048}th{color:#93a1b0;font-weight:normal}</style>\n"
+               "</head><body><h1>Dashboard</h1>\n<table>\n%1</table>\n</body></html>\n")
+        .arg(rows)
+        .toUtf8();
+}
+
+HttpReply webReply(const HttpRequest& request, const QByteArray& dashboard)
+{
+    HttpReply reply;
+    reply.type = "text/html; charset=utf-8";
+    if (request.path == dashboardPath) {
+        reply.body = dashboard;
+    } else if (request.path == "/") {
+        reply.location = dashboardPath;
+    } else {
+        reply.status = 404;
+        reply.body = "<html><body><h1>404 Not Found</h1></body></html>";
+    }
+    return reply;
+}
+
+} // namespace sim
