@@ -28,7 +28,7 @@ public:
     static constexpr int WaitLimitMs = 3000;
 
     /// A reply longer than this, in bytes, is not one of a box: its process is ended.
-    static constexpr int ReplyLimit = 16 * 1024 * 1024;
+    static constexpr int ReplyLimit = 4 * 1024 * 1024;
 
     /// Starts `command` and returns at once. The process carries "ip" and every entry of
     /// `properties` as dynamic properties.

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: MIT
+#include "common/box_protocol.h"
+#include "common/command_runner.h"
+#include "common/json_map.h"
+#include "common/platform.h"
+#include "simulator/virtual_box.h"
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <memory>
+
+namespace
+{
+
+const QString boxIp = QStringLiteral("127.77.21.1");
+
+} // namespace
+
+/// Real curl against a virtual box.
+class tst_CommandRunner : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void textTravelsWhole_data();
+    void textTravelsWhole();
+    void asynchronousReply();
+    void waitingServesEventsAndEnds_data();
+    void waitingServesEventsAndEnds();
+    void missingProgramGivesAnEmptyReply();
+    void everyEventIsLogged();
+    void nothingOutlivesTheProgram();
+
+private:
+    QTemporaryDir m_data;
+    std::unique_ptr<sim::VirtualBox> m_box;
+    std::unique_ptr<CommandRunner> m_runner;
+    QList<QProcess*> m_started;
+    QStringList m_replies;
+    int m_ended = 0;
+};
+
+void tst_CommandRunner::initTestCase()
+{
+    qputenv("APPDATA", m_data.path().toUtf8());
+    Platform::useUtf8ForChildProcesses();
+}
+
+void tst_CommandRunner::init()
+{
+    m_started.clear();
+    m_replies.clear();
+    m_ended = 0;
+    m_box = std::make_unique<sim::VirtualBox>(boxIp);
+    QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
+    m_runner = std::make_unique<CommandRunner>("Tarn_Hub", [this](QProcess* process) {
+        m_started << process;
+        connect(process, &QProcess::readyReadStandardOutput, this,
+                [this, process] { m_replies << m_runner->takeReply(process); });
+        connect(process, &QProcess::stateChanged, this, [this, process](auto state) {
+            if (state != QProcess::NotRunning)
+                return;
+            m_runner->noteEnd(process);
+            ++m_ended;
+        });
+    });
+}
+
+void tst_CommandRunner::textTravelsWhole_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("blanks") << "My  box name";
+    QTest::newRow("quotes") << R"(a "quoted" name")";
+    QTest::newRow("single quotes") << "it's";
+    QTest::newRow("backslashes") << R"(\\server\share\)";
+    QTest::newRow("placeholders") << "%1 %2 %3";
+    QTest::newRow("other alphabets") << QString::fromUtf8("舞台左 무대 Bühne");
+    QTest::newRow("tries to add arguments") << R"(x" -o /tmp/evil http://127.0.0.1 ")";
+    QTest::newRow("markup") << "<b>&amp;</b>";
+}
+
+void tst_CommandRunner::textTravelsWhole()
+{
+    QFETCH(QString, text);
+    const QString reply = m_runner->execCurlWait(
+        boxIp,
+        BoxProtocol::setCommand(BoxProtocol::NDIName, BoxProtocol::escapeEquals(text), boxIp));
+    QCOMPARE(jsonToMap(reply).value("status").toString(), QString("set success"));
+    QCOMPARE(m_box->requests().size(), 1);
+    QCOMPARE(m_box->requests().first().body,
+             QByteArray("action=set&param_name=eParam_NDIName&value=") + text.toUtf8());
+}
+
+void tst_CommandRunner::asynchronousReply()
+{
+    m_runner->execCurl(boxIp, BoxProtocol::controlCommand("stream_off", boxIp),
+                       {{"deviceip", boxIp}, {"recodefilename", "a.mp4"}});
+    QCOMPARE(m_started.size(), 1);
+    QCOMPARE(m_started.first()->property("ip").toString(), boxIp);
+    QCOMPARE(m_started.first()->property("recodefilename").toString(), QString("a.mp4"));
+    const QPointer<QProcess> process = m_started.first();
+    QTRY_COMPARE(m_ended, 1);
+    QCOMPARE(jsonToMap(m_replies.join("")).value("action").toString(), QString("stream_off"));
+    QTRY_VERIFY(!process);
+}
+
+void tst_CommandRunner::waitingServesEventsAndEnds_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::newRow("silent box") << "silent";
+    QTest::newRow("box hangs up") << "hang-up 0";
+    QTest::newRow("10 MB of garbage") << "huge 10000000";
+    QTest::newRow("closed port") << "refuse";
+}
+
+void tst_CommandRunner::waitingServesEventsAndEnds()
+{
+    QFETCH(QString, fault);
+    QVERIFY(m_box->addFault(fault));
+    int ticks = 0;
+    QTimer ticker;
+    connect(&ticker, &QTimer::timeout, this, [&] { ++ticks; });
+    ticker.start(5);
+    QElapsedTimer clock;
+    clock.start();
+    const QString reply =
+        m_runner->execCurlWait(boxIp, BoxProtocol::controlCommand("hxenc_on", boxIp));
+    QVERIFY2(clock.elapsed() < CommandRunner::WaitLimitMs + 1000,
+             qPrintable(QString::number(clock.elapsed())));
+    QVERIFY(ticks > 0);
+    QVERIFY(!jsonToMap(reply).contains("status"));
+}
+
+void tst_CommandRunner::missingProgramGivesAnEmptyReply()
+{
+    QCOMPARE(m_runner->execCurlWait(boxIp, "no-such-program -x"), QString());
+    QCOMPARE(m_runner->execCurlWait(boxIp, ""), QString());
+    m_runner->execCurl(boxIp, "no-such-program -x", {});
+    QTRY_COMPARE(m_ended, 1);
+    QVERIFY(m_replies.isEmpty());
+}
+
+void tst_CommandRunner::everyEventIsLogged()
+{
+    const QString key = "127.77.21.99";
+    const QString command = BoxProtocol::controlCommand("hxenc_on", boxIp);
+    m_runner->execCurl(key, command, {});
+    QTRY_COMPARE(m_ended, 1);
+    m_runner->execCurlWait(key, command);
+    const auto log = [&] {
+        QFile file(m_data.path() + "/Tarn Hub/log/" + QDate::currentDate().toString("yyyy-MM-dd") +
+                   "---" + key + "_tarn_hub.txt");
+        return file.open(QIODevice::ReadOnly)
+                   ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
+                   : QStringList();
+    };
+    QTRY_COMPARE(log().size(), 5);
+    const QString all = log().join('\n');
+    for (const char* part : {":Tarn_Hub::execCurl]", ":Tarn_Hub::execCurlWait]",
+                             ":Tarn_Hub::R_readyReadStandardOutput]", ":Tarn_Hub::R_stateChanged]",
+                             "  执行Curl   curl -d \"action=hxenc_on\"", "  执行Curl返回数据   {",
+                             "  执行Curl 停止 ]"})
+        QVERIFY2(all.contains(QString::fromUtf8(part)), part);
+}
+
+void tst_CommandRunner::nothingOutlivesTheProgram()
+{
+    QVERIFY(m_box->addFault("silent"));
+    m_runner->execCurl(boxIp, BoxProtocol::controlCommand("hxenc_on", boxIp), {});
+    const QPointer<QProcess> process = m_started.first();
+    QVERIFY(process->waitForStarted());
+    const qint64 pid = process->processId();
+    QVERIFY(QFileInfo::exists(QString("/proc/%1").arg(pid)));
+    CommandRunner::endAll();
+    QVERIFY(!process);
+    QVERIFY(!QFileInfo::exists(QString("/proc/%1").arg(pid)));
+}
+
+QTEST_GUILESS_MAIN(tst_CommandRunner)
+#include "tst_command_runner.moc"
