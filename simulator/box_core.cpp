@@ -49,6 +49,7 @@ BoxCore::BoxCore(const BoxSetup& setup, Reports reports)
 {
     m_wake.setSingleShot(true);
     connect(&m_wake, &QTimer::timeout, this, &BoxCore::wake);
+    connect(&m_recorder, &Recorder::over, this, &BoxCore::keepRecording);
     if (!m_setup.recordingsDir.isEmpty()) {
         QDir().mkpath(m_setup.recordingsDir);
     }

@@ -66,6 +66,11 @@ private:
     void changeFirmware(const QString& version) override;
     void removeFile(const Recording& recording) override;
 
+    /// Has `work` done in this object's thread, and waits until `isOver` says that its result is
+    /// there, at most `ms`. False when the client has gone or the time is over.
+    bool doAndWait(HttpWire* wire, int ms, const std::function<void()>& work,
+                   const std::function<bool()>& isOver);
+    void keepRecording(bool good);
     bool powerOn();
     void goDown(Power meanwhile, int ms);
     void wake();

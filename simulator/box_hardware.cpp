@@ -17,18 +17,24 @@ constexpr int startLimitMs = 8000;
 constexpr int finishLimitMs = 10000;
 constexpr int ticksPerSecond = 10; // of the event feeds
 
-/// Waits until `isOver`, at most `ms`; false when the client has gone or the time is over.
-template <typename IsOver> bool waitUntil(HttpWire* wire, int ms, IsOver isOver)
+} // namespace
+
+bool BoxCore::doAndWait(HttpWire* wire, int ms, const std::function<void()>& work,
+                        const std::function<bool()>& isOver)
 {
-    for (int waited = 0; !isOver(); waited += pollMs) {
+    // Shared, because the work is done even if nobody waits for it any more.
+    const auto begun = std::make_shared<std::atomic<bool>>(false);
+    QMetaObject::invokeMethod(this, [work, begun] {
+        work();
+        *begun = true;
+    });
+    for (int waited = 0; !*begun || !isOver(); waited += pollMs) {
         if (waited > ms || !wire->wait(pollMs)) {
             return false;
         }
     }
     return true;
 }
-
-} // namespace
 
 bool BoxCore::startRecording(const QString& fileName, HttpWire* wire)
 {
@@ -45,54 +51,50 @@ bool BoxCore::startRecording(const QString& fileName, HttpWire* wire)
     if (!isFree) {
         return false;
     }
-    QMetaObject::invokeMethod(this, [this, fileName] {
+    const auto start = [this, fileName] {
         if (m_power == Power::On) {
             m_recorder.start(recordingPath(fileName), address());
         }
-    });
-    waitUntil(wire, startLimitMs, [this] {
-        const Recorder::State state = m_recorder.state();
-        return state == Recorder::State::Running || state == Recorder::State::Failed;
-    });
-    const bool runs = m_recorder.state() == Recorder::State::Running;
-    if (!runs) {
-        m_state.changeActivity([](BoxActivity& activity) { activity.recordingFile.clear(); });
-    }
-    return runs;
+    };
+    doAndWait(wire, startLimitMs, start,
+              [this] { return m_recorder.state() != Recorder::State::Starting; });
+    return m_recorder.state() == Recorder::State::Running;
 }
 
 bool BoxCore::stopRecording(HttpWire* wire)
 {
-    const QString name = m_state.activity().recordingFile;
-    if (name.isEmpty() || m_recorder.state() != Recorder::State::Running) {
+    if (m_state.activity().recordingFile.isEmpty()) {
         return false;
     }
-    QMetaObject::invokeMethod(this, [this] { m_recorder.finish(); });
-    const bool over = waitUntil(wire, finishLimitMs, [this] {
-        const Recorder::State state = m_recorder.state();
-        return state == Recorder::State::Idle || state == Recorder::State::Failed;
+    const bool over = doAndWait(
+        wire, finishLimitMs, [this] { m_recorder.finish(); },
+        [this] { return m_recorder.state() != Recorder::State::Finishing; });
+    return over && m_recorder.state() == Recorder::State::Idle;
+}
+
+void BoxCore::keepRecording(bool good)
+{
+    QString name;
+    m_state.changeActivity([&name](BoxActivity& activity) {
+        name = activity.recordingFile;
+        activity.recordingFile.clear();
     });
-    const bool good = over && m_recorder.state() == Recorder::State::Idle;
-    m_state.changeActivity([](BoxActivity& activity) { activity.recordingFile.clear(); });
     if (good) {
         m_state.addRecording({name, recordingPath(name)});
     }
-    return good;
 }
 
 QString BoxCore::startLive(HttpWire* wire)
 {
-    QMetaObject::invokeMethod(this, [this] {
+    const auto start = [this] {
         if (m_power == Power::On && m_live.state() != LiveStream::State::On) {
             m_live.start(address(), m_setup.livePort, [this](HttpReply* reply) {
                 spoilReply(&m_faults, {QStringLiteral("live")}, reply);
             });
         }
-    });
-    waitUntil(wire, startLimitMs, [this] {
-        const LiveStream::State state = m_live.state();
-        return state == LiveStream::State::On || state == LiveStream::State::Failed;
-    });
+    };
+    doAndWait(wire, startLimitMs, start,
+              [this] { return m_live.state() != LiveStream::State::Starting; });
     if (m_live.state() != LiveStream::State::On) {
         return {};
     }

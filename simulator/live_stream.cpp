@@ -1,60 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/live_stream.h"
 
-#include <QMutexLocker>
-
-#include <algorithm>
-
 namespace sim
 {
-namespace
-{
-constexpr size_t maxPieces = 200; // some seconds
-constexpr unsigned long waitMs = 200;
-} // namespace
-
-void LiveBuffer::append(const QByteArray& piece)
-{
-    const QMutexLocker lock(&m_mutex);
-    m_pieces.push_back(piece);
-    if (m_pieces.size() > maxPieces) {
-        m_pieces.pop_front();
-        ++m_first;
-    }
-    m_arrived.wakeAll();
-}
-
-void LiveBuffer::end()
-{
-    const QMutexLocker lock(&m_mutex);
-    m_ended = true;
-    m_arrived.wakeAll();
-}
-
-bool LiveBuffer::take(quint64* next, QByteArray* piece)
-{
-    const QMutexLocker lock(&m_mutex);
-    piece->clear();
-    if (!m_ended && *next >= m_first + m_pieces.size()) {
-        m_arrived.wait(&m_mutex, waitMs);
-    }
-    if (m_ended) {
-        return false;
-    }
-    *next = std::max(*next, m_first);
-    if (*next < m_first + m_pieces.size()) {
-        *piece = m_pieces[size_t(*next - m_first)];
-        ++*next;
-    }
-    return true;
-}
-
-quint64 LiveBuffer::newest() const
-{
-    const QMutexLocker lock(&m_mutex);
-    return m_first + m_pieces.size();
-}
-
 LiveStream::LiveStream(QObject* parent) : QObject(parent) {}
 
 LiveStream::~LiveStream()
@@ -89,6 +37,7 @@ void LiveStream::start(const QString& address, quint16 port, std::function<void(
     m_ffmpeg->startWith(testPictureArguments(QStringLiteral("LIVE ") + address, true)
                         << QStringLiteral("-f") << QStringLiteral("mpegts")
                         << QStringLiteral("-flush_packets") << QStringLiteral("1")
+                        << QStringLiteral("-mpegts_flags") << QStringLiteral("pat_pmt_at_frames")
                         << QStringLiteral("pipe:1"));
 }
 
@@ -121,7 +70,7 @@ HttpReply LiveStream::handle(const HttpRequest& request) const
         return reply;
     }
     reply.type = "video/mp2t";
-    auto next = std::make_shared<quint64>(m_buffer->newest());
+    auto next = std::make_shared<quint64>(m_buffer->start());
     reply.source = [buffer = m_buffer, next](QByteArray* piece) {
         return buffer->take(next.get(), piece);
     };

@@ -30,7 +30,7 @@ void Recorder::start(const QString& path, const QString& title)
             &Recorder::ended);
     connect(m_ffmpeg.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart) {
-            m_state = State::Failed;
+            conclude(false);
         }
     });
     m_ffmpeg->startWith(testPictureArguments(title, true)
@@ -72,10 +72,16 @@ qint64 Recorder::elapsedMs() const
 
 void Recorder::ended(int exitCode, QProcess::ExitStatus status)
 {
-    m_startedAt = 0;
     // FFmpeg answers the signal that ends it in good order with 255.
     const bool good = m_state == State::Finishing && status == QProcess::NormalExit &&
                       (exitCode == 0 || exitCode == 255) && QFile(m_path).size() > 0;
+    conclude(good);
+}
+
+void Recorder::conclude(bool good)
+{
+    m_startedAt = 0;
+    emit over(good);
     m_state = good ? State::Idle : State::Failed;
 }
 

@@ -34,7 +34,13 @@ public:
     State state() const;
     qint64 elapsedMs() const; ///< since the start, 0 when nothing is being recorded
 
+signals:
+    /// The recording is over, not by abort(); `good`: the file is complete. Comes before state()
+    /// changes.
+    void over(bool good);
+
 private:
+    void conclude(bool good);
     void ended(int exitCode, QProcess::ExitStatus status);
 
     std::unique_ptr<FfmpegProcess> m_ffmpeg;
