@@ -10,6 +10,7 @@
 #include "ui/tarn_hub.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -113,8 +114,11 @@ private:
     {
         QWidget* dialog = QApplication::activeModalWidget();
         // Keys reach a dialog only once it is the active window.
-        if (!dialog || dialog->objectName() != "messageBox" || !dialog->isActiveWindow())
+        // A key presses its button for a moment before it counts.
+        if (!dialog || dialog->objectName() != "messageBox" || !dialog->isActiveWindow() ||
+            dialog == m_answered)
             return;
+        m_answered = dialog;
         auto* text = dialog->findChild<QWidget*>("m_tipContent");
         m_texts << (text ? text->property("plainText").toString() : QString());
         QTest::keyClick(dialog, m_key);
@@ -122,5 +126,6 @@ private:
 
     QTimer m_timer;
     const Qt::Key m_key;
+    QPointer<QWidget> m_answered;
     QStringList m_texts;
 };
