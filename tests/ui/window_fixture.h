@@ -55,6 +55,7 @@ public:
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     }
+    bool isOpen() const { return m_window != nullptr; }
     void close() { m_window.reset(); }
 
     Tarn_Hub& window() { return *m_window; }
