@@ -68,8 +68,8 @@ bool BoxCore::plugIn()
 void BoxCore::unplug()
 {
     m_wake.stop();
-    setPower(Power::Off);
     closePorts();
+    setPower(Power::Off);
 }
 
 bool BoxCore::moveTo(const QString& address)
@@ -132,8 +132,8 @@ void BoxCore::goDown(Power meanwhile, int ms)
     if (m_power == Power::Off) {
         return; // the plug was pulled first
     }
+    closePorts(); // first: who hears that the box is gone finds it gone
     setPower(meanwhile);
-    closePorts();
     m_wake.start(ms);
 }
 

@@ -230,6 +230,7 @@ void sendFile(const HttpReply& reply, const httplib::Request& in, httplib::Respo
 void sendReply(const HttpReply& reply, const httplib::Request& in, httplib::Response* out)
 {
     HttpConnection* const connection = HttpConnection::current();
+    connection->setAfterwards(reply.afterwards);
     if (reply.cut) {
         connection->cut();
         return;
@@ -256,7 +257,6 @@ void sendReply(const HttpReply& reply, const httplib::Request& in, httplib::Resp
         out->set_content(reply.body.constData(), size_t(reply.body.size()),
                          reply.type.toStdString());
     }
-    connection->setAfterwards(reply.afterwards);
 }
 
 /// Reads an ordinary body; false when it is too long or breaks off.

@@ -100,7 +100,8 @@ bool VirtualLan::populate(const LanPlan& plan)
 
 bool VirtualLan::addPlanned(const LanPlan& plan, int host, BoxModel model)
 {
-    const QString base = plan.subnet.section(QLatin1Char('.'), 0, 2);
+    const QString base =
+        QHostAddress::parseSubnet(plan.subnet).first.toString().section(QLatin1Char('.'), 0, 2);
     BoxSetup setup;
     setup.address = base + QLatin1Char('.') + QString::number(host);
     setup.model = model;

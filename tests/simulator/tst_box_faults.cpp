@@ -1,0 +1,362 @@
+// SPDX-License-Identifier: MIT
+#include "box_client.h"
+
+#include "simulator/virtual_box.h"
+
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <functional>
+#include <vector>
+
+using namespace sim;
+
+namespace
+{
+
+const char* const home = "127.77.202.1";
+constexpr int hungUp = 18;     // curl: partial file
+constexpr int noAnswer = 52;   // curl: empty reply
+constexpr int timedOut = 28;   // curl
+constexpr int resetByBox = 56; // curl: failure in receiving
+constexpr int sendFailed = 55; // curl
+
+} // namespace
+
+/// Every fault, seen from the other end of the wire.
+class tst_BoxFaults : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void replies_data();
+    void replies();
+    void failuresHaveTargets_data();
+    void failuresHaveTargets();
+    void slowBoxAnswersLate();
+    void silentBoxHoldsNobodyElseUp();
+    void clientGivesUpOnSilentBox();
+    void refusesButAnswersPing();
+    void noPing();
+    void wrongMd5OnlyOnce();
+    void uploadIsCut();
+    void throttledDownload();
+    void downloadBreaksOff();
+    void otaFaults_data();
+    void otaFaults();
+    void otaIsNeverAnswered();
+
+private:
+    QString firmware(int size);
+    void runOta();
+
+    std::unique_ptr<VirtualBox> m_box;
+    QTemporaryDir m_dir;
+};
+
+void tst_BoxFaults::init()
+{
+    BoxSetup setup;
+    setup.address = home;
+    setup.rebootMs = 200;
+    m_box = std::make_unique<VirtualBox>(setup);
+    QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
+}
+
+QString tst_BoxFaults::firmware(int size)
+{
+    QFile file(m_dir.filePath("KORA_3.0.0.1.dat"));
+    if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray(size, 'f')) != size) {
+        qFatal("cannot write a firmware file");
+    }
+    return file.fileName();
+}
+
+using Check = std::function<bool(const CurlResult&)>;
+Q_DECLARE_METATYPE(Check)
+
+void tst_BoxFaults::replies_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<Check>("check");
+    const auto value = [](const CurlResult& r) { return r.json().value("value"); };
+    QTest::newRow("garbage") << "garbage"
+                             << "eParam_DeviceName" << Check([](const CurlResult& r) {
+                                    return r.exitCode == 0 && !r.output.isEmpty() &&
+                                           QJsonDocument::fromJson(r.output).isNull();
+                                });
+    QTest::newRow("no object") << "not-an-object"
+                               << "eParam_DeviceName" << Check([](const CurlResult& r) {
+                                      return QJsonDocument::fromJson(r.output).isArray();
+                                  });
+    QTest::newRow("empty") << "empty"
+                           << "eParam_DeviceName" << Check([](const CurlResult& r) {
+                                  return r.exitCode == 0 && r.output.isEmpty();
+                              });
+    QTest::newRow("10 MB") << "huge"
+                           << "eParam_DeviceName" << Check([](const CurlResult& r) {
+                                  return r.output.size() == 10000000 && r.json().contains("value");
+                              });
+    QTest::newRow("other size") << "huge 5000"
+                                << "eParam_DeviceName" << Check([](const CurlResult& r) {
+                                       return r.output.size() == 5000;
+                                   });
+    QTest::newRow("number") << "number"
+                            << "eParam_NDIHXBitRate" << Check([value](const CurlResult& r) {
+                                   return value(r).toInt() == 9000;
+                               });
+    QTest::newRow("array") << "array"
+                           << "eParam_DHCP" << Check([value](const CurlResult& r) {
+                                  return value(r).toArray() == QJsonArray{"1"};
+                              });
+    QTest::newRow("no value") << "no-value"
+                              << "eParam_DHCP" << Check([](const CurlResult& r) {
+                                     return r.json().contains("param_name") &&
+                                            !r.json().contains("value");
+                                 });
+    QTest::newRow("hostile text") << "text"
+                                  << "eParam_DeviceName" << Check([value](const CurlResult& r) {
+                                         return value(r).toString() == hostileText();
+                                     });
+    QTest::newRow("hostile list") << "text as <i>x"
+                                  << "eParam_RecordList" << Check([value](const CurlResult& r) {
+                                         return value(r).toArray() == QJsonArray{"<i>x"};
+                                     });
+    QTest::newRow("half a reply") << "hang-up"
+                                  << "eParam_DeviceName" << Check([](const CurlResult& r) {
+                                         return r.exitCode == hungUp && !r.output.isEmpty();
+                                     });
+    QTest::newRow("not a word") << "hang-up 0"
+                                << "eParam_DeviceName" << Check([](const CurlResult& r) {
+                                       return r.exitCode == noAnswer || r.exitCode == resetByBox;
+                                   });
+    QTest::newRow("HTTP error") << "http-error 503"
+                                << "eParam_DeviceName" << Check([](const CurlResult& r) {
+                                       return r.exitCode == 0 && r.json().isEmpty();
+                                   });
+}
+
+void tst_BoxFaults::replies()
+{
+    QFETCH(QString, fault);
+    QFETCH(QString, name);
+    QFETCH(Check, check);
+    m_box->setParameter("eParam_NDIHXBitRate", "9000");
+    Fault spoiling = parseFault(fault).value();
+    spoiling.target = name;
+    m_box->addFault(spoiling);
+    const CurlResult spoilt = readParameter(home, name);
+    QVERIFY2(check(spoilt), (QByteArray::number(spoilt.exitCode) + ' ' + spoilt.output.left(200)));
+    // Others are well, and so is this one when the fault is gone.
+    QCOMPARE(valueOf(home, "eParam_MACAddress"), m_box->parameter("eParam_MACAddress"));
+    m_box->clearFaults();
+    QCOMPARE(readParameter(home, name).json().value("param_name").toString(), name);
+    QVERIFY(readParameter(home, name).json().contains("value"));
+}
+
+void tst_BoxFaults::failuresHaveTargets_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QString>("write");   // status of writing eParam_SDIVolume
+    QTest::addColumn<QString>("other");   // of eParam_LineinVolume
+    QTest::addColumn<QString>("command"); // of ndienc_on
+    QTest::newRow("one parameter") << "fail eParam_SDIVolume"
+                                   << "set failed"
+                                   << "set success"
+                                   << "success";
+    QTest::newRow("all writes") << "fail write"
+                                << "set failed"
+                                << "set failed"
+                                << "success";
+    QTest::newRow("one action") << "fail ndienc_on"
+                                << "set success"
+                                << "set success"
+                                << "failed";
+    QTest::newRow("everything") << "fail"
+                                << "set failed"
+                                << "set failed"
+                                << "failed";
+    QTest::newRow("words of its own") << "fail ndienc_on as busy"
+                                      << "set success"
+                                      << "set success"
+                                      << "busy";
+    QTest::newRow("once") << "fail times 1"
+                          << "set failed"
+                          << "set success"
+                          << "success";
+}
+
+void tst_BoxFaults::failuresHaveTargets()
+{
+    QFETCH(QString, fault);
+    m_box->setParameter("eParam_SDIVolume", "1");
+    QVERIFY(m_box->addFault(fault));
+    QTEST(writeParameter(home, "eParam_SDIVolume", "2").status(), "write");
+    QTEST(writeParameter(home, "eParam_LineinVolume", "2").status(), "other");
+    QTEST(command(home, "ndienc_on").status(), "command");
+    QFETCH(QString, write);
+    QCOMPARE(m_box->parameter("eParam_SDIVolume"), write == "set success" ? "2" : "1");
+}
+
+void tst_BoxFaults::slowBoxAnswersLate()
+{
+    QVERIFY(m_box->addFault("slow 300 on eParam_DHCP"));
+    const CurlResult slow = readParameter(home, "eParam_DHCP");
+    QCOMPARE(slow.exitCode, 0);
+    QVERIFY2(slow.ms >= 300, qPrintable(QString::number(slow.ms)));
+    QVERIFY(readParameter(home, "eParam_NetMask").ms < 300);
+}
+
+void tst_BoxFaults::silentBoxHoldsNobodyElseUp()
+{
+    QVERIFY(m_box->addFault("silent on eParam_DHCP"));
+    std::vector<std::unique_ptr<QTcpSocket>> waiting;
+    for (int i = 0; i < 100; ++i) {
+        waiting.push_back(std::make_unique<QTcpSocket>());
+        waiting.back()->connectToHost(home, 8081);
+        waiting.back()->write(
+            "GET /config?action=get&param_name=eParam_DHCP HTTP/1.1\r\nHost: x\r\n\r\n");
+    }
+    QTRY_COMPARE(m_box->requests().size(), 100);
+    VirtualBox other("127.77.202.2");
+    QVERIFY(other.plugIn());
+    for (const char* address : {home, "127.77.202.2"}) {
+        const CurlResult quick = readParameter(address, "eParam_NetMask");
+        QCOMPARE(quick.exitCode, 0);
+        QVERIFY2(quick.ms < 1000, qPrintable(QString::number(quick.ms)));
+    }
+    for (const auto& socket : waiting) {
+        QCOMPARE(socket->bytesAvailable(), 0);
+        QCOMPARE(socket->state(), QAbstractSocket::ConnectedState);
+    }
+}
+
+void tst_BoxFaults::clientGivesUpOnSilentBox()
+{
+    QVERIFY(m_box->addFault("silent on hxenc_on"));
+    QCOMPARE(curl({"-m", "0.3", "-d", "action=hxenc_on", apiUrl(home, "/control?")}).exitCode,
+             timedOut);
+    QVERIFY(m_box->addFault("fail hxenc_off")); // the box is alive and takes orders
+    QCOMPARE(command(home, "hxenc_off").status(), "failed");
+}
+
+void tst_BoxFaults::refusesButAnswersPing()
+{
+    QVERIFY(m_box->addFault("refuse"));
+    for (const quint16 port : {8081, 8001, 8002}) {
+        QVERIFY(isRefused(home, port));
+    }
+    QVERIFY(m_box->isReachable());
+    m_box->clearFault(FaultKind::Refuse);
+    QCOMPARE(readParameter(home, "eParam_DHCP").exitCode, 0);
+}
+
+void tst_BoxFaults::noPing()
+{
+    QVERIFY(m_box->addFault("no-ping"));
+    QVERIFY(!m_box->isReachable());
+    QCOMPARE(readParameter(home, "eParam_DHCP").exitCode, 0);
+    m_box->clearFaults();
+    QVERIFY(m_box->isReachable());
+}
+
+void tst_BoxFaults::wrongMd5OnlyOnce()
+{
+    const QString file = firmware(1000);
+    QVERIFY(m_box->addFault("wrong-md5 times 1"));
+    const CurlResult wrong = upload(home, file);
+    const CurlResult right = upload(home, file);
+    QCOMPARE(wrong.status(), "success");
+    QCOMPARE(right.status(), "success");
+    QCOMPARE(wrong.json().value("file_md5").toString().size(), 32);
+    QVERIFY(wrong.json().value("file_md5") != right.json().value("file_md5"));
+}
+
+void tst_BoxFaults::uploadIsCut()
+{
+    QVERIFY(m_box->addFault("cut-upload 60"));
+    const CurlResult cut = upload(home, firmware(20 * 1000 * 1000));
+    QVERIFY2(cut.exitCode == sendFailed || cut.exitCode == resetByBox || cut.exitCode == noAnswer,
+             qPrintable(QString::number(cut.exitCode)));
+    QCOMPARE(cut.output, QByteArray());
+    QVERIFY(m_box->requests().isEmpty()); // it was no whole request
+    m_box->clearFaults();
+    QCOMPARE(upload(home, firmware(1000)).status(), "success");
+}
+
+void tst_BoxFaults::throttledDownload()
+{
+    m_box->addRecording("a.mp4", QByteArray(50000, 'a'));
+    QVERIFY(m_box->addFault("throttle 100000 on media"));
+    const CurlResult slow = curl({apiUrl(home, "/media/a.mp4")});
+    QCOMPARE(slow.output.size(), 50000);
+    QVERIFY2(slow.ms >= 450 && slow.ms < 2000, qPrintable(QString::number(slow.ms)));
+}
+
+void tst_BoxFaults::downloadBreaksOff()
+{
+    m_box->addRecording("a.mp4", QByteArray(1000000, 'a'));
+    QVERIFY(m_box->addFault("hang-up 30 on media"));
+    const CurlResult broken = curl({apiUrl(home, "/media/a.mp4")});
+    QCOMPARE(broken.exitCode, hungUp);
+    QCOMPARE(broken.output.size(), 300000);
+}
+
+void tst_BoxFaults::runOta()
+{
+    QCOMPARE(writeParameter(home, "eParam_NTPServer", "time.example").status(), "set success");
+    QCOMPARE(upload(home, firmware(1000)).status(), "success");
+    QCOMPARE(command(home, "ota").status(), "success");
+    QTRY_VERIFY(!m_box->isReachable());
+}
+
+void tst_BoxFaults::otaFaults_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QString>("address"); // where it comes back, empty: nowhere
+    QTest::addColumn<bool>("newVersion");
+    QTest::addColumn<bool>("keepsSettings");
+    QTest::newRow("none") << "" << home << true << true;
+    QTest::newRow("stays away") << "ota-stays-away"
+                                << "" << true << true;
+    QTest::newRow("old version") << "ota-old-version" << home << false << true;
+    QTest::newRow("loses settings") << "ota-loses-settings" << home << true << false;
+    QTest::newRow("moves") << "ota-moves 127.77.202.9"
+                           << "127.77.202.9" << true << true;
+}
+
+void tst_BoxFaults::otaFaults()
+{
+    QFETCH(QString, fault);
+    QFETCH(QString, address);
+    QFETCH(bool, newVersion);
+    QFETCH(bool, keepsSettings);
+    QVERIFY(fault.isEmpty() || m_box->addFault(fault));
+    const QString mac = m_box->parameter("eParam_MACAddress");
+    runOta();
+    if (address.isEmpty()) {
+        QTest::qWait(400); // twice as long as a reboot takes
+        QVERIFY(!m_box->isReachable());
+        return;
+    }
+    QTRY_VERIFY(m_box->isOn());
+    QCOMPARE(valueOf(address, "eParam_FirmVersion") == "3.0.0.1", newVersion);
+    QCOMPARE(valueOf(address, "eParam_NTPServer") == "time.example", keepsSettings);
+    QCOMPARE(valueOf(address, "eParam_MACAddress"), mac);
+}
+
+void tst_BoxFaults::otaIsNeverAnswered()
+{
+    QVERIFY(m_box->addFault("hang-up 0 on ota"));
+    QCOMPARE(upload(home, firmware(1000)).status(), "success");
+    QCOMPARE(command(home, "ota").output, QByteArray());
+    QTRY_VERIFY(!m_box->isReachable()); // it does what it was told all the same
+    QTRY_VERIFY(m_box->isOn());
+    QCOMPARE(valueOf(home, "eParam_FirmVersion"), "3.0.0.1");
+}
+
+QTEST_GUILESS_MAIN(tst_BoxFaults)
+#include "tst_box_faults.moc"

@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/faults.h"
+#include "simulator/form_body.h"
+#include "simulator/kora_api.h"
+#include "simulator/live_buffer.h"
+#include "simulator/parameters.h"
+
+#include <QTest>
+
+using namespace sim;
+
+/// What needs no network: reading forms, fault lines and firmware names, and finding key pictures.
+class tst_BoxRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void form_data();
+    void form();
+    void faultLines_data();
+    void faultLines();
+    void strikesAreCounted();
+    void targetsMustAllFit();
+    void firmwareNames_data();
+    void firmwareNames();
+    void acceptedValues_data();
+    void acceptedValues();
+    void viewersBeginWithAKeyPicture();
+};
+
+void tst_BoxRules::form_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("value");
+    QTest::newRow("plain") << QByteArray("value=abc") << "abc";
+    QTest::newRow("escaped equals sign") << QByteArray("value=a%3Db") << "a=b";
+    QTest::newRow("raw equals sign") << QByteArray("value=a=b") << "a=b";
+    QTest::newRow("plus is no blank") << QByteArray("value=a+b c") << "a+b c";
+    QTest::newRow("percent without digits")
+        << QByteArray("value=100% of %zz %4") << "100% of %zz %4";
+    QTest::newRow("signs are no digits") << QByteArray("value=%+1%-1% 1") << "%+1%-1% 1";
+    QTest::newRow("UTF-8, raw and escaped")
+        << QByteArray("value=\xe5\x90\x8d%E5%89%8D") << QString::fromUtf8("名前");
+    QTest::newRow("an ampersand ends it") << QByteArray("value=a&b") << "a";
+    QTest::newRow("empty") << QByteArray("value=") << "";
+    QTest::newRow("missing") << QByteArray("x=1&&&=&") << "";
+}
+
+void tst_BoxRules::form()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(QString, value);
+    QCOMPARE(parseForm(body).value("value"), value);
+}
+
+void tst_BoxRules::faultLines_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("normal"); // empty: refused
+    QTest::newRow("word alone") << "silent"
+                                << "silent";
+    QTest::newRow("amount") << "slow 250"
+                            << "slow 250";
+    QTest::newRow("target") << "fail eParam_NDIName"
+                            << "fail on eParam_NDIName";
+    QTest::newRow("everything") << "fail on write+eParam_DHCP times 2 as no such luck"
+                                << "fail on write+eParam_DHCP times 2 as no such luck";
+    QTest::newRow("address") << "ota-moves 127.77.0.9"
+                             << "ota-moves as 127.77.0.9";
+    QTest::newRow("no address") << "ota-moves"
+                                << "";
+    QTest::newRow("unknown word") << "sluggish 3"
+                                  << "";
+    QTest::newRow("nothing") << "  "
+                             << "";
+    QTest::newRow("too many words") << "fail a b"
+                                    << "";
+    QTest::newRow("negative amount") << "slow on reboot -5 6"
+                                     << "";
+    QTest::newRow("no number of times") << "fail times many"
+                                        << "";
+}
+
+void tst_BoxRules::faultLines()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, normal);
+    QString error;
+    const auto fault = parseFault(line, &error);
+    QCOMPARE(fault.has_value(), !normal.isEmpty());
+    QCOMPARE(error.isEmpty(), fault.has_value());
+    if (fault) {
+        QCOMPARE(faultLine(*fault), normal);
+        QCOMPARE(faultLine(*parseFault(normal)), normal);
+    }
+}
+
+void tst_BoxRules::strikesAreCounted()
+{
+    FaultList faults;
+    faults.add(*parseFault("fail times 2"));
+    QVERIFY(faults.strike(FaultKind::Fail, {"reboot"}));
+    QVERIFY(!faults.strike(FaultKind::Slow, {"reboot"}));
+    QVERIFY(faults.strike(FaultKind::Fail, {"reboot"}));
+    QVERIFY(!faults.strike(FaultKind::Fail, {"reboot"}));
+}
+
+void tst_BoxRules::targetsMustAllFit()
+{
+    FaultList faults;
+    faults.add(*parseFault("slow on write+eParam_DHCP"));
+    QVERIFY(!faults.strike(FaultKind::Slow, {"config", "read", "eParam_DHCP"}));
+    QVERIFY(!faults.strike(FaultKind::Slow, {"config", "write", "eParam_NDIName"}));
+    QVERIFY(faults.strike(FaultKind::Slow, {"config", "write", "eParam_DHCP"}));
+}
+
+void tst_BoxRules::firmwareNames_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("version");
+    QTest::newRow("version alone") << "1.2.0.623.dat"
+                                   << "1.2.0.623";
+    QTest::newRow("with a name") << "KORA_1.2.0.623.dat"
+                                 << "1.2.0.623";
+    QTest::newRow("no version") << "latest.dat"
+                                << "latest";
+    QTest::newRow("with a path") << "../../x/2.0.dat"
+                                 << "2.0";
+}
+
+void tst_BoxRules::firmwareNames()
+{
+    QFETCH(QString, file);
+    QTEST(versionOfFirmwareFile(file), "version");
+}
+
+void tst_BoxRules::acceptedValues_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("good");
+    QTest::addColumn<QStringList>("bad");
+    const QStringList noFlags = {"2", "", "yes", "01"};
+    QTest::newRow("flag") << "eParam_DHCP" << QStringList{"0", "1"} << noFlags;
+    QTest::newRow("range") << "eParam_LineinDelay" << QStringList{"0", "341"}
+                           << QStringList{"342", "-1", "3.5", ""};
+    QTest::newRow("word") << "eParam_HXControlRate" << QStringList{"CBR", "VBR", "CVBR"}
+                          << QStringList{"cbr", ""};
+    QTest::newRow("address") << "eParam_IPAddress" << QStringList{"10.0.0.1"}
+                             << QStringList{"10.1", "10.0.0.256", "::1", ""};
+    QTest::newRow("text") << "eParam_NDIName" << QStringList{"", "a=b"} << QStringList{};
+    QTest::newRow("read only") << "eParam_MACAddress" << QStringList{} << QStringList{"00:00"};
+    QTest::newRow("unknown") << "eParam_Nothing" << QStringList{} << QStringList{"1"};
+}
+
+void tst_BoxRules::acceptedValues()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, good);
+    QFETCH(QStringList, bad);
+    for (const QString& value : good) {
+        QVERIFY2(isAcceptable(name, value), qPrintable(value));
+    }
+    for (const QString& value : bad) {
+        QVERIFY2(!isAcceptable(name, value), qPrintable(value));
+    }
+}
+
+namespace
+{
+
+enum Packet { Table = 0x000, Picture = 0x100, Sound = 0x101 };
+
+QByteArray tsPacket(int pid, bool random, char mark)
+{
+    QByteArray packet(188, mark);
+    packet[0] = 0x47;
+    packet[1] = char(pid >> 8);
+    packet[2] = char(pid & 0xff);
+    packet[3] = random ? 0x30 : 0x10;
+    packet[4] = 1;
+    packet[5] = random ? 0x40 : 0x00;
+    return packet;
+}
+
+} // namespace
+
+void tst_BoxRules::viewersBeginWithAKeyPicture()
+{
+    LiveBuffer buffer;
+    const QByteArray before = tsPacket(Picture, false, 'a') + tsPacket(Sound, true, 'b');
+    const QByteArray key = tsPacket(Table, false, 'c') + tsPacket(Picture, true, 'd');
+    const QByteArray after = tsPacket(Picture, false, 'e');
+    const QByteArray all = before + key + after;
+    buffer.append(all.left(500)); // packets do not come whole
+    buffer.append(all.mid(500));
+
+    quint64 next = buffer.start();
+    QByteArray seen;
+    QByteArray piece;
+    while (seen.size() < 3 * 188 && buffer.take(&next, &piece)) {
+        QVERIFY2(!piece.isEmpty(), "the buffer holds less than it got");
+        seen += piece;
+    }
+    QCOMPARE(seen, QByteArray(key + after));
+    buffer.end();
+    QVERIFY(!buffer.take(&next, &piece));
+}
+
+QTEST_GUILESS_MAIN(tst_BoxRules)
+#include "tst_box_rules.moc"

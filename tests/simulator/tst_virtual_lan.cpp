@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: MIT
+#include "box_client.h"
+
+#include "simulator/lan_commands.h"
+#include "simulator/scenario.h"
+#include "simulator/virtual_lan.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+using namespace sim;
+
+namespace
+{
+
+LanPlan plan(const QString& subnet, int boxes)
+{
+    LanPlan plan;
+    plan.subnet = subnet;
+    plan.boxes = boxes;
+    plan.rebootMs = 200;
+    plan.restartMs = 100;
+    plan.web = false;
+    return plan;
+}
+
+QStringList linesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly)
+               ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
+               : QStringList{"no file"};
+}
+
+QString writeFile(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        qFatal("cannot write %s", qPrintable(path));
+    }
+    return path;
+}
+
+/// kora-lan or lan-fping, as people and scripts start them.
+class Program : public QProcess
+{
+public:
+    Program(const QString& name, const QStringList& arguments, const QString& runDir)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(VirtualLan::runVariable(), runDir);
+        setProcessEnvironment(environment);
+        start(QString(KORA_LAN_BIN) + '/' + name, arguments);
+    }
+    ~Program() override
+    {
+        kill();
+        waitForFinished(3000);
+    }
+
+    /// Everything on standard output so far, until `word` is in it.
+    bool says(const QString& word)
+    {
+        while (!output.contains(word) && waitForReadyRead(5000)) {
+            output += QString::fromUtf8(readAllStandardOutput());
+        }
+        return output.contains(word);
+    }
+
+    QString output;
+};
+
+} // namespace
+
+/// Many boxes: plans, scenarios, the programs kora-lan and lan-fping.
+class tst_VirtualLan : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void plansThatDoNotFit_data();
+    void plansThatDoNotFit();
+    void pluggedFileFollowsTheBoxes();
+    void lineCommands();
+    void scenario();
+    void wrongScenarios_data();
+    void wrongScenarios();
+    void aFullSubnet();
+    void sweepFindsOnlyPluggedBoxes();
+    void killedSweepLeavesNoFping();
+    void koraLanObeys();
+    void koraLanOptions_data();
+    void koraLanOptions();
+    void koraLanEndsWithParent();
+};
+
+void tst_VirtualLan::plansThatDoNotFit_data()
+{
+    QTest::addColumn<QString>("subnet");
+    QTest::addColumn<int>("boxes");
+    QTest::newRow("too many") << "127.77.204.0/24" << 245;
+    QTest::newRow("no subnet") << "boxes" << 1;
+    QTest::newRow("not a /24") << "127.77.204.0/16" << 1;
+    QTest::newRow("IPv6") << "fe80::/24" << 1;
+}
+
+void tst_VirtualLan::plansThatDoNotFit()
+{
+    QFETCH(QString, subnet);
+    QFETCH(int, boxes);
+    VirtualLan lan;
+    QVERIFY(!lan.populate(plan(subnet, boxes)));
+    QVERIFY(!lan.errorString().isEmpty());
+}
+
+void tst_VirtualLan::pluggedFileFollowsTheBoxes()
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath("plugged");
+    {
+        VirtualLan lan(dir.path());
+        QVERIFY(lan.populate(plan("127.77.204.0/24", 3)));
+        QCOMPARE(linesOf(file), QStringList());
+        QVERIFY2(lan.plugInAll({"127.77.204.13"}), qPrintable(lan.errorString()));
+        QCOMPARE(linesOf(file), (QStringList{"127.77.204.11", "127.77.204.12"}));
+        QVERIFY(lan.find("127.77.204.12")->moveTo("127.77.204.99"));
+        QCOMPARE(linesOf(file), (QStringList{"127.77.204.11", "127.77.204.99"}));
+        QVERIFY(lan.find("127.77.204.12") == nullptr);
+        lan.find("127.77.204.11")->reboot();
+        QTRY_COMPARE(linesOf(file), QStringList{"127.77.204.99"});
+        QTRY_COMPARE(linesOf(file), (QStringList{"127.77.204.11", "127.77.204.99"}));
+    }
+    QCOMPARE(linesOf(file), QStringList());
+}
+
+void tst_VirtualLan::lineCommands()
+{
+    VirtualLan lan;
+    QVERIFY(lan.populate(plan("127.77.204.0/24", 2)));
+    QVERIFY(lan.plugInAll());
+    LanCommands commands(&lan);
+    VirtualBox* const box = lan.find("127.77.204.11");
+    QVERIFY(commands.run("unplug 127.77.204.11").ok);
+    QVERIFY(!box->isOn());
+    QVERIFY(commands.run("  plug   127.77.204.11 ").ok);
+    QVERIFY(box->isOn());
+    QVERIFY(commands.run("set 127.77.204.11 eParam_NDIName Two words").ok);
+    QCOMPARE(box->parameter("eParam_NDIName"), "Two words");
+    QVERIFY(commands.run("fault 127.77.204.11 fail on reboot").ok);
+    QCOMPARE(command("127.77.204.11", "reboot").status(), "failed");
+    QVERIFY(commands.run("list").text.contains("fail on reboot"));
+    QVERIFY(commands.run("log 127.77.204.11").text.contains("POST /control action=reboot"));
+    QVERIFY(commands.run("clear 127.77.204.11").ok);
+    QVERIFY(box->faults().isEmpty());
+    QVERIFY(commands.run("quit").quit);
+    for (const char* wrong :
+         {"unplug", "unplug 127.77.204.200", "move 127.77.204.11 127.77.204.12", "dance",
+          "move 127.77.204.11 8.8.8.8", "fault 127.77.204.11 nonsense", "set 127.77.204.11 x"}) {
+        const LanCommands::Answer answer = commands.run(wrong);
+        QVERIFY2(!answer.ok && !answer.text.isEmpty(), wrong);
+    }
+}
+
+void tst_VirtualLan::scenario()
+{
+    QTemporaryDir dir;
+    const QString path = writeFile(dir.filePath("s.json"), R"({"boxes": [
+        {"address": "127.77.204.11", "faults": ["fail reboot"], "plugged": false},
+        {"address": "127.77.204.50", "parameters": {"eParam_NDIName": "<b>\"x\"</b>"},
+         "recordings": ["a.mp4", "b.jpg"], "decode_sources": ["A (B): 1"]}],
+        "steps": [{"after_seconds": 0.1, "command": "plug 127.77.204.11"},
+                  {"after_seconds": 0.2, "command": "unplug 127.77.204.9"}]})");
+    VirtualLan lan;
+    Scenario scenario;
+    QVERIFY(lan.populate(plan("127.77.204.0/24", 1)));
+    QVERIFY2(scenario.load(path, &lan), qPrintable(scenario.errorString()));
+    QVERIFY(lan.plugInAll(scenario.unplugged()));
+    QVERIFY(!lan.find("127.77.204.11")->isOn());
+    QCOMPARE(valueOf("127.77.204.50", "eParam_NDIName"), "<b>\"x\"</b>");
+    QCOMPARE(lan.find("127.77.204.50")->recordings(), (QStringList{"b.jpg", "a.mp4"}));
+    LanCommands commands(&lan);
+    QSignalSpy steps(&scenario, &Scenario::stepped);
+    scenario.start(&commands);
+    QTRY_COMPARE(steps.size(), 2);
+    QVERIFY(lan.find("127.77.204.11")->isOn());
+    QCOMPARE(command("127.77.204.11", "reboot").status(), "failed");
+    QVERIFY(steps[1][0].toString().contains("no box at"));
+}
+
+void tst_VirtualLan::wrongScenarios_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("no JSON") << QByteArray("{boxes}");
+    QTest::newRow("an array") << QByteArray("[]");
+    QTest::newRow("misspelt key") << QByteArray(R"({"boxs": []})");
+    QTest::newRow("misspelt key of a box")
+        << QByteArray(R"({"boxes": [{"address": "127.77.204.9", "fault": "slow"}]})");
+    QTest::newRow("unknown fault")
+        << QByteArray(R"({"boxes": [{"address": "127.77.204.9", "faults": ["slwo"]}]})");
+    QTest::newRow("unknown model")
+        << QByteArray(R"({"boxes": [{"address": "127.77.204.9", "model": "karo"}]})");
+    QTest::newRow("step without time") << QByteArray(R"({"steps": [{"command": "list"}]})");
+}
+
+void tst_VirtualLan::wrongScenarios()
+{
+    QFETCH(QByteArray, content);
+    QTemporaryDir dir;
+    VirtualLan lan;
+    Scenario scenario;
+    QVERIFY(!scenario.load(writeFile(dir.filePath("s.json"), content), &lan));
+    QVERIFY(!scenario.errorString().isEmpty());
+}
+
+void tst_VirtualLan::aFullSubnet()
+{
+    LanPlan full = plan("127.77.205.0/24", 253);
+    full.first = 1;
+    VirtualLan lan;
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(lan.populate(full));
+    QVERIFY2(lan.plugInAll(), qPrintable(lan.errorString()));
+    qInfo("253 boxes plugged in after %lld ms", clock.elapsed());
+
+    // All of them asked for eight things at once.
+    QNetworkAccessManager manager;
+    int good = 0;
+    int done = 0;
+    const int wanted = 253 * 8;
+    clock.restart();
+    for (int i = 0; i < wanted; ++i) {
+        const QString address = QString("127.77.205.%1").arg(1 + i % 253);
+        const QUrl url(apiUrl(address, "/config?action=get&param_name=eParam_IPAddress"));
+        QNetworkReply* const reply = manager.get(QNetworkRequest(url));
+        connect(reply, &QNetworkReply::finished, this, [reply, address, &good, &done] {
+            const QJsonObject object = QJsonDocument::fromJson(reply->readAll()).object();
+            good += object.value("value").toString() == address ? 1 : 0;
+            ++done;
+            reply->deleteLater();
+        });
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(done, wanted, 20000);
+    qInfo("%d reads answered after %lld ms", done, clock.elapsed());
+    QCOMPARE(good, wanted);
+}
+
+void tst_VirtualLan::sweepFindsOnlyPluggedBoxes()
+{
+    QTemporaryDir dir;
+    VirtualLan lan(dir.path());
+    QVERIFY(lan.populate(plan("127.77.204.0/24", 3)));
+    QVERIFY(lan.plugInAll({"127.77.204.12"}));
+    Program check("lan-fping", {"-a", "-r", "2", "-t", "200", "127.77.204.11", "127.77.204.12"},
+                  dir.path());
+    QVERIFY(check.waitForFinished());
+    QCOMPARE(check.readAllStandardOutput(), QByteArray("127.77.204.11\n"));
+
+    Program sweep("lan-fping", {"-a", "-r", "0", "-t", "100", "-g", "127.77.204.0/24"}, dir.path());
+    QVERIFY(sweep.waitForReadyRead()); // line by line, long before the sweep is over
+    QCOMPARE(sweep.state(), QProcess::Running);
+    QVERIFY(sweep.waitForFinished());
+    QCOMPARE(sweep.readAllStandardOutput(), QByteArray("127.77.204.11\n127.77.204.13\n"));
+}
+
+void tst_VirtualLan::killedSweepLeavesNoFping()
+{
+    QTemporaryDir dir;
+    VirtualLan lan(dir.path());
+    // A stand-in for fping that tells its number and would run for a long time without a word.
+    const QString pidFile = dir.filePath("pid");
+    const QString fake = writeFile(
+        dir.filePath("fping"), "#!/bin/sh\necho $$ > " + pidFile.toUtf8() + "\nexec sleep 20\n");
+    QFile::setPermissions(fake, QFile::permissions(fake) | QFile::ExeOwner);
+    qputenv("KORA_LAN_FPING", fake.toLocal8Bit());
+    Program sweep("lan-fping", {"-a"}, dir.path());
+    qunsetenv("KORA_LAN_FPING");
+    QTRY_VERIFY(linesOf(pidFile).value(0).toInt() > 0);
+    const int pid = linesOf(pidFile).first().toInt();
+    QCOMPARE(kill(pid, 0), 0);
+    sweep.kill();
+    QVERIFY(sweep.waitForFinished());
+    // Gone, or dead and only waiting to be collected.
+    QTRY_VERIFY(kill(pid, 0) != 0 ||
+                linesOf(QString("/proc/%1/stat").arg(pid)).value(0).contains(") Z "));
+}
+
+void tst_VirtualLan::koraLanObeys()
+{
+    QTemporaryDir dir;
+    Program program("kora-lan",
+                    {"--subnet", "127.77.206.0/24", "--boxes", "2", "--web-port", "8880",
+                     "--run-dir", dir.path()},
+                    dir.path());
+    QVERIFY2(program.says("ready\n"), qPrintable(program.output));
+    QCOMPARE(program.output.count("127.77.206."), 5);
+    QCOMPARE(linesOf(dir.filePath("plugged")).size(), 5);
+    QVERIFY(curl({"http://127.77.206.13:8880/cgi-bin/set-dashboard.cgi"}).output.contains("ORBIT"));
+    program.write("unplug 127.77.206.11\nnonsense\n");
+    QVERIFY(program.says("ok\n"));
+    QVERIFY(program.says("error\n"));
+    QCOMPARE(linesOf(dir.filePath("plugged")).size(), 4);
+    program.closeWriteChannel();
+    QCOMPARE(readParameter("127.77.206.12", "eParam_DHCP").exitCode, 0);
+    QVERIFY2(!program.waitForFinished(300), "the end of its input is no order to end");
+    program.terminate();
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 0);
+    QCOMPARE(linesOf(dir.filePath("plugged")), QStringList());
+}
+
+void tst_VirtualLan::koraLanOptions_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::newRow("help") << QStringList{"--help"} << 0;
+    QTest::newRow("version") << QStringList{"--version"} << 0;
+    QTest::newRow("unknown option") << QStringList{"--bogus"} << 2;
+    QTest::newRow("no number") << QStringList{"--boxes", "many"} << 2;
+    QTest::newRow("stray word") << QStringList{"127.0.0.1"} << 2;
+    QTest::newRow("no scenario") << QStringList{"--scenario", "/no/such/file"} << 2;
+    QTest::newRow("a real network") << QStringList{"--subnet", "10.0.0.0/24"} << 1;
+}
+
+void tst_VirtualLan::koraLanOptions()
+{
+    QFETCH(QStringList, arguments);
+    QTemporaryDir dir;
+    Program program("kora-lan", QStringList{"--run-dir", dir.path()} + arguments, dir.path());
+    QVERIFY(program.waitForFinished());
+    QTEST(program.exitCode(), "exitCode");
+    QCOMPARE(program.readAllStandardError().isEmpty(), program.exitCode() == 0);
+}
+
+void tst_VirtualLan::koraLanEndsWithParent()
+{
+    QTemporaryDir dir;
+    QProcess parent;
+    parent.start("sleep", {"20"});
+    QVERIFY(parent.waitForStarted());
+    Program program("kora-lan",
+                    {"--subnet", "127.77.206.0/24", "--boxes", "1", "--no-web", "--run-dir",
+                     dir.path(), "--exit-with-parent", QString::number(parent.processId())},
+                    dir.path());
+    QVERIFY(program.says("ready\n"));
+    parent.kill();
+    QVERIFY(parent.waitForFinished());
+    QVERIFY(program.waitForFinished(5000));
+    QCOMPARE(program.exitCode(), 0);
+}
+
+QTEST_GUILESS_MAIN(tst_VirtualLan)
+#include "tst_virtual_lan.moc"
