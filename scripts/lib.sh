@@ -1,0 +1,225 @@
+# shellcheck shell=bash
+# What the scripts share: where things are, what to install, how to build, a display, a clean end.
+
+root_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+# The one list of packages, by what needs them.
+packages_for() {
+    case $1 in
+    building)
+        echo cmake g++ git ninja-build pkg-config \
+            qtbase5-dev qttools5-dev qttools5-dev-tools libqt5websockets5-dev libqt5svg5-dev \
+            libavcodec-dev libavformat-dev libavutil-dev libswscale-dev libcpp-httplib-dev
+        ;;
+    running) echo curl ffmpeg fonts-noto-cjk fping ;;
+    display) echo xauth xvfb ;;
+    wayland) echo qtwayland5 ;;
+    checking) echo clang-format g++-mingw-w64-x86-64-posix shellcheck ;;
+    *) die "no packages are listed for $1" ;;
+    esac
+}
+
+scratch=""
+display_pid=""
+at_exit=()
+
+say() { printf '%s\n' "$*"; }
+
+die() {
+    printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+    exit 1
+}
+
+usage_error() {
+    printf "%s: %s\nTry '%s --help'.\n" "$(basename "$0")" "$*" "$0" >&2
+    exit 2
+}
+
+# The comment at the head of a script is its help.
+show_help() { sed -n '2,/^[^#]/ { s/^# \{0,1\}//p }' "$0"; }
+
+need_value() {
+    if [ $# -lt 2 ] || [ -z "$2" ]; then
+        usage_error "$1 needs a value."
+    fi
+}
+
+# --- a clean end -------------------------------------------------------------------------------
+
+clean_up() {
+    local action
+    for action in "${at_exit[@]}"; do
+        "$action" || true
+    done
+    [ -z "$display_pid" ] || end_process "$display_pid"
+    [ -z "$scratch" ] || rm -rf "$scratch"
+}
+
+# Makes $scratch, a folder that is gone when the script ends, whichever way it ends.
+make_scratch() {
+    scratch=$(mktemp -d)
+    trap clean_up EXIT
+    trap 'exit 130' INT
+    trap 'exit 143' TERM HUP
+}
+
+end_process() {
+    kill "$1" 2>/dev/null || return 0
+    wait "$1" 2>/dev/null || true
+}
+
+# wait_until SECONDS PID COMMAND...: true as soon as the command is; false when the time is over or
+# the process has ended.
+wait_until() {
+    local tries=$(($1 * 10)) pid=$2
+    shift 2
+    while ((tries-- > 0)); do
+        "$@" && return 0
+        kill -0 "$pid" 2>/dev/null || return 1
+        sleep 0.1
+    done
+    return 1
+}
+
+# --- packages ----------------------------------------------------------------------------------
+
+# Prints the packages for these purposes that are not installed.
+missing_packages() {
+    local have purpose
+    have=$(dpkg-query -W -f '${Package} ${db:Status-Status}\n' 2>/dev/null |
+        sed -n 's/ installed$//p')
+    for purpose in "$@"; do
+        packages_for "$purpose"
+    done | tr ' ' '\n' | grep -vxF -e "$have" || true
+}
+
+# Sets as_root to the command that runs another one as root; false when there is none.
+find_root() {
+    as_root=()
+    [ "$(id -u)" -ne 0 ] || return 0
+    command -v sudo >/dev/null || return 1
+    as_root=(sudo)
+    if ! { : </dev/tty; } 2>/dev/null; then
+        as_root=(sudo -n)
+    fi
+    "${as_root[@]}" -v 2>/dev/null || "${as_root[@]}" true 2>/dev/null
+}
+
+apt() {
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=300 \
+        -o Dpkg::Use-Pty=0 "$@" </dev/null >>"$apt_log" 2>&1
+}
+
+fetch_and_install() { apt update && apt install -y --no-install-recommends "$@"; }
+
+# install_for PURPOSE...: installs what is missing of their packages.
+install_for() {
+    local missing apt_log=$scratch/apt.log
+    mapfile -t missing < <(missing_packages "$@")
+    [ ${#missing[@]} -gt 0 ] || return 0
+    command -v apt-get >/dev/null ||
+        die "this machine has no apt-get; install what Debian calls: ${missing[*]}"
+    find_root || die "these packages are missing and installing them needs root or sudo:
+  apt-get install --no-install-recommends ${missing[*]}"
+    say "Installing ${#missing[@]} packages; on a new machine this takes some minutes:"
+    say "  ${missing[*]}"
+    if ! fetch_and_install "${missing[@]}" && ! fetch_and_install "${missing[@]}"; then
+        tail -n 25 "$apt_log" >&2
+        die "could not install: ${missing[*]}"
+    fi
+}
+
+# --- building ----------------------------------------------------------------------------------
+
+# Where a preset builds; TARN_BUILD_DIR builds elsewhere.
+build_dir() {
+    case $1 in
+    release) printf '%s\n' "${TARN_BUILD_DIR:-$root_dir/build}" ;;
+    *) printf '%s\n' "${TARN_BUILD_DIR:-$root_dir/build}-$1" ;;
+    esac
+}
+
+# Runs a command silently; shows what it printed only when it fails.
+quietly() {
+    "$@" >"$scratch/quiet.log" 2>&1 && return 0
+    cat "$scratch/quiet.log" >&2
+    return 1
+}
+
+# build PRESET [CMAKE_OPTION...]
+build() {
+    local preset=$1 dir
+    shift
+    dir=$(build_dir "$preset")
+    [ ! -e "$dir" ] || [ -w "$dir" ] ||
+        die "$dir belongs to another user; remove it or set TARN_BUILD_DIR to a folder of yours."
+    say "Building in $dir"
+    (cd "$root_dir" && quietly cmake --preset "$preset" -B "$dir" "$@") ||
+        die "the configuration failed."
+    quietly cmake --build "$dir" || die "the build failed."
+}
+
+# --- display and user data ---------------------------------------------------------------------
+
+# start_display SIZE: a virtual display of its own, ended with the script.
+start_display() {
+    local number=$scratch/display
+    Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp -noreset 3>"$number" \
+        >"$scratch/xvfb.log" 2>&1 &
+    display_pid=$!
+    if ! wait_until 30 "$display_pid" grep -q . "$number"; then
+        cat "$scratch/xvfb.log" >&2
+        die "the virtual display did not start."
+    fi
+    DISPLAY=":$(cat "$number")"
+    export DISPLAY QT_QPA_PLATFORM=xcb
+    unset WAYLAND_DISPLAY XAUTHORITY
+}
+
+# Nothing that the programs write lands in the user's own folders.
+use_private_home() {
+    mkdir -m 700 "$scratch/home" "$scratch/data" "$scratch/runtime"
+    export HOME=$scratch/home APPDATA=$scratch/data
+    export XDG_DATA_HOME=$scratch/data XDG_RUNTIME_DIR=$scratch/runtime
+    export XDG_CONFIG_HOME=$scratch/home/.config XDG_CACHE_HOME=$scratch/home/.cache
+}
+
+# --- rights ------------------------------------------------------------------------------------
+
+# The virtual boxes' web pages are on port 80 of loopback addresses.
+may_bind_web_port() {
+    local net_bind_service=10 effective
+    (($(cat /proc/sys/net/ipv4/ip_unprivileged_port_start 2>/dev/null || echo 1024) > 80)) ||
+        return 0
+    effective=$(sed -n 's/^CapEff:\s*//p' /proc/self/status)
+    ((16#$effective >> net_bind_service & 1))
+}
+
+# Runs the calling script again, as the same user and with the right to serve on port 80.
+run_again_with_web_port() {
+    local name kept=()
+    if [ -n "${TARN_RUN_AGAIN:-}" ] || ! find_root; then
+        die "the virtual boxes serve web pages on port 80 of loopback addresses, and this user may
+not. Run this as root or as a user of sudo, or allow it once with
+  sysctl net.ipv4.ip_unprivileged_port_start=80"
+    fi
+    for name in HOME PATH LANG TERM CI DISPLAY WAYLAND_DISPLAY XAUTHORITY XDG_RUNTIME_DIR \
+        XDG_SESSION_TYPE DBUS_SESSION_BUS_ADDRESS TARN_BUILD_DIR; do
+        [ -z "${!name+set}" ] || kept+=("$name=${!name}")
+    done
+    say "Continuing with the right to serve on port 80."
+    clean_up
+    exec "${as_root[@]}" setpriv --reuid "$(id -u)" --regid "$(id -g)" --init-groups \
+        --inh-caps +net_bind_service --ambient-caps +net_bind_service \
+        env "${kept[@]}" TARN_RUN_AGAIN=1 bash "$0" "$@"
+}
+
+need_web_port() { may_bind_web_port || run_again_with_web_port "$@"; }
+
+# Debian gives fping the right to send pings; some containers take it away again.
+need_ping() {
+    quietly fping -c 1 -q 127.0.0.1 ||
+        die "fping may not send pings here. In a container, start that with the capability NET_RAW."
+}
+
+make_scratch
