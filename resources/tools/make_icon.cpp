@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Renders an SVG picture into a Windows icon: one PNG entry per size.
 //
 // Usage: make_icon INPUT.svg OUTPUT.ico
