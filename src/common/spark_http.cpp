@@ -20,8 +20,8 @@ QString Spark_Http::get(const QString& type, const QString& url, bool isblocking
     reply->setProperty("type", type);
     reply->setProperty("isblocking", isblocking);
     connect(reply, &QNetworkReply::finished, this, &Spark_Http::R_finished);
-    connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received, qint64) {
-        if (received > BodyLimit)
+    connect(reply, &QNetworkReply::readyRead, reply, [reply] {
+        if (reply->bytesAvailable() > BodyLimit)
             reply->abort();
     });
 
@@ -43,7 +43,7 @@ void Spark_Http::R_finished()
     if (!reply)
         return;
     QString body;
-    if (reply->error() == QNetworkReply::NoError)
+    if (reply->error() == QNetworkReply::NoError && reply->bytesAvailable() <= BodyLimit)
         body = QString::fromUtf8(reply->readAll());
 
     const QString id = reply->property("id").toString();

@@ -15,7 +15,6 @@ using namespace sim;
 
 namespace
 {
-constexpr int rebootMs = 400;
 const char* const home = "127.77.200.1";
 } // namespace
 
@@ -39,16 +38,6 @@ private slots:
     void uploadOfSomethingElseFails();
     void mediaRanges_data();
     void mediaRanges();
-    void firmwareChange();
-    void otaWithoutUploadFails();
-    void rebootKeepsSettings();
-    void restartStaysReachable();
-    void fixedAddressCountsAfterReboot();
-    void unpluggingIsQuickAndFinal();
-    void unpluggedDuringReboot();
-    void movesWhileOn();
-    void takenPortIsAnError();
-    void staysOnLoopback();
     void strangersAreSentAway();
     void webModels_data();
     void webModels();
@@ -65,11 +54,8 @@ void tst_VirtualBox::init()
 {
     BoxSetup setup;
     setup.address = home;
-    setup.rebootMs = rebootMs;
-    setup.restartMs = rebootMs;
     m_box = std::make_unique<VirtualBox>(setup);
     QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
-    QCoreApplication::processEvents(); // the signal of that is none of the tests' business
 }
 
 void tst_VirtualBox::cleanup()
@@ -273,132 +259,6 @@ void tst_VirtualBox::mediaRanges()
     }
     const QList<QByteArray> parts = curl(arguments).output.split('\n');
     QTEST(QString::fromLatin1(parts.last() + ' ' + parts.first()), "answer");
-}
-
-void tst_VirtualBox::firmwareChange()
-{
-    QSignalSpy reachable(m_box.get(), &VirtualBox::reachableChanged);
-    QCOMPARE(writeParameter(home, "eParam_SDIVolume", "31").status(), "set success");
-    QCOMPARE(upload(home, firmware("KORA_9.8.7.6.dat", 5000)).status(), "success");
-    QVERIFY(m_box->parameter("eParam_FirmVersion") != "9.8.7.6"); // only an upload so far
-    QElapsedTimer away;
-    away.start();
-    QCOMPARE(command(home, "ota").status(), "success");
-    QTRY_COMPARE(reachable.size(), 1);
-    QVERIFY(isRefused(home, 8081));
-    QTRY_COMPARE(reachable.size(), 2);
-    QVERIFY2(away.elapsed() >= rebootMs - 20, qPrintable(QString::number(away.elapsed())));
-    QCOMPARE(valueOf(home, "eParam_FirmVersion"), "9.8.7.6");
-    QCOMPARE(valueOf(home, "eParam_SDIVolume"), "31");
-    QCOMPARE(m_box->activity().reboots, 1);
-}
-
-void tst_VirtualBox::otaWithoutUploadFails()
-{
-    QCOMPARE(command(home, "ota").status(), "failed");
-    QVERIFY(m_box->isOn());
-}
-
-void tst_VirtualBox::rebootKeepsSettings()
-{
-    QCOMPARE(writeParameter(home, "eParam_NTPServer", "time.example").status(), "set success");
-    QCOMPARE(command(home, "hxdec_on&ndi_name='A (B)'").status(), "success");
-    QCOMPARE(command(home, "reboot").status(), "success");
-    QTRY_VERIFY(!m_box->isReachable());
-    QTRY_VERIFY(m_box->isOn());
-    QCOMPARE(valueOf(home, "eParam_NTPServer"), "time.example");
-    QCOMPARE(m_box->activity().decodeSource, ""); // what ran runs no more
-}
-
-void tst_VirtualBox::restartStaysReachable()
-{
-    QSignalSpy reachable(m_box.get(), &VirtualBox::reachableChanged);
-    QCOMPARE(command(home, "restart").status(), "success");
-    QTRY_VERIFY(!m_box->isOn());
-    QVERIFY(isRefused(home, 8081));
-    QTRY_VERIFY(m_box->isOn());
-    QCOMPARE(reachable.size(), 0);
-    QCOMPARE(m_box->activity().restarts, 1);
-}
-
-void tst_VirtualBox::fixedAddressCountsAfterReboot()
-{
-    const QString fixed = "127.77.200.77";
-    QCOMPARE(writeParameter(home, "eParam_IPAddress", fixed).status(), "set success");
-    QCOMPARE(writeParameter(home, "eParam_DHCP", "0").status(), "set success");
-    QCOMPARE(command(home, "restart").status(), "success");
-    QTRY_COMPARE(m_box->address(), fixed);
-    QTRY_VERIFY(m_box->isOn());
-    QVERIFY(isRefused(home, 8081));
-    QCOMPARE(writeParameter(fixed, "eParam_DHCP", "1").status(), "set success");
-    QCOMPARE(command(fixed, "reboot").status(), "success");
-    QTRY_COMPARE(m_box->address(), home);
-    QTRY_VERIFY(m_box->isOn());
-}
-
-void tst_VirtualBox::unpluggingIsQuickAndFinal()
-{
-    QVERIFY(m_box->addFault("silent"));
-    QTcpSocket idle; // says nothing at all
-    idle.connectToHost(home, 8081);
-    QVERIFY(idle.waitForConnected());
-    QTcpSocket waiting;
-    waiting.connectToHost(home, 8081);
-    waiting.write("GET /config?action=get&param_name=eParam_DHCP HTTP/1.1\r\nHost: x\r\n\r\n");
-    QTRY_COMPARE(m_box->requests().size(), 1);
-
-    QElapsedTimer clock;
-    clock.start();
-    m_box->unplug();
-    QVERIFY2(clock.elapsed() < 100, qPrintable(QString::number(clock.elapsed())));
-    for (const quint16 port : {8081, 8001, 8002}) {
-        QVERIFY(isRefused(home, port));
-    }
-    QTRY_COMPARE(idle.state(), QAbstractSocket::UnconnectedState);
-    QTRY_COMPARE(waiting.state(), QAbstractSocket::UnconnectedState);
-    QVERIFY(!m_box->isReachable());
-    m_box->clearFaults();
-    QVERIFY(m_box->plugIn());
-    QCOMPARE(readParameter(home, "eParam_DHCP").exitCode, 0);
-}
-
-void tst_VirtualBox::unpluggedDuringReboot()
-{
-    QSignalSpy reachable(m_box.get(), &VirtualBox::reachableChanged);
-    m_box->setRebootTime(50, 50);
-    QCOMPARE(command(home, "reboot").status(), "success");
-    QTRY_VERIFY(!m_box->isOn());
-    m_box->unplug();
-    QTRY_COMPARE(reachable.size(), 1);
-    QVERIFY(!reachable.wait(300)); // does not come back by itself
-    QVERIFY(!m_box->isReachable());
-}
-
-void tst_VirtualBox::movesWhileOn()
-{
-    QVERIFY(m_box->moveTo("127.77.200.2"));
-    QVERIFY(isRefused(home, 8081));
-    QCOMPARE(valueOf("127.77.200.2", "eParam_IPAddress"), "127.77.200.2");
-    QVERIFY(m_box->isOn());
-}
-
-void tst_VirtualBox::takenPortIsAnError()
-{
-    VirtualBox other(home);
-    QVERIFY(!other.plugIn());
-    QVERIFY2(other.errorString().contains("127.77.200.1:8081"), qPrintable(other.errorString()));
-    QVERIFY(!other.isReachable());
-    QCOMPARE(readParameter(home, "eParam_DHCP").exitCode, 0); // the first one is unharmed
-}
-
-void tst_VirtualBox::staysOnLoopback()
-{
-    for (const char* address : {"0.0.0.0", "10.0.0.1", "::1", "box", ""}) {
-        VirtualBox box(QString::fromLatin1(address));
-        QVERIFY2(!box.plugIn(), address);
-        QVERIFY(!m_box->moveTo(QString::fromLatin1(address)));
-    }
-    QVERIFY(m_box->isOn());
 }
 
 void tst_VirtualBox::strangersAreSentAway()
