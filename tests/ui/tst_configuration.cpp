@@ -32,6 +32,8 @@ private slots:
     void nothingIsSentWithoutAWholeAddress();
     void runKeepsItsBox();
     void boxThatIsOffEndsInTime();
+    void boxThatGoesMeanwhileIsNamedOnce();
+    void changedDhcpReallyReboots();
     void closingMeanwhileIsSafe();
 
 private:
@@ -434,6 +436,37 @@ void tst_Configuration::boxThatIsOffEndsInTime()
     clickSave();
     QVERIFY2(clock.elapsed() < 40000, qPrintable(QString::number(clock.elapsed())));
     QCOMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
+}
+
+void tst_Configuration::boxThatGoesMeanwhileIsNamedOnce()
+{
+    sim::VirtualBox* box = selectBox(7);
+    QVERIFY(box->addFault("slow 100 on write"));
+    QTimer::singleShot(450, this, [&] {
+        box->unplug();
+        // Gone from the list as well.
+        m_fixture->deviceView()->treeModel()->remove(m_fixture->item(7));
+    });
+    const DialogAnswerer notices;
+    clickSave();
+    QTRY_COMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
+    QVERIFY(!writes(*box).isEmpty());
+    QCOMPARE(shown("eParam_NDIName"), QString("Stage Left"));
+}
+
+void tst_Configuration::changedDhcpReallyReboots()
+{
+    sim::VirtualBox* box = selectBox(7);
+    m_fixture->child<QAbstractButton>("DHCP")->click();
+    const DialogAnswerer notices;
+    clickSave();
+    QTRY_COMPARE(notices.texts(), QStringList{"设置成功,正在重启KORA软件."});
+    QTRY_VERIFY(!box->isOn());
+    QTRY_VERIFY_WITH_TIMEOUT(box->isOn(), 10000);
+    QCOMPARE(box->activity().reboots, 1);
+    m_fixture->clickRow(7);
+    QTRY_COMPARE(m_fixture->item(7)->property("eParam_DHCP").toString(), QString("1"));
+    QCOMPARE(shown("DHCP"), QString("on"));
 }
 
 void tst_Configuration::closingMeanwhileIsSafe()

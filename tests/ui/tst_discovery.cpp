@@ -16,6 +16,7 @@ private slots:
     void init();
     void cleanup();
     void boxesAppearUnderTheirGroups();
+    void boxThatAnswersBothWaysIsOneBox();
     void faultyHostsAreNoBoxes_data();
     void faultyHostsAreNoBoxes();
     void unpluggedBoxTurnsOfflineAndReturns();
@@ -82,6 +83,28 @@ void tst_Discovery::boxesAppearUnderTheirGroups()
     // A new box is found by the next round.
     m_fixture->addBox(10);
     QTRY_COMPARE_WITH_TIMEOUT(groups().first(), QString("KORA:9,10,11,100"), 12000);
+}
+
+void tst_Discovery::boxThatAnswersBothWaysIsOneBox()
+{
+    // Its own interface answers, and so does a page that names two models.
+    sim::BoxSetup setup;
+    setup.address = m_fixture->ip(5);
+    setup.dashboard = QStringList{"RIVER", "ORBIT"};
+    QVERIFY(m_fixture->lan().add(setup)->plugIn());
+    setup.address = m_fixture->ip(6);
+    setup.model = sim::BoxModel::Orbit;
+    QVERIFY(m_fixture->lan().add(setup)->plugIn());
+    m_fixture->open();
+    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(5) && m_fixture->item(6), 10000);
+    QTest::qWait(500);
+    QStringList shown;
+    const auto items = m_fixture->deviceView()->treeModel()->items();
+    for (const Item* item : items)
+        shown << item->title();
+    QCOMPARE(shown.count(m_fixture->ip(5)), 1);
+    QCOMPARE(shown.count(m_fixture->ip(6)), 1);
+    QVERIFY(groups().contains("ORBIT·2:6") || groups().contains("ORBIT·2:5,6"));
 }
 
 void tst_Discovery::faultyHostsAreNoBoxes_data()
