@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QHostAddress>
-#include <QMutexLocker>
 
 namespace sim
 {
@@ -180,13 +179,13 @@ bool BoxCore::mayUse(const QString& address) const
 
 QString BoxCore::address() const
 {
-    const QMutexLocker lock(&m_addressMutex);
+    const std::lock_guard<std::mutex> lock(m_addressMutex);
     return m_address;
 }
 
 void BoxCore::setAddress(const QString& address)
 {
-    const QMutexLocker lock(&m_addressMutex);
+    const std::lock_guard<std::mutex> lock(m_addressMutex);
     m_address = address;
 }
 

@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include <atomic>
+#include <mutex>
 
 namespace sim
 {
@@ -103,7 +104,7 @@ private:
     QTemporaryDir m_ownRecordings;
     std::atomic<bool> m_isOn{false};
     std::atomic<bool> m_isReachable{false};
-    mutable QMutex m_addressMutex;
+    mutable std::mutex m_addressMutex;
     QString m_address; // guarded by m_addressMutex
 };
 

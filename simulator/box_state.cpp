@@ -3,8 +3,6 @@
 
 #include "simulator/parameters.h"
 
-#include <QMutexLocker>
-
 #include <algorithm>
 
 namespace sim
@@ -12,6 +10,14 @@ namespace sim
 namespace
 {
 constexpr int maxRequests = 20000;
+
+/// A copy that shares nothing with the list, so that nobody looks into it outside of the lock.
+template <typename T> QVector<T> ownCopy(QVector<T> list)
+{
+    list.detach();
+    return list;
+}
+
 } // namespace
 
 BoxState::BoxState(int number, const QString& address)
@@ -24,31 +30,31 @@ BoxState::BoxState(int number, const QString& address)
 
 QString BoxState::parameter(const QString& name) const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_parameters.value(name);
 }
 
 bool BoxState::hasParameter(const QString& name) const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_parameters.contains(name);
 }
 
 void BoxState::setParameter(const QString& name, const QString& value)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_parameters.insert(name, value);
 }
 
 QMap<QString, QString> BoxState::parameters() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_parameters;
 }
 
 void BoxState::loseSettings()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     QMap<QString, QString> settings = m_factory;
     for (const char* name : {"eParam_FirmVersion", "eParam_MACAddress"}) {
         settings.insert(QString::fromLatin1(name), m_parameters.value(QString::fromLatin1(name)));
@@ -58,31 +64,31 @@ void BoxState::loseSettings()
 
 QStringList BoxState::decodeSources() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_decodeSources;
 }
 
 void BoxState::setDecodeSources(const QStringList& sources)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_decodeSources = sources;
 }
 
 QVector<Recording> BoxState::recordings() const
 {
-    const QMutexLocker lock(&m_mutex);
-    return m_recordings;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return ownCopy(m_recordings);
 }
 
 void BoxState::addRecording(const Recording& recording)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_recordings.prepend(recording);
 }
 
 Recording BoxState::takeRecording(const QString& name)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     const auto found =
         std::find_if(m_recordings.begin(), m_recordings.end(),
                      [&name](const Recording& recording) { return recording.name == name; });
@@ -96,25 +102,25 @@ Recording BoxState::takeRecording(const QString& name)
 
 BoxActivity BoxState::activity() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_activity;
 }
 
 QString BoxState::uploadedVersion() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_uploadedVersion;
 }
 
 void BoxState::setUploadedVersion(const QString& version)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_uploadedVersion = version;
 }
 
 void BoxState::log(const BoxRequest& request)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_requests.size() >= maxRequests) {
         m_requests.remove(0, maxRequests / 10); // in one go, not one by one
     }
@@ -123,13 +129,13 @@ void BoxState::log(const BoxRequest& request)
 
 QVector<BoxRequest> BoxState::requests() const
 {
-    const QMutexLocker lock(&m_mutex);
-    return m_requests;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return ownCopy(m_requests);
 }
 
 void BoxState::clearRequests()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_requests.clear();
 }
 

@@ -3,10 +3,11 @@
 
 #include <QByteArray>
 #include <QMap>
-#include <QMutex>
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+#include <mutex>
 
 namespace sim
 {
@@ -64,7 +65,7 @@ public:
     /// `change` gets the activity under the lock.
     template <typename Change> void changeActivity(Change change)
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard<std::mutex> lock(m_mutex);
         change(m_activity);
     }
 
@@ -76,7 +77,7 @@ public:
     void clearRequests();
 
 private:
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     // All guarded by m_mutex.
     const QMap<QString, QString> m_factory;
     QMap<QString, QString> m_parameters;

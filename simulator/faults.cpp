@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/faults.h"
 
-#include <QMutexLocker>
-
 #include <algorithm>
 #include <iterator>
 
@@ -161,19 +159,19 @@ QString hostileText()
 
 void FaultList::add(const Fault& fault)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_faults.append(fault);
 }
 
 void FaultList::clear()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_faults.clear();
 }
 
 void FaultList::clear(FaultKind kind)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_faults.erase(std::remove_if(m_faults.begin(), m_faults.end(),
                                   [kind](const Fault& fault) { return fault.kind == kind; }),
                    m_faults.end());
@@ -181,13 +179,15 @@ void FaultList::clear(FaultKind kind)
 
 QVector<Fault> FaultList::all() const
 {
-    const QMutexLocker lock(&m_mutex);
-    return m_faults;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    QVector<Fault> copy = m_faults;
+    copy.detach(); // nobody looks into the list itself outside of the lock
+    return copy;
 }
 
 bool FaultList::has(FaultKind kind) const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return std::any_of(m_faults.begin(), m_faults.end(), [kind](const Fault& fault) {
         return fault.kind == kind && fault.target.isEmpty();
     });
@@ -195,7 +195,7 @@ bool FaultList::has(FaultKind kind) const
 
 std::optional<Fault> FaultList::strike(FaultKind kind, const QStringList& tags)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     for (auto it = m_faults.begin(); it != m_faults.end(); ++it) {
         if (it->kind != kind || !targetFits(it->target, tags)) {
             continue;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QMutex>
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
+#include <mutex>
 #include <optional>
 
 namespace sim
@@ -85,7 +85,7 @@ public:
     std::optional<Fault> strike(FaultKind kind, const QStringList& tags);
 
 private:
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     QVector<Fault> m_faults; // guarded by m_mutex
 };
 

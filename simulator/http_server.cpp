@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <deque>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -47,26 +48,35 @@ public:
     {
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
-            ++m_running;
+            m_waiting.push_back(std::move(task));
+            ++m_unfinished;
         }
-        workers().start([this, task = std::move(task)] {
-            task();
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            --m_running;
-            m_idle.notify_all();
-        });
+        workers().start([this] { runOne(); });
     }
 
     void shutdown() override
     {
         std::unique_lock<std::mutex> lock(m_mutex);
-        m_idle.wait(lock, [this] { return m_running == 0; });
+        m_idle.wait(lock, [this] { return m_unfinished == 0; });
     }
 
 private:
+    void runOne()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        const std::function<void()> task = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        lock.unlock();
+        task();
+        lock.lock();
+        --m_unfinished;
+        m_idle.notify_all(); // under the lock: without it, this might be gone already
+    }
+
     std::mutex m_mutex;
     std::condition_variable m_idle;
-    int m_running = 0; // guarded by m_mutex
+    std::deque<std::function<void()>> m_waiting; // guarded by m_mutex
+    int m_unfinished = 0;                        // guarded by m_mutex
 };
 
 /// The library's server, with the connections kept in hand so that they can be closed at once.

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/live_buffer.h"
 
-#include <QMutexLocker>
-
 #include <algorithm>
+#include <chrono>
 
 namespace sim
 {
@@ -11,7 +10,7 @@ namespace
 {
 
 constexpr size_t maxPieces = 400; // some seconds
-constexpr unsigned long waitMs = 200;
+constexpr std::chrono::milliseconds longestWait(200);
 constexpr int packetSize = 188;
 constexpr int videoPid = 0x100; // FFmpeg's number for the first stream
 
@@ -48,7 +47,7 @@ int findKey(const QByteArray& packets)
 
 void LiveBuffer::append(const QByteArray& bytes)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_rest += bytes;
     const int whole = m_rest.size() - m_rest.size() % packetSize;
     const QByteArray packets = m_rest.left(whole);
@@ -60,7 +59,7 @@ void LiveBuffer::append(const QByteArray& bytes)
         m_hasKey = true;
     }
     push(packets.mid(std::max(0, key)));
-    m_arrived.wakeAll();
+    m_arrived.notify_all();
 }
 
 void LiveBuffer::push(const QByteArray& piece)
@@ -77,24 +76,23 @@ void LiveBuffer::push(const QByteArray& piece)
 
 void LiveBuffer::end()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_ended = true;
-    m_arrived.wakeAll();
+    m_arrived.notify_all();
 }
 
 quint64 LiveBuffer::start() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_hasKey ? m_key : m_first + m_pieces.size();
 }
 
 bool LiveBuffer::take(quint64* next, QByteArray* piece)
 {
-    const QMutexLocker lock(&m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     piece->clear();
-    if (!m_ended && *next >= m_first + m_pieces.size()) {
-        m_arrived.wait(&m_mutex, waitMs);
-    }
+    m_arrived.wait_for(lock, longestWait,
+                       [&] { return m_ended || *next < m_first + m_pieces.size(); });
     if (m_ended) {
         return false;
     }

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <QByteArray>
-#include <QMutex>
-#include <QWaitCondition>
 
+#include <condition_variable>
 #include <deque>
+#include <mutex>
 
 namespace sim
 {
@@ -28,8 +28,8 @@ public:
 private:
     void push(const QByteArray& piece);
 
-    mutable QMutex m_mutex;
-    QWaitCondition m_arrived;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_arrived;
     // All guarded by m_mutex.
     std::deque<QByteArray> m_pieces;
     quint64 m_first = 0; // number of the first piece

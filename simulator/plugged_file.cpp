@@ -2,7 +2,6 @@
 #include "simulator/plugged_file.h"
 
 #include <QFile>
-#include <QMutexLocker>
 
 #include <algorithm>
 
@@ -13,13 +12,13 @@ namespace sim
 
 PluggedFile::PluggedFile(QString path) : m_path(std::move(path))
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     write();
 }
 
 void PluggedFile::set(const QString& address, bool reachable)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     if (reachable) {
         m_addresses.insert(address);
     } else {
@@ -30,13 +29,13 @@ void PluggedFile::set(const QString& address, bool reachable)
 
 void PluggedFile::hold()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_isHeld = true;
 }
 
 void PluggedFile::release()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_isHeld = false;
     write();
 }

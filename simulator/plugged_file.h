@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QMutex>
 #include <QSet>
 #include <QString>
+
+#include <mutex>
 
 namespace sim
 {
@@ -27,7 +28,7 @@ private:
     void write();
 
     const QString m_path;
-    QMutex m_mutex;
+    std::mutex m_mutex;
     QSet<QString> m_addresses; // guarded by m_mutex
     bool m_isHeld = false;     // guarded by m_mutex
 };

@@ -4,19 +4,19 @@
 #include "simulator/test_picture.h"
 
 #include <QFileInfo>
-#include <QMutex>
-#include <QMutexLocker>
 #include <QTemporaryDir>
+
+#include <mutex>
 
 namespace sim
 {
 
 QString sampleClip(const QString& name)
 {
-    static QMutex mutex;
+    static std::mutex mutex;
     static QTemporaryDir folder; // guarded by mutex
     const bool isMov = QFileInfo(name).suffix().toLower() == QLatin1String("mov");
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     const QString path =
         folder.filePath(isMov ? QStringLiteral("sample.mov") : QStringLiteral("sample.mp4"));
     if (QFileInfo::exists(path)) {

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/simulator_thread.h"
 
-#include <QMutex>
-#include <QMutexLocker>
+#include <QCoreApplication>
+#include <QEvent>
 
 namespace sim
 {
 
 std::shared_ptr<SimulatorThread> SimulatorThread::shared()
 {
-    static QMutex mutex;
+    static std::mutex mutex;
     static std::weak_ptr<SimulatorThread> current; // guarded by mutex
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     std::shared_ptr<SimulatorThread> thread = current.lock();
     if (!thread) {
         thread = std::make_shared<SimulatorThread>();
@@ -23,7 +23,7 @@ std::shared_ptr<SimulatorThread> SimulatorThread::shared()
 SimulatorThread::SimulatorThread()
 {
     m_thread.setObjectName(QStringLiteral("boxes"));
-    m_context.moveToThread(&m_thread);
+    m_worker.moveToThread(&m_thread);
     m_thread.start();
 }
 
@@ -39,7 +39,35 @@ void SimulatorThread::run(const std::function<void()>& work)
         work();
         return;
     }
-    QMetaObject::invokeMethod(&m_context, work, Qt::BlockingQueuedConnection);
+    std::packaged_task<void()> task(work);
+    const std::future<void> done = task.get_future();
+    m_worker.add(std::move(task));
+    done.wait();
+}
+
+void SimulatorThread::Worker::add(std::packaged_task<void()> task)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_tasks.push_back(std::move(task));
+    }
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+bool SimulatorThread::Worker::event(QEvent* event)
+{
+    if (event->type() != QEvent::User) {
+        return QObject::event(event);
+    }
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (!m_tasks.empty()) {
+        std::packaged_task<void()> task = std::move(m_tasks.front());
+        m_tasks.pop_front();
+        lock.unlock();
+        task();
+        lock.lock();
+    }
+    return true;
 }
 
 void SimulatorThread::adopt(QObject* object)

@@ -4,8 +4,11 @@
 #include <QObject>
 #include <QThread>
 
+#include <deque>
 #include <functional>
+#include <future>
 #include <memory>
+#include <mutex>
 
 namespace sim
 {
@@ -29,8 +32,20 @@ public:
     void adopt(QObject* object);
 
 private:
+    /// Does the tasks when an event wakes it.
+    class Worker : public QObject
+    {
+    public:
+        void add(std::packaged_task<void()> task);
+        bool event(QEvent* event) override;
+
+    private:
+        std::mutex m_mutex;
+        std::deque<std::packaged_task<void()>> m_tasks; // guarded by m_mutex
+    };
+
     QThread m_thread;
-    QObject m_context; // lives in m_thread
+    Worker m_worker; // lives in m_thread
 };
 
 } // namespace sim

@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QMetaMethod>
 
+#include <mutex>
+
 namespace sim
 {
 namespace
@@ -39,7 +41,7 @@ QString modelWord(BoxModel model)
 
 /// What the core tells a handle and, through it, the network that the box belongs to.
 struct VirtualBox::Hook {
-    QMutex mutex;
+    std::mutex mutex;
     ReachableHook reachable; // guarded by mutex
 };
 
@@ -61,7 +63,7 @@ VirtualBox::VirtualBox(const BoxSetup& setup, QObject* parent)
     };
     reports.reachable = [this](const QString& at, bool reachable) {
         {
-            const QMutexLocker lock(&m_hook->mutex);
+            const std::lock_guard<std::mutex> lock(m_hook->mutex);
             if (m_hook->reachable) {
                 m_hook->reachable(at, reachable);
             }
@@ -260,7 +262,7 @@ void VirtualBox::connectNotify(const QMetaMethod& signal)
 
 void VirtualBox::setReachableHook(ReachableHook hook)
 {
-    const QMutexLocker lock(&m_hook->mutex);
+    const std::lock_guard<std::mutex> lock(m_hook->mutex);
     m_hook->reachable = std::move(hook);
 }
 
