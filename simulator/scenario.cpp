@@ -94,8 +94,7 @@ bool Scenario::load(const QString& path, VirtualLan* lan)
 bool Scenario::loadBox(const QJsonObject& object, VirtualLan* lan)
 {
     const auto value = [&object](const char* key) { return object.value(QLatin1String(key)); };
-    BoxSetup setup;
-    setup.address = value("address").toString();
+    BoxSetup setup = lan->ordinarySetup(value("address").toString());
     const QString strange = strangeKey(
         object, {QStringLiteral("address"), QStringLiteral("model"), QStringLiteral("dashboard"),
                  QStringLiteral("parameters"), QStringLiteral("decode_sources"),

@@ -84,31 +84,37 @@ bool VirtualLan::populate(const LanPlan& plan)
                       .arg(plan.first);
         return false;
     }
+    m_plan = plan;
+    const QString base = subnet.first.toString().section(QLatin1Char('.'), 0, 2);
     for (int i = 0; i < plan.boxes; ++i) {
-        if (!addPlanned(plan, plan.first + i, BoxModel::Kora)) {
+        if (!addPlanned(base, plan.first + i, BoxModel::Kora)) {
             return false;
         }
     }
     int host = plan.first + plan.boxes;
     for (const BoxModel model : {BoxModel::Orbit, BoxModel::River, BoxModel::Lantern}) {
-        if (plan.web && !addPlanned(plan, host++, model)) {
+        if (plan.web && !addPlanned(base, host++, model)) {
             return false;
         }
     }
     return true;
 }
 
-bool VirtualLan::addPlanned(const LanPlan& plan, int host, BoxModel model)
+BoxSetup VirtualLan::ordinarySetup(const QString& address) const
 {
-    const QString base =
-        QHostAddress::parseSubnet(plan.subnet).first.toString().section(QLatin1Char('.'), 0, 2);
     BoxSetup setup;
-    setup.address = base + QLatin1Char('.') + QString::number(host);
+    setup.address = address;
+    setup.rebootMs = m_plan.rebootMs;
+    setup.restartMs = m_plan.restartMs;
+    setup.webPort = m_plan.webPort;
+    setup.anyAddress = m_plan.anyAddress;
+    return setup;
+}
+
+bool VirtualLan::addPlanned(const QString& base, int host, BoxModel model)
+{
+    BoxSetup setup = ordinarySetup(base + QLatin1Char('.') + QString::number(host));
     setup.model = model;
-    setup.rebootMs = plan.rebootMs;
-    setup.restartMs = plan.restartMs;
-    setup.webPort = plan.webPort;
-    setup.anyAddress = plan.anyAddress;
     VirtualBox* const box = add(setup);
     if (box != nullptr && model == BoxModel::Kora) {
         furnish(box, base, host);

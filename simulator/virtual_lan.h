@@ -42,6 +42,8 @@ public:
     /// Adds the boxes of a plan, with recordings and decode sources. False when the plan does not
     /// fit into the subnet or an address is taken; errorString() tells.
     bool populate(const LanPlan& plan);
+    /// How the last plan makes a box at this address; the ordinary way when there was none.
+    BoxSetup ordinarySetup(const QString& address) const;
     /// Plugs in every box but those at the addresses `except`. False when one of them cannot;
     /// errorString() tells.
     bool plugInAll(const QStringList& except = {});
@@ -56,10 +58,11 @@ public:
     static QString runVariable() { return QStringLiteral("KORA_LAN_RUN"); }
 
 private:
-    bool addPlanned(const LanPlan& plan, int host, BoxModel model);
+    bool addPlanned(const QString& base, int host, BoxModel model);
 
     const QString m_runDir;
     QString m_error;
+    LanPlan m_plan; // the last one
     std::unique_ptr<PluggedFile> m_plugged;
     std::vector<std::unique_ptr<VirtualBox>> m_boxes; // go before m_plugged, which they report to
 };
