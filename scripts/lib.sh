@@ -146,6 +146,15 @@ quietly() {
     return 1
 }
 
+# Shows progress to who watches; into a log goes only what went wrong.
+compile_all() {
+    if [ -t 1 ]; then
+        cmake --build "$1"
+    else
+        quietly cmake --build "$1" -- --quiet
+    fi
+}
+
 # build PRESET [CMAKE_OPTION...]
 build() {
     local preset=$1 dir
@@ -156,7 +165,7 @@ build() {
     say "Building in $dir"
     (cd "$root_dir" && quietly cmake --preset "$preset" -B "$dir" "$@") ||
         die "the configuration failed."
-    quietly cmake --build "$dir" || die "the build failed."
+    compile_all "$dir" || die "the build failed."
 }
 
 # --- display and user data ---------------------------------------------------------------------
