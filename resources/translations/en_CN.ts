@@ -269,6 +269,13 @@
     </message>
   </context>
   <context>
+    <name>EventPane</name>
+    <message>
+      <source>尝试重新连接 </source>
+      <translation>Trying to reconnect </translation>
+    </message>
+  </context>
+  <context>
     <name>InfoArea</name>
     <message>
       <source>设备信息:</source>

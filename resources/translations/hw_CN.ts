@@ -269,6 +269,13 @@
     </message>
   </context>
   <context>
+    <name>EventPane</name>
+    <message>
+      <source>尝试重新连接 </source>
+      <translation>다시 연결하는 중 </translation>
+    </message>
+  </context>
+  <context>
     <name>InfoArea</name>
     <message>
       <source>设备信息:</source>

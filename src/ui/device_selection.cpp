@@ -4,6 +4,7 @@
 #include "common/box_protocol.h"
 #include "common/command_runner.h"
 #include "device/item.h"
+#include "media/event_sockets.h"
 #include "ui/device_info.h"
 #include "ui/hub_state.h"
 #include "ui/parameter_panel.h"
@@ -11,8 +12,13 @@
 #include "widgets/message_box.h"
 
 DeviceSelection::DeviceSelection(const Hub& hub, WindowFrame& frame, DeviceInfo& info,
-                                 ParameterPanel& panel)
-    : QObject(hub.window), m_hub(hub), m_frame(frame), m_info(info), m_panel(panel)
+                                 ParameterPanel& panel, EventSockets& events)
+    : QObject(hub.window)
+    , m_hub(hub)
+    , m_frame(frame)
+    , m_info(info)
+    , m_panel(panel)
+    , m_events(events)
 {
 }
 
@@ -37,6 +43,7 @@ void DeviceSelection::showKora(const Item& box)
     m_frame.setCaptions(box.combinedLabel());
     m_hub.state.setDeviceIp(box.address());
     readSelected();
+    m_events.connectTo(box.address());
     m_frame.showKora(box.property("upgrading").toBool());
 }
 

@@ -6,6 +6,7 @@
 #include <QObject>
 
 class DeviceInfo;
+class EventSockets;
 class Item;
 class ParameterPanel;
 class WindowFrame;
@@ -16,7 +17,8 @@ class DeviceSelection : public QObject
     Q_OBJECT
 
 public:
-    DeviceSelection(const Hub& hub, WindowFrame& frame, DeviceInfo& info, ParameterPanel& panel);
+    DeviceSelection(const Hub& hub, WindowFrame& frame, DeviceInfo& info, ParameterPanel& panel,
+                    EventSockets& events);
 
     /// Shows the box `item`; null when the selection became empty. A group changes nothing.
     void select(Item* item);
@@ -33,4 +35,5 @@ private:
     WindowFrame& m_frame;
     DeviceInfo& m_info;
     ParameterPanel& m_panel;
+    EventSockets& m_events;
 };

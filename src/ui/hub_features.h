@@ -3,6 +3,7 @@
 
 #include "common/command_runner.h"
 #include "device/device_registry.h"
+#include "media/event_sockets.h"
 #include "ui/action_dispatcher.h"
 #include "ui/audio_levels.h"
 #include "ui/busy.h"
@@ -14,6 +15,7 @@
 #include "ui/device_selection.h"
 #include "ui/drop_areas.h"
 #include "ui/encoder_control.h"
+#include "ui/event_pane.h"
 #include "ui/hub.h"
 #include "ui/hub_state.h"
 #include "ui/language.h"
@@ -57,6 +59,9 @@ struct Tarn_Hub::Features {
     AudioLevels audio;
     DecodeControl decode;
     LiveControl live;
+    EventSockets events;
+    EventPane streamPane;
+    EventPane mediaPane;
     DeviceSelection selection;
     Monitor monitor;
     UpdateCheck updateCheck;

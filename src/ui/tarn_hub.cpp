@@ -61,6 +61,8 @@ void Tarn_Hub::connectFeatures()
             &DeviceSelection::handleCameOnline);
     connect(&m->deviceInfo, &DeviceInfo::deviceChanged, &m->deviceList, &DeviceList::repaint);
     connect(&m->audio.timer(), &QTimer::timeout, this, &Tarn_Hub::R_timerSliderout);
+    connect(&m->events, &EventSockets::recordTime, m->form.control_area->ui.recodeTime,
+            &QLabel::setText);
     connect(&m->language, &Language::chosen, this, &Tarn_Hub::retranslate);
 }
 
@@ -237,7 +239,10 @@ void Tarn_Hub::on_video_after_clicked() {}
 
 void Tarn_Hub::on_video_front_clicked() {}
 
-void Tarn_Hub::on_switch_monitor_clicked(bool) {}
+void Tarn_Hub::on_switch_monitor_clicked(bool)
+{
+    m->frame.showMonitorPage();
+}
 
 void Tarn_Hub::on_eParam_SDIVolumeSlider_valueChanged(int)
 {

@@ -85,13 +85,22 @@ void WindowFrame::showNothingSelected()
 void WindowFrame::showKora(bool upgrading)
 {
     Ui::MonitorArea& monitor = m_form.monitor_top->ui;
-    QWidget* page = monitor.switch_monitor->isChecked() ? monitor.page_meta : monitor.page_video;
-    monitor.stackedWidget->setCurrentWidget(upgrading ? monitor.page_wait : page);
+    if (upgrading)
+        monitor.stackedWidget->setCurrentWidget(monitor.page_wait);
+    else
+        showMonitorPage();
     m_form.middle_widget->show();
     m_form.right_widget->show();
     m_form.device_info->show();
     m_webPane->setUrl(QString());
     m_form.web_widget->hide();
+}
+
+void WindowFrame::showMonitorPage()
+{
+    Ui::MonitorArea& monitor = m_form.monitor_top->ui;
+    monitor.stackedWidget->setCurrentWidget(
+        monitor.switch_monitor->isChecked() ? monitor.page_meta : monitor.page_video);
 }
 
 void WindowFrame::showWebPage(const QString& url)

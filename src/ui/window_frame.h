@@ -30,6 +30,8 @@ public:
     void showNothingSelected();
     /// The panes of a KORA box; one that is being upgraded shows the waiting page.
     void showKora(bool upgrading);
+    /// The picture, or the stream information, as the monitor's toggle says.
+    void showMonitorPage();
     void showWebPage(const QString& url);
     bool isWebPageShown() const;
     /// The name of the selected box in the title of every area.

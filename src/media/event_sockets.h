@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+#include <QUrl>
+#include <QWebSocket>
+
+/// One feed of a box's event messages. Keeps itself connected to the box it was pointed at.
+class EventSocket : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The longest message taken, in bytes; a longer one ends the connection.
+    static constexpr quint64 MessageLimit = 1024 * 1024;
+    /// The shortest time between two attempts, in milliseconds. The first attempt after a lost
+    /// connection is made at once; a box that refuses is asked again at this pace, so that it
+    /// cannot keep the window busy.
+    static constexpr int AttemptPaceMs = 250;
+
+    explicit EventSocket(quint16 port, QObject* parent = nullptr);
+    ~EventSocket() override;
+
+    /// Leaves the box it was pointed at and connects to the one at `ip`.
+    void connectTo(const QString& ip);
+
+signals:
+    void connected();
+    void message(const QString& text);
+    /// The connection is gone, or could not be made; another attempt to `url` follows.
+    void reconnecting(const QString& url);
+
+private:
+    void attempt();
+    void handleDisconnected();
+
+    const quint16 m_port;
+    QWebSocket m_socket;
+    QUrl m_url;
+    QElapsedTimer m_lastAttempt;
+    QTimer m_retry;
+    bool m_switching = false;
+};
+
+/// The two feeds of the selected box.
+class EventSockets : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit EventSockets(QObject* parent = nullptr);
+
+    /// Points both feeds at the box at `ip`, the stream feed first.
+    void connectTo(const QString& ip);
+
+    EventSocket& stream() { return m_stream; }
+    EventSocket& media() { return m_media; }
+
+signals:
+    /// The running recording time, "hh:mm:ss.zzz"; zero when there is none or the feed is lost.
+    void recordTime(const QString& text);
+
+private:
+    EventSocket m_stream;
+    EventSocket m_media;
+};
+
+/// The recording time that a message of the stream feed carries, "hh:mm:ss.zzz"; it wraps around
+/// at 24 hours, and is zero when the message carries none.
+QString recordTimeOf(const QString& message);

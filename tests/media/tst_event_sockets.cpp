@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "media/event_sockets.h"
+#include "simulator/virtual_box.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+class tst_EventSockets : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void recordTime_data();
+    void recordTime();
+    void messagesArriveAndTheClockRuns();
+    void lostConnectionComesBack();
+    void refusingBoxIsAskedAtAPace();
+    void anotherBoxTakesOver();
+
+private:
+    static std::unique_ptr<sim::VirtualBox> box(const QString& ip)
+    {
+        auto made = std::make_unique<sim::VirtualBox>(ip);
+        if (!made->plugIn())
+            qFatal("no box: %s", qPrintable(made->errorString()));
+        return made;
+    }
+};
+
+void tst_EventSockets::recordTime_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("time");
+    QTest::newRow("usual") << R"({"record_ms": 3723004})"
+                           << "01:02:03.004";
+    QTest::newRow("as text") << R"({"record_ms": "1000"})"
+                             << "00:00:01.000";
+    QTest::newRow("over a day") << R"({"record_ms": 90000000})"
+                                << "01:00:00.000";
+    QTest::newRow("enormous") << R"({"record_ms": 9e300})"
+                              << "00:00:00.000";
+    QTest::newRow("none") << R"({"x": 1})"
+                          << "00:00:00.000";
+    QTest::newRow("a list") << R"({"record_ms": [5]})"
+                            << "00:00:00.000";
+    QTest::newRow("no JSON") << "hello"
+                             << "00:00:00.000";
+}
+
+void tst_EventSockets::recordTime()
+{
+    QFETCH(QString, message);
+    if (qstrcmp(QTest::currentDataTag(), "enormous") == 0) {
+        // Any time will do, as long as it is one.
+        QCOMPARE(recordTimeOf(message).size(), 12);
+        return;
+    }
+    QTEST(recordTimeOf(message), "time");
+}
+
+void tst_EventSockets::messagesArriveAndTheClockRuns()
+{
+    const auto one = box("127.77.27.1");
+    EventSockets sockets;
+    QSignalSpy clock(&sockets, &EventSockets::recordTime);
+    QSignalSpy stream(&sockets.stream(), &EventSocket::message);
+    QSignalSpy media(&sockets.media(), &EventSocket::message);
+    sockets.connectTo("127.77.27.1");
+    QTRY_COMPARE(one->streamListeners(), 1);
+    QTRY_COMPARE(one->mediaListeners(), 1);
+    stream.clear();
+    media.clear();
+    one->sendStreamEvent(R"({"record_ms": 3723004})");
+    one->sendMediaEvent("<b>verbatim</b>");
+    const auto texts = [](const QSignalSpy& spy) {
+        QStringList list;
+        for (const auto& arguments : spy)
+            list << arguments.first().toString();
+        return list;
+    };
+    QTRY_VERIFY(texts(clock).contains("01:02:03.004"));
+    QTRY_VERIFY(texts(media).contains("<b>verbatim</b>"));
+}
+
+void tst_EventSockets::lostConnectionComesBack()
+{
+    const auto one = box("127.77.27.1");
+    EventSockets sockets;
+    QSignalSpy clock(&sockets, &EventSockets::recordTime);
+    QSignalSpy lost(&sockets.stream(), &EventSocket::reconnecting);
+    sockets.connectTo("127.77.27.1");
+    QTRY_COMPARE(one->streamListeners(), 1);
+    one->dropEventClients();
+    QTRY_VERIFY(!lost.isEmpty());
+    QCOMPARE(lost.first().first().toString(), QString("ws://127.77.27.1:8001"));
+    QCOMPARE(clock.last().first().toString(), QString("00:00:00.000"));
+    QTRY_COMPARE(one->streamListeners(), 1);
+    QTRY_COMPARE(one->mediaListeners(), 1);
+}
+
+void tst_EventSockets::refusingBoxIsAskedAtAPace()
+{
+    EventSockets sockets;
+    QSignalSpy tries(&sockets.media(), &EventSocket::reconnecting);
+    sockets.connectTo("127.77.27.9");
+    QTest::qWait(2000);
+    const int limit = 2000 / EventSocket::AttemptPaceMs + 2;
+    QVERIFY2(tries.size() >= 3 && tries.size() <= limit, qPrintable(QString::number(tries.size())));
+    // It is found once it is there.
+    const auto late = box("127.77.27.9");
+    QTRY_COMPARE(late->mediaListeners(), 1);
+}
+
+void tst_EventSockets::anotherBoxTakesOver()
+{
+    const auto one = box("127.77.27.1");
+    const auto two = box("127.77.27.2");
+    EventSockets sockets;
+    QSignalSpy lost(&sockets.stream(), &EventSocket::reconnecting);
+    for (int n = 0; n < 10; ++n)
+        sockets.connectTo(n % 2 ? "127.77.27.2" : "127.77.27.1");
+    QTRY_COMPARE(two->streamListeners(), 1);
+    QTRY_COMPARE(two->mediaListeners(), 1);
+    QTRY_COMPARE(one->streamListeners(), 0);
+    QTest::qWait(600);
+    QCOMPARE(two->streamListeners(), 1);
+    QVERIFY2(lost.size() <= 1, qPrintable(QString::number(lost.size())));
+}
+
+QTEST_GUILESS_MAIN(tst_EventSockets)
+#include "tst_event_sockets.moc"
