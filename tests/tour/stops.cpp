@@ -49,6 +49,8 @@ bool boxesFound(Tour& tour)
 bool boxSelected(Tour& tour)
 {
     tour.clickBox(selectedBox);
+    // Off the list, where the mouse would bring up tooltips.
+    tour.moveMouse(tour.child<QWidget>("page_video"), {20, 20});
     const auto* rows = tour.child<TreeView>("infoView")->treeModel();
     return tour.waitFor("six rows of information", [&] {
         const auto items = rows->items();

@@ -8,6 +8,8 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFile>
+#include <QImage>
+#include <QPixmap>
 #include <QScreen>
 #include <QTest>
 #include <QTimer>
@@ -32,6 +34,22 @@ void closePopups()
         QTest::keyClick(openPopup(), Qt::Key_Escape);
         QTest::qWaitFor([] { return openPopup() == nullptr; }, 500);
     }
+}
+
+/// The screen once what was asked for is painted: when two looks at it see the same. Something that
+/// always moves does not hold up the tour.
+QImage settledScreen()
+{
+    const auto look = [] { return QGuiApplication::primaryScreen()->grabWindow(0).toImage(); };
+    QImage seen = look();
+    for (int tries = 0; tries < 20; ++tries) {
+        QTest::qWait(50);
+        const QImage now = look();
+        if (now == seen)
+            break;
+        seen = now;
+    }
+    return seen;
 }
 
 } // namespace
@@ -85,11 +103,8 @@ bool Tour::fail(const QString& why)
 bool Tour::takePicture()
 {
     m_pictureTaken = true;
-    // What has been asked for is laid out and painted before the screen is read.
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::processEvents();
     const QString path = m_pictures + "/" + m_pictureName + ".png";
-    if (QGuiApplication::primaryScreen()->grabWindow(0).save(path))
+    if (settledScreen().save(path))
         return true;
     return fail("could not write " + path);
 }
