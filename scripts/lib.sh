@@ -173,7 +173,7 @@ build() {
 # start_display SIZE: a virtual display of its own, ended with the script.
 start_display() {
     local number=$scratch/display
-    Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp -noreset 3>"$number" \
+    Xvfb -displayfd 3 -screen 0 "$1x24" -dpi 96 -nolisten tcp -noreset 3>"$number" \
         >"$scratch/xvfb.log" 2>&1 &
     display_pid=$!
     if ! wait_until 30 "$display_pid" grep -q . "$number"; then
