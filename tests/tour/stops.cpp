@@ -111,23 +111,23 @@ bool configurationSaved(Tour& tour)
 bool sourcesListed(Tour& tour)
 {
     return tour.inPopup([&] { tour.click(tour.child<QWidget>("pushButton_hxdec_on")); },
+                        "three sources to decode",
                         [&](QWidget& dialog) {
-                            auto* sources = dialog.findChild<QTableWidget*>("Media_tableWidget");
-                            return sources && tour.waitFor("the sources to decode", [&] {
-                                return sources->rowCount() == 3;
-                            }) && tour.takePicture();
-                        });
+                            const auto* list = dialog.findChild<QTableWidget*>("Media_tableWidget");
+                            return list && list->rowCount() == 3;
+                        },
+                        [&](QWidget&) { tour.takePicture(); });
 }
 
 bool streamingAsked(Tour& tour)
 {
     return tour.inPopup([&] { tour.click(tour.child<QWidget>("pushButton_live_on")); },
+                        "a field for the address to stream to",
                         [&](QWidget& dialog) {
-                            auto* address = dialog.findChild<QWidget*>("stream_url");
-                            return address && tour.waitFor("a field for the address", [&] {
-                                return address->isVisible();
-                            }) && tour.takePicture();
-                        });
+                            const auto* address = dialog.findChild<QWidget*>("stream_url");
+                            return address && address->isVisible();
+                        },
+                        [&](QWidget&) { tour.takePicture(); });
 }
 
 bool boxGoesOffline(Tour& tour)
@@ -157,13 +157,12 @@ bool upgradeMarksNone(Tour& tour)
 bool chooseLanguage(Tour& tour, int entry)
 {
     return tour.inPopup([&] { tour.click(tour.child<QWidget>("language")); },
+                        "the menu of languages",
+                        [](QWidget& popup) { return qobject_cast<QMenu*>(&popup) != nullptr; },
                         [&](QWidget& popup) {
-                            auto* menu = qobject_cast<QMenu*>(&popup);
-                            if (!menu)
-                                return tour.fail("something else than a menu came up");
-                            const QRect row = menu->actionGeometry(menu->actions().at(entry));
-                            QTest::mouseClick(menu, Qt::LeftButton, {}, row.center());
-                            return true;
+                            auto& menu = static_cast<QMenu&>(popup);
+                            const QRect row = menu.actionGeometry(menu.actions().at(entry));
+                            QTest::mouseClick(&menu, Qt::LeftButton, {}, row.center());
                         });
 }
 

@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
 #include <QPixmap>
@@ -32,7 +33,7 @@ void closePopups()
     // A bound, should one refuse to go.
     for (int tries = 0; tries < 10 && openPopup(); ++tries) {
         QTest::keyClick(openPopup(), Qt::Key_Escape);
-        QTest::qWaitFor([] { return openPopup() == nullptr; }, 500);
+        (void)QTest::qWaitFor([] { return openPopup() == nullptr; }, 500);
     }
 }
 
@@ -123,7 +124,7 @@ void Tour::moveMouse(QWidget* widget, const QPoint& pos)
 {
     QTest::mouseMove(widget, pos);
     // The window system reports the way there a little later.
-    QTest::qWaitFor([&] { return QCursor::pos() == widget->mapToGlobal(pos); }, 1000);
+    (void)QTest::qWaitFor([&] { return QCursor::pos() == widget->mapToGlobal(pos); }, 1000);
 }
 
 void Tour::click(QWidget* widget)
@@ -143,39 +144,49 @@ void Tour::clickBox(const QString& ip)
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, title);
 }
 
-bool Tour::inPopup(const std::function<void()>& open, const std::function<bool(QWidget&)>& inside)
+bool Tour::inPopup(const std::function<void()>& open, const QString& what,
+                   const std::function<bool(QWidget&)>& isReady,
+                   const std::function<void(QWidget&)>& act)
 {
     // A dialog or menu runs a loop of its own inside `open`: a timer acts in it.
-    enum { Waiting, Inside, Good, Bad } state = Waiting;
+    enum { Waiting, Acting, Reached, Missed } state = Waiting;
+    QElapsedTimer sinceOpen;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
-        QWidget* popup = openPopup();
-        const bool ready = popup && (popup->windowType() == Qt::Popup || popup->isActiveWindow());
-        if (state != Waiting || !ready)
+        if (state != Waiting)
             return;
-        state = Inside;
-        const bool good = inside(*popup);
+        QWidget* popup = openPopup();
+        const bool active = popup && (popup->windowType() == Qt::Popup || popup->isActiveWindow());
+        const bool ready = active && isReady(*popup);
+        if (!ready && sinceOpen.elapsed() < popupSeconds * 1000)
+            return;
+        state = Acting;
+        if (ready)
+            act(*popup);
+        else
+            takePicture();
         closePopups();
-        state = good ? Good : Bad;
+        state = ready ? Reached : Missed;
     });
+    sinceOpen.start();
     watch.start(20);
     open();
-    const auto ended = [&] { return state == Good || state == Bad; };
-    if (!QTest::qWaitFor(ended, popupSeconds * 1000))
-        return fail("no dialog or menu came up");
-    return state == Good;
+    QTest::qWaitFor([&] { return state == Reached || state == Missed; }, 2 * popupSeconds * 1000);
+    return state == Reached || fail(QString("not within %1 s: %2").arg(popupSeconds).arg(what));
 }
 
 bool Tour::answerDialog(const std::function<void()>& open, const QString& text, Qt::Key key)
 {
-    return inPopup(open, [&](QWidget& dialog) {
-        auto* label = dialog.findChild<QWidget*>("m_tipContent");
-        const QString shown = label ? label->property("plainText").toString() : QString();
-        if (!takePicture())
-            return false;
-        QTest::keyClick(&dialog, key);
-        return shown.contains(text) || fail("a dialog said: " + shown);
-    });
+    return inPopup(
+        open, "a dialog with: " + text,
+        [&](QWidget& dialog) {
+            const auto* label = dialog.findChild<QWidget*>("m_tipContent");
+            return label && label->property("plainText").toString().contains(text);
+        },
+        [&](QWidget& dialog) {
+            takePicture();
+            QTest::keyClick(&dialog, key);
+        });
 }
 
 bool Tour::tellLan(const QString& command)

@@ -52,10 +52,14 @@ public:
     void click(QWidget* widget);
     /// Clicks the row of a box on its title.
     void clickBox(const QString& ip);
-    /// Runs `open`, which brings up a dialog or a menu, and `inside` when it is there. Whatever is
-    /// still open afterwards is closed. False when nothing came up or `inside` failed.
-    bool inPopup(const std::function<void()>& open, const std::function<bool(QWidget&)>& inside);
-    /// As inPopup(), but only reads the dialog's text, takes the picture and presses `key`.
+    /// Runs `open`, which brings up a dialog or a menu; once `isReady` holds for that, `act` acts
+    /// on it. Whatever is still open afterwards is closed. False when it was never ready, with
+    /// `what` as the reason. `isReady` must not wait: the program may be waiting for the same below
+    /// it.
+    bool inPopup(const std::function<void()>& open, const QString& what,
+                 const std::function<bool(QWidget&)>& isReady,
+                 const std::function<void(QWidget&)>& act);
+    /// Waits for a dialog that says `text`, takes the picture and presses `key` there.
     bool answerDialog(const std::function<void()>& open, const QString& text, Qt::Key key);
     /// Gives kora-lan a command.
     bool tellLan(const QString& command);
