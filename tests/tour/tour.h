@@ -34,7 +34,7 @@ public:
     /// Always false: "return tour.fail(...)".
     bool fail(const QString& why);
     /// Takes the stop's picture now instead of at its end.
-    bool takePicture();
+    void takePicture();
 
     Tarn_Hub& window() { return m_window; }
     template <class T> T* child(const char* name) const
