@@ -28,7 +28,7 @@ ConfigurationSave::ConfigurationSave(const Hub& hub, Ui::ConfigurationArea& area
     , m_hub(hub)
     , m_area(area)
     , m_panel(panel)
-    , m_busy(area.busy_config, {area.config_body})
+    , m_busy(area.busy_config, {area.config_body, area.save})
 {
 }
 
