@@ -87,7 +87,9 @@ QList<Item*> DeviceRegistry::devices() const
 
 void DeviceRegistry::probe(const QStringList& ips)
 {
-    for (const QString& ip : ips) {
+    for (const QString& line : ips) {
+        // A tool of another system may end its lines with a carriage return.
+        const QString ip = line.trimmed();
         if (!BoxProtocol::isIpv4Address(ip) || m_model.find(ip))
             continue;
         m_http.get(QStringLiteral("findDevice"), BoxProtocol::readUrl(ip, BoxProtocol::DeviceName),
@@ -98,7 +100,9 @@ void DeviceRegistry::probe(const QStringList& ips)
 
 void DeviceRegistry::setReachable(const QStringList& ips)
 {
-    const QSet<QString> alive(ips.begin(), ips.end());
+    QSet<QString> alive;
+    for (const QString& line : ips)
+        alive << line.trimmed();
     QStringList returned;
     bool anyChange = false;
     const QList<Item*> boxes = devices();
