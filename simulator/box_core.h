@@ -53,7 +53,8 @@ public:
     bool isReachable() const { return m_isReachable; } // any thread
     QString address() const;                           // any thread
     QString errorString() const { return m_error; }
-    QString recordingPath(const QString& name) const; // any thread
+    QString recordingPath(const QString& name) const;     // any thread
+    void removeFile(const Recording& recording) override; // any thread
 
 private:
     enum class Power { Off, On, Restarting, Rebooting };
@@ -65,7 +66,6 @@ private:
     void stopLive() override;
     void restartSoftware() override;
     void changeFirmware(const QString& version) override;
-    void removeFile(const Recording& recording) override;
 
     /// Has `work` done in this object's thread, and waits until `isOver` says that its result is
     /// there, at most `ms`. False when the client has gone or the time is over.

@@ -178,6 +178,11 @@ void VirtualBox::addRecording(const QString& name, const QByteArray& content)
     m_core->state().addRecording(recording);
 }
 
+void VirtualBox::removeRecording(const QString& name)
+{
+    m_core->removeFile(m_core->state().takeRecording(name));
+}
+
 BoxActivity VirtualBox::activity() const
 {
     return m_core->state().activity();

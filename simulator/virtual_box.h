@@ -86,6 +86,8 @@ public:
     /// Adds a recording with this content; without content, /media/ makes a ten-second film for it
     /// when first asked.
     void addRecording(const QString& name, const QByteArray& content = {});
+    /// As a box's own page would do it.
+    void removeRecording(const QString& name);
     BoxActivity activity() const;
 
     void addFault(const Fault& fault);

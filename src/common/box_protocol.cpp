@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "common/box_protocol.h"
 
+#include <QUrl>
+
 #include <functional>
 
 namespace
@@ -36,6 +38,12 @@ bool hasBlank(const QString& text)
             return true;
     }
     return false;
+}
+
+/// A box's file name as one segment of a URL.
+QString encoded(const QString& name)
+{
+    return QString::fromLatin1(QUrl::toPercentEncoding(name));
 }
 
 } // namespace
@@ -86,6 +94,11 @@ QString readUrl(const QString& ip, const QString& parameter)
 QString dashboardUrl(const QString& ip)
 {
     return fill(QStringLiteral("http://%1/cgi-bin/set-dashboard.cgi"), {ip});
+}
+
+QString mediaUrl(const QString& ip, const QString& name)
+{
+    return fill(QStringLiteral("http://%1:8081/media/%2"), {ip, encoded(name)});
 }
 
 QString escapeEquals(const QString& text)
@@ -151,6 +164,30 @@ QString uploadCommand(const QString& file, const QString& ip)
 {
     return fillCommand(QStringLiteral("curl -X POST -F \"ota_file=@%1\" http://%2:8081/upload"),
                        {file, ip});
+}
+
+QString recordOnCommand(const QString& ip, const QString& fileName)
+{
+    return fillCommand(
+        QStringLiteral("curl -d \"action=record_on&file_name=%2\" -X POST http://%1:8081/control?"),
+        {ip, fileName});
+}
+
+QString recordDeleteCommand(const QString& fileName, const QString& ip)
+{
+    QString name = fileName;
+    name.replace(QLatin1Char('%'), QStringLiteral("%25"));
+    name.replace(QLatin1Char('&'), QStringLiteral("%26"));
+    return fillCommand(
+        QStringLiteral(
+            "curl -d \"action=record_del&file_name=%1\" -X POST http://%2:8081/control?"),
+        {name, ip});
+}
+
+QString downloadCommand(const QString& path, const QString& ip, const QString& fileName)
+{
+    return fillCommand(QStringLiteral("curl -v0 -o \"%1\" http://%2:8081/media/%3"),
+                       {path, ip, encoded(fileName)});
 }
 
 } // namespace BoxProtocol

@@ -49,6 +49,8 @@ QString fillCommand(const QString& commandLine, const QStringList& values);
 
 QString readUrl(const QString& ip, const QString& parameter);
 QString dashboardUrl(const QString& ip);
+/// Where the recording `name` is played from; the name is percent-encoded.
+QString mediaUrl(const QString& ip, const QString& name);
 
 /// The one escaping of free text: every "=" becomes "%3D".
 QString escapeEquals(const QString& text);
@@ -68,5 +70,12 @@ QString restartCommand(const QString& ip);
 QString otaCommand(const QString& ip);
 /// `file` is a path on this computer.
 QString uploadCommand(const QString& file, const QString& ip);
+
+QString recordOnCommand(const QString& ip, const QString& fileName);
+/// Deletes the recording `fileName`; the name cannot begin another field of the request.
+QString recordDeleteCommand(const QString& fileName, const QString& ip);
+/// Downloads the recording `fileName` to `path` on this computer; curl reports its progress on its
+/// error output.
+QString downloadCommand(const QString& path, const QString& ip, const QString& fileName);
 
 } // namespace BoxProtocol

@@ -19,11 +19,15 @@ QSet<QProcess*>& running()
     return processes;
 }
 
+/// curl writes its progress there, for hours in a long transfer.
+void discardErrorOutput(QProcess* process)
+{
+    process->setStandardErrorFile(QProcess::nullDevice());
+}
+
 void start(QProcess* process, const QString& command)
 {
     process->setReadChannel(QProcess::StandardOutput);
-    // curl writes its progress there, for hours in a long transfer; nobody reads it.
-    process->setStandardErrorFile(QProcess::nullDevice());
     QStringList arguments = QProcess::splitCommand(command);
     const QString program = arguments.isEmpty() ? QString() : arguments.takeFirst();
     const Platform::ChildInput input = Platform::curlInput(arguments);
@@ -52,9 +56,11 @@ CommandRunner::CommandRunner(QString owner, Wire wire)
 }
 
 void CommandRunner::execCurl(const QString& ip, const QString& command,
-                             const QVariantMap& properties)
+                             const QVariantMap& properties, ErrorOutput errorOutput)
 {
     auto* process = new QProcess;
+    if (errorOutput == ErrorOutput::Discard)
+        discardErrorOutput(process);
     process->setProperty("ip", ip);
     log(ip, process, QStringLiteral("  执行Curl   ") + command, __LINE__, "execCurl");
     qDebug().noquote() << process << "执行Curl   " << command;
@@ -70,6 +76,7 @@ QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
     QEventLoop loop;
     QProcess process;
     QByteArray output;
+    discardErrorOutput(&process);
     log(ip, &process, QStringLiteral("  执行Curl   ") + command, __LINE__, "execCurlWait");
     qDebug().noquote() << &process << "执行Curl   " << command;
 

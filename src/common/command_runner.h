@@ -30,9 +30,16 @@ public:
     /// A reply longer than this, in bytes, is not one of a box: its process is ended.
     static constexpr int ReplyLimit = 4 * 1024 * 1024;
 
+    /// What becomes of a command's error output, where curl reports its progress.
+    enum class ErrorOutput {
+        Discard,
+        Deliver, ///< the owner reads it from the process as it comes
+    };
+
     /// Starts `command` and returns at once. The process carries "ip" and every entry of
     /// `properties` as dynamic properties.
-    void execCurl(const QString& ip, const QString& command, const QVariantMap& properties);
+    void execCurl(const QString& ip, const QString& command, const QVariantMap& properties,
+                  ErrorOutput errorOutput = ErrorOutput::Discard);
 
     /// Starts `command` and serves events until it ends. Returns its standard output, empty when
     /// it could not start or gave no answer within WaitLimitMs. Anything can happen meanwhile:

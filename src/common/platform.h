@@ -30,4 +30,8 @@ ChildInput curlInput(const QStringList& arguments);
 /// Makes text passed to and read from child processes UTF-8 where the system lets a program choose.
 void useUtf8ForChildProcesses();
 
+/// Opens the folder of `path` in the system's file manager, with the file selected where that is
+/// possible. Returns at once; false when there is no file manager to start.
+bool revealFile(const QString& path);
+
 } // namespace Platform

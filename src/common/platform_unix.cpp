@@ -5,6 +5,8 @@
 
 #ifndef Q_OS_WIN
 
+#include <QFileInfo>
+#include <QProcess>
 #include <QTextCodec>
 
 namespace Platform
@@ -19,6 +21,11 @@ void useUtf8ForChildProcesses()
 {
     // Under the plain C locale Qt would turn every non-Latin letter of a command line into "?".
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+}
+
+bool revealFile(const QString& path)
+{
+    return QProcess::startDetached(QStringLiteral("xdg-open"), {QFileInfo(path).absolutePath()});
 }
 
 } // namespace Platform

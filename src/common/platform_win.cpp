@@ -5,6 +5,9 @@
 
 #ifdef Q_OS_WIN
 
+#include <QDir>
+#include <QProcess>
+
 namespace Platform
 {
 
@@ -28,6 +31,16 @@ ChildInput curlInput(const QStringList& arguments)
 void useUtf8ForChildProcesses()
 {
     // Windows hands command lines over as UTF-16; there is nothing to choose.
+}
+
+bool revealFile(const QString& path)
+{
+    QProcess explorer;
+    explorer.setProgram(QStringLiteral("explorer.exe"));
+    // It parses its command line itself: the comma belongs to the option, the quotes to the path.
+    explorer.setNativeArguments(QStringLiteral("/select,\"") + QDir::toNativeSeparators(path) +
+                                QLatin1Char('"'));
+    return explorer.startDetached();
 }
 
 } // namespace Platform

@@ -51,6 +51,10 @@ Item::Item(Item* parentItem)
         connect(process, &QProcess::readyReadStandardOutput, this,
                 &Item::R_readyReadStandardOutput);
         connect(process, &QProcess::stateChanged, this, &Item::R_stateChanged);
+        if (process->property("exectype").toString() == QLatin1String("download")) {
+            m_downloadProcess = process;
+            connect(process, &QProcess::readyReadStandardError, this, &Item::readDownloadReport);
+        }
     })
 {
     setProperty("isdir", false);

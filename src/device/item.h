@@ -2,11 +2,15 @@
 #pragma once
 
 #include "common/command_runner.h"
+#include "device/recording_download.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QProcess>
 #include <QVariantMap>
 #include <QVector>
+
+#include <memory>
 
 /// One row of the device tree: the root, a group, a box or a line of information. All state lives
 /// in named dynamic properties, so that the tree, the window and an upgrade read one record.
@@ -58,16 +62,23 @@ public:
     /// Uploads the package `file` and activates it; `md5` is its digest in lower-case hex.
     void startUpgrade(const QString& file, const QString& md5);
 
+    /// For a recording ("filename" on the box at "deviceip"): deletes it there. Ends in
+    /// deleteEnded.
+    void record_del();
+    /// For a recording: downloads it into `folder`, which ends in "/", under a safe and free name.
+    /// Ends in downloadEnded, at once when the folder takes no files.
+    void download(const QString& folder);
+    void cancelDownload();
+
 public slots:
     void execCurl(const QString& str, const QVariantMap& map);
     void R_readyReadStandardOutput();
     void R_stateChanged(QProcess::ProcessState state);
 
 signals:
-    /// The box refused to delete the recording `filename`.
-    void deleteFailed(const QString& filename);
-    /// The download into `path` has ended.
-    void downloadEnded(const QString& path);
+    void deleteEnded(bool succeeded);
+    void downloadProgressed(const DownloadProgress& progress);
+    void downloadEnded(const DownloadResult& result);
 
 protected:
     bool event(QEvent* event) override;
@@ -77,6 +88,8 @@ private:
     void handleUploadReply(const QProcess& process, const QString& reply);
     void handleActivationReply(const QString& reply);
     void markActivated();
+    void readDownloadReport();
+    void endDownload(const QProcess& process);
 
     Item* m_parentItem;
     QVector<Item*> m_children;
@@ -85,6 +98,10 @@ private:
     QString m_title;
     QString m_macAddress;
     CommandRunner m_runner;
+    std::unique_ptr<RecordingDownload> m_download;
+    QPointer<QProcess> m_downloadProcess;
+    QString m_downloadProblem; ///< why it was ended early, empty: the operator did
+    bool m_downloadStopped = false;
 };
 
 /// The name of the family whose boxes the program configures.

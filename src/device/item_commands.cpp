@@ -63,8 +63,8 @@ void Item::R_readyReadStandardOutput()
         handleUploadReply(*process, reply);
     else if (type == QLatin1String("upgrade_ota"))
         handleActivationReply(reply);
-    else if (type == QLatin1String("record_del") && !isSuccess(jsonToMap(reply)))
-        emit deleteFailed(process->property("filename").toString());
+    else if (type == QLatin1String("record_del"))
+        process->setProperty("deleted", isSuccess(jsonToMap(reply)));
 }
 
 void Item::handleUploadReply(const QProcess& process, const QString& reply)
@@ -106,7 +106,9 @@ void Item::R_stateChanged(QProcess::ProcessState state)
     m_runner.noteEnd(process);
     const QString type = process->property("exectype").toString();
     if (type == QLatin1String("download")) {
-        emit downloadEnded(process->property("saveFile").toString());
+        endDownload(*process);
+    } else if (type == QLatin1String("record_del")) {
+        emit deleteEnded(process->property("deleted").toBool());
     } else if (type == QLatin1String("upgrade_ota")) {
         // The box restarts to apply the firmware, so that its reply often never arrives.
         markActivated();
@@ -122,4 +124,62 @@ void Item::R_stateChanged(QProcess::ProcessState state)
             upload(file, md5);
         });
     }
+}
+
+void Item::record_del()
+{
+    const QString filename = property("filename").toString();
+    execCurl(BoxProtocol::recordDeleteCommand(filename, address()),
+             {{QStringLiteral("exectype"), QStringLiteral("record_del")},
+              {QStringLiteral("filename"), filename}});
+}
+
+void Item::download(const QString& folder)
+{
+    if (m_download)
+        return;
+    const QString filename = property("filename").toString();
+    m_download = std::make_unique<RecordingDownload>(folder, filename);
+    if (!m_download->begin()) {
+        const DownloadResult result = m_download->fail(tr("无法写入文件"));
+        m_download.reset();
+        emit downloadEnded(result);
+        return;
+    }
+    m_downloadStopped = false;
+    m_runner.execCurl(address(),
+                      BoxProtocol::downloadCommand(m_download->partPath(), address(), filename),
+                      {{QStringLiteral("exectype"), QStringLiteral("download")},
+                       {QStringLiteral("saveFile"), m_download->path()}},
+                      CommandRunner::ErrorOutput::Deliver);
+}
+
+void Item::cancelDownload()
+{
+    m_downloadStopped = true;
+    if (m_downloadProcess)
+        m_downloadProcess->kill();
+}
+
+void Item::readDownloadReport()
+{
+    if (!m_download || !m_downloadProcess || m_downloadStopped)
+        return;
+    m_download->feed(m_downloadProcess->readAllStandardError());
+    emit downloadProgressed(m_download->progress());
+    if (m_download->isStalled()) {
+        m_downloadProblem = tr("设备停止发送数据");
+        cancelDownload();
+    }
+}
+
+void Item::endDownload(const QProcess& process)
+{
+    if (!m_download)
+        return;
+    readDownloadReport();
+    const DownloadResult result =
+        m_downloadStopped ? m_download->fail(m_downloadProblem) : m_download->finish(process);
+    m_download.reset();
+    emit downloadEnded(result);
 }

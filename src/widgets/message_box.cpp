@@ -101,9 +101,12 @@ messageBox::messageBox(const QString& text, QWidget* parent) : messageBox(parent
 
 messageBox::~messageBox() = default;
 
-int messageBox::ask(const QString& text, QWidget* parent)
+int messageBox::ask(const QString& text, QWidget* parent, const QString& okText,
+                    const QString& cancelText)
 {
-    return runAndDelete(new messageBox(text, parent));
+    auto* box = new messageBox(text, parent);
+    box->setButtonText(okText, cancelText);
+    return runAndDelete(box);
 }
 
 int messageBox::askWithRecovery(const QString& text, QWidget* parent)

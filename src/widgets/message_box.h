@@ -34,8 +34,9 @@ public:
     ~messageBox() override;
 
     /// Asks and waits, serving events meanwhile. The parent may be null, and may be deleted during
-    /// the wait.
-    static int ask(const QString& text, QWidget* parent);
+    /// the wait. `okText` and `cancelText` rename the buttons as setButtonText() does.
+    static int ask(const QString& text, QWidget* parent, const QString& okText = QString(),
+                   const QString& cancelText = QString());
     /// As ask(), with the third button "OK and keep the configuration".
     static int askWithRecovery(const QString& text, QWidget* parent);
     /// Shows a notice without waiting and without taking the keyboard from what the user is typing

@@ -33,7 +33,6 @@ private slots:
     void wrongDigestIsRetried();
     void retriesAreSpaced();
     void silentActivationCounts();
-    void failedDeletionIsReported();
     void deletedItemLeavesItsJobAlone();
 
 private:
@@ -127,15 +126,6 @@ void tst_Item::silentActivationCounts()
     QVERIFY(m_box->addFault("hang-up 0 on ota"));
     m_item->startUpgrade(m_file, m_md5);
     QTRY_VERIFY_WITH_TIMEOUT(m_item->property("upgradsuccessful").toBool(), 10000);
-}
-
-void tst_Item::failedDeletionIsReported()
-{
-    QSignalSpy failed(m_item.get(), &Item::deleteFailed);
-    m_item->execCurl(BoxProtocol::controlCommand("record_del&file_name=no.mp4", boxIp),
-                     {{"exectype", "record_del"}, {"filename", "no.mp4"}});
-    QTRY_COMPARE(failed.size(), 1);
-    QCOMPARE(failed.first().first().toString(), QString("no.mp4"));
 }
 
 void tst_Item::deletedItemLeavesItsJobAlone()
