@@ -1,5 +1,7 @@
 # The theme's colours, each named once and filled into spark.qss.in at configure time.
 set(tarn_window "#1b1d20")          # behind the areas; wells that take input
+set(tarn_picture "#0b0c0e")         # around the picture
+set(tarn_picture_note "#e6101114")  # behind words over the picture; the first two digits are alpha
 set(tarn_panel "#26282c")           # areas, lists, dialogs
 set(tarn_raised "#363a40")          # buttons, menus, title bars
 set(tarn_border "#4c515a")          # outlines; fill of a raised control under the mouse

@@ -1,0 +1,286 @@
+// SPDX-License-Identifier: MIT
+#include "media/ffmpeg_session.h"
+
+#include "media/media_options.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/time.h>
+}
+
+#include <QDebug>
+#include <QTime>
+
+#include <algorithm>
+#include <mutex>
+#include <thread>
+
+namespace
+{
+
+/// A source that keeps dripping data without ever becoming playable is given up after this.
+constexpr qint64 OpenLimitUs = 15000000;
+/// Larger pictures than the largest in use (8192x4608) would only eat memory.
+constexpr qint64 LargestPicture = 8192 * 4608;
+/// Up to this size one thread is fast enough, and the picture is not late by one per thread.
+constexpr qint64 OneThreadPicture = 1920 * 1088;
+
+} // namespace
+
+void writePlayerLine(const QString& message)
+{
+    qDebug().noquote() << QTime::currentTime().toString(QStringLiteral("HH:mm:ss zzz")) << message;
+}
+
+void FFmpegSession::CloseInput::operator()(AVFormatContext* context) const
+{
+    avformat_close_input(&context);
+}
+
+void FFmpegSession::FreeDecoder::operator()(AVCodecContext* context) const
+{
+    avcodec_free_context(&context);
+}
+
+void FFmpegSession::FreePacket::operator()(AVPacket* packet) const
+{
+    av_packet_free(&packet);
+}
+
+void FFmpegSession::FreeFrame::operator()(AVFrame* frame) const
+{
+    av_frame_free(&frame);
+}
+
+void FFmpegSession::setUpLibrary()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        avformat_network_init();
+        writePlayerLine(QStringLiteral("init ffmpeg lib ok version:") +
+                        QLatin1String(av_version_info()));
+    });
+}
+
+FFmpegSession::FFmpegSession(std::function<bool()> isInterrupted)
+    : m_isInterrupted(std::move(isInterrupted))
+{
+    setUpLibrary();
+}
+
+FFmpegSession::~FFmpegSession() = default;
+
+int FFmpegSession::interrupted(void* session)
+{
+    const auto* self = static_cast<const FFmpegSession*>(session);
+    return self->m_isInterrupted() ||
+           (self->m_openLimit != 0 && av_gettime_relative() > self->m_openLimit);
+}
+
+bool FFmpegSession::open(const QString& url)
+{
+    m_openLimit = av_gettime_relative() + OpenLimitUs;
+    if (!openInput(url) || !openVideo() || !openAudio())
+        return false;
+    m_packet.reset(av_packet_alloc());
+    m_next.reset(av_frame_alloc());
+    m_frame.reset(av_frame_alloc());
+    if (!m_packet || !m_next || !m_frame)
+        return false;
+    m_openLimit = 0;
+    av_dump_format(m_input.get(), 0, url.toUtf8().constData(), 0);
+    writePlayerLine(QStringLiteral("init ffmpeg finsh"));
+    return true;
+}
+
+bool FFmpegSession::openInput(const QString& url)
+{
+    m_isLocal = MediaOptions::isLocalFile(url);
+    AVDictionary* options = nullptr;
+    MediaOptions::fill(&options, url);
+    AVFormatContext* context = avformat_alloc_context();
+    if (context) {
+        context->interrupt_callback = {&FFmpegSession::interrupted, this};
+        // On failure it has released the context.
+        if (avformat_open_input(&context, url.toUtf8().constData(), nullptr, &options) < 0)
+            context = nullptr;
+    }
+    av_dict_free(&options);
+    m_input.reset(context);
+    if (!m_input) {
+        writePlayerLine(QStringLiteral("open input error") + url);
+        return false;
+    }
+    if (avformat_find_stream_info(m_input.get(), nullptr) < 0) {
+        writePlayerLine(QStringLiteral("find stream info error"));
+        return false;
+    }
+    return true;
+}
+
+bool FFmpegSession::openVideo()
+{
+    const AVCodec* codec = nullptr;
+    m_videoStream = av_find_best_stream(m_input.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
+    if (m_videoStream < 0) {
+        writePlayerLine(QStringLiteral("find video stream index error"));
+        return false;
+    }
+    const AVStream& stream = *m_input->streams[m_videoStream];
+    codec = avcodec_find_decoder(stream.codecpar->codec_id);
+    if (!codec) {
+        writePlayerLine(QStringLiteral("video decoder not found"));
+        return false;
+    }
+    m_video = openDecoder(stream, *codec, true);
+    if (!m_video) {
+        writePlayerLine(QStringLiteral("open video codec error"));
+        return false;
+    }
+    if (videoWidth() == 0 || videoHeight() == 0) {
+        writePlayerLine(QStringLiteral("find width height error"));
+        return false;
+    }
+    describeVideo();
+    return true;
+}
+
+bool FFmpegSession::openAudio()
+{
+    for (unsigned n = 0; n < m_input->nb_streams && m_audioStream < 0; ++n) {
+        if (m_input->streams[n]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO)
+            m_audioStream = int(n);
+    }
+    if (m_audioStream < 0) {
+        writePlayerLine(QStringLiteral("find audio stream index error"));
+        return true;
+    }
+    const AVStream& stream = *m_input->streams[m_audioStream];
+    const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
+    if (!codec) {
+        writePlayerLine(QStringLiteral("audio codec not found"));
+        return false;
+    }
+    m_audio = openDecoder(stream, *codec, false);
+    if (!m_audio) {
+        writePlayerLine(QStringLiteral("open audio codec error"));
+        return false;
+    }
+    describeAudio();
+    return true;
+}
+
+FFmpegSession::Decoder FFmpegSession::openDecoder(const AVStream& stream, const AVCodec& codec,
+                                                  bool isVideo) const
+{
+    Decoder decoder(avcodec_alloc_context3(&codec));
+    if (!decoder || avcodec_parameters_to_context(decoder.get(), stream.codecpar) < 0)
+        return nullptr;
+    decoder->pkt_timebase = stream.time_base;
+    if (isVideo) {
+        decoder->lowres = codec.max_lowres;
+        decoder->flags2 |= AV_CODEC_FLAG2_FAST;
+        decoder->max_pixels = LargestPicture;
+        if (qint64(decoder->width) * decoder->height > OneThreadPicture)
+            decoder->thread_count = int(std::clamp(std::thread::hardware_concurrency(), 1U, 4U));
+    }
+    if (avcodec_open2(decoder.get(), &codec, nullptr) < 0)
+        return nullptr;
+    return decoder;
+}
+
+void FFmpegSession::describeVideo() const
+{
+    writePlayerLine(
+        QStringLiteral("视频流信息 -> 索引: %1  解码: %2  格式: %3  时长: %4 秒  分辨率: %5*%6")
+            .arg(QString::number(m_videoStream), QLatin1String(m_video->codec->name),
+                 QLatin1String(m_input->iformat->name),
+                 QString::number(m_input->duration / AV_TIME_BASE), QString::number(videoWidth()),
+                 QString::number(videoHeight())));
+}
+
+void FFmpegSession::describeAudio() const
+{
+    writePlayerLine(
+        QStringLiteral("音频流信息 -> 索引: %1  解码: %2  比特率: %3  声道数: %4  采样: %5")
+            .arg(QString::number(m_audioStream), QLatin1String(m_audio->codec->name),
+                 QString::number(m_input->bit_rate),
+                 QString::number(m_audio->ch_layout.nb_channels),
+                 QString::number(m_audio->sample_rate)));
+}
+
+int FFmpegSession::read()
+{
+    av_packet_unref(m_packet.get());
+    // FFmpeg remembers the end of the data; only asked this way it looks whether there is more.
+    if (m_input->pb && m_input->pb->eof_reached)
+        avio_feof(m_input->pb);
+    return av_read_frame(m_input.get(), m_packet.get());
+}
+
+bool FFmpegSession::isVideo() const
+{
+    return m_packet->stream_index == m_videoStream;
+}
+
+std::optional<qint64> FFmpegSession::stampUs() const
+{
+    if (m_packet->dts == AV_NOPTS_VALUE)
+        return std::nullopt;
+    return av_rescale_q(m_packet->dts, m_input->streams[m_videoStream]->time_base, AV_TIME_BASE_Q);
+}
+
+int FFmpegSession::decode()
+{
+    const int sent = avcodec_send_packet(m_video.get(), m_packet.get());
+    if (sent < 0 && sent != AVERROR(EAGAIN))
+        return sent;
+    const int received = takePicture();
+    // A decoder that was full has room now.
+    if (sent == AVERROR(EAGAIN))
+        avcodec_send_packet(m_video.get(), m_packet.get());
+    return received;
+}
+
+int FFmpegSession::drain()
+{
+    if (!m_drained) {
+        m_drained = true;
+        avcodec_send_packet(m_video.get(), nullptr);
+    }
+    return takePicture();
+}
+
+/// Leaves the picture in hand alone unless there is a new one.
+int FFmpegSession::takePicture()
+{
+    const int received = avcodec_receive_frame(m_video.get(), m_next.get());
+    if (received >= 0) {
+        av_frame_unref(m_frame.get());
+        av_frame_move_ref(m_frame.get(), m_next.get());
+    }
+    return received;
+}
+
+void FFmpegSession::resume()
+{
+    if (m_drained)
+        avcodec_flush_buffers(m_video.get());
+    m_drained = false;
+}
+
+int FFmpegSession::videoWidth() const
+{
+    return m_video ? m_video->width : 0;
+}
+
+int FFmpegSession::videoHeight() const
+{
+    return m_video ? m_video->height : 0;
+}
+
+bool FFmpegSession::hasEnd() const
+{
+    return m_isLocal || (m_input->duration != AV_NOPTS_VALUE && m_input->duration > 0);
+}

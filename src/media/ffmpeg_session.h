@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+struct AVCodec;
+struct AVCodecContext;
+struct AVFormatContext;
+struct AVFrame;
+struct AVPacket;
+struct AVStream;
+
+/// Writes a debug line of the player: the time, then `message`.
+void writePlayerLine(const QString& message);
+
+/// One opened source: its demuxer, its decoders, the packet and the picture in hand. Everything is
+/// released with it. Belongs to one thread; calls block until there is data, the source has been
+/// silent for MediaOptions::SilenceLimitUs, or `isInterrupted` says so.
+class FFmpegSession
+{
+public:
+    /// Once per process, however often and from whichever thread it is called.
+    static void setUpLibrary();
+
+    /// `isInterrupted` is asked several times a second while a call waits; it must be fast.
+    explicit FFmpegSession(std::function<bool()> isInterrupted);
+    ~FFmpegSession();
+    FFmpegSession(const FFmpegSession&) = delete;
+    FFmpegSession& operator=(const FFmpegSession&) = delete;
+
+    /// Opens the source and its decoders and describes both in the debug stream. Once only. False,
+    /// with the reason in the debug stream, when there is nothing to show.
+    bool open(const QString& url);
+
+    /// Takes the next packet in place of the one before. FFmpeg's result code, negative when there
+    /// is none; the next call tries again.
+    int read();
+    bool isVideo() const;
+    /// The packet's decode time stamp in microseconds, when it has one.
+    std::optional<qint64> stampUs() const;
+    /// Passes the packet to the decoder and takes a picture from it, if there is one: negative
+    /// when not.
+    int decode();
+    /// Takes a picture that the decoder has held back; negative when there are no more. Until
+    /// resume() the decoder takes no packets.
+    int drain();
+    void resume();
+
+    /// The last picture that decode() or drain() has taken.
+    const AVFrame& frame() const { return *m_frame; }
+
+    int videoWidth() const;  ///< in pixels, as the decoder says
+    int videoHeight() const; ///< in pixels
+    /// Whether it has an end: a file or recording, as opposed to a stream.
+    bool hasEnd() const;
+
+private:
+    struct CloseInput {
+        void operator()(AVFormatContext* context) const;
+    };
+    struct FreeDecoder {
+        void operator()(AVCodecContext* context) const;
+    };
+    struct FreePacket {
+        void operator()(AVPacket* packet) const;
+    };
+    struct FreeFrame {
+        void operator()(AVFrame* frame) const;
+    };
+    using Decoder = std::unique_ptr<AVCodecContext, FreeDecoder>;
+
+    static int interrupted(void* session);
+    int takePicture();
+    bool openInput(const QString& url);
+    bool openVideo();
+    bool openAudio();
+    Decoder openDecoder(const AVStream& stream, const AVCodec& codec, bool isVideo) const;
+    void describeVideo() const;
+    void describeAudio() const;
+
+    const std::function<bool()> m_isInterrupted;
+    qint64 m_openLimit = 0; // when opening is given up, microseconds; 0: not opening
+    std::unique_ptr<AVFormatContext, CloseInput> m_input;
+    Decoder m_video;
+    Decoder m_audio; // opened to be described, never used
+    int m_videoStream = -1;
+    int m_audioStream = -1;
+    bool m_isLocal = false;
+    bool m_drained = false;
+    std::unique_ptr<AVPacket, FreePacket> m_packet;
+    std::unique_ptr<AVFrame, FreeFrame> m_next; // what the decoder writes to
+    std::unique_ptr<AVFrame, FreeFrame> m_frame;
+};

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: MIT
+#include "media/ffmpeg_thread.h"
+
+#include "media/ffmpeg_session.h"
+
+extern "C" {
+#include <libavutil/error.h>
+#include <libavutil/time.h>
+}
+
+#include <chrono>
+
+namespace
+{
+
+/// How often a source without data is asked again, at first and later on: each time may be a
+/// connection of its own.
+constexpr qint64 RetryUs = 10000;
+constexpr qint64 LateRetryUs = 40000;
+/// How long a source without data may still be about to go on.
+constexpr qint64 EndUs = 500000;
+
+} // namespace
+
+FFmpegThread::FFmpegThread(QObject* parent) : QThread(parent)
+{
+    setObjectName(QStringLiteral("FFmpegThread"));
+    FFmpegSession::setUpLibrary();
+}
+
+FFmpegThread::~FFmpegThread()
+{
+    requestStop();
+    wait();
+}
+
+void FFmpegThread::setUrl(const QString& url)
+{
+    m_url = url;
+}
+
+void FFmpegThread::play()
+{
+    setNeedInit();
+    start(InheritPriority);
+}
+
+void FFmpegThread::stop()
+{
+    requestStop();
+    emit playstatus(Stopped, m_url);
+}
+
+void FFmpegThread::requestStop()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_restMutex);
+        m_stopPlay = true;
+    }
+    m_wake.notify_all();
+}
+
+qint64 FFmpegThread::silentMs() const
+{
+    const qint64 since = m_waitingSince;
+    return since == 0 ? 0 : (av_gettime_relative() - since) / 1000;
+}
+
+bool FFmpegThread::init()
+{
+    m_session = std::make_unique<FFmpegSession>([this] { return m_stopPlay.load(); });
+    m_converter = std::make_unique<FrameConverter>();
+    if (!m_session->open(m_url))
+        return false;
+    m_pacing.setLive(!m_session->hasEnd());
+    return true;
+}
+
+void FFmpegThread::free()
+{
+    m_converter.reset();
+    m_session.reset();
+    writePlayerLine(QStringLiteral("close ffmpeg ok"));
+}
+
+void FFmpegThread::run()
+{
+    m_pacing.start(av_gettime_relative());
+    while (!m_stopPlay) {
+        if (!m_needInit) {
+            step();
+        } else if (init()) {
+            m_needInit = false;
+            emit playstatus(Playing, m_url);
+        } else {
+            // What was stopped has not failed.
+            if (!m_stopPlay)
+                emit playstatus(OpenFailed, m_url);
+            break;
+        }
+    }
+    free();
+    m_waitingSince = 0;
+    m_stopPlay = false;
+    m_needInit = false;
+    writePlayerLine(QStringLiteral("stop ffmpeg thread"));
+}
+
+/// Reads one packet and shows the picture that it completes.
+void FFmpegThread::step()
+{
+    if (m_waitingSince == 0)
+        m_waitingSince = av_gettime_relative();
+    showPending();
+    const int result = m_session->read();
+    if (result < 0) {
+        waitForData(result);
+        return;
+    }
+    m_noDataSince = 0;
+    m_atEnd = false;
+    m_session->resume();
+    if (!m_session->isVideo())
+        return;
+    if (m_session->decode() < 0)
+        return;
+    if (m_isPending)
+        ++m_dropped;
+    showPicture();
+    waitUntilDue();
+}
+
+void FFmpegThread::showPicture()
+{
+    QImage image;
+    const FrameConverter::Result result = m_converter->convert(m_session->frame(), &image);
+    m_isPending = result == FrameConverter::Result::Busy;
+    if (result != FrameConverter::Result::Done)
+        return;
+    m_waitingSince = 0;
+    emit receiveImage(image);
+}
+
+void FFmpegThread::showPending()
+{
+    if (m_isPending)
+        showPicture();
+}
+
+void FFmpegThread::waitUntilDue()
+{
+    const std::optional<qint64> stamp = m_session->stampUs();
+    if (stamp)
+        rest(m_pacing.waitAfter(*stamp, av_gettime_relative()));
+}
+
+/// A failed read ends nothing: a file may grow, a stream may come back.
+void FFmpegThread::waitForData(int result)
+{
+    const qint64 now = av_gettime_relative();
+    if (m_noDataSince == 0)
+        m_noDataSince = now;
+    if (result == AVERROR_EOF && !m_atEnd && now - m_noDataSince > EndUs && m_session->hasEnd())
+        showHeldBack();
+    rest(now - m_noDataSince > EndUs ? LateRetryUs : RetryUs);
+}
+
+/// The pictures that the decoder keeps back for reordering, when no more packets follow.
+void FFmpegThread::showHeldBack()
+{
+    while (!m_stopPlay && !m_isPending && !m_atEnd) {
+        if (m_session->drain() >= 0)
+            showPicture();
+        else
+            m_atEnd = true;
+    }
+}
+
+void FFmpegThread::rest(qint64 microseconds)
+{
+    if (microseconds <= 0)
+        return;
+    std::unique_lock<std::mutex> lock(m_restMutex);
+    m_wake.wait_for(lock, std::chrono::microseconds(microseconds),
+                    [this] { return m_stopPlay.load(); });
+}

@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: MIT
+#include "media/ffmpeg_widget.h"
+
+#include "media/ffmpeg_session.h"
+#include "media/ffmpeg_thread.h"
+#include "widgets/message_box.h"
+
+#include <QFileDialog>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QStandardPaths>
+#include <QStyleOption>
+
+namespace
+{
+
+/// What the context menu's actions carry.
+enum MenuChoice { LocalFile = 1, NetworkAddress = 2 };
+
+constexpr int ClearDelayMs = 1;
+constexpr unsigned long CloseLimitMs = 500;
+constexpr int WatchPeriodMs = 200;
+/// After this long without a picture an operator has to know.
+constexpr qint64 SilenceMs = 2000;
+
+/// Where a picture of this size is shown: as large as fits, centred.
+QRect fitted(const QSize& picture, const QSize& area)
+{
+    const double across = double(area.width()) / picture.width();
+    const double down = double(area.height()) / picture.height();
+    const double scale = down <= across ? down : across;
+    return {int((area.width() - picture.width() * scale) * 0.5),
+            int((area.height() - picture.height() * scale) * 0.5), int(picture.width() * scale),
+            int(picture.height() * scale)};
+}
+
+QStringList filePatterns()
+{
+    // One of them twice, as in the list that users know.
+    return QStringLiteral("*.mov *.mp4 *.m4a *.3gp *.3gp *.3g2 *.mj2").split(QLatin1Char(' '));
+}
+
+} // namespace
+
+FFmpegWidget::FFmpegWidget(QWidget* parent)
+    : QWidget(parent)
+    , m_fileAction(m_menu.addAction(QString()))
+    , m_addressAction(m_menu.addAction(QString()))
+    , m_state(new PictureState(this))
+{
+    // It fills what it paints, so nothing needs to be painted beneath.
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(this, &QWidget::customContextMenuRequested, this,
+            &FFmpegWidget::R_customContextMenuRequested);
+    m_fileAction->setData(LocalFile);
+    m_addressAction->setData(NetworkAddress);
+    m_clearTimer.setSingleShot(true);
+    m_clearTimer.setInterval(ClearDelayMs);
+    connect(&m_clearTimer, &QTimer::timeout, this, &FFmpegWidget::clear);
+    m_watch.setInterval(WatchPeriodMs);
+    connect(&m_watch, &QTimer::timeout, this, &FFmpegWidget::checkSource);
+    retranslate();
+}
+
+FFmpegWidget::~FFmpegWidget()
+{
+    close();
+}
+
+int FFmpegWidget::droppedPictures() const
+{
+    return m_ffmpegThread ? m_ffmpegThread->droppedPictures() : 0;
+}
+
+void FFmpegWidget::updateImage(const QImage& image)
+{
+    m_image = image;
+    m_state->setOverPicture(!image.isNull());
+    update();
+}
+
+void FFmpegWidget::open(const QString& url)
+{
+    writePlayerLine(QStringLiteral("open video ") + url);
+    releaseThread();
+    m_url = url;
+    const int session = ++m_session;
+    m_ffmpegThread = new FFmpegThread;
+    connect(
+        m_ffmpegThread, &FFmpegThread::receiveImage, this,
+        [this, session](const QImage& image) { handleImage(session, image); },
+        Qt::QueuedConnection);
+    connect(
+        m_ffmpegThread, &FFmpegThread::playstatus, this,
+        [this, session](int status, const QString& source) {
+            handleStatus(session, status, source);
+        },
+        Qt::QueuedConnection);
+    m_ffmpegThread->setUrl(url);
+    m_ffmpegThread->play();
+    m_watch.start();
+    showState(PictureState::State::Opening);
+}
+
+void FFmpegWidget::pause()
+{
+    if (m_ffmpegThread)
+        m_ffmpegThread->stop();
+}
+
+void FFmpegWidget::close()
+{
+    writePlayerLine(QStringLiteral("close video ") + objectName());
+    if (m_ffmpegThread && m_ffmpegThread->isRunning())
+        m_ffmpegThread->stop();
+    releaseThread();
+    ++m_session;
+    m_watch.stop();
+    showState(PictureState::State::Idle);
+    m_clearTimer.start();
+}
+
+/// Pictures and words of the thread that are still under way stay valid without it.
+void FFmpegWidget::releaseThread()
+{
+    if (!m_ffmpegThread)
+        return;
+    FFmpegThread* thread = m_ffmpegThread;
+    m_ffmpegThread = nullptr;
+    thread->requestStop();
+    thread->quit();
+    if (thread->wait(CloseLimitMs)) {
+        delete thread;
+        return;
+    }
+    // Looking up a name cannot be interrupted. It ends by itself, and nobody listens any more.
+    thread->disconnect(this);
+    connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+    if (thread->isFinished())
+        thread->deleteLater();
+}
+
+void FFmpegWidget::clear()
+{
+    updateImage(QImage());
+}
+
+void FFmpegWidget::handleImage(int session, const QImage& image)
+{
+    if (session != m_session)
+        return;
+    m_clearTimer.stop();
+    updateImage(image);
+    if (state() != PictureState::State::Playing && state() != PictureState::State::Stopped)
+        showState(PictureState::State::Playing);
+}
+
+void FFmpegWidget::handleStatus(int session, int status, const QString& url)
+{
+    if (session == m_session && status == FFmpegThread::OpenFailed)
+        showState(PictureState::State::Failed);
+    if (session == m_session && status == FFmpegThread::Stopped)
+        showState(PictureState::State::Stopped);
+    emit playstatus(status, url);
+}
+
+/// A source that has broken off says nothing; only its silence tells.
+void FFmpegWidget::checkSource()
+{
+    if (!m_ffmpegThread || state() == PictureState::State::Failed ||
+        state() == PictureState::State::Stopped)
+        return;
+    const qint64 silence = m_ffmpegThread->silentMs();
+    if (m_ffmpegThread->isAtEnd()) {
+        if (state() != PictureState::State::Ended)
+            showState(PictureState::State::Ended);
+    } else if (silence > SilenceMs && state() != PictureState::State::Silent) {
+        m_state->show(PictureState::State::Silent, m_url,
+                      QTime::currentTime().addMSecs(-int(silence)));
+    }
+}
+
+void FFmpegWidget::showState(PictureState::State state)
+{
+    m_state->show(state, m_url);
+}
+
+void FFmpegWidget::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    QStyleOption option;
+    option.initFrom(this);
+    const QRect target = m_image.isNull() ? QRect() : fitted(m_image.size(), size());
+    const QRegion around = event->region() - target;
+    if (!around.isEmpty()) {
+        painter.setClipRegion(around);
+        painter.fillRect(rect(), palette().window());
+        style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+        painter.setClipping(false);
+    }
+    if (target.isEmpty())
+        return;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, target.size() != m_image.size());
+    painter.drawImage(target, m_image);
+}
+
+void FFmpegWidget::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QWidget::changeEvent(event);
+}
+
+void FFmpegWidget::retranslate()
+{
+    m_fileAction->setText(tr("播放本地文件"));
+    m_addressAction->setText(tr("网络拉流地址"));
+}
+
+void FFmpegWidget::R_customContextMenuRequested(const QPoint&)
+{
+    const QPointer<FFmpegWidget> self(this);
+    const QAction* chosen = m_menu.exec(QCursor::pos());
+    if (!self || !chosen)
+        return;
+    if (chosen->data().toInt() == LocalFile)
+        playChosenFile();
+    else
+        playTypedAddress();
+}
+
+void FFmpegWidget::playChosenFile()
+{
+    const QPointer<QFileDialog> dialog(new QFileDialog(this));
+    const QStringList folders = QStandardPaths::standardLocations(QStandardPaths::PicturesLocation);
+    if (!folders.isEmpty())
+        dialog->setDirectory(folders.last());
+    dialog->setWindowTitle(tr("选择视频文件"));
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    const QStringList patterns = filePatterns();
+    dialog->setNameFilters(QStringList(tr("视频文件 (%1)").arg(patterns.join(QLatin1Char(' ')))) +
+                           patterns);
+    dialog->setLabelText(QFileDialog::Accept, tr("选择视频文件"));
+    dialog->setLabelText(QFileDialog::Reject, tr("取消"));
+    const bool isAccepted = dialog->exec() == QDialog::Accepted;
+    // With the window the dialog is gone, and so is this.
+    if (!dialog)
+        return;
+    const QStringList files = dialog->selectedFiles();
+    delete dialog;
+    if (!isAccepted || files.isEmpty())
+        return;
+    close();
+    open(files.first());
+}
+
+void FFmpegWidget::playTypedAddress()
+{
+    const QPointer<FFmpegWidget> self(this);
+    const QString address = promptText(QString(), tr("请输入拉流的网络地址."), this);
+    if (!self || address.isEmpty())
+        return;
+    close();
+    open(address);
+}

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "media/picture_state.h"
+
+#include <QImage>
+#include <QMenu>
+#include <QTimer>
+#include <QWidget>
+
+class FFmpegThread;
+
+/// The monitor's picture area: plays one source at a time, fitted and centred, and says over the
+/// picture when it is not a live one. Its context menu plays a local file or a network address.
+/// GUI thread only.
+class FFmpegWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit FFmpegWidget(QWidget* parent = nullptr);
+    ~FFmpegWidget() override;
+
+    /// What shows: whether the picture is live, and if not, why.
+    PictureState::State state() const { return m_state->state(); }
+    /// The picture shown; null when there is none.
+    const QImage& picture() const { return m_image; }
+    /// Pictures that this session did not show because newer ones came first.
+    int droppedPictures() const;
+
+signals:
+    /// As FFmpegThread::playstatus: 0 the source cannot be opened, 1 it plays, 2 it was stopped.
+    void playstatus(int status, const QString& url);
+
+public slots:
+    void updateImage(const QImage& image);
+    void R_customContextMenuRequested(const QPoint& pos);
+    /// Plays a path or an address. Call close() first: a session still running ends unannounced.
+    void open(const QString& url);
+    /// Ends the session and keeps the picture, marked as stopped; open() starts anew.
+    void pause();
+    void next() {} ///< does nothing
+    /// Ends the session, if there is one, and wipes the picture a moment later. Returns when the
+    /// source is closed, after half a second at most.
+    void close();
+    /// Wipes the picture.
+    void clear();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void handleImage(int session, const QImage& image);
+    void handleStatus(int session, int status, const QString& url);
+    void releaseThread();
+    void checkSource();
+    void showState(PictureState::State state);
+    void retranslate();
+    void playChosenFile();
+    void playTypedAddress();
+
+    FFmpegThread* m_ffmpegThread = nullptr;
+    QImage m_image;
+    QMenu m_menu;
+    QAction* m_fileAction;
+    QAction* m_addressAction;
+    PictureState* m_state;
+    QString m_url;
+    int m_session = 0; // what a queued signal belongs to
+    QTimer m_clearTimer;
+    QTimer m_watch;
+};

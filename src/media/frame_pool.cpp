@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "media/frame_pool.h"
+
+extern "C" {
+#include <libavutil/imgutils.h>
+#include <libavutil/mem.h>
+}
+
+#include <array>
+#include <mutex>
+
+namespace
+{
+
+/// The converter writes whole vectors and may run over the end of the last row by less than one.
+constexpr int Overrun = 64;
+
+} // namespace
+
+struct FramePool::Slot {
+    std::shared_ptr<Shared> owner; // while an image refers to the buffer
+    uchar* buffer = nullptr;
+};
+
+struct FramePool::Shared {
+    explicit Shared(const QSize& pictureSize) : size(pictureSize) {}
+    ~Shared()
+    {
+        for (Slot& slot : slots_)
+            av_free(slot.buffer);
+    }
+
+    const QSize size;
+    std::mutex mutex; // guards what follows
+    std::array<Slot, Limit> slots_;
+};
+
+FramePool::FramePool(const QSize& size) : m_shared(std::make_shared<Shared>(size)) {}
+
+FramePool::~FramePool() = default;
+
+QSize FramePool::size() const
+{
+    return m_shared->size;
+}
+
+QImage FramePool::take()
+{
+    const QSize size = m_shared->size;
+    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    for (Slot& slot : m_shared->slots_) {
+        if (slot.owner)
+            continue;
+        if (!slot.buffer) {
+            const int bytes =
+                av_image_get_buffer_size(AV_PIX_FMT_BGRA, size.width(), size.height(), 1);
+            slot.buffer =
+                bytes > 0 ? static_cast<uchar*>(av_malloc(size_t(bytes) + Overrun)) : nullptr;
+        }
+        if (!slot.buffer)
+            return {};
+        QImage image(slot.buffer, size.width(), size.height(), size.width() * 4,
+                     QImage::Format_RGB32, &FramePool::giveBack, &slot);
+        if (!image.isNull())
+            slot.owner = m_shared;
+        return image;
+    }
+    return {};
+}
+
+void FramePool::giveBack(void* slot)
+{
+    // The last image takes the buffers with it, but only after the lock is released.
+    std::shared_ptr<Shared> owner;
+    auto* returned = static_cast<Slot*>(slot);
+    const std::lock_guard<std::mutex> lock(returned->owner->mutex);
+    owner = std::move(returned->owner);
+}

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include "media/picture_state.h"
+
+#include "widgets/elided_label.h"
+
+#include <QEvent>
+#include <QStyle>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <QVariant>
+
+namespace
+{
+
+constexpr int Margin = 12;
+
+/// A password in an address is nobody's business who looks at the screen.
+QString withoutPassword(const QString& address)
+{
+    const QUrl url(address, QUrl::StrictMode);
+    return url.isValid() && !url.password().isEmpty() ? url.toDisplayString(QUrl::RemovePassword)
+                                                      : address;
+}
+
+} // namespace
+
+PictureState::PictureState(QWidget* area)
+    : QWidget(area), m_title(new QLabel(this)), m_detail(new ElidedLabel(this))
+{
+    setObjectName(QStringLiteral("video_state"));
+    setAttribute(Qt::WA_StyledBackground);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_title->setObjectName(QStringLiteral("video_state_title"));
+    m_title->setTextFormat(Qt::PlainText);
+    m_title->setAlignment(Qt::AlignCenter);
+    m_detail->setObjectName(QStringLiteral("video_state_detail"));
+    m_detail->setProperty("dim", true);
+    m_detail->setAlignment(Qt::AlignCenter);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(Margin, Margin, Margin, Margin);
+    layout->addWidget(m_title);
+    layout->addWidget(m_detail);
+    area->installEventFilter(this);
+    retranslate();
+}
+
+void PictureState::show(State state, const QString& url, const QTime& since)
+{
+    m_state = state;
+    m_url = withoutPassword(url);
+    m_since = since;
+    const bool isBad = state == State::Silent || state == State::Failed;
+    m_title->setProperty("state", isBad ? QStringLiteral("error") : QString());
+    m_title->style()->unpolish(m_title);
+    m_title->style()->polish(m_title);
+    retranslate();
+    setVisible(state != State::Playing);
+}
+
+void PictureState::setOverPicture(bool over)
+{
+    if (m_overPicture == over)
+        return;
+    m_overPicture = over;
+    place();
+}
+
+void PictureState::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QWidget::changeEvent(event);
+}
+
+bool PictureState::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == parent() && event->type() == QEvent::Resize)
+        place();
+    return QWidget::eventFilter(watched, event);
+}
+
+QString PictureState::title() const
+{
+    switch (m_state) {
+    case State::Idle:
+        return tr("没有播放内容");
+    case State::Opening:
+        return tr("正在打开…");
+    case State::Silent:
+        return tr("无信号，自 %1 起没有新画面").arg(m_since.toString(QStringLiteral("HH:mm:ss")));
+    case State::Ended:
+        return tr("播放结束");
+    case State::Failed:
+        return tr("无法播放");
+    case State::Stopped:
+        return tr("已停止播放");
+    case State::Playing:
+        break;
+    }
+    return {};
+}
+
+void PictureState::retranslate()
+{
+    m_title->setText(title());
+    m_detail->setText(m_state == State::Idle ? tr("右键单击可播放本地文件或网络地址") : m_url);
+    place();
+}
+
+void PictureState::place()
+{
+    const QRect area = parentWidget()->rect().adjusted(Margin, Margin, -Margin, -Margin);
+    ensurePolished();
+    // The detail may be as long as an address; the title is always there whole.
+    const int detail = m_detail->fontMetrics().horizontalAdvance(m_detail->text()) + 2 * Margin + 2;
+    const int wanted = qMax(minimumSizeHint().width(), detail);
+    const QSize size(qMin(wanted, area.width()), sizeHint().height());
+    QRect place(QPoint(), size);
+    place.moveCenter(area.center());
+    if (m_overPicture)
+        place.moveTop(area.top());
+    setGeometry(place);
+}
