@@ -250,6 +250,13 @@
     </message>
   </context>
   <context>
+    <name>DownloadRow</name>
+    <message>
+      <source>取消下载</source>
+      <translation>Cancel the download</translation>
+    </message>
+  </context>
+  <context>
     <name>EncoderControl</name>
     <message>
       <source>控制 HB 失败,请重试!</source>
@@ -273,6 +280,33 @@
     <message>
       <source>尝试重新连接 </source>
       <translation>Trying to reconnect </translation>
+    </message>
+  </context>
+  <context>
+    <name>FFmpegWidget</name>
+    <message>
+      <source>播放本地文件</source>
+      <translation>Play a local file</translation>
+    </message>
+    <message>
+      <source>网络拉流地址</source>
+      <translation>Network stream address</translation>
+    </message>
+    <message>
+      <source>选择视频文件</source>
+      <translation>Choose a video file</translation>
+    </message>
+    <message>
+      <source>视频文件 (%1)</source>
+      <translation>Video files (%1)</translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>Cancel</translation>
+    </message>
+    <message>
+      <source>请输入拉流的网络地址.</source>
+      <translation>Enter the network address to pull the stream from.</translation>
     </message>
   </context>
   <context>
@@ -331,6 +365,25 @@
       <source>重新开始上传固件(%1)</source>
       <translation>Restarting firmware upload (%1)</translation>
     </message>
+    <message>
+      <source>无法写入文件</source>
+      <translation>the file cannot be written</translation>
+    </message>
+    <message>
+      <source>设备停止发送数据</source>
+      <translation>the device stopped sending data</translation>
+    </message>
+  </context>
+  <context>
+    <name>ListWidget</name>
+    <message>
+      <source>下载</source>
+      <translation>Download</translation>
+    </message>
+    <message>
+      <source>删除</source>
+      <translation>Delete</translation>
+    </message>
   </context>
   <context>
     <name>LiveControl</name>
@@ -380,6 +433,141 @@
     <message>
       <source>下一个</source>
       <translation>Next</translation>
+    </message>
+  </context>
+  <context>
+    <name>PictureState</name>
+    <message>
+      <source>没有播放内容</source>
+      <translation>Nothing is playing</translation>
+    </message>
+    <message>
+      <source>正在打开…</source>
+      <translation>Opening…</translation>
+    </message>
+    <message>
+      <source>无信号，自 %1 起没有新画面</source>
+      <translation>No signal: no new picture since %1</translation>
+    </message>
+    <message>
+      <source>播放结束</source>
+      <translation>Playback ended</translation>
+    </message>
+    <message>
+      <source>无法播放</source>
+      <translation>Cannot be played</translation>
+    </message>
+    <message>
+      <source>已停止播放</source>
+      <translation>Stopped</translation>
+    </message>
+    <message>
+      <source>右键单击可播放本地文件或网络地址</source>
+      <translation>Right-click to play a local file or a network address</translation>
+    </message>
+  </context>
+  <context>
+    <name>RecordControl</name>
+    <message>
+      <source>请您在设备列表中选择要操作的设备!</source>
+      <translation>Please select the device to operate in the device list!</translation>
+    </message>
+    <message>
+      <source>停止录制失败,请重试.</source>
+      <translation>Stopping the recording failed, please retry.</translation>
+    </message>
+    <message>
+      <source>录制完成,是否现在查看 [%1]</source>
+      <translation>Recording finished. View it now? [%1]</translation>
+    </message>
+  </context>
+  <context>
+    <name>RecordingDownload</name>
+    <message>
+      <source>无法写入文件</source>
+      <translation>the file cannot be written</translation>
+    </message>
+    <message>
+      <source>无法启动下载程序</source>
+      <translation>the download program cannot be started</translation>
+    </message>
+    <message>
+      <source>设备上没有此文件</source>
+      <translation>the device has no such file</translation>
+    </message>
+    <message>
+      <source>设备回应错误 </source>
+      <translation>the device answered with error </translation>
+    </message>
+    <message>
+      <source>无法连接设备</source>
+      <translation>the device cannot be reached</translation>
+    </message>
+    <message>
+      <source>传输中断,文件不完整</source>
+      <translation>the transfer broke off, the file is incomplete</translation>
+    </message>
+    <message>
+      <source>下载程序异常结束</source>
+      <translation>the download program ended unexpectedly</translation>
+    </message>
+  </context>
+  <context>
+    <name>RecordingDownloads</name>
+    <message>
+      <source>请您选择保存的位置</source>
+      <translation>Choose where to save</translation>
+    </message>
+    <message>
+      <source>选择目录</source>
+      <translation>Choose folder</translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>Cancel</translation>
+    </message>
+    <message>
+      <source>文件[%1]下载失败: %2</source>
+      <translation>Downloading file [%1] failed: %2</translation>
+    </message>
+    <message>
+      <source>下载完成,是否前往文件所在文件夹?</source>
+      <translation>Download finished. Open its folder?</translation>
+    </message>
+    <message>
+      <source>前往</source>
+      <translation>Go</translation>
+    </message>
+    <message>
+      <source>否</source>
+      <translation>No</translation>
+    </message>
+  </context>
+  <context>
+    <name>Recordings</name>
+    <message>
+      <source>请您在存储区域中选择要播放的内容!</source>
+      <translation>Please select what to play in the storage area!</translation>
+    </message>
+    <message>
+      <source>已经是最后一个了</source>
+      <translation>This is already the last one</translation>
+    </message>
+    <message>
+      <source>已经第一个了</source>
+      <translation>This is already the first one</translation>
+    </message>
+    <message>
+      <source>播放地址%1异常!</source>
+      <translation>Playback address %1 is faulty!</translation>
+    </message>
+    <message>
+      <source>确认要删除这些录制文件吗?</source>
+      <translation>Delete these recordings?</translation>
+    </message>
+    <message>
+      <source>文件[%1]删除错误,请重试</source>
+      <translation>Deleting file [%1] failed, please retry</translation>
     </message>
   </context>
   <context>

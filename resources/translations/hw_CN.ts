@@ -250,6 +250,13 @@
     </message>
   </context>
   <context>
+    <name>DownloadRow</name>
+    <message>
+      <source>取消下载</source>
+      <translation>다운로드 취소</translation>
+    </message>
+  </context>
+  <context>
     <name>EncoderControl</name>
     <message>
       <source>控制 HB 失败,请重试!</source>
@@ -273,6 +280,33 @@
     <message>
       <source>尝试重新连接 </source>
       <translation>다시 연결하는 중 </translation>
+    </message>
+  </context>
+  <context>
+    <name>FFmpegWidget</name>
+    <message>
+      <source>播放本地文件</source>
+      <translation>로컬 파일 재생</translation>
+    </message>
+    <message>
+      <source>网络拉流地址</source>
+      <translation>네트워크 스트림 주소</translation>
+    </message>
+    <message>
+      <source>选择视频文件</source>
+      <translation>비디오 파일 선택</translation>
+    </message>
+    <message>
+      <source>视频文件 (%1)</source>
+      <translation>비디오 파일 (%1)</translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>취소</translation>
+    </message>
+    <message>
+      <source>请输入拉流的网络地址.</source>
+      <translation>스트림을 가져올 네트워크 주소를 입력하세요.</translation>
     </message>
   </context>
   <context>
@@ -331,6 +365,25 @@
       <source>重新开始上传固件(%1)</source>
       <translation>펌웨어 업로드 다시 시작(%1)</translation>
     </message>
+    <message>
+      <source>无法写入文件</source>
+      <translation>파일을 쓸 수 없습니다</translation>
+    </message>
+    <message>
+      <source>设备停止发送数据</source>
+      <translation>장치가 데이터 전송을 멈췄습니다</translation>
+    </message>
+  </context>
+  <context>
+    <name>ListWidget</name>
+    <message>
+      <source>下载</source>
+      <translation>다운로드</translation>
+    </message>
+    <message>
+      <source>删除</source>
+      <translation>삭제</translation>
+    </message>
   </context>
   <context>
     <name>LiveControl</name>
@@ -380,6 +433,141 @@
     <message>
       <source>下一个</source>
       <translation>다음</translation>
+    </message>
+  </context>
+  <context>
+    <name>PictureState</name>
+    <message>
+      <source>没有播放内容</source>
+      <translation>재생 중인 내용이 없습니다</translation>
+    </message>
+    <message>
+      <source>正在打开…</source>
+      <translation>여는 중…</translation>
+    </message>
+    <message>
+      <source>无信号，自 %1 起没有新画面</source>
+      <translation>신호 없음: %1 이후 새 화면이 없습니다</translation>
+    </message>
+    <message>
+      <source>播放结束</source>
+      <translation>재생이 끝났습니다</translation>
+    </message>
+    <message>
+      <source>无法播放</source>
+      <translation>재생할 수 없습니다</translation>
+    </message>
+    <message>
+      <source>已停止播放</source>
+      <translation>재생이 중지되었습니다</translation>
+    </message>
+    <message>
+      <source>右键单击可播放本地文件或网络地址</source>
+      <translation>마우스 오른쪽 버튼으로 로컬 파일이나 네트워크 주소를 재생할 수 있습니다</translation>
+    </message>
+  </context>
+  <context>
+    <name>RecordControl</name>
+    <message>
+      <source>请您在设备列表中选择要操作的设备!</source>
+      <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
+    </message>
+    <message>
+      <source>停止录制失败,请重试.</source>
+      <translation>녹화 중지에 실패했습니다. 다시 시도하세요.</translation>
+    </message>
+    <message>
+      <source>录制完成,是否现在查看 [%1]</source>
+      <translation>녹화가 완료되었습니다. 지금 보시겠습니까? [%1]</translation>
+    </message>
+  </context>
+  <context>
+    <name>RecordingDownload</name>
+    <message>
+      <source>无法写入文件</source>
+      <translation>파일을 쓸 수 없습니다</translation>
+    </message>
+    <message>
+      <source>无法启动下载程序</source>
+      <translation>다운로드 프로그램을 시작할 수 없습니다</translation>
+    </message>
+    <message>
+      <source>设备上没有此文件</source>
+      <translation>장치에 해당 파일이 없습니다</translation>
+    </message>
+    <message>
+      <source>设备回应错误 </source>
+      <translation>장치가 오류로 응답했습니다: </translation>
+    </message>
+    <message>
+      <source>无法连接设备</source>
+      <translation>장치에 연결할 수 없습니다</translation>
+    </message>
+    <message>
+      <source>传输中断,文件不完整</source>
+      <translation>전송이 중단되어 파일이 불완전합니다</translation>
+    </message>
+    <message>
+      <source>下载程序异常结束</source>
+      <translation>다운로드 프로그램이 비정상 종료되었습니다</translation>
+    </message>
+  </context>
+  <context>
+    <name>RecordingDownloads</name>
+    <message>
+      <source>请您选择保存的位置</source>
+      <translation>저장할 위치를 선택하세요</translation>
+    </message>
+    <message>
+      <source>选择目录</source>
+      <translation>폴더 선택</translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>취소</translation>
+    </message>
+    <message>
+      <source>文件[%1]下载失败: %2</source>
+      <translation>파일 [%1] 다운로드 실패: %2</translation>
+    </message>
+    <message>
+      <source>下载完成,是否前往文件所在文件夹?</source>
+      <translation>다운로드가 완료되었습니다. 폴더를 여시겠습니까?</translation>
+    </message>
+    <message>
+      <source>前往</source>
+      <translation>이동</translation>
+    </message>
+    <message>
+      <source>否</source>
+      <translation>아니요</translation>
+    </message>
+  </context>
+  <context>
+    <name>Recordings</name>
+    <message>
+      <source>请您在存储区域中选择要播放的内容!</source>
+      <translation>저장 영역에서 재생할 항목을 선택하세요!</translation>
+    </message>
+    <message>
+      <source>已经是最后一个了</source>
+      <translation>이미 마지막 항목입니다</translation>
+    </message>
+    <message>
+      <source>已经第一个了</source>
+      <translation>이미 첫 번째 항목입니다</translation>
+    </message>
+    <message>
+      <source>播放地址%1异常!</source>
+      <translation>재생 주소 %1에 이상이 있습니다!</translation>
+    </message>
+    <message>
+      <source>确认要删除这些录制文件吗?</source>
+      <translation>이 녹화 파일을 삭제하시겠습니까?</translation>
+    </message>
+    <message>
+      <source>文件[%1]删除错误,请重试</source>
+      <translation>파일 [%1] 삭제 오류, 다시 시도하세요</translation>
     </message>
   </context>
   <context>

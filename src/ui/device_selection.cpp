@@ -42,6 +42,7 @@ void DeviceSelection::showKora(const Item& box)
 {
     m_frame.setCaptions(box.combinedLabel());
     m_hub.state.setDeviceIp(box.address());
+    emit koraSelected(box);
     readSelected();
     m_events.connectTo(box.address());
     m_frame.showKora(box.property("upgrading").toBool());

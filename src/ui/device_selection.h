@@ -27,6 +27,10 @@ public:
     /// The selected box answers again: what is shown of it may be out of date.
     void handleCameOnline(const QString& ip);
 
+signals:
+    /// The KORA box is now the one that every operation addresses.
+    void koraSelected(const Item& box);
+
 private:
     void showKora(const Item& box);
     void readSelected();

@@ -23,6 +23,9 @@
 #include "ui/local_addresses.h"
 #include "ui/monitor.h"
 #include "ui/parameter_panel.h"
+#include "ui/record_control.h"
+#include "ui/recording_downloads.h"
+#include "ui/recordings.h"
 #include "ui/result_dispatcher.h"
 #include "ui/tarn_hub.h"
 #include "ui/value_controls.h"
@@ -62,6 +65,9 @@ struct Tarn_Hub::Features {
     EventSockets events;
     EventPane streamPane;
     EventPane mediaPane;
+    Recordings recordings;
+    RecordingDownloads downloads;
+    RecordControl record;
     DeviceSelection selection;
     Monitor monitor;
     UpdateCheck updateCheck;

@@ -5,6 +5,7 @@
 #include "common/spark_http.h"
 #include "device/item.h"
 #include "device/tree_view.h"
+#include "media/ffmpeg_widget.h"
 #include "ui/areas.h"
 #include "ui/hub_features.h"
 #include "ui/options.h"
@@ -19,6 +20,12 @@ Tarn_Hub::Tarn_Hub(const Options& options, QWidget* parent)
     connect(Spark_Http::instance(), &Spark_Http::S_finished, this, &Tarn_Hub::R_finished);
     connect(m->form.device_list->ui.deviceView, &TreeView::S_ActionClicked, this,
             &Tarn_Hub::R_ActionClicked);
+    ListWidget* storage = m->form.monitor_bottom->ui.storageWidget;
+    connect(storage, &ListWidget::S_download, this, &Tarn_Hub::R_download);
+    connect(storage, &ListWidget::S_delete, this, &Tarn_Hub::R_delete);
+    connect(storage, &ListWidget::S_ActionClicked, this, &Tarn_Hub::R_ActionClicked);
+    connect(m->form.monitor_top->ui.video_widget, &FFmpegWidget::playstatus, this,
+            &Tarn_Hub::R_playstatus);
     connectFeatures();
     for (QWidget* widget : m->dropAreas.areas() + m->valueControls.wheelControls())
         widget->installEventFilter(this);
@@ -47,10 +54,14 @@ void Tarn_Hub::connectFeatures()
 
     m->results.on(QStringLiteral("getConfigDeviceinfo"),
                   [this](const HttpResult& result) { m->panel.handleReply(result); });
+    m->results.on(QStringLiteral("getDeviceRecordList"),
+                  [this](const HttpResult& result) { m->recordings.handleReply(result); });
+    m->record.registerReplies(m->replies);
     m->decode.registerReplies(m->replies);
     m->live.registerReplies(m->replies);
 
     m->actions.on(Action::Select, [this](Item* item) { m->selection.select(item); });
+    m->actions.on(Action::PlayRecording, [this](Item* item) { m->recordings.playOrStop(item); });
     m->actions.on(Action::RestartDevice, [this](Item* item) { m->selection.restart(item); });
 
     connect(m->devices.get(), &DeviceRegistry::deviceAdded, this, [this](Item* item) {
@@ -59,6 +70,10 @@ void Tarn_Hub::connectFeatures()
     });
     connect(m->devices.get(), &DeviceRegistry::cameOnline, &m->selection,
             &DeviceSelection::handleCameOnline);
+    connect(&m->selection, &DeviceSelection::koraSelected, this, [this](const Item& box) {
+        m->recordings.showBox(box.address());
+        m->record.showBox(box);
+    });
     connect(&m->deviceInfo, &DeviceInfo::deviceChanged, &m->deviceList, &DeviceList::repaint);
     connect(&m->audio.timer(), &QTimer::timeout, this, &Tarn_Hub::R_timerSliderout);
     connect(&m->events, &EventSockets::recordTime, m->form.control_area->ui.recodeTime,
@@ -161,16 +176,25 @@ void Tarn_Hub::R_stateChanged(QProcess::ProcessState state)
         m->runner.noteEnd(process);
 }
 
-void Tarn_Hub::R_download(QList<QListWidgetItem*>) {}
+void Tarn_Hub::R_download(QList<QListWidgetItem*> items)
+{
+    m->downloads.ask(items);
+}
 
-void Tarn_Hub::R_delete(QList<QListWidgetItem*>) {}
+void Tarn_Hub::R_delete(QList<QListWidgetItem*> items)
+{
+    m->recordings.remove(items);
+}
 
 void Tarn_Hub::R_ActionClicked(Action type, Item* itemObj)
 {
     m->actions.dispatch(type, itemObj);
 }
 
-void Tarn_Hub::R_playstatus(int, const QString&) {}
+void Tarn_Hub::R_playstatus(int status, const QString& url)
+{
+    m->recordings.showStatus(status, url);
+}
 
 void Tarn_Hub::R_timerSliderout()
 {
@@ -209,7 +233,10 @@ void Tarn_Hub::on_language_clicked()
     m->language.askAtCursor();
 }
 
-void Tarn_Hub::on_recode_clicked(bool) {}
+void Tarn_Hub::on_recode_clicked(bool checked)
+{
+    m->record.setRecording(checked);
+}
 
 void Tarn_Hub::on_collapse_clicked()
 {
@@ -233,11 +260,20 @@ void Tarn_Hub::on_colsefull_clicked()
 
 void Tarn_Hub::on_md5_clicked() {}
 
-void Tarn_Hub::on_video_play_clicked(bool) {}
+void Tarn_Hub::on_video_play_clicked(bool checked)
+{
+    m->recordings.playSelected(checked);
+}
 
-void Tarn_Hub::on_video_after_clicked() {}
+void Tarn_Hub::on_video_after_clicked()
+{
+    m->recordings.playNeighbour(-1);
+}
 
-void Tarn_Hub::on_video_front_clicked() {}
+void Tarn_Hub::on_video_front_clicked()
+{
+    m->recordings.playNeighbour(1);
+}
 
 void Tarn_Hub::on_switch_monitor_clicked(bool)
 {

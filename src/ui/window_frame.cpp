@@ -85,6 +85,7 @@ void WindowFrame::showNothingSelected()
 void WindowFrame::showKora(bool upgrading)
 {
     Ui::MonitorArea& monitor = m_form.monitor_top->ui;
+    m_form.monitor_bottom->setVisible(!upgrading);
     if (upgrading)
         monitor.stackedWidget->setCurrentWidget(monitor.page_wait);
     else

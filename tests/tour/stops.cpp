@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tour/stops.h"
+#include "tests/tour/recording_stops.h"
 
 #include "device/item.h"
 #include "device/row_zones.h"
@@ -198,14 +199,23 @@ bool windowCloses(Tour& tour)
 
 const std::vector<Stop>& allStops()
 {
-    static const std::vector<Stop> stops{
-        {"boxes", boxesFound},           {"selected", boxSelected},
-        {"tooltip", iconExplained},      {"restart-question", restartAsked},
-        {"saved", configurationSaved},   {"decode-sources", sourcesListed},
-        {"streaming", streamingAsked},   {"offline", boxGoesOffline},
-        {"online-again", boxComesBack},  {"no-upgrade-marks", upgradeMarksNone},
-        {"english", inEnglish},          {"chinese", inChinese},
-        {"web-managed", webBoxSelected}, {"closing", windowCloses},
-    };
+    static const std::vector<Stop> stops = [] {
+        std::vector<Stop> all{
+            {"boxes", boxesFound},          {"selected", boxSelected},
+            {"tooltip", iconExplained},     {"restart-question", restartAsked},
+            {"saved", configurationSaved},  {"decode-sources", sourcesListed},
+            {"streaming", streamingAsked},  {"offline", boxGoesOffline},
+            {"online-again", boxComesBack}, {"no-upgrade-marks", upgradeMarksNone},
+        };
+        const std::vector<Stop> last{
+            {"english", inEnglish},
+            {"chinese", inChinese},
+            {"web-managed", webBoxSelected},
+            {"closing", windowCloses},
+        };
+        for (const std::vector<Stop>& more : {recordingStops(), last})
+            all.insert(all.end(), more.begin(), more.end());
+        return all;
+    }();
     return stops;
 }
