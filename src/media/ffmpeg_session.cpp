@@ -196,8 +196,8 @@ void FFmpegSession::describeVideo() const
         QStringLiteral("视频流信息 -> 索引: %1  解码: %2  格式: %3  时长: %4 秒  分辨率: %5*%6")
             .arg(QString::number(m_videoStream), QLatin1String(m_video->codec->name),
                  QLatin1String(m_input->iformat->name),
-                 QString::number(m_input->duration / AV_TIME_BASE), QString::number(videoWidth()),
-                 QString::number(videoHeight())));
+                 QString::number(qMax<qint64>(0, m_input->duration) / AV_TIME_BASE),
+                 QString::number(videoWidth()), QString::number(videoHeight())));
 }
 
 void FFmpegSession::describeAudio() const

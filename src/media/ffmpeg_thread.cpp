@@ -19,6 +19,9 @@ constexpr qint64 RetryUs = 10000;
 constexpr qint64 LateRetryUs = 40000;
 /// How long a source without data may still be about to go on.
 constexpr qint64 EndUs = 500000;
+/// How long a late file's picture waits for room, and how often it looks for it.
+constexpr qint64 RoomUs = 100000;
+constexpr qint64 RoomPollUs = 1000;
 
 } // namespace
 
@@ -149,9 +152,17 @@ void FFmpegThread::showPending()
 
 void FFmpegThread::waitUntilDue()
 {
+    const qint64 now = av_gettime_relative();
     const std::optional<qint64> stamp = m_session->stampUs();
-    if (stamp)
-        rest(m_pacing.waitAfter(*stamp, av_gettime_relative()));
+    const qint64 due = now + (stamp ? m_pacing.waitAfter(*stamp, now) : 0);
+    // A picture without room may find some until the next one is due. A file that is late loses
+    // pictures only to a receiver that does not take them; a live source never becomes late here.
+    const qint64 limit = due == now && m_session->hasEnd() ? now + RoomUs : due;
+    while (m_isPending && !m_stopPlay && av_gettime_relative() < limit) {
+        rest(RoomPollUs);
+        showPending();
+    }
+    rest(due - av_gettime_relative());
 }
 
 /// A failed read ends nothing: a file may grow, a stream may come back.

@@ -7,7 +7,7 @@ namespace
 constexpr qint64 Second = 1000000;
 /// Stamps are untrusted: differences of smaller ones do not overflow.
 constexpr qint64 LargestStamp = Q_INT64_C(1) << 60;
-constexpr qint64 JumpBack = Second;
+constexpr qint64 JumpBack = Second / 5;
 /// A file may be a slide show; a live source that leaves out more has begun again.
 constexpr qint64 JumpAhead = 60 * Second;
 constexpr qint64 LiveJumpAhead = 2 * Second;

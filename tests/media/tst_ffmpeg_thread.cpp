@@ -1,0 +1,512 @@
+// SPDX-License-Identifier: MIT
+#include "media/ffmpeg_thread.h"
+#include "media/pacing.h"
+#include "tests/media/clips.h"
+#include "tests/media/servers.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QSignalSpy>
+
+#include <ctime>
+#include <memory>
+
+namespace
+{
+
+constexpr const char* Small = "-f lavfi -i testsrc2=size=320x180:rate=25";
+
+/// A thread under test and what it has said.
+struct Player {
+    explicit Player(const QString& url)
+    {
+        QObject::connect(&thread, &FFmpegThread::playstatus, &context,
+                         [this](int status, const QString&) { statuses << status; });
+        QObject::connect(&thread, &FFmpegThread::receiveImage, &context,
+                         [this](const QImage& image) {
+                             ++pictures;
+                             last = image;
+                         });
+        thread.setUrl(url);
+        clock.start();
+        thread.play();
+    }
+
+    QImage last;
+    int pictures = 0;
+    QList<int> statuses;
+    QElapsedTimer clock;
+    QObject context;
+    FFmpegThread thread; // goes first
+};
+
+int entriesOf(const char* folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+}
+
+int threadsRunning()
+{
+    return entriesOf("/proc/self/task");
+}
+
+int filesOpen()
+{
+    return entriesOf("/proc/self/fd");
+}
+
+qint64 residentKb()
+{
+    QFile file("/proc/self/statm");
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    return file.readAll().split(' ').at(1).toLongLong() * 4;
+}
+
+double processorSeconds()
+{
+    timespec used{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
+    return double(used.tv_sec) + double(used.tv_nsec) / 1e9;
+}
+
+/// The largest difference of any colour of any pixel, and how many differ by more than `near`.
+struct Difference {
+    int largest = 0;
+    int far = 0;
+};
+
+Difference difference(const QImage& image, const QByteArray& bgra, int near)
+{
+    Difference found;
+    for (int y = 0; y < image.height(); ++y) {
+        const uchar* ours = image.constScanLine(y);
+        const auto* theirs =
+            reinterpret_cast<const uchar*>(bgra.constData()) + y * image.width() * 4;
+        for (int x = 0; x < image.width() * 4; ++x) {
+            const int apart = x % 4 == 3 ? 0 : qAbs(int(ours[x]) - int(theirs[x]));
+            found.largest = qMax(found.largest, apart);
+            found.far += apart > near ? 1 : 0;
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+class tst_FFmpegThread : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void playsToTheEndAndStaysThere();
+    void cannotBePlayed_data();
+    void cannotBePlayed();
+    void unusualSources_data();
+    void unusualSources();
+    void silentServerIsGivenUp_data();
+    void silentServerIsGivenUp();
+    void stopEndsEveryWait_data();
+    void stopEndsEveryWait();
+    void pausedStreamGoesOn();
+    void growingFileGoesOn();
+    void networkReachesNoFiles();
+    void coloursAreThoseOfTheSource_data();
+    void coloursAreThoseOfTheSource();
+    void followsAChangeOfSize();
+    void picturesAreNeverTorn();
+    void slowReceiverHoldsFewPictures();
+    void roundsLeaveNothingBehind();
+    void pacing();
+
+private:
+    Clips m_clips;
+};
+
+void tst_FFmpegThread::playsToTheEndAndStaysThere()
+{
+    // B frames, which a decoder holds back until it knows that nothing follows.
+    const QString file = m_clips.make("two.mp4", QString(Small) + " -t 2 -c:v libx264 -bf 3");
+    Player player(file);
+    QTRY_COMPARE_WITH_TIMEOUT(player.pictures, 50, 8000);
+    QVERIFY2(player.clock.elapsed() > 1900, qPrintable(QString::number(player.clock.elapsed())));
+    QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+    QTRY_VERIFY(player.thread.isAtEnd());
+    QCOMPARE(player.thread.droppedPictures(), 0);
+    const QByteArray theirs =
+        m_clips.output("-i " + file + " -vf select=eq(n\\,49) -f rawvideo -pix_fmt bgra");
+    QCOMPARE(player.last.size(), QSize(320, 180));
+    QCOMPARE(player.last.format(), QImage::Format_RGB32);
+    QVERIFY(difference(player.last, theirs, 8).far < 50);
+
+    // It waits there without burning the processor.
+    const double before = processorSeconds();
+    QTest::qWait(1500);
+    const double used = (processorSeconds() - before) / 1.5;
+    QVERIFY2(used < 0.02, qPrintable(QString::number(used)));
+    QVERIFY(player.thread.isRunning());
+    QElapsedTimer clock;
+    clock.start();
+    player.thread.stop();
+    QCOMPARE(player.statuses.last(), int(FFmpegThread::Stopped));
+    QVERIFY(player.thread.wait(500));
+    QVERIFY(clock.elapsed() < 200);
+}
+
+void tst_FFmpegThread::cannotBePlayed_data()
+{
+    QTest::addColumn<QString>("url");
+    QTest::newRow("no file") << m_clips.path("nowhere.mp4");
+    QTest::newRow("no film") << m_clips.write("text.mp4", "no film at all\n");
+    QTest::newRow("nothing") << m_clips.write("empty.mp4", {});
+    QTest::newRow("only sound") << m_clips.make("sound.m4a", "-f lavfi -i sine -t 1 -c:a aac");
+    QTest::newRow("refusing server") << "http://127.77.30.1:9/x";
+    QTest::newRow("no such protocol") << "nosuch://127.77.30.1/x";
+    QTest::newRow("no address") << "rtsp://";
+    QTest::newRow("empty") << "";
+    // A film whose sound nobody can decode: the name of the codec overwritten in the file.
+    QByteArray film = m_clips.content(
+        m_clips.make("sound.mkv", QString(Small) + " -f lavfi -i sine -t 1 -c:v libx264 -c:a aac"));
+    film.replace("A_AAC", "A_XYZ");
+    QTest::newRow("unknown sound") << m_clips.write("unknown.mkv", film);
+}
+
+void tst_FFmpegThread::cannotBePlayed()
+{
+    QFETCH(QString, url);
+    Player player(url);
+    QTRY_COMPARE_WITH_TIMEOUT(player.statuses, QList<int>{FFmpegThread::OpenFailed}, 5000);
+    QTRY_VERIFY(player.thread.isFinished());
+    QCOMPARE(player.pictures, 0);
+}
+
+void tst_FFmpegThread::unusualSources_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("pictures"); // within three seconds, at least
+    const QString small(Small);
+    QTest::newRow("no time stamps") << m_clips.make("raw.h264", small + " -t 1 -c:v libx264") << 20;
+    QTest::newRow("late time stamps")
+        << m_clips.make("late.ts", small + " -t 1 -c:v libx264 -output_ts_offset 5000") << 20;
+    QTest::newRow("negative time stamps")
+        << m_clips.make("negative.mp4",
+                        "-ss 0.7 -i " +
+                            m_clips.make("two.mp4", small + " -t 2 -c:v libx264 -bf 3") +
+                            " -c copy")
+        << 20;
+    const QByteArray film = m_clips.content(m_clips.make("one.ts", small + " -t 1 -c:v libx264"));
+    QTest::newRow("stamps begin again") << m_clips.write("twice.ts", film + film) << 40;
+    QTest::newRow("cover and sound")
+        << m_clips.make("cover.m4a", "-f lavfi -i sine -f lavfi -i testsrc2=size=64x64 -t 1 "
+                                     "-frames:v 1 -c:a aac -c:v mjpeg -disposition:v attached_pic")
+        << 1;
+    QTest::newRow("one picture") << m_clips.make("one.png", small + " -frames:v 1") << 1;
+    QTest::newRow("odd size")
+        << m_clips.make("odd.mkv", "-f lavfi -i testsrc2=size=67x35:rate=25 -t 1 -c:v ffv1") << 20;
+    QByteArray damaged = film;
+    for (int n = 3000; n < damaged.size(); n += 997)
+        damaged[n] = char(n);
+    QTest::newRow("damaged") << m_clips.write("damaged.ts", damaged) << 1;
+    QTest::newRow("cut off") << m_clips.write("cut.ts", film.left(film.size() / 2)) << 5;
+}
+
+void tst_FFmpegThread::unusualSources()
+{
+    QFETCH(QString, file);
+    QFETCH(int, pictures);
+    Player player(file);
+    QTRY_VERIFY2_WITH_TIMEOUT(player.pictures >= pictures,
+                              qPrintable(QString::number(player.pictures)), 3000);
+    QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+    QVERIFY(!player.last.isNull());
+}
+
+void tst_FFmpegThread::silentServerIsGivenUp_data()
+{
+    QTest::addColumn<QString>("scheme");
+    QTest::newRow("rtsp") << "rtsp";
+    QTest::newRow("http") << "http";
+    QTest::newRow("rtmp") << "rtmp";
+}
+
+void tst_FFmpegThread::silentServerIsGivenUp()
+{
+    QFETCH(QString, scheme);
+    const ScriptedServer server("127.77.30.2");
+    Player player(server.url(scheme));
+    QTRY_COMPARE_WITH_TIMEOUT(player.statuses, QList<int>{FFmpegThread::OpenFailed}, 6000);
+    QVERIFY2(qAbs(player.clock.elapsed() - 3000) < 700,
+             qPrintable(QString::number(player.clock.elapsed())));
+    QTRY_VERIFY(player.thread.isFinished());
+    QTRY_COMPARE(server.connections(), 0);
+}
+
+void tst_FFmpegThread::stopEndsEveryWait_data()
+{
+    QTest::addColumn<QString>("scheme");
+    QTest::addColumn<bool>("afterPictures");
+    QTest::newRow("opening rtsp") << "rtsp" << false;
+    QTest::newRow("opening http") << "http" << false;
+    QTest::newRow("reading http") << "http" << true;
+    QTest::newRow("waiting for a datagram") << "udp" << false;
+}
+
+void tst_FFmpegThread::stopEndsEveryWait()
+{
+    QFETCH(QString, scheme);
+    QFETCH(bool, afterPictures);
+    const QByteArray film = m_clips.content(
+        m_clips.make("live.ts", QString(Small) + " -t 4 -c:v libx264 -tune zerolatency"));
+    const ScriptedServer server("127.77.30.3",
+                                afterPictures ? httpReply("video/mp2t", film) : QByteArray());
+    Player player(server.url(scheme, ""));
+    if (afterPictures)
+        QTRY_VERIFY_WITH_TIMEOUT(player.thread.silentMs() > 300 && player.pictures > 10, 9000);
+    else
+        QTest::qWait(400);
+    QElapsedTimer clock;
+    clock.start();
+    player.thread.stop();
+    QCOMPARE(player.statuses.last(), int(FFmpegThread::Stopped));
+    QVERIFY(player.thread.wait(2000));
+    QVERIFY2(clock.elapsed() < 300, qPrintable(QString::number(clock.elapsed())));
+    QTest::qWait(20);
+    // What was stopped has not failed.
+    QVERIFY(!player.statuses.contains(FFmpegThread::OpenFailed));
+}
+
+void tst_FFmpegThread::pausedStreamGoesOn()
+{
+    const QByteArray film = m_clips.content(
+        m_clips.make("live.ts", QString(Small) + " -t 4 -c:v libx264 -tune zerolatency"));
+    ScriptedServer server("127.77.30.4", httpReply("video/mp2t", film));
+    Player player(server.url("http"));
+    // Longer than a read waits: reads fail meanwhile.
+    QTRY_VERIFY_WITH_TIMEOUT(player.thread.silentMs() > 3300, 15000);
+    const int before = player.pictures;
+    QVERIFY(before > 10);
+    QVERIFY(!player.thread.isAtEnd());
+    server.send(film);
+    // All at once: the newest matter.
+    QTRY_VERIFY_WITH_TIMEOUT(player.pictures > before + 2, 2000);
+    QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+}
+
+void tst_FFmpegThread::growingFileGoesOn()
+{
+    const QByteArray film = m_clips.content(
+        m_clips.make("live.ts", QString(Small) + " -t 4 -c:v libx264 -tune zerolatency"));
+    const QString path = m_clips.write("growing.ts", film);
+    Player player(path);
+    QTRY_VERIFY_WITH_TIMEOUT(player.thread.isAtEnd(), 9000);
+    const int before = player.pictures;
+    QCOMPARE(before, 100);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::Append));
+    file.write(film);
+    file.close();
+    QElapsedTimer clock;
+    clock.start();
+    QTRY_VERIFY_WITH_TIMEOUT(player.pictures > before, 2000);
+    QVERIFY2(clock.elapsed() < 200, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY(!player.thread.isAtEnd());
+    QTRY_COMPARE_WITH_TIMEOUT(player.pictures, 200, 6000);
+}
+
+void tst_FFmpegThread::networkReachesNoFiles()
+{
+    const QString film =
+        m_clips.make("secret.ts", QString(Small) + " -t 1 -c:v libx264 -tune zerolatency");
+    const QByteArray list = "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\nfile://" +
+                            film.toUtf8() + "\n#EXT-X-ENDLIST\n";
+    // The list as such is fine: from this computer it may name the file.
+    Player local(m_clips.write("list.m3u8", list));
+    QTRY_COMPARE_WITH_TIMEOUT(local.statuses, QList<int>{FFmpegThread::Playing}, 5000);
+
+    const ScriptedServer server("127.77.30.5", httpReply("application/vnd.apple.mpegurl", list));
+    const QStringList urls = {
+        server.url("http", "list.m3u8"),    server.url("tcp", "list.m3u8"), "concat:" + film,
+        "subfile,,start,0,end,0,,:" + film, "async:file:" + film,           "crypto:file:" + film};
+    for (const QString& url : urls) {
+        Player player(url);
+        QTRY_VERIFY2_WITH_TIMEOUT(!player.statuses.isEmpty(), qPrintable(url), 12000);
+        QVERIFY2(player.statuses == QList<int>{FFmpegThread::OpenFailed}, qPrintable(url));
+    }
+}
+
+void tst_FFmpegThread::coloursAreThoseOfTheSource_data()
+{
+    QTest::addColumn<QString>("encoding");
+    const QString h264 = "-c:v libx264 -qp 4 -pix_fmt ";
+    const auto tagged = [&](const QString& format, const QString& space, const QString& range) {
+        return QStringLiteral("-vf scale=out_color_matrix=%2:out_range=%3,format=%1 -colorspace %4 "
+                              "-color_range %3 -c:v libx264 -qp 4")
+            .arg(format, space, range, space == "bt601" ? "smpte170m" : space);
+    };
+    QTest::newRow("BT.601 limited") << tagged("yuv420p", "bt601", "tv");
+    QTest::newRow("BT.601 full") << tagged("yuv420p", "bt601", "pc");
+    QTest::newRow("BT.709 limited") << tagged("yuv420p", "bt709", "tv");
+    QTest::newRow("BT.709 full") << tagged("yuv420p", "bt709", "pc");
+    QTest::newRow("4:2:2, ten bits") << tagged("yuv422p10le", "bt709", "tv");
+    QTest::newRow("4:4:4 full") << tagged("yuv444p", "bt709", "pc");
+    QTest::newRow("says nothing") << h264 + "yuv420p";
+    QTest::newRow("RGB") << "-c:v ffv1 -pix_fmt bgr0";
+}
+
+void tst_FFmpegThread::coloursAreThoseOfTheSource()
+{
+    QFETCH(QString, encoding);
+    const QString file = m_clips.make(
+        QString("colour-%1.mkv").arg(encoding.size()) + QTest::currentDataTag() + ".mkv",
+        "-f lavfi -i smptehdbars=size=320x180:rate=25 -frames:v 3 " + encoding);
+    QProcess ffmpeg;
+    ffmpeg.start("ffmpeg", {"-v", "error", "-i", file, "-frames:v", "1", "-f", "rawvideo",
+                            "-pix_fmt", "bgra", "pipe:1"});
+    QVERIFY(ffmpeg.waitForFinished());
+    const QByteArray theirs = ffmpeg.readAllStandardOutput();
+    QCOMPARE(theirs.size(), 320 * 180 * 4);
+    Player player(file);
+    QTRY_VERIFY(player.pictures > 0);
+    const Difference found = difference(player.last, theirs, 4);
+    // Edges may differ a little more: the reference blends colours between pixels.
+    QVERIFY2(found.far < 320 * 180 * 4 / 40,
+             qPrintable(
+                 QString("%1 of %2 far, %3").arg(found.far).arg(theirs.size()).arg(found.largest)));
+}
+
+void tst_FFmpegThread::followsAChangeOfSize()
+{
+    const QString two = m_clips.make("wide.ts", "-f lavfi -i testsrc2=size=480x200:rate=25 -t 1 "
+                                                "-pix_fmt yuv422p -c:v libx264");
+    const QString one = m_clips.make("first.ts", QString(Small) + " -t 1 -c:v libx264");
+    Player player(m_clips.write("both.ts", m_clips.content(one) + m_clips.content(two)));
+    QTRY_COMPARE(player.last.size(), QSize(320, 180));
+    QTRY_COMPARE(player.last.size(), QSize(480, 200));
+    QTRY_VERIFY(player.thread.isAtEnd());
+    const QByteArray theirs =
+        m_clips.output("-i " + two + " -f rawvideo -pix_fmt bgra").right(480 * 200 * 4);
+    QCOMPARE(theirs.size(), 480 * 200 * 4);
+    const Difference found = difference(player.last, theirs, 8);
+    QVERIFY2(found.far < 480 * 200 * 4 / 40, qPrintable(QString::number(found.far)));
+}
+
+/// Each picture has one grey all over, and another one than its neighbours.
+void tst_FFmpegThread::picturesAreNeverTorn()
+{
+    const QString file =
+        m_clips.make("greys.mkv", "-f lavfi -i color=size=640x360:rate=200,format=gray,"
+                                  "geq=lum=mod(N*37\\,200)+20 -t 2 -c:v ffv1");
+    QObject context;
+    FFmpegThread thread;
+    int checked = 0;
+    bool torn = false;
+    QVector<QImage> held;
+    const auto isOneGrey = [](const QImage& image) {
+        const QRgb first = image.pixel(0, 0);
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); x += 7)
+                if (image.pixel(x, y) != first)
+                    return false;
+        return true;
+    };
+    connect(&thread, &FFmpegThread::receiveImage, &context, [&](const QImage& image) {
+        held << image;
+        if (held.size() < 3)
+            return;
+        // While the thread goes on; the oldest is about to be used again.
+        for (const QImage& each : qAsConst(held))
+            torn = torn || !isOneGrey(each);
+        held.removeFirst();
+        ++checked;
+    });
+    thread.setUrl(file);
+    thread.play();
+    QTRY_VERIFY_WITH_TIMEOUT(thread.isAtEnd(), 20000);
+    QVERIFY(!torn);
+    QVERIFY2(checked > 20, qPrintable(QString::number(checked)));
+    // Images outlive the thread that made them.
+    thread.stop();
+    QVERIFY(thread.wait(500));
+    QVERIFY(isOneGrey(held.last()));
+}
+
+void tst_FFmpegThread::slowReceiverHoldsFewPictures()
+{
+    const QString file = m_clips.make("two.mp4", QString(Small) + " -t 2 -c:v libx264 -bf 3");
+    QImage last;
+    int atOnce = 0;
+    QObject context;
+    FFmpegThread thread;
+    connect(&thread, &FFmpegThread::receiveImage, &context, [&](const QImage& image) {
+        ++atOnce;
+        last = image;
+    });
+    thread.setUrl(file);
+    thread.play();
+    // Nobody serves events until the film is over.
+    QThread::msleep(2600);
+    QCoreApplication::sendPostedEvents();
+    QVERIFY2(atOnce > 0 && atOnce <= FramePool::Limit, qPrintable(QString::number(atOnce)));
+    QVERIFY(thread.droppedPictures() > 30);
+    // The newest one wins in the end.
+    QTRY_VERIFY(thread.isAtEnd());
+    const QByteArray theirs =
+        m_clips.output("-i " + file + " -vf select=eq(n\\,49) -f rawvideo -pix_fmt bgra");
+    QTRY_VERIFY(difference(last, theirs, 8).far < 50);
+}
+
+void tst_FFmpegThread::roundsLeaveNothingBehind()
+{
+    const QString file = m_clips.make("two.mp4", QString(Small) + " -t 2 -c:v libx264 -bf 3");
+    const ScriptedServer silent("127.77.30.6");
+    const auto rounds = [&](int count) {
+        for (int n = 0; n < count; ++n) {
+            auto player = std::make_unique<Player>(n % 4 == 3 ? silent.url("http") : file);
+            // In all states: barely started, opening, playing.
+            if (n % 4 == 0)
+                QTRY_VERIFY(player->pictures > 0);
+            else
+                QTest::qWait(n % 4 * 3);
+            player->thread.stop();
+        }
+    };
+    rounds(40);
+    QTRY_COMPARE(silent.connections(), 0);
+    const int threads = threadsRunning();
+    const int files = filesOpen();
+    const qint64 memory = residentKb();
+    rounds(200);
+    QTRY_COMPARE(silent.connections(), 0);
+    QCOMPARE(threadsRunning(), threads);
+    QCOMPARE(filesOpen(), files);
+    const qint64 grown = residentKb() - memory;
+    qInfo("200 rounds: %lld kB more", static_cast<long long>(grown));
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    QVERIFY2(grown < 3000, qPrintable(QString::number(grown)));
+#endif
+}
+
+void tst_FFmpegThread::pacing()
+{
+    constexpr qint64 second = 1000000;
+    Pacing file;
+    file.start(10 * second);
+    QCOMPARE(file.waitAfter(-second, 10 * second), 0);               // its first stamp is the start
+    QCOMPARE(file.waitAfter(0, 10 * second), second);                // early
+    QCOMPARE(file.waitAfter(second, 13 * second), 0);                // late
+    QCOMPARE(file.waitAfter(31 * second, 13 * second), 29 * second); // a slide show
+    QCOMPARE(file.waitAfter(0, 42 * second), 0);                     // it begins again where it was
+    QCOMPARE(file.waitAfter(second, 42 * second), second);
+    for (const qint64 stamp :
+         {std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max()})
+        QCOMPARE(file.waitAfter(stamp, 42 * second), 0);
+    Pacing live;
+    live.setLive(true);
+    live.start(0);
+    QCOMPARE(live.waitAfter(0, 0), 0);
+    QCOMPARE(live.waitAfter(second, 0), second);
+    QCOMPARE(live.waitAfter(90000 * second, second), 0); // hours later within a moment
+}
+
+QTEST_GUILESS_MAIN(tst_FFmpegThread)
+#include "tst_ffmpeg_thread.moc"
