@@ -15,6 +15,7 @@ packages_for() {
     display) echo xauth xvfb ;;
     wayland) echo qtwayland5 ;;
     checking) echo clang-format g++-mingw-w64-x86-64-posix shellcheck ;;
+    testing) echo lldb ;;
     *) die "no packages are listed for $1" ;;
     esac
 }

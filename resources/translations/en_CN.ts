@@ -146,6 +146,21 @@
     </message>
   </context>
   <context>
+    <name>CrashNotice</name>
+    <message>
+      <source>软件上次异常退出.</source>
+      <translation>The program crashed last time.</translation>
+    </message>
+    <message>
+      <source>查看崩溃记录</source>
+      <translation>Show crash dump</translation>
+    </message>
+    <message>
+      <source>关闭</source>
+      <translation>Stop: </translation>
+    </message>
+  </context>
+  <context>
     <name>DecodeControl</name>
     <message>
       <source>开启解码成功</source>

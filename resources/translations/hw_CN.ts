@@ -146,6 +146,21 @@
     </message>
   </context>
   <context>
+    <name>CrashNotice</name>
+    <message>
+      <source>软件上次异常退出.</source>
+      <translation>프로그램이 지난번에 비정상 종료되었습니다.</translation>
+    </message>
+    <message>
+      <source>查看崩溃记录</source>
+      <translation>크래시 덤프 보기</translation>
+    </message>
+    <message>
+      <source>关闭</source>
+      <translation>중지: </translation>
+    </message>
+  </context>
+  <context>
     <name>DecodeControl</name>
     <message>
       <source>开启解码成功</source>

@@ -9,6 +9,7 @@
 #include "ui/busy.h"
 #include "ui/command_replies.h"
 #include "ui/configuration_save.h"
+#include "ui/crash_notice.h"
 #include "ui/decode_control.h"
 #include "ui/device_info.h"
 #include "ui/device_list.h"
@@ -51,6 +52,7 @@ struct Tarn_Hub::Features {
     Language language;
     WindowFrame frame;
     LocalAddresses localAddresses;
+    CrashNotice crashNotice;
     DropAreas dropAreas;
     ValueControls valueControls;
     DeviceList deviceList;

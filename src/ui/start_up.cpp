@@ -4,6 +4,7 @@
 #include "common/crash_handler.h"
 #include "common/data_path.h"
 #include "common/platform.h"
+#include "ui/options.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -39,6 +40,7 @@ void dress(QApplication& application)
 void installCrashHandler()
 {
     CrashHandler::instance().setDumpFolder(dataPath(QStringLiteral("Dump")));
+    CrashHandler::instance().install(applicationVersion());
 }
 
 } // namespace StartUp

@@ -11,7 +11,7 @@ namespace StartUp
 void setAttributes();
 /// Font, style sheet, icon and name. What is missing is left out without a word.
 void dress(QApplication& application);
-/// Makes the crash handler and gives it its folder.
+/// Makes the crash handler, gives it its folder and lets it watch the process.
 void installCrashHandler();
 
 } // namespace StartUp

@@ -2,6 +2,7 @@
 #include "ui/tarn_hub.h"
 
 #include "common/box_protocol.h"
+#include "common/crash_handler.h"
 #include "common/spark_http.h"
 #include "device/item.h"
 #include "device/tree_view.h"
@@ -97,6 +98,7 @@ void Tarn_Hub::R_delayAction()
     m->frame.showStart();
     m->language.chooseSystemLanguage();
     m->updateCheck.start();
+    m->crashNotice.start(CrashHandler::instance().dumpFolder());
     m->form.device_list->ui.md5->hide();
     m->form.monitor_top->ui.widget_play_progress->hide();
     refreshLocalIP();
