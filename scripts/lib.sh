@@ -8,7 +8,7 @@ packages_for() {
     case $1 in
     building)
         echo cmake g++ git ninja-build pkg-config \
-            qtbase5-dev qttools5-dev qttools5-dev-tools libqt5websockets5-dev libqt5svg5-dev \
+            qtbase5-dev qttools5-dev qttools5-dev-tools libqt5websockets5-dev libqt5svg5-dev qtwebengine5-dev \
             libavcodec-dev libavformat-dev libavutil-dev libswscale-dev libcpp-httplib-dev
         ;;
     running) echo curl ffmpeg fonts-noto-cjk fping ;;

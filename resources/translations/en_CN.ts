@@ -265,6 +265,29 @@
     </message>
   </context>
   <context>
+    <name>DownloadLine</name>
+    <message>
+      <source>关闭</source>
+      <translation>Stop: </translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>Cancel</translation>
+    </message>
+    <message>
+      <source>已保存</source>
+      <translation>Saved</translation>
+    </message>
+    <message>
+      <source>已取消</source>
+      <translation>Cancelled</translation>
+    </message>
+    <message>
+      <source>下载失败：%1</source>
+      <translation>Download failed: %1</translation>
+    </message>
+  </context>
+  <context>
     <name>DownloadRow</name>
     <message>
       <source>取消下载</source>
@@ -451,6 +474,92 @@
     </message>
   </context>
   <context>
+    <name>PageDialog</name>
+    <message>
+      <source>未知来源</source>
+      <translation>Unknown source</translation>
+    </message>
+    <message>
+      <source>选择发送给 %1 的文件</source>
+      <translation>Choose the file to send to %1</translation>
+    </message>
+    <message>
+      <source>%1 要求登录</source>
+      <translation>%1 asks for a login</translation>
+    </message>
+    <message>
+      <source>%1 的网页显示</source>
+      <translation>The page of %1 says</translation>
+    </message>
+    <message>
+      <source>不再显示此网页的对话框</source>
+      <translation>Show no more dialogs of this page</translation>
+    </message>
+    <message>
+      <source>用户名</source>
+      <translation>User name</translation>
+    </message>
+    <message>
+      <source>密码</source>
+      <translation>Password</translation>
+    </message>
+    <message>
+      <source>确定</source>
+      <translation>OK</translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>Cancel</translation>
+    </message>
+  </context>
+  <context>
+    <name>PageNotice</name>
+    <message>
+      <source>重试</source>
+      <translation>Try again</translation>
+    </message>
+    <message>
+      <source>在浏览器中打开</source>
+      <translation>Open in browser</translation>
+    </message>
+    <message>
+      <source>正在打开设备的网页…</source>
+      <translation>Opening the box’s web page…</translation>
+    </message>
+    <message>
+      <source>无法打开设备的网页。</source>
+      <translation>The box’s web page cannot be opened.</translation>
+    </message>
+    <message>
+      <source>设备没有返回可显示的网页。</source>
+      <translation>The box returned no page that can be shown.</translation>
+    </message>
+    <message>
+      <source>网页意外终止，正在重新加载…</source>
+      <translation>The page ended unexpectedly and is being loaded again…</translation>
+    </message>
+    <message>
+      <source>此设备通过自己的网页管理。</source>
+      <translation>This box is managed through its own web page.</translation>
+    </message>
+    <message>
+      <source>请检查设备的电源和网络连接。</source>
+      <translation>Check the box’s power and network connection.</translation>
+    </message>
+    <message>
+      <source>内置浏览器不可用：它的安全沙箱不允许以 root 身份运行。</source>
+      <translation>The built-in browser is not available: its sandbox does not run as root.</translation>
+    </message>
+    <message>
+      <source>内置浏览器不可用：系统没有为它提供安全沙箱。</source>
+      <translation>The built-in browser is not available: the system offers it no sandbox.</translation>
+    </message>
+    <message>
+      <source>内置浏览器不可用：它的程序文件不完整。</source>
+      <translation>The built-in browser is not available: its program files are incomplete.</translation>
+    </message>
+  </context>
+  <context>
     <name>PictureState</name>
     <message>
       <source>没有播放内容</source>
@@ -479,6 +588,13 @@
     <message>
       <source>右键单击可播放本地文件或网络地址</source>
       <translation>Right-click to play a local file or a network address</translation>
+    </message>
+  </context>
+  <context>
+    <name>QWebEnginePage</name>
+    <message>
+      <source>Are you sure you want to leave this page? Changes that you made may not be saved.</source>
+      <translation type="unfinished"></translation>
     </message>
   </context>
   <context>
@@ -638,14 +754,34 @@
     </message>
   </context>
   <context>
-    <name>WebPane</name>
+    <name>WebView</name>
     <message>
-      <source>此设备通过自己的网页管理。</source>
-      <translation>This box is managed through its own web page.</translation>
+      <source>另存为</source>
+      <translation>Save as</translation>
     </message>
     <message>
-      <source>在浏览器中打开</source>
-      <translation>Open in browser</translation>
+      <source>后退</source>
+      <translation>Back</translation>
+    </message>
+    <message>
+      <source>前进</source>
+      <translation>Forward</translation>
+    </message>
+    <message>
+      <source>重新加载</source>
+      <translation>Reload</translation>
+    </message>
+    <message>
+      <source>剪切</source>
+      <translation>Cut</translation>
+    </message>
+    <message>
+      <source>复制</source>
+      <translation>Copy</translation>
+    </message>
+    <message>
+      <source>粘贴</source>
+      <translation>Paste</translation>
     </message>
   </context>
   <context>

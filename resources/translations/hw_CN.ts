@@ -265,6 +265,29 @@
     </message>
   </context>
   <context>
+    <name>DownloadLine</name>
+    <message>
+      <source>关闭</source>
+      <translation>중지: </translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>취소</translation>
+    </message>
+    <message>
+      <source>已保存</source>
+      <translation>저장됨</translation>
+    </message>
+    <message>
+      <source>已取消</source>
+      <translation>취소됨</translation>
+    </message>
+    <message>
+      <source>下载失败：%1</source>
+      <translation>다운로드 실패: %1</translation>
+    </message>
+  </context>
+  <context>
     <name>DownloadRow</name>
     <message>
       <source>取消下载</source>
@@ -451,6 +474,92 @@
     </message>
   </context>
   <context>
+    <name>PageDialog</name>
+    <message>
+      <source>未知来源</source>
+      <translation>알 수 없는 출처</translation>
+    </message>
+    <message>
+      <source>选择发送给 %1 的文件</source>
+      <translation>%1(으)로 보낼 파일 선택</translation>
+    </message>
+    <message>
+      <source>%1 要求登录</source>
+      <translation>%1에서 로그인을 요청합니다</translation>
+    </message>
+    <message>
+      <source>%1 的网页显示</source>
+      <translation>%1의 페이지 메시지</translation>
+    </message>
+    <message>
+      <source>不再显示此网页的对话框</source>
+      <translation>이 페이지의 대화 상자를 더 이상 표시하지 않음</translation>
+    </message>
+    <message>
+      <source>用户名</source>
+      <translation>사용자 이름</translation>
+    </message>
+    <message>
+      <source>密码</source>
+      <translation>암호</translation>
+    </message>
+    <message>
+      <source>确定</source>
+      <translation>확인</translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>취소</translation>
+    </message>
+  </context>
+  <context>
+    <name>PageNotice</name>
+    <message>
+      <source>重试</source>
+      <translation>다시 시도</translation>
+    </message>
+    <message>
+      <source>在浏览器中打开</source>
+      <translation>브라우저에서 열기</translation>
+    </message>
+    <message>
+      <source>正在打开设备的网页…</source>
+      <translation>장치의 웹 페이지를 여는 중…</translation>
+    </message>
+    <message>
+      <source>无法打开设备的网页。</source>
+      <translation>장치의 웹 페이지를 열 수 없습니다.</translation>
+    </message>
+    <message>
+      <source>设备没有返回可显示的网页。</source>
+      <translation>장치가 표시할 수 있는 페이지를 보내지 않았습니다.</translation>
+    </message>
+    <message>
+      <source>网页意外终止，正在重新加载…</source>
+      <translation>페이지가 예기치 않게 종료되어 다시 불러오는 중…</translation>
+    </message>
+    <message>
+      <source>此设备通过自己的网页管理。</source>
+      <translation>이 장치는 자체 웹 페이지로 관리합니다.</translation>
+    </message>
+    <message>
+      <source>请检查设备的电源和网络连接。</source>
+      <translation>장치의 전원과 네트워크 연결을 확인하세요.</translation>
+    </message>
+    <message>
+      <source>内置浏览器不可用：它的安全沙箱不允许以 root 身份运行。</source>
+      <translation>내장 브라우저를 사용할 수 없습니다. 보안 샌드박스는 root로 실행되지 않습니다.</translation>
+    </message>
+    <message>
+      <source>内置浏览器不可用：系统没有为它提供安全沙箱。</source>
+      <translation>내장 브라우저를 사용할 수 없습니다. 시스템이 보안 샌드박스를 제공하지 않습니다.</translation>
+    </message>
+    <message>
+      <source>内置浏览器不可用：它的程序文件不完整。</source>
+      <translation>내장 브라우저를 사용할 수 없습니다. 프로그램 파일이 완전하지 않습니다.</translation>
+    </message>
+  </context>
+  <context>
     <name>PictureState</name>
     <message>
       <source>没有播放内容</source>
@@ -479,6 +588,13 @@
     <message>
       <source>右键单击可播放本地文件或网络地址</source>
       <translation>마우스 오른쪽 버튼으로 로컬 파일이나 네트워크 주소를 재생할 수 있습니다</translation>
+    </message>
+  </context>
+  <context>
+    <name>QWebEnginePage</name>
+    <message>
+      <source>Are you sure you want to leave this page? Changes that you made may not be saved.</source>
+      <translation type="unfinished"></translation>
     </message>
   </context>
   <context>
@@ -638,14 +754,34 @@
     </message>
   </context>
   <context>
-    <name>WebPane</name>
+    <name>WebView</name>
     <message>
-      <source>此设备通过自己的网页管理。</source>
-      <translation>이 장치는 자체 웹 페이지로 관리합니다.</translation>
+      <source>另存为</source>
+      <translation>다른 이름으로 저장</translation>
     </message>
     <message>
-      <source>在浏览器中打开</source>
-      <translation>브라우저에서 열기</translation>
+      <source>后退</source>
+      <translation>뒤로</translation>
+    </message>
+    <message>
+      <source>前进</source>
+      <translation>앞으로</translation>
+    </message>
+    <message>
+      <source>重新加载</source>
+      <translation>새로 고침</translation>
+    </message>
+    <message>
+      <source>剪切</source>
+      <translation>잘라내기</translation>
+    </message>
+    <message>
+      <source>复制</source>
+      <translation>복사</translation>
+    </message>
+    <message>
+      <source>粘贴</source>
+      <translation>붙여넣기</translation>
     </message>
   </context>
   <context>

@@ -34,4 +34,13 @@ void useUtf8ForChildProcesses();
 /// possible. Returns at once; false when there is no file manager to start.
 bool revealFile(const QString& path);
 
+/// What the sandbox of an embedded browser would find here. A browser that needs it and does not
+/// get it ends the whole process.
+enum class Sandbox {
+    Ready,       ///< usable, or switched off on purpose (QTWEBENGINE_DISABLE_SANDBOX)
+    RefusesRoot, ///< the process runs as root
+    Unavailable, ///< the system gives this process no namespaces of its own
+};
+Sandbox browserSandbox();
+
 } // namespace Platform

@@ -5,9 +5,48 @@
 
 #ifndef Q_OS_WIN
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QProcess>
 #include <QTextCodec>
+
+#include <cerrno>
+#include <sys/wait.h>
+#include <unistd.h>
+#ifdef Q_OS_LINUX
+#include <sched.h>
+#endif
+
+namespace
+{
+
+bool sandboxIsOff()
+{
+    const QString off = QStringLiteral("--no-sandbox");
+    return qEnvironmentVariableIsSet("QTWEBENGINE_DISABLE_SANDBOX") ||
+           qEnvironmentVariable("QTWEBENGINE_CHROMIUM_FLAGS").contains(off) ||
+           QCoreApplication::arguments().contains(off);
+}
+
+/// Tries in a child, which is gone at once, what the sandbox will do.
+bool mayHaveNamespaces()
+{
+#ifdef Q_OS_LINUX
+    const pid_t child = fork();
+    if (child < 0)
+        return false;
+    if (child == 0)
+        _exit(unshare(CLONE_NEWUSER | CLONE_NEWPID | CLONE_NEWNET) == 0 ? 0 : 1);
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+#else
+    return true;
+#endif
+}
+
+} // namespace
 
 namespace Platform
 {
@@ -26,6 +65,15 @@ void useUtf8ForChildProcesses()
 bool revealFile(const QString& path)
 {
     return QProcess::startDetached(QStringLiteral("xdg-open"), {QFileInfo(path).absolutePath()});
+}
+
+Sandbox browserSandbox()
+{
+    if (sandboxIsOff())
+        return Sandbox::Ready;
+    if (geteuid() == 0)
+        return Sandbox::RefusesRoot;
+    return mayHaveNamespaces() ? Sandbox::Ready : Sandbox::Unavailable;
 }
 
 } // namespace Platform

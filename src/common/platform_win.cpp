@@ -43,6 +43,11 @@ bool revealFile(const QString& path)
     return explorer.startDetached();
 }
 
+Sandbox browserSandbox()
+{
+    return Sandbox::Ready;
+}
+
 } // namespace Platform
 
 #endif

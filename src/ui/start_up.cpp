@@ -5,10 +5,12 @@
 #include "common/data_path.h"
 #include "common/platform.h"
 #include "ui/options.h"
+#include "web/browser.h"
 
 #include <QApplication>
 #include <QFontDatabase>
 #include <QIcon>
+#include <QNetworkProxyFactory>
 
 namespace StartUp
 {
@@ -19,11 +21,14 @@ void setAttributes()
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    prepareBrowserEngine();
 }
 
 void dress(QApplication& application)
 {
     Platform::useUtf8ForChildProcesses();
+    // The boxes are on this network: a proxy would only be in the way.
+    QNetworkProxyFactory::setUseSystemConfiguration(false);
     const int fontId =
         QFontDatabase::addApplicationFont(QStringLiteral(":/font/font/Cantarell-Regular-5.ttf"));
     QFont font = QApplication::font();

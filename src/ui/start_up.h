@@ -7,7 +7,7 @@ class QApplication;
 namespace StartUp
 {
 
-/// High-DPI attributes; before the application object is made.
+/// High-DPI attributes and what the web view needs; before the application object is made.
 void setAttributes();
 /// Font, style sheet, icon and name. What is missing is left out without a word.
 void dress(QApplication& application);

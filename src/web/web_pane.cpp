@@ -1,51 +1,70 @@
 // SPDX-License-Identifier: MIT
 #include "web/web_pane.h"
 
-#include <QDesktopServices>
-#include <QEvent>
-#include <QLabel>
-#include <QPushButton>
-#include <QUrl>
-#include <QVBoxLayout>
-#include <QVariant>
+#include "web/browser.h"
+#include "web/page_notice.h"
+
+#include <QStackedLayout>
+#include <QTimer>
+
+namespace
+{
+
+PageNotice::Kind noticeOf(BrowserObstacle obstacle)
+{
+    switch (obstacle) {
+    case BrowserObstacle::None:
+        return PageNotice::Loading;
+    case BrowserObstacle::RunsAsRoot:
+        return PageNotice::RunsAsRoot;
+    case BrowserObstacle::NoIsolation:
+        return PageNotice::NoIsolation;
+    case BrowserObstacle::EngineMissing:
+        return PageNotice::EngineMissing;
+    case BrowserObstacle::NotBuilt:
+        break;
+    }
+    return PageNotice::External;
+}
+
+/// Enough for the notice to be painted before the engine takes the thread for a moment.
+constexpr int paintMs = 30;
+
+} // namespace
 
 WebPane::WebPane(QWidget* parent)
-    : QWidget(parent)
-    , m_notice(new QLabel(this))
-    , m_address(new QLabel(this))
-    , m_open(new QPushButton(this))
+    : QWidget(parent), m_pages(new QStackedLayout(this)), m_notice(new PageNotice(this))
 {
-    auto* layout = new QVBoxLayout(this);
-    layout->setSpacing(16);
-    layout->addStretch();
-    m_notice->setProperty("dim", true);
-    m_address->setTextFormat(Qt::PlainText);
-    m_address->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    m_open->setProperty("primary", true);
-    for (QWidget* widget : std::initializer_list<QWidget*>{m_notice, m_address, m_open})
-        layout->addWidget(widget, 0, Qt::AlignCenter);
-    layout->addStretch();
-    connect(m_open, &QPushButton::clicked, this,
-            [this] { QDesktopServices::openUrl(QUrl(m_url)); });
-    retranslate();
+    m_pages->addWidget(m_notice);
 }
 
 void WebPane::setUrl(const QString& url)
 {
     m_url = url;
-    m_address->setText(url);
-    m_open->setEnabled(!url.isEmpty());
+    m_notice->setAddress(url);
+    if (m_browser)
+        m_browser->setUrl(url);
+    else if (!url.isEmpty() && !m_starting && mayBrowse()) {
+        m_starting = true;
+        QTimer::singleShot(paintMs, this, &WebPane::showInBrowser);
+    }
 }
 
-void WebPane::changeEvent(QEvent* event)
+bool WebPane::mayBrowse()
 {
-    if (event->type() == QEvent::LanguageChange)
-        retranslate();
-    QWidget::changeEvent(event);
+    const BrowserObstacle obstacle = browserObstacle();
+    m_notice->setKind(noticeOf(obstacle));
+    return obstacle == BrowserObstacle::None;
 }
 
-void WebPane::retranslate()
+void WebPane::showInBrowser()
 {
-    m_notice->setText(tr("此设备通过自己的网页管理。"));
-    m_open->setText(tr("在浏览器中打开"));
+    m_starting = false;
+    // The operator may have gone on to a box without a page.
+    if (m_url.isEmpty())
+        return;
+    m_browser = createBrowser(this);
+    m_browser->setUrl(m_url);
+    m_pages->addWidget(m_browser);
+    m_pages->setCurrentWidget(m_browser);
 }

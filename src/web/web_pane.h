@@ -3,10 +3,13 @@
 
 #include <QWidget>
 
-class QLabel;
-class QPushButton;
+class Browser;
+class PageNotice;
+class QStackedLayout;
 
-/// Stands for a box's own web page: shows its address and opens it in the system's browser.
+/// The place of a box's own web page: a browser, made when the first page is asked for, so that who
+/// never opens one never starts the engine. Where there can be no browser it shows the address and
+/// opens it in the system's.
 class WebPane : public QWidget
 {
     Q_OBJECT
@@ -14,18 +17,18 @@ class WebPane : public QWidget
 public:
     explicit WebPane(QWidget* parent = nullptr);
 
-    /// The page to offer; empty when there is none.
+    /// The page to show; empty when there is none.
     void setUrl(const QString& url);
     QString url() const { return m_url; }
 
-protected:
-    void changeEvent(QEvent* event) override;
-
 private:
-    void retranslate();
+    /// False where there can be none.
+    bool mayBrowse();
+    void showInBrowser();
 
     QString m_url;
-    QLabel* m_notice;
-    QLabel* m_address;
-    QPushButton* m_open;
+    QStackedLayout* m_pages;
+    PageNotice* m_notice;
+    Browser* m_browser = nullptr;
+    bool m_starting = false;
 };

@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+#include "web/engine_browser.h"
+
+#include "common/platform.h"
+#include "web/download_line.h"
+#include "web/web_view.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QLibraryInfo>
+#include <QPointer>
+#include <QProgressBar>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+#include <QWebEngineScript>
+
+namespace
+{
+
+constexpr int progressHeight = 3;
+constexpr int mostDownloadLines = 4;
+
+QUrl blankPage()
+{
+    return QUrl(QStringLiteral("about:blank"));
+}
+
+bool sameServer(const QUrl& a, const QUrl& b)
+{
+    return a.scheme() == b.scheme() && a.host() == b.host() && a.port() == b.port();
+}
+
+/// Where the engine itself looks for its other program.
+bool engineIsWhole()
+{
+    const QString set = qEnvironmentVariable("QTWEBENGINEPROCESS_PATH");
+    if (!set.isEmpty())
+        return QFileInfo::exists(set);
+    const QStringList folders{QLibraryInfo::location(QLibraryInfo::LibraryExecutablesPath),
+                              QCoreApplication::applicationDirPath()};
+    for (const QString& folder : folders) {
+        if (!QDir(folder).entryList({QStringLiteral("QtWebEngineProcess*")}, QDir::Files).isEmpty())
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+BrowserObstacle browserObstacle()
+{
+    switch (Platform::browserSandbox()) {
+    case Platform::Sandbox::RefusesRoot:
+        return BrowserObstacle::RunsAsRoot;
+    case Platform::Sandbox::Unavailable:
+        return BrowserObstacle::NoIsolation;
+    case Platform::Sandbox::Ready:
+        break;
+    }
+    return engineIsWhole() ? BrowserObstacle::None : BrowserObstacle::EngineMissing;
+}
+
+Browser* createBrowser(QWidget* parent)
+{
+    return new EngineBrowser(parent);
+}
+
+void prepareBrowserEngine()
+{
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+}
+
+EngineBrowser::EngineBrowser(QWidget* parent)
+    : Browser(parent)
+    , m_progress(new QProgressBar(this))
+    , m_view(new WebView(this))
+    , m_notice(new PageNotice(this))
+    , m_downloads(new QVBoxLayout)
+{
+    m_view->setObjectName(QStringLiteral("webEngineView"));
+    m_progress->setObjectName(QStringLiteral("webProgress"));
+    m_progress->setTextVisible(false);
+    m_progress->setFixedHeight(progressHeight);
+    m_downloads->setSpacing(0);
+
+    // The notice lies over the view, which goes on living under it.
+    auto* stack = new QStackedLayout;
+    stack->setStackingMode(QStackedLayout::StackAll);
+    stack->addWidget(m_view);
+    stack->addWidget(m_notice);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_progress);
+    layout->addLayout(stack, 1);
+    layout->addLayout(m_downloads);
+
+    connect(m_notice, &PageNotice::retry, this, [this] { setUrl(m_wanted.toString()); });
+    connect(m_view, &QWebEngineView::loadStarted, this, &EngineBrowser::handleLoadStarted);
+    connect(m_view, &QWebEngineView::loadProgress, this, &EngineBrowser::handleProgress);
+    connect(m_view, &QWebEngineView::loadFinished, this, &EngineBrowser::handleLoadFinished);
+    connect(m_view->page(), &QWebEnginePage::contentsSizeChanged, this,
+            &EngineBrowser::lookAtDocument);
+    connect(m_view, &WebView::reloading, this, [this] { showNotice(PageNotice::Crashed); });
+    connect(m_view, &WebView::downloadAccepted, this, &EngineBrowser::addDownload);
+    m_view->setUrl(blankPage());
+}
+
+void EngineBrowser::setUrl(const QString& url)
+{
+    m_wanted = QUrl(url);
+    m_notice->setAddress(url);
+    m_view->setUrl(m_wanted);
+    showNotice(PageNotice::Loading);
+}
+
+void EngineBrowser::showNotice(PageNotice::Kind kind)
+{
+    m_notice->setKind(kind);
+    m_notice->show();
+    m_notice->raise();
+}
+
+void EngineBrowser::handleLoadStarted()
+{
+    m_loading = true;
+    m_progress->setVisible(true);
+    m_progress->setValue(0);
+}
+
+void EngineBrowser::handleProgress(int percent)
+{
+    m_progress->setValue(percent);
+    lookAtDocument();
+}
+
+void EngineBrowser::handleLoadFinished(bool ok)
+{
+    Q_UNUSED(ok)
+    m_loading = false;
+    m_progress->setVisible(false);
+    lookAtDocument();
+}
+
+void EngineBrowser::lookAtDocument()
+{
+    const QPointer<EngineBrowser> self(this);
+    // In a world of its own, where the page cannot put other words into our mouth.
+    m_view->page()->runJavaScript(QStringLiteral("document.URL"),
+                                  QWebEngineScript::ApplicationWorld,
+                                  [self](const QVariant& address) {
+                                      if (self)
+                                          self->judgeDocument(QUrl(address.toString()));
+                                  });
+}
+
+void EngineBrowser::judgeDocument(const QUrl& document)
+{
+    if (m_wanted.isEmpty())
+        return;
+    if (document.scheme() == QLatin1String("chrome-error")) {
+        if (!m_loading)
+            showNotice(PageNotice::Failed);
+        return;
+    }
+    if (document.isEmpty() || document == blankPage()) {
+        if (!m_loading)
+            showNotice(PageNotice::NoPage);
+        return;
+    }
+    // Until the wanted box answers, the view still holds the page of the one before.
+    if (!m_loading || sameServer(document, m_wanted))
+        m_notice->hide();
+}
+
+void EngineBrowser::addDownload(QWebEngineDownloadItem* item)
+{
+    m_downloads->addWidget(new DownloadLine(item, this));
+    for (int n = 0; n < m_downloads->count() && m_downloads->count() > mostDownloadLines; ++n) {
+        auto* line = qobject_cast<DownloadLine*>(m_downloads->itemAt(n)->widget());
+        if (line && line->hasEnded()) {
+            delete line;
+            return;
+        }
+    }
+}

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "web/browser.h"
+#include "web/page_notice.h"
+
+#include <QUrl>
+
+class QProgressBar;
+class QVBoxLayout;
+class QWebEngineDownloadItem;
+class WebView;
+
+/// The browser: the view, over it a notice whenever the view does not show the wanted box, a thin
+/// bar while something loads, and a line per download.
+class EngineBrowser : public Browser
+{
+    Q_OBJECT
+
+public:
+    explicit EngineBrowser(QWidget* parent);
+
+    void setUrl(const QString& url) override;
+
+private:
+    void showNotice(PageNotice::Kind kind);
+    void handleLoadStarted();
+    void handleProgress(int percent);
+    void handleLoadFinished(bool ok);
+    /// Finds out what the view holds by now, and uncovers or covers it.
+    void lookAtDocument();
+    void judgeDocument(const QUrl& document);
+    void addDownload(QWebEngineDownloadItem* item);
+
+    QProgressBar* m_progress;
+    WebView* m_view;
+    PageNotice* m_notice;
+    QVBoxLayout* m_downloads;
+    QUrl m_wanted; ///< what the user chose; links in its page do not change it
+    bool m_loading = false;
+};
