@@ -248,6 +248,9 @@ void sendReply(const HttpReply& reply, const httplib::Request& in, httplib::Resp
     if (reply.status != 200) {
         out->status = reply.status;
     }
+    for (const auto& header : reply.headers) {
+        out->set_header(header.first.toStdString(), header.second.toStdString());
+    }
     if (!reply.location.isEmpty()) {
         out->set_redirect(reply.location.toStdString());
     } else if (reply.source) {

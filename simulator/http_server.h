@@ -2,8 +2,10 @@
 #pragma once
 
 #include <QByteArray>
+#include <QPair>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 #include <functional>
 #include <memory>
@@ -43,8 +45,9 @@ struct HttpReply {
     /// Gives the next piece of an endless reply; false ends it, an empty piece is no end. May
     /// block for some tenths of a second.
     std::function<bool(QByteArray* piece)> source;
-    QByteArray location;       ///< for a redirection
-    bool cut = false;          ///< close without a word
+    QByteArray location;                            ///< for a redirection
+    QVector<QPair<QByteArray, QByteArray>> headers; ///< more lines for the head
+    bool cut = false;                               ///< close without a word
     int percent = 100;         ///< how much of body or file is sent before the connection is closed
     qint64 bytesPerSecond = 0; ///< 0: as fast as it goes
     std::function<void()> afterwards; ///< called when the connection has been closed

@@ -6,6 +6,46 @@ namespace sim
 namespace
 {
 const QByteArray dashboardPath = QByteArrayLiteral("/cgi-bin/set-dashboard.cgi");
+
+/// What an operator can do here: change the name, read more in a new window, fetch the log, log in.
+QString controls()
+{
+    return QStringLiteral(
+        "<form action=\"/cgi-bin/set-dashboard.cgi\"><p><label>Name "
+        "<input name=\"name\" maxlength=\"32\"></label> <button>Save</button></p></form>\n"
+        "<p><button id=\"alert\" onclick=\"alert('Input signal lost')\">Test alarm</button></p>\n"
+        "<p><a id=\"more\" href=\"/cgi-bin/about.cgi\" target=\"_blank\">About</a> &middot; "
+        "<a id=\"log\" href=\"/cgi-bin/log.cgi\">Download log</a> &middot; "
+        "<a id=\"login\" href=\"/cgi-bin/login.cgi\">Administration</a></p>\n"
+        "<script>document.cookie = 'session=1; max-age=86400; path=/';</script>\n");
+}
+
+QByteArray smallPage(const QByteArray& title)
+{
+    return "<!DOCTYPE html>\n<html><head><title>" + title + "</title></head><body><h1>" + title +
+           "</h1></body></html>\n";
+}
+
+/// A log under a name that no careful program would save it under.
+HttpReply logReply()
+{
+    HttpReply reply;
+    reply.type = "application/octet-stream";
+    reply.headers = {{"Content-Disposition", "attachment; filename=\"..\\..\\box:log?.txt\""}};
+    reply.body = QByteArray("2026-01-01 00:00:00 start\n").repeated(200);
+    return reply;
+}
+
+/// Nobody is let in.
+HttpReply loginReply()
+{
+    HttpReply reply;
+    reply.type = "text/html; charset=utf-8";
+    reply.status = 401;
+    reply.headers = {{"WWW-Authenticate", "Basic realm=\"Administration\""}};
+    reply.body = smallPage("401 Unauthorized");
+    return reply;
+}
 } // namespace
 
 QByteArray dashboardPage(const QStringList& models, const QString& address, int number)
@@ -29,8 +69,8 @@ QByteArray dashboardPage(const QStringList& models, const QString& address, int 
                "<style>body{font-family:sans-serif;background:#1d2126;color:#e6e6e6;margin:2em}"
                "table{border-collapse:collapse}th,td{text-align:left;padding:.4em 1.5em .4em 0;"
                "border-bottom:1px solid #3a4048}th{color:#93a1b0;font-weight:normal}</style>\n"
-               "</head><body><h1>Dashboard</h1>\n<table>\n%1</table>\n</body></html>\n")
-        .arg(rows)
+               "</head><body><h1>Dashboard</h1>\n<table>\n%1</table>\n%2</body></html>\n")
+        .arg(rows, controls())
         .toUtf8();
 }
 
@@ -40,6 +80,12 @@ HttpReply webReply(const HttpRequest& request, const QByteArray& dashboard)
     reply.type = "text/html; charset=utf-8";
     if (request.path == dashboardPath) {
         reply.body = dashboard;
+    } else if (request.path == "/cgi-bin/about.cgi") {
+        reply.body = smallPage("About this box");
+    } else if (request.path == "/cgi-bin/log.cgi") {
+        return logReply();
+    } else if (request.path == "/cgi-bin/login.cgi") {
+        return loginReply();
     } else if (request.path == "/") {
         reply.location = dashboardPath;
     } else {

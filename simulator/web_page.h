@@ -12,7 +12,7 @@ namespace sim
 /// as they stand in the page ("ORBIT"); usually one.
 QByteArray dashboardPage(const QStringList& models, const QString& address, int number);
 
-/// Answers for the web port: the dashboard, and the way there from "/".
+/// Answers for the web port: the dashboard, what its links lead to, and the way there from "/".
 HttpReply webReply(const HttpRequest& request, const QByteArray& dashboard);
 
 } // namespace sim

@@ -73,7 +73,7 @@ void WebView::applySettings()
     settings->setAttribute(QWebEngineSettings::LocalStorageEnabled, true);
     // Who walks through the device list by keyboard stays there.
     settings->setAttribute(QWebEngineSettings::FocusOnNavigationEnabled, false);
-    // The pane says in the user's language what went wrong.
+    // The pane tells by it that a page could not be loaded, and covers it with its own words.
     settings->setAttribute(QWebEngineSettings::ErrorPageEnabled, true);
     settings->setUnknownUrlSchemePolicy(QWebEngineSettings::DisallowUnknownUrlSchemes);
 }

@@ -1,0 +1,400 @@
+// SPDX-License-Identifier: MIT
+#include "tests/ui/window_fixture.h"
+#include "web/download_name.h"
+#include "web/page_dialog.h"
+#include "web/page_notice.h"
+#include "web/web_view.h"
+
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTextEdit>
+#include <QWebEngineProfile>
+
+#include <csignal>
+
+namespace
+{
+
+constexpr int box = 11;
+constexpr int otherBox = 12;
+constexpr int kora = 13;
+constexpr int loadMs = 20000;
+
+} // namespace
+
+/// Boxes with pages of their own in the real window. The engine lives once per process, so one
+/// window serves all tests.
+class TestWebView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void startsNoEngineBeforeItIsNeeded();
+    void showsTheDashboard();
+    void staysInThePaneForNewWindows();
+    void namesDownloads_data();
+    void namesDownloads();
+    void savesADownloadUnderACleanName();
+    void cancelsADownload();
+    void saysWhoseDialogItIs();
+    void silencesAPage();
+    void asksForALoginByName();
+    void refusesFilesAndPrograms();
+    void reloadsACrashedPage();
+    void saysThatABoxIsGone();
+    void emptiesForAKoraBox();
+    void forgetsCookies();
+
+private:
+    WebView* view() const { return m_lan->window().findChild<WebView*>("webEngineView"); }
+    PageNotice* notice() const { return view()->parentWidget()->findChild<PageNotice*>(); }
+    QVariant evaluate(const QString& script) const;
+    void selectAndWait(int host);
+    void click(const QString& id) const;
+    QString title() const { return view()->page()->title(); }
+
+    std::unique_ptr<WindowFixture> m_lan;
+};
+
+/// Runs `answer` on the next modal dialog of this type, which must close it.
+template <class Dialog, class Answer> class NextDialog : public QObject
+{
+public:
+    explicit NextDialog(Answer answer) : m_answer(std::move(answer))
+    {
+        connect(&m_timer, &QTimer::timeout, this, [this] {
+            auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+            if (!dialog || !dialog->isVisible())
+                return;
+            m_timer.stop();
+            seen = true;
+            m_answer(dialog);
+        });
+        m_timer.start(20);
+    }
+    bool seen = false;
+
+private:
+    QTimer m_timer;
+    Answer m_answer;
+};
+
+template <class Dialog, class Answer> NextDialog<Dialog, Answer> onNext(Answer answer)
+{
+    return NextDialog<Dialog, Answer>(std::move(answer));
+}
+
+QVariant TestWebView::evaluate(const QString& script) const
+{
+    QVariant result;
+    bool done = false;
+    view()->page()->runJavaScript(script, [&](const QVariant& value) {
+        result = value;
+        done = true;
+    });
+    if (!QTest::qWaitFor([&] { return done; }, loadMs))
+        qWarning("no answer to %s", qPrintable(script));
+    return result;
+}
+
+void TestWebView::click(const QString& id) const
+{
+    // As a user's click, which alone may open windows and start downloads.
+    const QVariantList spot =
+        evaluate(QString("(r => [r.x + r.width / 2, r.y + r.height / 2])"
+                         "(document.getElementById('%1').getBoundingClientRect())")
+                     .arg(id))
+            .toList();
+    QCOMPARE(spot.size(), 2);
+    QTest::mouseClick(view()->focusProxy(), Qt::LeftButton, {},
+                      QPoint(spot[0].toInt(), spot[1].toInt()));
+}
+
+void TestWebView::selectAndWait(int host)
+{
+    m_lan->clickRow(host);
+    QTRY_VERIFY_WITH_TIMEOUT(view() != nullptr, loadMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
+    QCOMPARE(view()->page()->url().host(), m_lan->ip(host));
+}
+
+void TestWebView::initTestCase()
+{
+    m_lan = std::make_unique<WindowFixture>("127.77.35");
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    m_lan->addBox(box, sim::BoxModel::Orbit);
+    m_lan->addBox(otherBox, sim::BoxModel::River);
+    m_lan->addBox(kora);
+    m_lan->open();
+    for (int host : {box, otherBox, kora})
+        QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(host), loadMs);
+}
+
+void TestWebView::cleanupTestCase()
+{
+    m_lan.reset();
+}
+
+void TestWebView::startsNoEngineBeforeItIsNeeded()
+{
+    m_lan->clickRow(kora);
+    QTest::qWait(200);
+    QVERIFY(!view());
+}
+
+void TestWebView::showsTheDashboard()
+{
+    m_lan->deviceView()->setFocus();
+    selectAndWait(box);
+    QCOMPARE(title(), QString("Dashboard"));
+    QVERIFY(evaluate("document.body.innerText").toString().contains(m_lan->ip(box)));
+    QCOMPARE(view()->requestedUrl(),
+             QString("http://%1/cgi-bin/set-dashboard.cgi").arg(m_lan->ip(box)));
+    // Arrow keys go on through the list.
+    QVERIFY(m_lan->deviceView()->hasFocus());
+}
+
+void TestWebView::staysInThePaneForNewWindows()
+{
+    const int windows = QApplication::topLevelWidgets().size();
+    click("more");
+    QTRY_COMPARE_WITH_TIMEOUT(title(), QString("About this box"), loadMs);
+    QCOMPARE(QApplication::topLevelWidgets().size(), windows);
+    // An address that a script fills in later is found, too.
+    selectAndWait(box);
+    evaluate("w = window.open(); w.location = '/cgi-bin/about.cgi'; 0");
+    QTRY_COMPARE_WITH_TIMEOUT(title(), QString("About this box"), loadMs);
+    QTRY_COMPARE(view()->parentWidget()->findChildren<QWebEngineView*>().size(), 1);
+}
+
+void TestWebView::namesDownloads_data()
+{
+    QTest::addColumn<QString>("suggested");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("filter");
+    const QString all = "All file(*.*)";
+    QTest::newRow("as stated") << "a:b?.mp4"
+                               << "ab.mp4"
+                               << "mp4(*.mp4);;" + all;
+    QTest::newRow("no suffix") << "read*me"
+                               << "readme" << all;
+    QTest::newRow("path") << "..\\..\\etc/pass|wd.bin"
+                          << "etcpasswd.bin"
+                          << "bin(*.bin);;" + all;
+    QTest::newRow("filter in a suffix") << "a.b);;c(*"
+                                        << "a.b);;c(" << all;
+    QTest::newRow("device") << "CON.txt"
+                            << "_CON.txt"
+                            << "txt(*.txt);;" + all;
+    QTest::newRow("nothing left") << "?*/\\"
+                                  << "download" << all;
+}
+
+void TestWebView::namesDownloads()
+{
+    QFETCH(QString, suggested);
+    QFETCH(QString, name);
+    QFETCH(QString, filter);
+    QCOMPARE(offeredName(suggested), name);
+    QCOMPARE(saveFilter(name), filter);
+}
+
+void TestWebView::savesADownloadUnderACleanName()
+{
+    selectAndWait(box);
+    QTemporaryDir folder;
+    QString offered;
+    QStringList filters;
+    const auto answer = onNext<QFileDialog>([&](QFileDialog* dialog) {
+        QCOMPARE(dialog->windowTitle(), QString("另存为"));
+        offered = QFileInfo(dialog->selectedFiles().value(0)).fileName();
+        filters = dialog->nameFilters();
+        dialog->setDirectory(folder.path());
+        dialog->findChild<QLineEdit*>()->setText(folder.path() + "/kept.txt");
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    click("log");
+    QTRY_VERIFY_WITH_TIMEOUT(answer.seen, loadMs);
+    QVERIFY2(!offered.contains(QRegularExpression("[\\\\/:*?\"<>|]")), qPrintable(offered));
+    QVERIFY2(offered.endsWith("log_.txt") || offered.endsWith("log.txt"), qPrintable(offered));
+    QVERIFY(!offered.startsWith('.'));
+    QCOMPARE(filters, QStringList({"txt(*.txt)", "All file(*.*)"}));
+    auto* state = m_lan->child<QLabel>("downloadState");
+    QTRY_COMPARE_WITH_TIMEOUT(state->text(), QString("已保存"), loadMs);
+    QFile file(folder.path() + "/kept.txt");
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("2026-01-01 00:00:00 start\n").repeated(200));
+    m_lan->child<QPushButton>("downloadButton")->click();
+    QTRY_VERIFY(!m_lan->window().findChild<QLabel*>("downloadState"));
+}
+
+void TestWebView::cancelsADownload()
+{
+    QSignalSpy requested(view()->page()->profile(), &QWebEngineProfile::downloadRequested);
+    const auto answer = onNext<QFileDialog>([](QFileDialog* dialog) { dialog->reject(); });
+    click("log");
+    QTRY_VERIFY_WITH_TIMEOUT(answer.seen, loadMs);
+    QTRY_COMPARE(requested.size(), 1);
+    QVERIFY(!m_lan->window().findChild<QLabel*>("downloadState"));
+    // A page that asks again at once gets no second dialog.
+    click("log");
+    QTRY_COMPARE_WITH_TIMEOUT(requested.size(), 2, loadMs);
+    QVERIFY(!QApplication::activeModalWidget());
+    QCOMPARE(title(), QString("Dashboard"));
+}
+
+void TestWebView::saysWhoseDialogItIs()
+{
+    QString asker;
+    QString heading;
+    QString text;
+    const auto alert = onNext<PageDialog>([&](PageDialog* dialog) {
+        heading = dialog->windowTitle();
+        asker = dialog->findChild<QLabel*>("pageDialogAsker")->text();
+        text = dialog->findChild<QTextEdit*>("pageDialogText")->toPlainText();
+        QCOMPARE(dialog->windowModality(), Qt::WindowModal);
+        dialog->accept();
+    });
+    click("alert");
+    QTRY_VERIFY_WITH_TIMEOUT(alert.seen, loadMs);
+    QCOMPARE(asker, m_lan->ip(box) + " 的网页显示");
+    QCOMPARE(heading, asker);
+    QCOMPARE(text, QString("Input signal lost"));
+
+    const auto prompt = onNext<PageDialog>([](PageDialog* dialog) {
+        dialog->findChild<QLineEdit*>()->setText("<b>42</b>");
+        dialog->accept();
+    });
+    QCOMPARE(evaluate("prompt('How many?', '41')").toString(), QString("<b>42</b>"));
+    QVERIFY(prompt.seen);
+    const auto confirm = onNext<PageDialog>([](PageDialog* dialog) { dialog->reject(); });
+    QCOMPARE(evaluate("confirm('x'.repeat(100000))"), QVariant(false));
+    QVERIFY(confirm.seen);
+}
+
+void TestWebView::silencesAPage()
+{
+    selectAndWait(box);
+    int shown = 0;
+    QTimer closer;
+    connect(&closer, &QTimer::timeout, [&shown] {
+        auto* dialog = qobject_cast<PageDialog*>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        auto* silence = dialog->findChild<QAbstractButton*>();
+        const auto boxes = dialog->findChildren<QAbstractButton*>();
+        for (QAbstractButton* button : boxes)
+            silence = button->isCheckable() ? button : silence;
+        ++shown;
+        QCOMPARE(silence->isVisible(), shown > 2);
+        silence->setChecked(silence->isVisible());
+        dialog->accept();
+    });
+    closer.start(20);
+    evaluate("for (let i = 0; i < 1000; ++i) alert(i); 0");
+    QCOMPARE(shown, 3);
+    // Another visit starts afresh.
+    shown = 0;
+    selectAndWait(box);
+    evaluate("alert(1); 0");
+    QCOMPARE(shown, 1);
+}
+
+void TestWebView::asksForALoginByName()
+{
+    QString asker;
+    const auto login = onNext<PageDialog>([&](PageDialog* dialog) {
+        asker = dialog->findChild<QLabel*>("pageDialogAsker")->text();
+        dialog->reject();
+    });
+    click("login");
+    QTRY_VERIFY_WITH_TIMEOUT(login.seen, loadMs);
+    QCOMPARE(asker, m_lan->ip(box) + " 要求登录");
+    QTRY_COMPARE_WITH_TIMEOUT(title(), QString("401 Unauthorized"), loadMs);
+}
+
+void TestWebView::refusesFilesAndPrograms()
+{
+    selectAndWait(box);
+    for (const char* target : {"file:///etc/passwd", "qrc:/qss/spark.qss", "chrome://version",
+                               "mailto:a@b.example", "view-source:http://127.0.0.1/"}) {
+        evaluate(QString("location.href = '%1'; 0").arg(target));
+        evaluate(QString("window.open('%1'); 0").arg(target));
+        QTest::qWait(100);
+        QCOMPARE(view()->page()->url().host(), m_lan->ip(box));
+        QCOMPARE(evaluate("document.title").toString(), QString("Dashboard"));
+    }
+}
+
+void TestWebView::reloadsACrashedPage()
+{
+    QSignalSpy ended(view(), &QWebEngineView::renderProcessTerminated);
+    // Again and again: there is no limit, and the window goes on.
+    for (int n = 1; n <= 3; ++n) {
+        ::kill(pid_t(view()->page()->renderProcessPid()), SIGKILL);
+        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), n, loadMs);
+        QTRY_VERIFY_WITH_TIMEOUT(view()->page()->renderProcessPid() > 0, loadMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
+        QCOMPARE(evaluate("document.title").toString(), QString("Dashboard"));
+    }
+}
+
+void TestWebView::saysThatABoxIsGone()
+{
+    selectAndWait(otherBox);
+    sim::VirtualBox* gone = m_lan->lan().find(m_lan->ip(otherBox));
+    QVERIFY(gone);
+    gone->unplug();
+    m_lan->clickRow(otherBox);
+    QTRY_COMPARE_WITH_TIMEOUT(notice()->kind(), PageNotice::Failed, loadMs);
+    QVERIFY(notice()->isVisible());
+    QCOMPARE(m_lan->child<QLabel>("webAddress")->text(), view()->requestedUrl());
+    QVERIFY(gone->plugIn());
+    notice()->findChild<QPushButton*>("webRetry")->click();
+    QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
+    QCOMPARE(title(), QString("Dashboard"));
+}
+
+void TestWebView::emptiesForAKoraBox()
+{
+    m_lan->clickRow(kora);
+    QTRY_COMPARE_WITH_TIMEOUT(view()->page()->url(), QUrl("about:blank"), loadMs);
+    QCOMPARE(view()->requestedUrl(), QString());
+    QTRY_COMPARE(evaluate("document.URL").toString(), QString("about:blank"));
+    QVERIFY(!m_lan->child<QWidget>("web_widget")->isVisible());
+    // A page out of sight does not ask.
+    QCOMPARE(evaluate("confirm('Still here')"), QVariant(false));
+}
+
+void TestWebView::forgetsCookies()
+{
+    selectAndWait(box);
+    QVERIFY(evaluate("document.cookie").toString().contains("session=1"));
+    m_lan->close();
+    m_lan->open();
+    QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(otherBox), loadMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(box), loadMs);
+    selectAndWait(otherBox);
+    // A page of the same box that sets none of its own.
+    view()->setUrl(QUrl(QString("http://%1/cgi-bin/about.cgi").arg(m_lan->ip(box))));
+    QTRY_COMPARE_WITH_TIMEOUT(title(), QString("About this box"), loadMs);
+    QCOMPARE(evaluate("document.cookie").toString(), QString());
+    QVERIFY(QFileInfo::exists(qEnvironmentVariable("APPDATA") + "/KESTRELMSG/webcache"));
+}
+
+int main(int argc, char* argv[])
+{
+    StartUp::setAttributes();
+    QApplication application(argc, argv);
+    StartUp::dress(application);
+    TestWebView test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_web_view.moc"
