@@ -226,6 +226,12 @@ not. Run this as root or as a user of sudo, or allow it once with
 
 need_web_port() { may_bind_web_port || run_again_with_web_port "$@"; }
 
+# The web engine's sandbox refuses root. The program then does without the engine; demo and tests
+# show only our own pages to it.
+allow_web_engine() {
+    [ "$(id -u)" -ne 0 ] || export QTWEBENGINE_DISABLE_SANDBOX=1
+}
+
 # Debian gives fping the right to send pings; some containers take it away again.
 need_ping() {
     quietly fping -c 1 -q 127.0.0.1 ||

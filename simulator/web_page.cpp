@@ -22,8 +22,10 @@ QString controls()
 
 QByteArray smallPage(const QByteArray& title)
 {
-    return "<!DOCTYPE html>\n<html><head><title>" + title + "</title></head><body><h1>" + title +
-           "</h1></body></html>\n";
+    return "<!DOCTYPE html>\n<html><head><title>" + title +
+           "</title><style>body{font-family:sans-serif;background:#1d2126;color:#e6e6e6}</style>"
+           "</head><body><h1>" +
+           title + "</h1></body></html>\n";
 }
 
 /// A log under a name that no careful program would save it under.
@@ -68,7 +70,8 @@ QByteArray dashboardPage(const QStringList& models, const QString& address, int 
                "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>Dashboard</title>\n"
                "<style>body{font-family:sans-serif;background:#1d2126;color:#e6e6e6;margin:2em}"
                "table{border-collapse:collapse}th,td{text-align:left;padding:.4em 1.5em .4em 0;"
-               "border-bottom:1px solid #3a4048}th{color:#93a1b0;font-weight:normal}</style>\n"
+               "border-bottom:1px solid #3a4048}th{color:#93a1b0;font-weight:normal}"
+               "a{color:#74cbd9}</style>\n"
                "</head><body><h1>Dashboard</h1>\n<table>\n%1</table>\n%2</body></html>\n")
         .arg(rows, controls())
         .toUtf8();

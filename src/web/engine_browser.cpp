@@ -83,6 +83,10 @@ EngineBrowser::EngineBrowser(QWidget* parent)
     m_progress->setTextVisible(false);
     m_progress->setFixedHeight(progressHeight);
     m_downloads->setSpacing(0);
+    // The page keeps its size when the bar comes and goes.
+    QSizePolicy keepRoom = m_progress->sizePolicy();
+    keepRoom.setRetainSizeWhenHidden(true);
+    m_progress->setSizePolicy(keepRoom);
 
     // The notice lies over the view, which goes on living under it.
     auto* stack = new QStackedLayout;

@@ -45,10 +45,12 @@ PageDialog::PageDialog(Kind kind, const QString& asker, const QString& text, QWi
     who->setTextFormat(Qt::PlainText);
     who->setWordWrap(true);
     who->setProperty("dim", true);
+    layout->setSpacing(12);
     layout->addWidget(who);
     if (!text.isEmpty()) {
         auto* message = new MessageText(this);
         message->setObjectName(QStringLiteral("pageDialogText"));
+        message->setStyleSheet(QStringLiteral("border: none; background: transparent; padding: 0"));
         message->setText(shortened(text));
         layout->addWidget(message, 1);
     }
@@ -63,10 +65,13 @@ PageDialog::PageDialog(Kind kind, const QString& asker, const QString& text, QWi
     m_silence->hide();
 
     auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(tr("确定"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    QPushButton* ok = buttons->addButton(tr("确定"), QDialogButtonBox::AcceptRole);
+    ok->setDefault(true);
     if (kind != Notice)
         buttons->addButton(tr("取消"), QDialogButtonBox::RejectRole);
     layout->addWidget(buttons);
+    // Not the text, which takes the keyboard only to be copied.
+    (m_answer ? static_cast<QWidget*>(m_answer) : ok)->setFocus();
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }

@@ -44,12 +44,18 @@ QString webCacheFolder()
     return folder;
 }
 
+QString usualSaveFolder()
+{
+    const QString downloads = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    return QFileInfo(downloads).isDir() ? downloads : QDir::homePath();
+}
+
 } // namespace
 
 WebView::WebView(QWidget* parent)
     : QWebEngineView(parent)
     , m_page(std::make_unique<BoxWebPage>())
-    , m_saveFolder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation))
+    , m_saveFolder(usualSaveFolder())
 {
     setWindowFlags(Qt::FramelessWindowHint);
     setPage(m_page.get());

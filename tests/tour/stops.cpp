@@ -185,7 +185,8 @@ bool webBoxSelected(Tour& tour)
 {
     tour.clickBox(webBox);
     return tour.waitFor("the page of the web-managed box instead of the panels", [&] {
-        return tour.isShown("web_widget") && !tour.isShown("right_widget");
+        return tour.isShown("web_widget") && !tour.isShown("right_widget") &&
+               !tour.shownTexts().contains("正在打开设备的网页…");
     });
 }
 

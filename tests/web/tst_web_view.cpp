@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/ui/window_fixture.h"
+#include "web/browser.h"
 #include "web/download_name.h"
 #include "web/page_dialog.h"
 #include "web/page_notice.h"
@@ -15,6 +16,7 @@
 #include <QWebEngineProfile>
 
 #include <csignal>
+#include <unistd.h>
 
 namespace
 {
@@ -46,6 +48,7 @@ private slots:
     void silencesAPage();
     void asksForALoginByName();
     void refusesFilesAndPrograms();
+    void leavesAPageThatHoldsOn();
     void reloadsACrashedPage();
     void saysThatABoxIsGone();
     void emptiesForAKoraBox();
@@ -126,6 +129,9 @@ void TestWebView::selectAndWait(int host)
 
 void TestWebView::initTestCase()
 {
+    if (browserObstacle() != BrowserObstacle::None)
+        QSKIP(
+            "This system gives the engine no sandbox; QTWEBENGINE_DISABLE_SANDBOX=1 does without.");
     m_lan = std::make_unique<WindowFixture>("127.77.35");
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     m_lan->addBox(box, sim::BoxModel::Orbit);
@@ -150,6 +156,8 @@ void TestWebView::startsNoEngineBeforeItIsNeeded()
 
 void TestWebView::showsTheDashboard()
 {
+    m_lan->window().activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&m_lan->window()));
     m_lan->deviceView()->setFocus();
     selectAndWait(box);
     QCOMPARE(title(), QString("Dashboard"));
@@ -332,6 +340,22 @@ void TestWebView::refusesFilesAndPrograms()
     }
 }
 
+void TestWebView::leavesAPageThatHoldsOn()
+{
+    selectAndWait(box);
+    evaluate("onbeforeunload = e => { e.preventDefault(); e.returnValue = ''; }; 0");
+    // Only a page that its user has touched is allowed to ask.
+    click("alert");
+    const auto alert = onNext<PageDialog>([](PageDialog* dialog) { dialog->accept(); });
+    QTRY_VERIFY_WITH_TIMEOUT(alert.seen, loadMs);
+    const auto question = onNext<PageDialog>([](PageDialog* dialog) { dialog->reject(); });
+    selectAndWait(otherBox);
+    QVERIFY(!question.seen);
+
+    view()->page()->runJavaScript("while (true);");
+    selectAndWait(box);
+}
+
 void TestWebView::reloadsACrashedPage()
 {
     QSignalSpy ended(view(), &QWebEngineView::renderProcessTerminated);
@@ -390,6 +414,8 @@ void TestWebView::forgetsCookies()
 
 int main(int argc, char* argv[])
 {
+    if (::geteuid() == 0)
+        qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1"); // as the scripts do
     StartUp::setAttributes();
     QApplication application(argc, argv);
     StartUp::dress(application);
