@@ -594,7 +594,7 @@
     <name>QWebEnginePage</name>
     <message>
       <source>Are you sure you want to leave this page? Changes that you made may not be saved.</source>
-      <translation type="unfinished"></translation>
+      <translation>Are you sure you want to leave this page? Changes that you made may not be saved.</translation>
     </message>
   </context>
   <context>

@@ -594,7 +594,7 @@
     <name>QWebEnginePage</name>
     <message>
       <source>Are you sure you want to leave this page? Changes that you made may not be saved.</source>
-      <translation type="unfinished"></translation>
+      <translation>이 페이지를 떠나시겠습니까? 변경 사항이 저장되지 않을 수 있습니다.</translation>
     </message>
   </context>
   <context>
