@@ -2,6 +2,7 @@
 // kora-lan: a network of virtual boxes for people and scripts.
 #include "simulator/lan_commands.h"
 #include "simulator/scenario.h"
+#include "simulator/update_server.h"
 #include "simulator/virtual_lan.h"
 
 #include <QCommandLineParser>
@@ -44,7 +45,8 @@ struct Options {
     sim::LanPlan plan;
     QString runDir;
     QString scenario;
-    int parent = 0; // process to end with, 0: none
+    QString updateServer; // address to serve updates on, empty: none
+    int parent = 0;       // process to end with, 0: none
 };
 
 /// The value of a whole-number option, or nothing when it is not one from `min` to `max`.
@@ -78,6 +80,8 @@ void describe(QCommandLineParser* parser, const QString& runDir)
     add("reboot-seconds", "How long a reboot takes.", "seconds", QStringLiteral("10"));
     add("run-dir", "Where the file \"plugged\" for lan-fping is kept.", "dir", runDir);
     add("scenario", "Boxes with faults, and what happens to them.", "file", {});
+    add("update-server", "Serve an update of the box firmware on this address, port 8070.",
+        "address", {});
     add("exit-with-parent", "End when this process does.", "pid", QStringLiteral("0"));
     add("web-port", "Port of the web-managed boxes.", "port", QStringLiteral("80"));
     parser->addOption({QStringLiteral("web"),
@@ -126,6 +130,7 @@ std::optional<Options> readOptions(const QCoreApplication& app)
     options.plan.anyAddress = parser.isSet(QStringLiteral("any-address"));
     options.runDir = parser.value(QStringLiteral("run-dir"));
     options.scenario = parser.value(QStringLiteral("scenario"));
+    options.updateServer = parser.value(QStringLiteral("update-server"));
     options.parent = *parent;
     return options;
 }
@@ -218,6 +223,12 @@ int main(int argc, char* argv[])
     }
     if (!lan.plugInAll(scenario.unplugged())) {
         complain(lan.errorString());
+        return exitFailed;
+    }
+    sim::UpdateServer updates(options->updateServer);
+    updates.furnish(QStringLiteral("1.0.0.10"));
+    if (!options->updateServer.isEmpty() && !updates.start()) {
+        complain(QStringLiteral("no update server on ") + options->updateServer);
         return exitFailed;
     }
     sim::LanCommands commands(&lan);

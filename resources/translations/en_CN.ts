@@ -754,6 +754,21 @@
     </message>
   </context>
   <context>
+    <name>UpdatePrompt</name>
+    <message>
+      <source>发现新版本,是否立即升级?</source>
+      <translation>A new version was found. Upgrade now?</translation>
+    </message>
+    <message>
+      <source>安装文件已被更改,未启动升级.</source>
+      <translation>The installer was changed; the upgrade was not started.</translation>
+    </message>
+    <message>
+      <source>无法启动升级程序.</source>
+      <translation>The upgrade program cannot be started.</translation>
+    </message>
+  </context>
+  <context>
     <name>WebView</name>
     <message>
       <source>另存为</source>

@@ -754,6 +754,21 @@
     </message>
   </context>
   <context>
+    <name>UpdatePrompt</name>
+    <message>
+      <source>发现新版本,是否立即升级?</source>
+      <translation>새 버전을 찾았습니다. 지금 업그레이드할까요?</translation>
+    </message>
+    <message>
+      <source>安装文件已被更改,未启动升级.</source>
+      <translation>설치 파일이 변경되어 업그레이드를 시작하지 않았습니다.</translation>
+    </message>
+    <message>
+      <source>无法启动升级程序.</source>
+      <translation>업그레이드 프로그램을 시작할 수 없습니다.</translation>
+    </message>
+  </context>
+  <context>
     <name>WebView</name>
     <message>
       <source>另存为</source>

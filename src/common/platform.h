@@ -34,6 +34,9 @@ void useUtf8ForChildProcesses();
 /// possible. Returns at once; false when there is no file manager to start.
 bool revealFile(const QString& path);
 
+/// Starts `program` on its own, in `folder`. False when it cannot be started.
+bool startDetached(const QString& program, const QStringList& arguments, const QString& folder);
+
 /// What the sandbox of an embedded browser would find here. A browser that needs it and does not
 /// get it ends the whole process.
 enum class Sandbox {

@@ -67,6 +67,11 @@ bool revealFile(const QString& path)
     return QProcess::startDetached(QStringLiteral("xdg-open"), {QFileInfo(path).absolutePath()});
 }
 
+bool startDetached(const QString& program, const QStringList& arguments, const QString& folder)
+{
+    return QProcess::startDetached(program, arguments, folder);
+}
+
 Sandbox browserSandbox()
 {
     if (sandboxIsOff())

@@ -43,6 +43,13 @@ bool revealFile(const QString& path)
     return explorer.startDetached();
 }
 
+bool startDetached(const QString& program, const QStringList& arguments, const QString& folder)
+{
+    // In quotes, so that no part of a path with blanks is tried as a program of its own.
+    return QProcess::startDetached(QLatin1Char('"') + program + QLatin1Char('"'), arguments,
+                                   folder);
+}
+
 Sandbox browserSandbox()
 {
     return Sandbox::Ready;

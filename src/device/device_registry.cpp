@@ -155,6 +155,15 @@ void DeviceRegistry::addDevice(const QString& ip, const QString& name)
     emit deviceAdded(box);
 }
 
+void DeviceRegistry::setFirmwareBaseName(const QString& name)
+{
+    m_firmwareBaseName = name;
+    const QList<Item*> boxes = m_model.items(koraFamily());
+    for (Item* box : boxes)
+        box->setProperty("otaFile", name);
+    m_model.announceLayout();
+}
+
 void DeviceRegistry::forgetIdleDevices()
 {
     const QList<Item*> boxes = devices();

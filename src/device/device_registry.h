@@ -59,8 +59,9 @@ public:
     /// search finds them afresh.
     void forgetIdleDevices();
 
-    /// The base name of the firmware package at hand; boxes found from now on are compared with it.
-    void setFirmwareBaseName(const QString& name) { m_firmwareBaseName = name; }
+    /// The base name of the firmware package at hand, which every KORA box is compared with, those
+    /// found later as well.
+    void setFirmwareBaseName(const QString& name);
 
     UpgradeCounts upgradeCounts(const QString& group) const;
 

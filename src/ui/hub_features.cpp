@@ -6,6 +6,8 @@
 #include "ui/areas.h"
 #include "ui/options.h"
 
+#include <QCoreApplication>
+
 namespace
 {
 
@@ -68,6 +70,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , record(hub, form.control_area->ui, panel, recordings)
     , selection(hub, frame, deviceInfo, panel, events)
     , monitor(form.monitor_top->ui, frame)
-    , updateCheck(*Spark_Http::instance(), options.updateServer)
+    , updateCheck(*Spark_Http::instance(), options.updateServer, applicationVersion())
+    , updatePrompt(hub, applicationVersion(), QCoreApplication::applicationDirPath())
 {
 }

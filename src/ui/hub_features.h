@@ -29,6 +29,7 @@
 #include "ui/recordings.h"
 #include "ui/result_dispatcher.h"
 #include "ui/tarn_hub.h"
+#include "ui/update_prompt.h"
 #include "ui/value_controls.h"
 #include "ui/window_frame.h"
 #include "ui_tarn_hub.h"
@@ -73,4 +74,5 @@ struct Tarn_Hub::Features {
     DeviceSelection selection;
     Monitor monitor;
     UpdateCheck updateCheck;
+    UpdatePrompt updatePrompt;
 };

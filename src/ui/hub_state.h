@@ -27,6 +27,14 @@ public:
     void setShownIp(const QString& ip) { m_window->setProperty("UIIP", ip); }
     void setShownMask(const QString& mask) { m_window->setProperty("UIMASK", mask); }
 
+    /// The firmware package that lies ready for the new-firmware mark; empty when there is none.
+    QString otaFilePath() const { return text("otaFilepath"); }
+    void setOtaFile(const QString& path, const QString& baseName)
+    {
+        m_window->setProperty("otaFilepath", path);
+        m_window->setProperty("otaFile", baseName);
+    }
+
     /// The sources that the selected box can decode, as last read.
     void setDecodeList(const QVariant& list)
     {

@@ -13,6 +13,7 @@
 #include "widgets/message_box.h"
 
 #include <QCloseEvent>
+#include <QFileInfo>
 #include <QTimer>
 
 Tarn_Hub::Tarn_Hub(const Options& options, QWidget* parent)
@@ -57,6 +58,16 @@ void Tarn_Hub::connectFeatures()
                   [this](const HttpResult& result) { m->panel.handleReply(result); });
     m->results.on(QStringLiteral("getDeviceRecordList"),
                   [this](const HttpResult& result) { m->recordings.handleReply(result); });
+    m->results.on(QStringLiteral("toupgrade"),
+                  [this](const HttpResult& result) { m->updateCheck.handleProgram(result.body); });
+    m->results.on(QStringLiteral("toupgradekora"),
+                  [this](const HttpResult& result) { m->updateCheck.handleFirmware(result.body); });
+    connect(&m->updateCheck, &UpdateCheck::installerReady, &m->updatePrompt, &UpdatePrompt::offer);
+    connect(&m->updateCheck, &UpdateCheck::firmwareReady, this, [this](const QString& path) {
+        const QString name = QFileInfo(path).completeBaseName();
+        m->state.setOtaFile(path, name);
+        m->devices->setFirmwareBaseName(name);
+    });
     m->record.registerReplies(m->replies);
     m->decode.registerReplies(m->replies);
     m->live.registerReplies(m->replies);

@@ -45,12 +45,13 @@ public:
         return box;
     }
 
-    void open()
+    /// `updateServer`: where to look for newer versions; empty: nowhere.
+    void open(const QString& updateServer = {})
     {
         Options options;
         options.sweep.fping = LAN_FPING;
         options.sweep.subnets = QStringList{m_block + ".0/24"};
-        options.updateServer = "http://" + ip(250) + ":9";
+        options.updateServer = updateServer.isEmpty() ? "http://" + ip(250) + ":9" : updateServer;
         m_window = std::make_unique<Tarn_Hub>(options);
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));

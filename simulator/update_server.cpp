@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/update_server.h"
+
+#include <QCryptographicHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace sim
+{
+namespace
+{
+
+constexpr int mostRequests = 1000;
+constexpr int firmwareBytes = 2 * 1024 * 1024;
+
+HttpReply json(const QJsonObject& object)
+{
+    HttpReply reply;
+    reply.body = QJsonDocument(object).toJson();
+    return reply;
+}
+
+/// Bytes that are the same each time and do not repeat within a package.
+QByteArray firmware()
+{
+    QByteArray bytes;
+    bytes.reserve(firmwareBytes);
+    quint32 state = 20260623;
+    while (bytes.size() < firmwareBytes) {
+        state = state * 1664525 + 1013904223;
+        bytes.append(char(state >> 24));
+    }
+    return bytes;
+}
+
+} // namespace
+
+UpdateServer::UpdateServer(QString address, quint16 port)
+    : m_address(std::move(address))
+    , m_port(port)
+    , m_server(m_address, port,
+               {[this](const HttpRequest& request) { return answer(request); }, {}, {}})
+{
+}
+
+QString UpdateServer::url(const QString& path) const
+{
+    return QStringLiteral("http://%1:%2%3").arg(m_address).arg(m_port).arg(path);
+}
+
+void UpdateServer::set(const QString& path, const HttpReply& reply)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_replies.insert(path, reply);
+}
+
+HttpReply UpdateServer::file(const QByteArray& content, const QString& offeredName)
+{
+    HttpReply reply;
+    reply.type = "application/octet-stream";
+    reply.body = content;
+    if (!offeredName.isEmpty()) {
+        reply.headers.append(
+            {"Content-Disposition",
+             QStringLiteral("attachment; filename=\"%1\"").arg(offeredName).toUtf8()});
+    }
+    return reply;
+}
+
+void UpdateServer::offerProgram(const QString& version, const QString& downloadUrl)
+{
+    const QJsonObject build{{QStringLiteral("latest-version"), version},
+                            {QStringLiteral("download-url"), downloadUrl}};
+    set(programPath(),
+        json({{QStringLiteral("updates"), QJsonObject{{QStringLiteral("windows"), build}}}}));
+}
+
+void UpdateServer::offerFirmware(const QString& md5, const QString& downloadUrl)
+{
+    const QJsonObject package{{QStringLiteral("MD5"), md5},
+                              {QStringLiteral("download-url"), downloadUrl}};
+    set(firmwarePath(), json({{QStringLiteral("updates"), package}}));
+}
+
+void UpdateServer::furnish(const QString& programVersion)
+{
+    const QByteArray content = firmware();
+    const QString name = QStringLiteral("KORA_1.2.0.623.dat");
+    set(QLatin1Char('/') + name, file(content, name));
+    offerProgram(programVersion, url(QStringLiteral("/Tarn_Hub_setup.exe")));
+    offerFirmware(
+        QString::fromLatin1(QCryptographicHash::hash(content, QCryptographicHash::Md5).toHex()),
+        url(QLatin1Char('/') + name));
+}
+
+QStringList UpdateServer::requests() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_requests;
+}
+
+HttpReply UpdateServer::answer(const HttpRequest& request)
+{
+    const QString path = QString::fromUtf8(request.path);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_requests.size() < mostRequests) {
+        m_requests << QString::fromLatin1(request.method) + QLatin1Char(' ') + path;
+    }
+    HttpReply missing;
+    missing.status = 404;
+    return m_replies.value(path, missing);
+}
+
+} // namespace sim

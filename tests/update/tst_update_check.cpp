@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: MIT
+#include "common/spark_http.h"
+#include "simulator/update_server.h"
+#include "update/update_check.h"
+#include "update/version.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QDirIterator>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+namespace
+{
+
+const QString address = QStringLiteral("127.77.36.1");
+
+QString md5(const QByteArray& data)
+{
+    return QString::fromLatin1(QCryptographicHash::hash(data, QCryptographicHash::Md5).toHex());
+}
+
+} // namespace
+
+/// The update check against a server of our own.
+class tst_UpdateCheck : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void versions_data();
+    void versions();
+    void badDescriptorsAreIgnored_data();
+    void badDescriptorsAreIgnored();
+    void installerIsDownloadedOnce();
+    void installersThatAreNone_data();
+    void installersThatAreNone();
+    void firmwareIsCheckedAndKept();
+    void badPackagesLeaveNothing_data();
+    void badPackagesLeaveNothing();
+    void closedNetworkIsSilent();
+
+private:
+    /// Runs the check until both answers have been dealt with.
+    void check();
+    QStringList filesBelowData() const;
+
+    std::unique_ptr<QTemporaryDir> m_data;
+    std::unique_ptr<sim::UpdateServer> m_server;
+    QVector<Installer> m_installers;
+    QStringList m_packages;
+};
+
+void tst_UpdateCheck::init()
+{
+    m_data = std::make_unique<QTemporaryDir>();
+    qputenv("APPDATA", m_data->filePath("data").toUtf8());
+    QDir(m_data->path()).mkpath("data");
+    m_server = std::make_unique<sim::UpdateServer>(address);
+    QVERIFY(m_server->start());
+    m_installers.clear();
+    m_packages.clear();
+}
+
+void tst_UpdateCheck::cleanup()
+{
+    m_server.reset();
+}
+
+void tst_UpdateCheck::check()
+{
+    UpdateCheck check(*Spark_Http::instance(), m_server->url(), "1.0.0.10");
+    connect(&check, &UpdateCheck::installerReady, this,
+            [this](const Installer& installer) { m_installers << installer; });
+    connect(&check, &UpdateCheck::firmwareReady, this,
+            [this](const QString& path) { m_packages << path; });
+    int done = 0;
+    connect(Spark_Http::instance(), &Spark_Http::S_finished, &check, [&](const QVariantMap& map) {
+        if (map.value("type") == "toupgrade")
+            check.handleProgram(map.value("body").toString());
+        else if (map.value("type") == "toupgradekora")
+            check.handleFirmware(map.value("body").toString());
+        ++done;
+    });
+    check.start();
+    QTRY_COMPARE_WITH_TIMEOUT(done, 2, 15000);
+}
+
+QStringList tst_UpdateCheck::filesBelowData() const
+{
+    QStringList files;
+    QDirIterator all(m_data->path(), QDir::Files, QDirIterator::Subdirectories);
+    while (all.hasNext())
+        files << QDir(m_data->path()).relativeFilePath(all.next());
+    files.sort();
+    return files;
+}
+
+void tst_UpdateCheck::versions_data()
+{
+    QTest::addColumn<QString>("latest");
+    QTest::addColumn<bool>("newer");
+    QTest::newRow("equal") << "1.0.0.10" << false;
+    QTest::newRow("older") << "1.0.0.9" << false;
+    QTest::newRow("newer in the last part") << "1.0.0.11" << true;
+    QTest::newRow("three parts") << "1.0.1" << true;
+    QTest::newRow("three equal parts") << "1.0.0" << false;
+    QTest::newRow("two parts") << "2.0" << false;
+    QTest::newRow("five parts") << "2.0.0.0.0" << false;
+    QTest::newRow("first difference decides") << "0.9.9.99" << false;
+    QTest::newRow("words count as 0") << "1.x.0.11" << true;
+    QTest::newRow("nothing") << "" << false;
+    QTest::newRow("too large for a number") << "99999999999.0.0.0" << false;
+}
+
+void tst_UpdateCheck::versions()
+{
+    QFETCH(QString, latest);
+    QTEST(isNewerVersion(latest, "1.0.0.10"), "newer");
+}
+
+void tst_UpdateCheck::badDescriptorsAreIgnored_data()
+{
+    const auto body = [](const QByteArray& text) {
+        sim::HttpReply reply;
+        reply.body = text;
+        return reply;
+    };
+    QTest::addColumn<sim::HttpReply>("reply");
+    QTest::newRow("not JSON") << body("<html>");
+    QTest::newRow("an array") << body("[1]");
+    QTest::newRow("empty") << body("{}");
+    QTest::newRow("no windows") << body(R"({"updates": {}})");
+    QTest::newRow("wrong types") << body(
+        R"({"updates": {"MD5": [1], "windows": {"latest-version": 5, "download-url": {}}}})");
+    QTest::newRow("huge") << body(R"({"updates": ")" + QByteArray(6 << 20, 'x') + "\"}");
+    sim::HttpReply reply = body(R"({"updates": {"windows": {"latest-version": "9.0.0")");
+    reply.percent = 50;
+    QTest::newRow("broken off") << reply;
+    reply = {};
+    reply.status = 404;
+    QTest::newRow("missing") << reply;
+    reply = {};
+    reply.source = [](QByteArray*) {
+        QTest::qSleep(100);
+        return true;
+    };
+    QTest::newRow("silent") << reply;
+}
+
+void tst_UpdateCheck::badDescriptorsAreIgnored()
+{
+    QFETCH(sim::HttpReply, reply);
+    m_server->set(sim::UpdateServer::programPath(), reply);
+    m_server->set(sim::UpdateServer::firmwarePath(), reply);
+    check();
+    QVERIFY(m_installers.isEmpty() && m_packages.isEmpty());
+    QCOMPARE(m_server->requests().size(), 2);
+}
+
+void tst_UpdateCheck::installerIsDownloadedOnce()
+{
+    m_server->set("/a/setup 2.exe", sim::UpdateServer::file("installer"));
+    m_server->offerProgram("1.0.1", m_server->url("/a/setup%202.exe"));
+    check();
+    check();
+    QCOMPARE(m_installers.size(), 2);
+    QCOMPARE(m_installers.first().version, QString("1.0.1"));
+    QCOMPARE(m_installers.first().path, m_data->path() + "/data/Tarn Hub/upgrade/setup 2.exe");
+    QCOMPARE(m_installers.first().digest, md5("installer"));
+    QCOMPARE(m_installers.last().path, m_installers.first().path);
+    QCOMPARE(m_server->requests().count("GET /a/setup 2.exe"), 1);
+}
+
+void tst_UpdateCheck::installersThatAreNone_data()
+{
+    QTest::addColumn<QString>("url");
+    QTest::newRow("missing") << "/no.exe";
+    QTest::newRow("broken off") << "/half.exe";
+    QTest::newRow("no name") << "/";
+    QTest::newRow("a file of this computer") << "file:///etc/hostname";
+    QTest::newRow("another protocol") << "ftp://127.77.36.1/x.exe";
+    QTest::newRow("no address at all") << "x.exe";
+    QTest::newRow("no host") << "http:///x.exe";
+}
+
+void tst_UpdateCheck::installersThatAreNone()
+{
+    QFETCH(QString, url);
+    sim::HttpReply half = sim::UpdateServer::file(QByteArray(500000, 'x'));
+    half.percent = 50;
+    m_server->set("/half.exe", half);
+    m_server->offerProgram("2.0.0", url.startsWith("/") ? m_server->url(url) : url);
+    check();
+    QVERIFY(m_installers.isEmpty());
+    QCOMPARE(filesBelowData().filter("upgrade"), QStringList());
+}
+
+void tst_UpdateCheck::firmwareIsCheckedAndKept()
+{
+    const QByteArray package(300000, 'k');
+    m_server->set("/fw", sim::UpdateServer::file(package, "..\\..//KORA_1.2.0.623.dat"));
+    m_server->offerFirmware(md5(package).toUpper(), m_server->url("/fw"));
+    check();
+    const QString path = m_data->path() + "/data/Tarn Hub/upgradekora/KORA_1.2.0.623.dat";
+    QCOMPARE(m_packages, QStringList(path));
+    QCOMPARE(QFileInfo(path).size(), qint64(package.size()));
+    check();
+    QCOMPARE(m_packages.size(), 2);
+    QCOMPARE(m_server->requests().count("GET /fw"), 1);
+    // One that was spoilt since is fetched again.
+    QFile spoilt(path);
+    QVERIFY(spoilt.open(QIODevice::Append));
+    spoilt.write("x");
+    spoilt.close();
+    check();
+    QCOMPARE(m_server->requests().count("GET /fw"), 2);
+    QCOMPARE(QFileInfo(path).size(), qint64(package.size()));
+}
+
+void tst_UpdateCheck::badPackagesLeaveNothing_data()
+{
+    const QByteArray package(300000, 'k');
+    QTest::addColumn<sim::HttpReply>("reply");
+    QTest::addColumn<QString>("digest");
+    sim::HttpReply reply = sim::UpdateServer::file(package, "fw.dat");
+    QTest::newRow("wrong digest") << reply << md5("other");
+    QTest::newRow("no digest") << reply << "";
+    QTest::newRow("no name") << sim::UpdateServer::file(package) << md5(package);
+    reply.percent = 60;
+    QTest::newRow("broken off") << reply << md5(package);
+    reply = {};
+    reply.location = "/elsewhere";
+    QTest::newRow("led elsewhere") << reply << md5(package);
+}
+
+void tst_UpdateCheck::badPackagesLeaveNothing()
+{
+    QFETCH(sim::HttpReply, reply);
+    QFETCH(QString, digest);
+    m_server->set("/fw", reply);
+    m_server->offerFirmware(digest, m_server->url("/fw"));
+    check();
+    QCOMPARE(m_packages, QStringList());
+    QCOMPARE(filesBelowData().filter("upgradekora"), QStringList());
+}
+
+void tst_UpdateCheck::closedNetworkIsSilent()
+{
+    m_server->stop();
+    check();
+    QVERIFY(m_installers.isEmpty() && m_packages.isEmpty());
+    QCOMPARE(filesBelowData().filter("upgrade"), QStringList());
+}
+
+Q_DECLARE_METATYPE(sim::HttpReply)
+
+QTEST_GUILESS_MAIN(tst_UpdateCheck)
+#include "tst_update_check.moc"
