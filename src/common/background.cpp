@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "common/background.h"
 
+#include "common/crash_handler.h"
+
 #include <QEventLoop>
 #include <QThread>
 
@@ -8,7 +10,10 @@
 
 void runInBackground(const std::function<void()>& work)
 {
-    const std::unique_ptr<QThread> thread(QThread::create(work));
+    const std::unique_ptr<QThread> thread(QThread::create([&work] {
+        CrashHandler::coverThread();
+        work();
+    }));
     thread->setObjectName(QStringLiteral("background"));
     QEventLoop loop;
     QObject::connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);

@@ -302,10 +302,12 @@ CrashProcess::Stack CrashProcess::stackAt(std::uint64_t stackPointer, std::size_
             continue;
         if (mapping.start > stackPointer && mapping.start - stackPointer > farthest)
             break;
+        if (m_hidden > mapping.start && m_hidden < mapping.end)
+            mapping.end = m_hidden;
         Stack stack;
         stack.start =
             stackPointer < mapping.start + redZone ? mapping.start : stackPointer - redZone;
-        const std::uint64_t size = mapping.end - stack.start;
+        const std::uint64_t size = mapping.end > stack.start ? mapping.end - stack.start : 0;
         stack.size = size < limit ? static_cast<std::size_t>(size) : limit;
         return stack;
     }
@@ -321,8 +323,9 @@ std::size_t CrashProcess::read(std::uint64_t address, void* buffer, std::size_t 
     const iovec remote{reinterpret_cast<void*>(address), size};
     ssize_t got = process_vm_readv(m_pid, &local, 1, &remote, 1, 0);
     if (got < 0 && errno != EFAULT) {
-        // Not allowed: this process has the same memory, and a pipe refuses what is unreadable.
-        got = write(m_pipe[1], remote.iov_base, size);
+        // Not allowed: this process has the same memory, and a pipe refuses what is unreadable. Not
+        // write(): a sanitizer would look at the memory by itself.
+        got = syscall(SYS_write, m_pipe[1], address, size);
         if (got > 0)
             got = ::read(m_pipe[0], buffer, static_cast<std::size_t>(got));
     }

@@ -30,6 +30,10 @@ public:
         std::size_t size = 0;
     };
 
+    /// What lies from `address` on in its mapping belongs in no dump: the program's environment
+    /// stands above the main thread's stack and may hold passwords.
+    void hideFrom(std::uint64_t address) { m_hidden = address; }
+
     /// Reads what is mapped in process `pid`: this one, or the one that this one was forked from.
     void look(pid_t pid);
 
@@ -62,6 +66,7 @@ private:
     void findBuildId(std::uint64_t notes, std::uint64_t size, Module& module);
 
     pid_t m_pid = 0;
+    std::uint64_t m_hidden = 0;
     std::size_t m_mapsSize = 0;
     std::size_t m_threadCount = 0;
     int m_pipe[2] = {-1, -1};

@@ -8,6 +8,7 @@
 #include "common/crash_handler_file.h"
 #include "common/crash_handler_process.h"
 
+#include <sys/auxv.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -20,6 +21,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstring>
+#include <ctime>
 
 using Minidump::Stream;
 
@@ -27,7 +29,7 @@ namespace
 {
 
 constexpr int crashSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGTRAP, SIGSYS};
-constexpr int writeLimitMs = 10000;
+constexpr int writeLimitMs = 5000;
 constexpr std::size_t crashedStackLimit = 1024 * 1024;
 constexpr std::size_t otherStackLimit = 64 * 1024;
 
@@ -55,6 +57,13 @@ void pauseMilliseconds(int count)
 {
     const timespec time{0, count * 1000000L};
     nanosleep(&time, nullptr);
+}
+
+long long monotonicMs()
+{
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return now.tv_sec * 1000LL + now.tv_nsec / 1000000;
 }
 
 void restoreDefault(int signal)
@@ -204,7 +213,9 @@ enum class Outcome { Written, Failed, TimedOut };
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
-    alarm(writeLimitMs / 1000); // should nobody be left to end this process
+    // Should nobody be left to end this process. Later than the parent would: that one must see the
+    // difference between a failure and a hang.
+    alarm(3 * writeLimitMs / 1000);
     _exit(writeDump(crash, Threads::All) ? 0 : 1);
 }
 
@@ -221,7 +232,7 @@ Outcome writeInChild(const Crash& crash)
         return Outcome::Failed;
     constexpr int stepMs = 2;
     int status = 0;
-    for (int waited = 0; waited < writeLimitMs; waited += stepMs) {
+    for (const long long end = monotonicMs() + writeLimitMs; monotonicMs() < end;) {
         const pid_t ended = waitpid(child, &status, __WALL | WNOHANG);
         if (ended != 0) {
             const bool good = ended == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
@@ -257,7 +268,8 @@ void handleCrash(int signal, siginfo_t* info, void* context)
     } else if (first != self) {
         // Ending the process now would end the other thread's writing.
         constexpr int stepMs = 10;
-        for (int waited = 0; !finished && waited < 2 * writeLimitMs; waited += stepMs)
+        for (const long long end = monotonicMs() + 2 * writeLimitMs;
+             !finished && monotonicMs() < end;)
             pauseMilliseconds(stepMs);
     }
     // As if there were no handler: the exit status tells the signal, and the system may save a
@@ -323,6 +335,8 @@ bool catchCrashes(const Setup& setup)
     systemVersion = {};
     if (uname(&system) == 0)
         systemVersion.add(system.sysname).add(" ").add(system.release).add(" ").add(system.version);
+    // The system puts these bytes just below the texts of arguments and environment.
+    process.hideFrom(getauxval(AT_RANDOM));
 
     coverThread();
     struct sigaction action {

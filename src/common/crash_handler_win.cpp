@@ -211,7 +211,6 @@ bool catchCrashes(const Setup& setup)
     coverThread();
     SetUnhandledExceptionFilter(handleException);
     std::signal(SIGABRT, handleAbort);
-    _set_abort_behavior(0, _WRITE_ABORT_MSG | _CALL_REPORTFAULT); // no dialog that waits for a user
     _set_invalid_parameter_handler(handleInvalidParameter);
     _set_purecall_handler(handlePureCall);
     return true;

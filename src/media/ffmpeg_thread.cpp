@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/ffmpeg_thread.h"
 
+#include "common/crash_handler.h"
 #include "media/ffmpeg_session.h"
 
 extern "C" {
@@ -88,6 +89,7 @@ void FFmpegThread::free()
 
 void FFmpegThread::run()
 {
+    CrashHandler::coverThread();
     m_pacing.start(av_gettime_relative());
     while (!m_stopPlay) {
         if (!m_needInit) {

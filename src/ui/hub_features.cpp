@@ -49,7 +49,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , language(nullptr)
     , frame(form, window)
     , localAddresses(form.device_list->ui.localip)
-    , crashNotice(form.device_list->ui.layout1)
+    , crashNotice(new CrashNotice(form.device_list->ui.layout1))
     , dropAreas({form.device_list, form.monitor_top->ui.page_video},
                 form.device_list->ui.deviceView, nullptr)
     , valueControls(form.config_area->ui, form.control_area->ui)

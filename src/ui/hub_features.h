@@ -53,7 +53,7 @@ struct Tarn_Hub::Features {
     Language language;
     WindowFrame frame;
     LocalAddresses localAddresses;
-    CrashNotice crashNotice;
+    CrashNotice* const crashNotice; // the form owns it, as it does its other widgets
     DropAreas dropAreas;
     ValueControls valueControls;
     DeviceList deviceList;

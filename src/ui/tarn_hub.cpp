@@ -109,7 +109,7 @@ void Tarn_Hub::R_delayAction()
     m->frame.showStart();
     m->language.chooseSystemLanguage();
     m->updateCheck.start();
-    m->crashNotice.start(CrashHandler::instance().dumpFolder());
+    m->crashNotice->start(CrashHandler::instance().dumpFolder());
     m->form.device_list->ui.md5->hide();
     m->form.monitor_top->ui.widget_play_progress->hide();
     refreshLocalIP();

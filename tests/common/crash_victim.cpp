@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // crash_victim FOLDER WAY: installs the crash handler for the folder, then crashes in this way.
 #include "common/crash_handler.h"
+#include "common/platform.h"
 
 #include <QCoreApplication>
+#include <QSemaphore>
 #include <QThread>
 
 #include <cstdlib>
@@ -17,8 +19,9 @@
 #include <unistd.h>
 #include <vector>
 
-// Outside of any namespace and not inlined: their names are looked for in back traces.
-#define VICTIM __attribute__((noinline, used))
+// Outside of any namespace and not inlined: their names are looked for in back traces. A sanitizer
+// would stop them before they crash.
+#define VICTIM __attribute__((noinline, used, no_sanitize("undefined", "address")))
 
 volatile int* volatile nowhere = nullptr;
 
@@ -56,6 +59,14 @@ VICTIM void giveUp()
     std::abort();
 }
 
+/// The C library gives up inside its own locks.
+VICTIM void freeTwice()
+{
+    void* volatile memory = std::malloc(5000);
+    std::free(memory);
+    std::free(memory);
+}
+
 VICTIM void throwUncaught()
 {
     throw std::runtime_error("nobody catches this");
@@ -66,8 +77,11 @@ VICTIM void jumpToNowhere()
     reinterpret_cast<void (*)()>(0x10)();
 }
 
+QSemaphore sleeping;
+
 VICTIM void sleepForever()
 {
+    sleeping.release();
     for (;;)
         pause();
 }
@@ -75,18 +89,25 @@ VICTIM void sleepForever()
 namespace
 {
 
-/// Lets the system refuse this call, as some containers do.
-void refuse(unsigned systemCall)
+enum class Refusal : unsigned {
+    Error = SECCOMP_RET_ERRNO | EPERM, // as some containers do
+    Fault = SECCOMP_RET_TRAP,
+    Hang = SECCOMP_RET_USER_NOTIF, // nobody ever answers
+};
+
+/// How the system treats this call from now on.
+void refuse(unsigned systemCall, Refusal refusal = Refusal::Error)
 {
     sock_filter rules[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, 0), // the call's number
         BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, systemCall, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+        BPF_STMT(BPF_RET | BPF_K, static_cast<unsigned>(refusal)),
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
     };
     const sock_fprog program{sizeof rules / sizeof *rules, rules};
+    const unsigned flags = refusal == Refusal::Hang ? SECCOMP_FILTER_FLAG_NEW_LISTENER : 0;
     if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
-        prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+        syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, flags, &program) < 0)
         qFatal("cannot refuse a system call");
 }
 
@@ -133,6 +154,8 @@ void crash(const QString& way)
         runOutOfStack(0);
     else if (way == "abort")
         giveUp();
+    else if (way == "heap")
+        freeTwice();
     else if (way == "exception")
         throwUncaught();
     else if (way == "fatal")
@@ -153,6 +176,7 @@ int main(int argc, char* argv[])
 {
     const rlimit noCore{0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
+    Platform::useUtf8ForChildProcesses();
     QCoreApplication application(argc, argv);
     const QStringList arguments = application.arguments();
     if (arguments.size() < 3)
@@ -163,6 +187,7 @@ int main(int argc, char* argv[])
     std::unique_ptr<QThread> bystander(QThread::create(sleepForever));
     bystander->setObjectName("bystander");
     bystander->start();
+    sleeping.acquire();
     for (const QString& more : arguments.mid(3)) {
         if (more == "no-trace")
             refuse(SYS_ptrace);
@@ -170,6 +195,12 @@ int main(int argc, char* argv[])
             refuse(SYS_process_vm_readv);
         else if (more == "no-fork")
             refuse(SYS_clone);
+        else if (more == "writer-faults")
+            refuse(SYS_getdents64, Refusal::Fault);
+        else if (more == "writer-hangs")
+            refuse(SYS_getdents64, Refusal::Hang);
+        else if (more == "handler-faults")
+            refuse(SYS_pipe2, Refusal::Fault);
         else if (more == "no-space")
             refuseLongFiles();
     }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "common/crash_dumps.h"
+#include "common/crash_handler_file.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -23,13 +24,14 @@ struct Ending {
 };
 
 /// Lets the victim crash; no way of crashing may keep it longer than this.
-Ending runVictim(const QString& folder, const QStringList& way)
+Ending runVictim(const QString& folder, const QStringList& way,
+                 const QString& program = CRASH_VICTIM)
 {
     QProcess victim;
     victim.setProcessChannelMode(QProcess::MergedChannels);
     QElapsedTimer timer;
     timer.start();
-    victim.start(CRASH_VICTIM, QStringList{folder} + way);
+    victim.start(program, QStringList{folder} + way);
     if (!victim.waitForFinished(30000))
         return {};
     const qint64 ms = timer.elapsed();
@@ -54,8 +56,9 @@ QString inspect(const QString& dump)
 {
     QProcess debugger;
     debugger.setProcessChannelMode(QProcess::MergedChannels);
-    debugger.start(lldb(), {"--no-lldbinit", "--batch", "-c", dump, "-o", "thread list", "-o",
-                            "bt 12", "-o", "register read --all", "-o", "image list"});
+    debugger.start(lldb(),
+                   {"--no-lldbinit", "--batch", "-c", dump, "-o", "thread list", "-o",
+                    "thread backtrace -c 40 all", "-o", "register read --all", "-o", "image list"});
     if (!debugger.waitForFinished(60000))
         debugger.kill();
     return QString::fromUtf8(debugger.readAllStandardOutput());
@@ -76,19 +79,25 @@ class tst_CrashHandler : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void init();
     void crashes_data();
     void crashes();
     void namesTheFile();
+    void knowsTheCalendar();
     void showsThreadsAndModules();
     void showsRegisters();
     void writesWhereTheSystemForbids_data();
     void writesWhereTheSystemForbids();
+    void endsWhenTheHandlerFails_data();
+    void endsWhenTheHandlerFails();
     void threadsCrashingTogetherLeaveOneDump();
     void neverOverwrites();
     void makesTheFolderAgain();
     void endsWithoutAPlaceToWrite();
     void leavesNoHalfDumpWithoutSpace();
+    void keepsTheEnvironmentSecret();
+    void readsNamesInEveryAlphabet();
     void keepsTheNewest();
     void tellsOfEachDumpOnce();
 
@@ -99,6 +108,13 @@ private:
     std::unique_ptr<QTemporaryDir> m_temporary;
     QString m_folder;
 };
+
+void tst_CrashHandler::initTestCase()
+{
+#ifdef __SANITIZE_THREAD__
+    QSKIP("the thread sanitizer adds threads and holds signals back");
+#endif
+}
 
 void tst_CrashHandler::init()
 {
@@ -133,6 +149,10 @@ void tst_CrashHandler::crashes_data()
                               << "runOutOfStack";
     QTest::newRow("abort") << SIGABRT << "SIGABRT"
                            << "giveUp";
+#ifndef __SANITIZE_ADDRESS__ // which sees this coming
+    QTest::newRow("heap") << SIGABRT << "SIGABRT"
+                          << "freeTwice";
+#endif
     QTest::newRow("exception") << SIGABRT << "SIGABRT"
                                << "throwUncaught";
     QTest::newRow("fatal") << SIGABRT << "SIGABRT"
@@ -160,18 +180,41 @@ void tst_CrashHandler::crashes()
 
 void tst_CrashHandler::namesTheFile()
 {
-    const QDateTime before = QDateTime::currentDateTime();
+    constexpr int ahead = 9 * 3600;
+    qputenv("TZ", "KST-9");
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(ahead);
     const QString dump = QFileInfo(dumpOf({"null"}, SIGSEGV)).fileName();
-    const QDateTime after = QDateTime::currentDateTime();
+    const QDateTime after = QDateTime::currentDateTimeUtc().addSecs(ahead);
+    qunsetenv("TZ");
     const auto match =
         QRegularExpression("^TarnHub-1\\.0\\.0\\.10-(\\d{8}-\\d{6})\\.dmp$").match(dump);
     QVERIFY2(match.hasMatch(), qPrintable(dump));
-    const QDateTime named = QDateTime::fromString(match.captured(1), "yyyyMMdd-HHmmss");
+    QDateTime named = QDateTime::fromString(match.captured(1), "yyyyMMdd-HHmmss");
+    named.setTimeSpec(Qt::UTC);
     QVERIFY(named.isValid());
     QVERIFY2(before.secsTo(named) >= -1 && named.secsTo(after) >= 0, qPrintable(dump));
     QCOMPARE(QFile::permissions(m_folder + dump) &
                  (QFileDevice::ReadGroup | QFileDevice::ReadOther),
              QFileDevice::Permissions());
+}
+
+void tst_CrashHandler::knowsTheCalendar()
+{
+    const QDateTime last(QDate(2110, 1, 1), QTime(), Qt::UTC);
+    constexpr int step = 41 * 86400 + 12347;
+    for (QDateTime day(QDate(1999, 12, 31), QTime(23, 59, 59), Qt::UTC); day < last;
+         day = day.addSecs(step)) {
+        // Both sides of the end of the month, every time of the day.
+        for (const QDateTime& time :
+             {day, QDateTime(QDate(day.date().year(), day.date().month(), 1), QTime(), Qt::UTC)
+                       .addSecs(-1)}) {
+            CrashFile file;
+            QVERIFY(file.open(QFile::encodeName(m_folder), "x", time.toSecsSinceEpoch()));
+            const QStringList files = filesIn(m_folder);
+            file.discard();
+            QCOMPARE(files, QStringList{time.toString("'x-'yyyyMMdd-HHmmss'.dmp.part'")});
+        }
+    }
 }
 
 void tst_CrashHandler::showsThreadsAndModules()
@@ -186,7 +229,7 @@ void tst_CrashHandler::showsThreadsAndModules()
     for (auto found = threads.globalMatch(view); found.hasNext(); found.next())
         ++count;
     QVERIFY2(count == 3, qPrintable(view));
-    QVERIFY2(view.contains("pause"), qPrintable(view));
+    QVERIFY2(view.contains("sleepForever"), qPrintable(view));
     const auto program = QRegularExpression("\\[ *0\\] [0-9A-F-]{41,} 0x[0-9a-f]+ .*/crash_victim");
     QVERIFY2(program.match(view).hasMatch(), qPrintable(view));
     QVERIFY2(view.contains("libQt5Core.so"), qPrintable(view));
@@ -213,6 +256,7 @@ void tst_CrashHandler::writesWhereTheSystemForbids_data()
     QTest::newRow("reading another process") << QStringList{"no-reading"};
     QTest::newRow("both") << QStringList{"no-trace", "no-reading"};
     QTest::newRow("a second process") << QStringList{"no-fork"};
+    QTest::newRow("what the writer cannot survive") << QStringList{"writer-faults"};
     QTest::newRow("everything") << QStringList{"no-trace", "no-reading", "no-fork"};
 }
 
@@ -228,6 +272,26 @@ void tst_CrashHandler::writesWhereTheSystemForbids()
     QVERIFY2(QRegularExpression("frame #0:.*writeToNowhere").match(view).hasMatch() &&
                  QRegularExpression("frame #[1-9]:.*main").match(view).hasMatch(),
              qPrintable(view));
+}
+
+void tst_CrashHandler::endsWhenTheHandlerFails_data()
+{
+    QTest::addColumn<QString>("failure");
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<int>("limitMs");
+    QTest::newRow("it faults itself") << "handler-faults" << SIGSYS << 5000;
+    QTest::newRow("the writer hangs") << "writer-hangs" << SIGSEGV << 10000;
+}
+
+void tst_CrashHandler::endsWhenTheHandlerFails()
+{
+    QFETCH(QString, failure);
+    QFETCH(int, limitMs);
+    const Ending ending = runVictim(m_folder, {"null", failure});
+    QTEST(ending.signal, "signal");
+    QVERIFY2(ending.ms < limitMs, qPrintable(QString::number(ending.ms)));
+    const QStringList files = filesIn(m_folder);
+    QVERIFY2(files.filter(QRegularExpression("\\.dmp$")).isEmpty(), qPrintable(files.join(' ')));
 }
 
 void tst_CrashHandler::threadsCrashingTogetherLeaveOneDump()
@@ -278,6 +342,36 @@ void tst_CrashHandler::leavesNoHalfDumpWithoutSpace()
 {
     QCOMPARE(runVictim(m_folder, {"null", "no-space"}).signal, SIGSEGV);
     QCOMPARE(filesIn(m_folder), QStringList());
+}
+
+void tst_CrashHandler::keepsTheEnvironmentSecret()
+{
+    const QByteArray secret = "open sesame " + QByteArray::number(getpid());
+    qputenv("TARN_TEST_PASSWORD", secret);
+    QFile dump(dumpOf({"null"}, SIGSEGV));
+    qunsetenv("TARN_TEST_PASSWORD");
+    QVERIFY(dump.open(QIODevice::ReadOnly));
+    const QByteArray content = dump.readAll();
+    QVERIFY(content.contains("crash_victim"));
+    QVERIFY(!content.contains(secret));
+}
+
+void tst_CrashHandler::readsNamesInEveryAlphabet()
+{
+    if (lldb().isEmpty())
+        QSKIP("lldb, which reads the dumps, is not installed");
+    const QString names = "été 한국 中文 😀/";
+    m_folder += names;
+    QVERIFY(QDir().mkpath(m_folder));
+    const QString program = m_temporary->path() + "/" + names + "victim";
+    QVERIFY(QDir().mkpath(m_temporary->path() + "/" + names));
+    QVERIFY(QFile::copy(CRASH_VICTIM, program));
+    QCOMPARE(runVictim(m_folder, {"null"}, program).signal, SIGSEGV);
+    const QStringList files = filesIn(m_folder);
+    QCOMPARE(files.size(), 1);
+    const QString view = inspect(m_folder + files.first());
+    QVERIFY2(view.contains(QRegularExpression("\\[ *0\\].*" + program)), qPrintable(view));
+    QVERIFY2(view.contains("victim`writeToNowhere"), qPrintable(view));
 }
 
 void tst_CrashHandler::keepsTheNewest()
