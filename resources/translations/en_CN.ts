@@ -9,6 +9,57 @@
     </message>
   </context>
   <context>
+    <name>BatchUpgrade</name>
+    <message>
+      <source>升级中,升级期间请不要关闭电源或者操作KORA.共[%1]个,成功[%2]个,未知[%3]个</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>请您在设备列表中选择要升级固件的设备!</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>请您拖拽一个固件包文件到此处!</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>请您拖拽一个有效的固件升级包到此处</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>即将对您选择的%1个KORA进行升级固件操作,是否确认?</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>正在计算固件校验值</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>文件打开失败! </source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>全部升级完成,KORA即将重启完成固件升级.成功[%1]个</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>部分升级完成,KORA即将重启完成固件升级.成功[%1]个,未知[%2]个</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>选择固件</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>取消</source>
+      <translation>Cancel</translation>
+    </message>
+    <message>
+      <source>固件包文件 (%1)</source>
+      <translation type="unfinished"></translation>
+    </message>
+  </context>
+  <context>
     <name>ConfigurationArea</name>
     <message>
       <source>配置区域:</source>
@@ -81,6 +132,21 @@
     <message>
       <source>保存</source>
       <translation>Save</translation>
+    </message>
+  </context>
+  <context>
+    <name>ConfigurationRestore</name>
+    <message>
+      <source>%1 恢复设置成功,KORA设备正在重启.</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>上次固件升级中断时,有%1个KORA的设置尚未恢复(保存于%2),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
+      <translation type="unfinished"></translation>
     </message>
   </context>
   <context>
@@ -228,6 +294,10 @@
     <message>
       <source>本机IP地址:</source>
       <translation>This computer:</translation>
+    </message>
+    <message>
+      <source>升级报告</source>
+      <translation type="unfinished"></translation>
     </message>
   </context>
   <context>
@@ -440,6 +510,13 @@
     <message>
       <source>请您在设备列表中选择要操作的设备!</source>
       <translation>Please select the device to operate in the device list!</translation>
+    </message>
+  </context>
+  <context>
+    <name>Md5Tool</name>
+    <message>
+      <source>文件打开失败! </source>
+      <translation type="unfinished"></translation>
     </message>
   </context>
   <context>
@@ -766,6 +843,159 @@
     <message>
       <source>无法启动升级程序.</source>
       <translation>The upgrade program cannot be started.</translation>
+    </message>
+  </context>
+  <context>
+    <name>UpgradeFeatures</name>
+    <message>
+      <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
+      <translation type="unfinished"></translation>
+    </message>
+  </context>
+  <context>
+    <name>UpgradeReport</name>
+    <message>
+      <source>未保留,已切换为DHCP</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>未保留</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>未能完整读取,不恢复</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>设备未回应,待恢复</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>待恢复</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>已恢复</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>已写回,未核对</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>%1项失败</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>已放弃恢复</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>升级后未再回应</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>版本没有变化</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>MAC地址未知,无法证实</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>批次</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>设备</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>MAC地址</source>
+      <translation>MAC address</translation>
+    </message>
+    <message>
+      <source>升级前版本</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>升级后版本</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>结果</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>设置恢复</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>用时(秒)</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>固件包</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>固件MD5</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>说明</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>进行中</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>已证实</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>未证实</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>失败</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>已中断</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>此批次升级曾被中断</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>中断时尚未开始上传</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>中断时正在上传</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>中断时已开始更新固件</source>
+      <translation type="unfinished"></translation>
+    </message>
+  </context>
+  <context>
+    <name>UpgradeReportDialog</name>
+    <message>
+      <source>升级报告</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>共[%1]个,已证实[%2]个,未证实[%3]个,失败[%4]个,已中断[%5]个,进行中[%6]个</source>
+      <translation type="unfinished"></translation>
+    </message>
+    <message>
+      <source>报告文件: </source>
+      <translation type="unfinished"></translation>
     </message>
   </context>
   <context>

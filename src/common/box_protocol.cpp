@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "common/box_protocol.h"
 
+#include <QRegularExpression>
 #include <QUrl>
 
 #include <functional>
@@ -67,6 +68,13 @@ bool isIpv4Address(const QString& text)
             return false;
     }
     return true;
+}
+
+bool isMacAddress(const QString& text)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral("\\A[0-9A-Fa-f]{2}([:-]?[0-9A-Fa-f]{2}){5}\\z"));
+    return pattern.match(text).hasMatch();
 }
 
 QString fill(const QString& text, const QStringList& values)
@@ -162,8 +170,16 @@ QString otaCommand(const QString& ip)
 
 QString uploadCommand(const QString& file, const QString& ip)
 {
+    QString path = file;
+    // There the program takes a comma for a list of files and a semicolon for an attribute, unless
+    // the path is quoted.
+    if (path.contains(QLatin1Char(',')) || path.contains(QLatin1Char(';'))) {
+        path.replace(QLatin1Char('\\'), QStringLiteral("\\\\"));
+        path.replace(QLatin1Char('"'), QStringLiteral("\\\""));
+        path = QLatin1Char('"') + path + QLatin1Char('"');
+    }
     return fillCommand(QStringLiteral("curl -X POST -F \"ota_file=@%1\" http://%2:8081/upload"),
-                       {file, ip});
+                       {path, ip});
 }
 
 QString recordOnCommand(const QString& ip, const QString& fileName)

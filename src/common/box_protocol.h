@@ -40,6 +40,10 @@ constexpr QLatin1String RecordList("eParam_RecordList");
 /// become a box's address.
 bool isIpv4Address(const QString& text);
 
+/// True for six pairs of hexadecimal digits, joined by ":", "-" or nothing. Only such text may
+/// become a box's MAC address: boxes are looked up, and properties named, by it.
+bool isMacAddress(const QString& text);
+
 /// Puts `values` in place of %1 to %9 in one pass: a value that itself holds "%2" stays as it is.
 QString fill(const QString& text, const QStringList& values);
 

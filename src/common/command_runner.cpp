@@ -94,6 +94,9 @@ QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
     });
     bool answered = true;
     QTimer::singleShot(WaitLimitMs, &loop, [&] {
+        // Another wait nested in this one may have kept the loop from ending in time.
+        if (process.state() == QProcess::NotRunning)
+            return;
         answered = false;
         process.kill();
     });

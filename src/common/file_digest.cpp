@@ -4,7 +4,7 @@
 #include <QCryptographicHash>
 #include <QFile>
 
-QString fileMd5(const QString& path)
+QString fileMd5(const QString& path, const std::atomic<bool>* stop)
 {
     constexpr qint64 pieceSize = 1048576;
     QFile file(path);
@@ -13,7 +13,7 @@ QString fileMd5(const QString& path)
     QCryptographicHash hash(QCryptographicHash::Md5);
     while (!file.atEnd()) {
         const QByteArray piece = file.read(pieceSize);
-        if (piece.isEmpty())
+        if (piece.isEmpty() || (stop && *stop))
             return QString();
         hash.addData(piece);
     }

@@ -51,10 +51,13 @@ Item::Item(Item* parentItem)
         connect(process, &QProcess::readyReadStandardOutput, this,
                 &Item::R_readyReadStandardOutput);
         connect(process, &QProcess::stateChanged, this, &Item::R_stateChanged);
-        if (process->property("exectype").toString() == QLatin1String("download")) {
+        const QString type = process->property("exectype").toString();
+        if (type == QLatin1String("download")) {
             m_downloadProcess = process;
             connect(process, &QProcess::readyReadStandardError, this, &Item::readDownloadReport);
         }
+        if (type == QLatin1String("upgrade_ota_file"))
+            m_upload = process;
     })
 {
     setProperty("isdir", false);

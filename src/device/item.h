@@ -57,10 +57,18 @@ public:
     /// True when a newer firmware package than the box's own lies ready.
     bool hasNewerFirmware() const;
 
-    /// Adds a line to the upgrade's progress messages.
+    /// Adds a line to the upgrade's progress messages; the oldest of 200 are dropped.
     void addTip(const QString& text);
+    /// Marks the box as taken by an upgrade that is being prepared: nothing is sent yet. An upload
+    /// of an earlier upgrade that still runs is given up.
+    void reserveForUpgrade();
     /// Uploads the package `file` and activates it; `md5` is its digest in lower-case hex.
     void startUpgrade(const QString& file, const QString& md5);
+    /// Takes the box out of its upgrade. An upload that still runs is given up, so that no package
+    /// arrives that nobody would activate; an activation is left alone.
+    void endUpgrade();
+    /// The box came back from its upgrade, wherever it is now.
+    void markActivated();
 
     /// For a recording ("filename" on the box at "deviceip"): deletes it there. Ends in
     /// deleteEnded.
@@ -79,6 +87,8 @@ signals:
     void deleteEnded(bool succeeded);
     void downloadProgressed(const DownloadProgress& progress);
     void downloadEnded(const DownloadResult& result);
+    /// The upgrade of this box has taken or missed a step.
+    void upgradeChanged();
 
 protected:
     bool event(QEvent* event) override;
@@ -87,7 +97,6 @@ private:
     void upload(const QString& file, const QString& md5);
     void handleUploadReply(const QProcess& process, const QString& reply);
     void handleActivationReply(const QString& reply);
-    void markActivated();
     void readDownloadReport();
     void endDownload(const QProcess& process);
 
@@ -102,6 +111,9 @@ private:
     QPointer<QProcess> m_downloadProcess;
     QString m_downloadProblem; ///< why it was ended early, empty: the operator did
     bool m_downloadStopped = false;
+    /// Number of the latest upgrade: what an earlier one still reports is not heard.
+    int m_upgradeRun = 0;
+    QPointer<QProcess> m_upload;
 };
 
 /// The name of the family whose boxes the program configures.

@@ -15,6 +15,10 @@ namespace
 /// at once must not keep the computer busy.
 constexpr int uploadRetryPauseMs = 400;
 
+constexpr int mostTips = 200;
+/// What is shown of a reply that is none; the log has all of it.
+constexpr int longestReason = 400;
+
 bool isSuccess(const QVariantMap& reply)
 {
     return reply.value(QStringLiteral("status")).toString() == QLatin1String("success");
@@ -24,19 +28,37 @@ bool isSuccess(const QVariantMap& reply)
 
 void Item::addTip(const QString& text)
 {
-    setProperty("upgradtip", property("upgradtip").toStringList() << text);
+    QStringList tips = property("upgradtip").toStringList() << text;
+    if (tips.size() > mostTips)
+        tips.removeFirst();
+    setProperty("upgradtip", tips);
 }
 
-void Item::startUpgrade(const QString& file, const QString& md5)
+void Item::reserveForUpgrade()
 {
+    endUpgrade();
     setProperty("upgrading", true);
     setProperty("upgradtimeout", false);
     setProperty("upgradsuccessful", false);
     setProperty("rtime", 600);
     setProperty("upgrade_ota_file", false);
     setProperty("upgrade_ota", false);
+}
+
+void Item::startUpgrade(const QString& file, const QString& md5)
+{
+    reserveForUpgrade();
     addTip(tr("开始上传固件(%1)").arg(QFileInfo(file).fileName()));
     upload(file, md5);
+    emit upgradeChanged();
+}
+
+void Item::endUpgrade()
+{
+    ++m_upgradeRun;
+    setProperty("upgrading", false);
+    if (m_upload)
+        m_upload->kill();
 }
 
 void Item::upload(const QString& file, const QString& md5)
@@ -44,7 +66,8 @@ void Item::upload(const QString& file, const QString& md5)
     execCurl(BoxProtocol::uploadCommand(file, address()),
              {{QStringLiteral("exectype"), QStringLiteral("upgrade_ota_file")},
               {QStringLiteral("ota_file"), file},
-              {QStringLiteral("md5"), md5}});
+              {QStringLiteral("md5"), md5},
+              {QStringLiteral("run"), m_upgradeRun}});
 }
 
 void Item::execCurl(const QString& str, const QVariantMap& map)
@@ -59,12 +82,15 @@ void Item::R_readyReadStandardOutput()
         return;
     const QString type = process->property("exectype").toString();
     const QString reply = m_runner.takeReply(process);
-    if (type == QLatin1String("upgrade_ota_file"))
-        handleUploadReply(*process, reply);
-    else if (type == QLatin1String("upgrade_ota"))
-        handleActivationReply(reply);
-    else if (type == QLatin1String("record_del"))
+    if (type == QLatin1String("upgrade_ota_file")) {
+        if (process->property("run").toInt() == m_upgradeRun)
+            handleUploadReply(*process, reply);
+    } else if (type == QLatin1String("upgrade_ota")) {
+        if (process->property("run").toInt() == m_upgradeRun)
+            handleActivationReply(reply);
+    } else if (type == QLatin1String("record_del")) {
         process->setProperty("deleted", isSuccess(jsonToMap(reply)));
+    }
 }
 
 void Item::handleUploadReply(const QProcess& process, const QString& reply)
@@ -72,15 +98,22 @@ void Item::handleUploadReply(const QProcess& process, const QString& reply)
     const QVariantMap map = jsonToMap(reply);
     const QString received = map.value(QStringLiteral("file_md5")).toString();
     if (!isSuccess(map) || received != process.property("md5").toString()) {
-        addTip(tr("上传固件 失败 原因 : ") + reply);
+        addTip(tr("上传固件 失败 原因 : ") + reply.left(longestReason));
         setProperty("upgradtimeout", true);
+        emit upgradeChanged();
         return;
     }
+    if (property("upgrade_ota_file").toBool())
+        return;
     setProperty("upgrade_ota_file", true);
+    // A try that failed before has been made good.
+    setProperty("upgradtimeout", false);
     addTip(tr("上传固件 成功"));
     addTip(tr("开始更新固件"));
     execCurl(BoxProtocol::otaCommand(address()),
-             {{QStringLiteral("exectype"), QStringLiteral("upgrade_ota")}});
+             {{QStringLiteral("exectype"), QStringLiteral("upgrade_ota")},
+              {QStringLiteral("run"), m_upgradeRun}});
+    emit upgradeChanged();
 }
 
 void Item::handleActivationReply(const QString& reply)
@@ -94,8 +127,13 @@ void Item::handleActivationReply(const QString& reply)
 void Item::markActivated()
 {
     setProperty("upgrade_ota", true);
+    if (property("upgradsuccessful").toBool())
+        return;
     addTip(tr("更新固件 成功"));
     setProperty("upgradsuccessful", true);
+    // Counted once, as one or the other, or the batch would never end.
+    setProperty("upgradtimeout", false);
+    emit upgradeChanged();
 }
 
 void Item::R_stateChanged(QProcess::ProcessState state)
@@ -109,16 +147,18 @@ void Item::R_stateChanged(QProcess::ProcessState state)
         endDownload(*process);
     } else if (type == QLatin1String("record_del")) {
         emit deleteEnded(process->property("deleted").toBool());
-    } else if (type == QLatin1String("upgrade_ota")) {
+    } else if (type == QLatin1String("upgrade_ota") &&
+               process->property("run").toInt() == m_upgradeRun) {
         // The box restarts to apply the firmware, so that its reply often never arrives.
         markActivated();
     } else if (type == QLatin1String("upgrade_ota_file") &&
+               process->property("run").toInt() == m_upgradeRun &&
                !property("upgrade_ota_file").toBool()) {
         const QString file = process->property("ota_file").toString();
         const QString md5 = process->property("md5").toString();
-        QTimer::singleShot(uploadRetryPauseMs, this, [this, file, md5] {
+        QTimer::singleShot(uploadRetryPauseMs, this, [this, file, md5, run = m_upgradeRun] {
             // The batch may have ended meanwhile.
-            if (!property("upgrading").toBool())
+            if (run != m_upgradeRun || !property("upgrading").toBool())
                 return;
             addTip(tr("重新开始上传固件(%1)").arg(QFileInfo(file).fileName()));
             upload(file, md5);

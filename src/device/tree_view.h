@@ -29,6 +29,8 @@ public:
     /// The once-a-second countdown of the upgrades in progress.
     void startUpgradeTick();
     void stopUpgradeTick();
+    /// The length of a tick in milliseconds, 1000 unless set.
+    void setUpgradeTick(int ms) { m_upgradeTimer.setInterval(ms); }
     bool isUpgradeTickRunning() const { return m_upgradeTimer.isActive(); }
 
     /// While a file is dragged over the list: `pos` in the viewport. A collapsed group under it

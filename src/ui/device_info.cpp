@@ -10,8 +10,6 @@
 #include "ui/hub_state.h"
 #include "ui/result_dispatcher.h"
 
-#include <QRegularExpression>
-
 namespace
 {
 
@@ -50,13 +48,6 @@ QString caption(int place)
     default:
         return DeviceInfo::tr("MAC地址");
     }
-}
-
-bool isMacAddress(const QString& text)
-{
-    static const QRegularExpression pattern(
-        QStringLiteral("\\A[0-9A-Fa-f]{2}([:-]?[0-9A-Fa-f]{2}){5}\\z"));
-    return pattern.match(text).hasMatch();
 }
 
 } // namespace
@@ -100,9 +91,10 @@ void DeviceInfo::updateDevice(const HttpResult& result, const QString& value)
     if (result.parameterName == BoxProtocol::FirmVersion) {
         device->setProperty("FirmVersion", value);
         emit deviceChanged();
-    } else if (result.parameterName == BoxProtocol::MACAddress && isMacAddress(value)) {
-        // Boxes are looked up by this text: anything else could pass for another box.
+    } else if (result.parameterName == BoxProtocol::MACAddress &&
+               BoxProtocol::isMacAddress(value)) {
         device->setProperty("MACAddress", value);
+        emit macReported(result.deviceIp, value);
     }
 }
 

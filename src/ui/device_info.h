@@ -27,6 +27,8 @@ public:
 signals:
     /// Something that the box's row in the device list shows has changed.
     void deviceChanged();
+    /// The box at `ip` has told its MAC address.
+    void macReported(const QString& ip, const QString& mac);
 
 private:
     void showRow(const QString& parameter, const QString& value);

@@ -70,6 +70,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , record(hub, form.control_area->ui, panel, recordings)
     , selection(hub, frame, deviceInfo, panel, events)
     , monitor(form.monitor_top->ui, frame)
+    , upgrade(hub, form.device_list->ui, form.monitor_top->ui, frame, panel, options.upgradeTickMs)
     , updateCheck(*Spark_Http::instance(), options.updateServer, applicationVersion())
     , updatePrompt(hub, applicationVersion(), QCoreApplication::applicationDirPath())
 {

@@ -30,6 +30,7 @@
 #include "ui/result_dispatcher.h"
 #include "ui/tarn_hub.h"
 #include "ui/update_prompt.h"
+#include "ui/upgrade_features.h"
 #include "ui/value_controls.h"
 #include "ui/window_frame.h"
 #include "ui_tarn_hub.h"
@@ -73,6 +74,7 @@ struct Tarn_Hub::Features {
     RecordControl record;
     DeviceSelection selection;
     Monitor monitor;
+    UpgradeFeatures upgrade;
     UpdateCheck updateCheck;
     UpdatePrompt updatePrompt;
 };

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/box_protocol.h"
+
 #include <QObject>
 #include <QString>
-#include <QVariant>
+#include <QVariantMap>
 
 /// The window's named properties: the vocabulary that features share, each name once.
 class HubState
@@ -33,6 +35,25 @@ public:
     {
         m_window->setProperty("otaFilepath", path);
         m_window->setProperty("otaFile", baseName);
+    }
+
+    /// MAC addresses of boxes whose settings are to be written back, and, for a box that gets its
+    /// second try, the address followed by "1".
+    QStringList needRestore() const { return m_window->property("needrestore").toStringList(); }
+    void setNeedRestore(const QStringList& list) { m_window->setProperty("needrestore", list); }
+
+    /// The settings saved of the box with this MAC address. The address is the property's name:
+    /// anything that is none names no property, so it can touch nothing else of the window.
+    QVariantMap savedConfiguration(const QString& mac) const
+    {
+        return BoxProtocol::isMacAddress(mac)
+                   ? m_window->property(mac.toLatin1().constData()).toMap()
+                   : QVariantMap();
+    }
+    void setSavedConfiguration(const QString& mac, const QVariantMap& values)
+    {
+        if (BoxProtocol::isMacAddress(mac))
+            m_window->setProperty(mac.toLatin1().constData(), values);
     }
 
     /// The sources that the selected box can decode, as last read.

@@ -9,6 +9,8 @@
 /// What the command line says.
 struct Options {
     SweepSettings sweep;
+    /// The second by which an upgrade is timed, in milliseconds; tests make it shorter.
+    int upgradeTickMs = 1000;
     QString updateServer; ///< scheme and host, without a trailing "/"
 };
 

@@ -75,6 +75,16 @@ void ParameterPanel::getConfigDeviceinfo(const QString& suffix, const QString& i
     }
 }
 
+QStringList ParameterPanel::snapshotParameters()
+{
+    QStringList names;
+    for (const QLatin1String parameter : panelParameters) {
+        if (parameter != Box::NDIDecodeList)
+            names << parameter;
+    }
+    return names;
+}
+
 void ParameterPanel::getDeviceRecordList()
 {
     m_hub.http.get(QStringLiteral("getDeviceRecordList"),

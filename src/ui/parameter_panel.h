@@ -27,6 +27,8 @@ public:
     /// Otherwise of the box at `ip`, for a snapshot named by `suffix` (its MAC address).
     void getConfigDeviceinfo(const QString& suffix, const QString& ip);
     void getDeviceRecordList();
+    /// The parameters of a snapshot, in the order in which they are read.
+    static QStringList snapshotParameters();
 
     /// One parameter of a box has arrived.
     void handleReply(const HttpResult& result);

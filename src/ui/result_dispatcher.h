@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QHash>
+#include <QMap>
 #include <QString>
 #include <QVariantMap>
 
@@ -23,9 +24,14 @@ public:
     using Handler = std::function<void(const HttpResult& result)>;
 
     void on(const QString& type, Handler handler);
+    /// For every type that begins with `prefix` and that nobody registered whole.
+    void onPrefix(const QString& prefix, Handler handler);
     /// `map` is what Spark_Http::S_finished carries. A type nobody registered is ignored.
     void dispatch(const QVariantMap& map) const;
 
 private:
+    Handler handlerFor(const QString& type) const;
+
     QHash<QString, Handler> m_handlers;
+    QMap<QString, Handler> m_prefixes;
 };

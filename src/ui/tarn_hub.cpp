@@ -72,6 +72,8 @@ void Tarn_Hub::connectFeatures()
     m->decode.registerReplies(m->replies);
     m->live.registerReplies(m->replies);
 
+    m->upgrade.connectTo(m->results, m->actions, m->dropAreas, m->deviceInfo);
+
     m->actions.on(Action::Select, [this](Item* item) { m->selection.select(item); });
     m->actions.on(Action::PlayRecording, [this](Item* item) { m->recordings.playOrStop(item); });
     m->actions.on(Action::RestartDevice, [this](Item* item) { m->selection.restart(item); });
@@ -113,6 +115,7 @@ void Tarn_Hub::R_delayAction()
     m->form.device_list->ui.md5->hide();
     m->form.monitor_top->ui.widget_play_progress->hide();
     refreshLocalIP();
+    m->upgrade.report.loadInterrupted();
     m->devices->startSearch();
     refreshDeviceState();
     m->frame.showNothingSelected();
@@ -224,7 +227,10 @@ void Tarn_Hub::on_refreshDevice_clicked()
     m->devices->forgetIdleDevices();
 }
 
-void Tarn_Hub::on_firmwareUpdate_clicked() {}
+void Tarn_Hub::on_firmwareUpdate_clicked()
+{
+    m->upgrade.batch.choosePackage();
+}
 
 void Tarn_Hub::on_HB_clicked(bool checked)
 {
@@ -271,7 +277,10 @@ void Tarn_Hub::on_colsefull_clicked()
     m->frame.setFullScreen(false);
 }
 
-void Tarn_Hub::on_md5_clicked() {}
+void Tarn_Hub::on_md5_clicked()
+{
+    m->upgrade.md5.run();
+}
 
 void Tarn_Hub::on_video_play_clicked(bool checked)
 {

@@ -84,10 +84,9 @@ void WindowFrame::showNothingSelected()
 
 void WindowFrame::showKora(bool upgrading)
 {
-    Ui::MonitorArea& monitor = m_form.monitor_top->ui;
     m_form.monitor_bottom->setVisible(!upgrading);
     if (upgrading)
-        monitor.stackedWidget->setCurrentWidget(monitor.page_wait);
+        showWaiting();
     else
         showMonitorPage();
     m_form.middle_widget->show();
@@ -95,6 +94,13 @@ void WindowFrame::showKora(bool upgrading)
     m_form.device_info->show();
     m_webPane->setUrl(QString());
     m_form.web_widget->hide();
+}
+
+void WindowFrame::showWaiting()
+{
+    Ui::MonitorArea& monitor = m_form.monitor_top->ui;
+    monitor.stackedWidget->setCurrentWidget(monitor.page_wait);
+    m_form.monitor_bottom->hide();
 }
 
 void WindowFrame::showMonitorPage()

@@ -30,6 +30,8 @@ public:
     void showNothingSelected();
     /// The panes of a KORA box; one that is being upgraded shows the waiting page.
     void showKora(bool upgrading);
+    /// The waiting page, in place of picture and recordings, while the selected box is upgraded.
+    void showWaiting();
     /// The picture, or the stream information, as the monitor's toggle says.
     void showMonitorPage();
     void showWebPage(const QString& url);

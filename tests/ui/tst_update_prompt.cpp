@@ -64,7 +64,7 @@ void tst_UpdatePrompt::open(const QString& latest)
 {
     m_server->furnish(latest);
     m_server->set("/Tarn_Hub_setup.exe", sim::UpdateServer::file("installer"));
-    m_fixture->open(m_server->url());
+    m_fixture->open(1000, m_server->url());
 }
 
 void tst_UpdatePrompt::newerFirmwareIsMarked()
@@ -122,7 +122,7 @@ void tst_UpdatePrompt::swappedInstallerIsNotStarted()
 void tst_UpdatePrompt::upgradeGoesFirst()
 {
     m_server->furnish("1.0.0.10");
-    m_fixture->open(m_server->url());
+    m_fixture->open(1000, m_server->url());
     QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7), 12000);
     m_fixture->item(7)->setProperty("upgrading", true);
     m_server->set("/Tarn_Hub_setup.exe", sim::UpdateServer::file("installer"));

@@ -45,10 +45,15 @@ public:
         return box;
     }
 
+    /// The data folder and the network of another fixture, for a program that runs after it.
+    void useFolder(const QString& appData) { qputenv("APPDATA", appData.toUtf8()); }
+    QString appData() const { return m_folder.path(); }
+
     /// `updateServer`: where to look for newer versions; empty: nowhere.
-    void open(const QString& updateServer = {})
+    void open(int upgradeTickMs = 1000, const QString& updateServer = {})
     {
         Options options;
+        options.upgradeTickMs = upgradeTickMs;
         options.sweep.fping = LAN_FPING;
         options.sweep.subnets = QStringList{m_block + ".0/24"};
         options.updateServer = updateServer.isEmpty() ? "http://" + ip(250) + ":9" : updateServer;

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDialog>
+#include <QTimer>
+
+class QLabel;
+class QTableWidget;
+class UpgradeReport;
+
+/// The report of the upgrades as a table, newest batch first, kept up to date while it is open.
+/// Texts of boxes are shown plain; cells can be copied.
+class UpgradeReportDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    UpgradeReportDialog(const UpgradeReport& report, QWidget* parent);
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void fill();
+    void label();
+    void copySelection() const;
+
+    const UpgradeReport& m_report;
+    QTableWidget* m_table;
+    QLabel* m_summary;
+    QLabel* m_path;
+    QTimer m_clock;
+};
