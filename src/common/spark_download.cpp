@@ -60,6 +60,16 @@ bool waitForSuccess(QNetworkReply& reply)
     return true;
 }
 
+/// A connection that is cut is not always reported as an error.
+bool isWhole(const QNetworkReply& reply, qint64 received)
+{
+    const QVariant announced = reply.header(QNetworkRequest::ContentLengthHeader);
+    if (!announced.isValid() || announced.toLongLong() == received)
+        return true;
+    qDebug().noquote() << "下载不完整 " << received << "/" << announced.toLongLong();
+    return false;
+}
+
 /// GETs `url` into `path`, writing as the data comes so that a large file never sits in memory. No
 /// half file stays behind.
 bool fetchInto(QNetworkAccessManager& manager, const QString& url, const QString& path)
@@ -70,7 +80,10 @@ bool fetchInto(QNetworkAccessManager& manager, const QString& url, const QString
         qDebug().noquote() << "下载文件打开失败 " << part.errorString() << path;
         return false;
     }
-    const ReplyPointer reply(manager.get(httpRequest(url)));
+    QNetworkRequest request = httpRequest(url);
+    // As it is, so that its length can be compared with the announced one.
+    request.setRawHeader("Accept-Encoding", "identity");
+    const ReplyPointer reply(manager.get(request));
     reply->setReadBufferSize(1 << 20);
     reply->setProperty("filepath", path);
     bool written = true;
@@ -82,9 +95,10 @@ bool fetchInto(QNetworkAccessManager& manager, const QString& url, const QString
         }
     };
     QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), drain);
-    const bool received = waitForSuccess(*reply);
+    bool received = waitForSuccess(*reply);
     if (received)
         drain();
+    received = received && isWhole(*reply, part.size());
     part.close();
     QFile::remove(received && written ? path : partPath);
     if (!received || !written || !part.rename(path)) {
