@@ -116,8 +116,11 @@ void ConfigurationRestore::handleSaved(const HttpResult& result)
     // Two boxes may claim one address; their settings must not mix.
     if (found != m_snapshots.end() && found->second.ip != result.deviceIp)
         return;
+    // A round that is repeated must not read what the first has already changed on the box.
+    const bool again =
+        found != m_snapshots.end() && found->second.answered.contains(result.parameterName);
     const bool known = ParameterPanel::snapshotParameters().contains(result.parameterName);
-    const bool hasValue = known && isText(result.value);
+    const bool hasValue = known && !again && isText(result.value);
     if (hasValue) {
         QVariantMap saved = m_hub.state.savedConfiguration(mac);
         saved.insert(result.parameterName, result.value.toString());

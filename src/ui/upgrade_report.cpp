@@ -12,7 +12,7 @@ namespace
 using Stage = UpgradeRow::Stage;
 using Settings = UpgradeRow::Settings;
 
-constexpr int shortestPollMs = 250;
+constexpr int shortestPollMs = 500;
 constexpr int savePauseMs = 100;
 constexpr int pollTicks = 2;
 /// How long a box may stay away, from its activation or the end of the batch.
@@ -173,6 +173,10 @@ bool UpgradeReport::mayWriteBack(const QString& mac, const QString& ip) const
     const UpgradeRow& row = watch->row();
     if (row.stage == Stage::Preparing || row.stage == Stage::Uploading)
         return false;
+    // The order to change over is still unanswered: a restart would end it, and pass for success.
+    if (watch->item && watch->item->property("upgrading").toBool() &&
+        !watch->item->property("upgradsuccessful").toBool())
+        return false;
     if (row.stage == Stage::UploadFailed && !watch->restarting)
         return true;
     const bool back = watch->wasDown || ticksPassed(watch->sinceOrder, quietTicks);
@@ -252,11 +256,13 @@ void UpgradeReport::handleVersion(const HttpResult& result)
         return;
     watch->reported = version;
     UpgradeRow& row = watch->row();
+    const QString before = row.versionAfter;
     // A box that has not gone away yet tells the version that it is about to leave.
     if (version != row.versionBefore || watch->wasDown)
         row.versionAfter = version;
     judge(*watch);
-    touched(watch->session);
+    if (row.settled || row.versionAfter != before)
+        touched(watch->session);
     emit seen(result.deviceIp, row.mac);
 }
 

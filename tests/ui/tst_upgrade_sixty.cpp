@@ -2,7 +2,6 @@
 #include "tests/ui/upgrade_fixture.h"
 
 #include <QLabel>
-#include <QStackedWidget>
 
 /// Sixty boxes at once, some with every fault there is: what is told about each one is right, and
 /// the settings come back byte for byte.
@@ -125,8 +124,7 @@ void tst_UpgradeSixty::upgradesSixtyBoxes()
 
     // In the middle of it.
     QTRY_VERIFY_WITH_TIMEOUT(view->isUpgradeTickRunning(), 5000);
-    QCOMPARE(m_fixture->child<QStackedWidget>("stackedWidget")->currentWidget()->objectName(),
-             QString("page_wait"));
+    QVERIFY(m_fixture->child<QWidget>("page_wait")->isVisible());
     auto* tip = m_fixture->child<QLabel>("tip");
     QTRY_VERIFY_WITH_TIMEOUT(tip->text().contains("上传固件 成功"), 20000);
     const QString status = m_fixture->child<QLabel>("upgrade_status")->text();

@@ -80,6 +80,9 @@ inline void dropOn(QWidget* area, const QStringList& paths)
     for (const QString& path : paths)
         urls << QUrl::fromLocalFile(path);
     files.setUrls(urls);
+    // The application delivers a drop to the widget that the drag has entered.
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(area, &enter);
     QDropEvent drop(QPoint(5, 5), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(area, &drop);
 }
