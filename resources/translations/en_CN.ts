@@ -12,43 +12,43 @@
     <name>BatchUpgrade</name>
     <message>
       <source>升级中,升级期间请不要关闭电源或者操作KORA.共[%1]个,成功[%2]个,未知[%3]个</source>
-      <translation type="unfinished"></translation>
+      <translation>Upgrading. Please do not switch off or operate the KORA boxes. Total [%1], succeeded [%2], unknown [%3]</translation>
     </message>
     <message>
       <source>请您在设备列表中选择要升级固件的设备!</source>
-      <translation type="unfinished"></translation>
+      <translation>Please select the devices to upgrade in the device list!</translation>
     </message>
     <message>
       <source>请您拖拽一个固件包文件到此处!</source>
-      <translation type="unfinished"></translation>
+      <translation>Please drag one firmware package here!</translation>
     </message>
     <message>
       <source>请您拖拽一个有效的固件升级包到此处</source>
-      <translation type="unfinished"></translation>
+      <translation>Please drag a valid firmware package here</translation>
     </message>
     <message>
       <source>即将对您选择的%1个KORA进行升级固件操作,是否确认?</source>
-      <translation type="unfinished"></translation>
+      <translation>The firmware of the %1 selected KORA boxes is about to be upgraded. Continue?</translation>
     </message>
     <message>
       <source>正在计算固件校验值</source>
-      <translation type="unfinished"></translation>
+      <translation>Computing the checksum of the package</translation>
     </message>
     <message>
       <source>文件打开失败! </source>
-      <translation type="unfinished"></translation>
+      <translation>The file cannot be opened! </translation>
     </message>
     <message>
       <source>全部升级完成,KORA即将重启完成固件升级.成功[%1]个</source>
-      <translation type="unfinished"></translation>
+      <translation>All upgraded. The KORA boxes will restart to finish. Succeeded [%1]</translation>
     </message>
     <message>
       <source>部分升级完成,KORA即将重启完成固件升级.成功[%1]个,未知[%2]个</source>
-      <translation type="unfinished"></translation>
+      <translation>Partly upgraded. The KORA boxes will restart to finish. Succeeded [%1], unknown [%2]</translation>
     </message>
     <message>
       <source>选择固件</source>
-      <translation type="unfinished"></translation>
+      <translation>Choose firmware</translation>
     </message>
     <message>
       <source>取消</source>
@@ -56,7 +56,7 @@
     </message>
     <message>
       <source>固件包文件 (%1)</source>
-      <translation type="unfinished"></translation>
+      <translation>Firmware packages (%1)</translation>
     </message>
   </context>
   <context>
@@ -138,15 +138,15 @@
     <name>ConfigurationRestore</name>
     <message>
       <source>%1 恢复设置成功,KORA设备正在重启.</source>
-      <translation type="unfinished"></translation>
+      <translation>%1 settings restored. The KORA device is restarting.</translation>
     </message>
     <message>
       <source>%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.</source>
-      <translation type="unfinished"></translation>
+      <translation>%1 settings could not be restored, even after a retry. Please check the KORA device.</translation>
     </message>
     <message>
       <source>上次固件升级中断时,有%1个KORA的设置尚未恢复(保存于%2),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
-      <translation type="unfinished"></translation>
+      <translation>When the last upgrade was interrupted, the settings of %1 KORA boxes had not been restored (saved %2). Restore them when these boxes are found? Cancel gives these settings up.</translation>
     </message>
   </context>
   <context>
@@ -297,7 +297,7 @@
     </message>
     <message>
       <source>升级报告</source>
-      <translation type="unfinished"></translation>
+      <translation>Upgrade report</translation>
     </message>
   </context>
   <context>
@@ -516,7 +516,7 @@
     <name>Md5Tool</name>
     <message>
       <source>文件打开失败! </source>
-      <translation type="unfinished"></translation>
+      <translation>The file cannot be opened! </translation>
     </message>
   </context>
   <context>
@@ -849,66 +849,66 @@
     <name>UpgradeFeatures</name>
     <message>
       <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
-      <translation type="unfinished"></translation>
+      <translation>The last upgrade was interrupted while %1 KORA boxes were under way. Please see the upgrade report.</translation>
     </message>
   </context>
   <context>
     <name>UpgradeReport</name>
     <message>
       <source>未保留,已切换为DHCP</source>
-      <translation type="unfinished"></translation>
+      <translation>Not kept, switched to DHCP</translation>
     </message>
     <message>
       <source>未保留</source>
-      <translation type="unfinished"></translation>
+      <translation>Not kept</translation>
     </message>
     <message>
       <source>未能完整读取,不恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>Not read completely, not restored</translation>
     </message>
     <message>
       <source>设备未回应,待恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>No answer, to be restored</translation>
     </message>
     <message>
       <source>待恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>To be restored</translation>
     </message>
     <message>
       <source>已恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>Restored</translation>
     </message>
     <message>
       <source>已写回,未核对</source>
-      <translation type="unfinished"></translation>
+      <translation>Written back, not compared</translation>
     </message>
     <message>
       <source>%1项失败</source>
-      <translation type="unfinished"></translation>
+      <translation>%1 failed</translation>
     </message>
     <message>
       <source>已放弃恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>Given up</translation>
     </message>
     <message>
       <source>升级后未再回应</source>
-      <translation type="unfinished"></translation>
+      <translation>No answer since the upgrade</translation>
     </message>
     <message>
       <source>版本没有变化</source>
-      <translation type="unfinished"></translation>
+      <translation>The version has not changed</translation>
     </message>
     <message>
       <source>MAC地址未知,无法证实</source>
-      <translation type="unfinished"></translation>
+      <translation>MAC address unknown, cannot be proved</translation>
     </message>
     <message>
       <source>批次</source>
-      <translation type="unfinished"></translation>
+      <translation>Batch</translation>
     </message>
     <message>
       <source>设备</source>
-      <translation type="unfinished"></translation>
+      <translation>Device</translation>
     </message>
     <message>
       <source>MAC地址</source>
@@ -916,86 +916,86 @@
     </message>
     <message>
       <source>升级前版本</source>
-      <translation type="unfinished"></translation>
+      <translation>Version before</translation>
     </message>
     <message>
       <source>升级后版本</source>
-      <translation type="unfinished"></translation>
+      <translation>Version after</translation>
     </message>
     <message>
       <source>结果</source>
-      <translation type="unfinished"></translation>
+      <translation>Verdict</translation>
     </message>
     <message>
       <source>设置恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>Settings</translation>
     </message>
     <message>
       <source>用时(秒)</source>
-      <translation type="unfinished"></translation>
+      <translation>Time (s)</translation>
     </message>
     <message>
       <source>固件包</source>
-      <translation type="unfinished"></translation>
+      <translation>Package</translation>
     </message>
     <message>
       <source>固件MD5</source>
-      <translation type="unfinished"></translation>
+      <translation>Package MD5</translation>
     </message>
     <message>
       <source>说明</source>
-      <translation type="unfinished"></translation>
+      <translation>Remark</translation>
     </message>
     <message>
       <source>进行中</source>
-      <translation type="unfinished"></translation>
+      <translation>Under way</translation>
     </message>
     <message>
       <source>已证实</source>
-      <translation type="unfinished"></translation>
+      <translation>Proved</translation>
     </message>
     <message>
       <source>未证实</source>
-      <translation type="unfinished"></translation>
+      <translation>Not proved</translation>
     </message>
     <message>
       <source>失败</source>
-      <translation type="unfinished"></translation>
+      <translation>Failed</translation>
     </message>
     <message>
       <source>已中断</source>
-      <translation type="unfinished"></translation>
+      <translation>Interrupted</translation>
     </message>
     <message>
       <source>此批次升级曾被中断</source>
-      <translation type="unfinished"></translation>
+      <translation>This batch was interrupted</translation>
     </message>
     <message>
       <source>中断时尚未开始上传</source>
-      <translation type="unfinished"></translation>
+      <translation>Interrupted before its upload began</translation>
     </message>
     <message>
       <source>中断时正在上传</source>
-      <translation type="unfinished"></translation>
+      <translation>Interrupted during its upload</translation>
     </message>
     <message>
       <source>中断时已开始更新固件</source>
-      <translation type="unfinished"></translation>
+      <translation>Interrupted after its update had begun</translation>
     </message>
   </context>
   <context>
     <name>UpgradeReportDialog</name>
     <message>
       <source>升级报告</source>
-      <translation type="unfinished"></translation>
+      <translation>Upgrade report</translation>
     </message>
     <message>
       <source>共[%1]个,已证实[%2]个,未证实[%3]个,失败[%4]个,已中断[%5]个,进行中[%6]个</source>
-      <translation type="unfinished"></translation>
+      <translation>Total [%1]: proved [%2], not proved [%3], failed [%4], interrupted [%5], under way [%6]</translation>
     </message>
     <message>
       <source>报告文件: </source>
-      <translation type="unfinished"></translation>
+      <translation>Report file: </translation>
     </message>
   </context>
   <context>

@@ -12,43 +12,43 @@
     <name>BatchUpgrade</name>
     <message>
       <source>升级中,升级期间请不要关闭电源或者操作KORA.共[%1]个,成功[%2]个,未知[%3]个</source>
-      <translation type="unfinished"></translation>
+      <translation>업그레이드 중입니다. KORA의 전원을 끄거나 조작하지 마세요. 전체 [%1]개, 성공 [%2]개, 알 수 없음 [%3]개</translation>
     </message>
     <message>
       <source>请您在设备列表中选择要升级固件的设备!</source>
-      <translation type="unfinished"></translation>
+      <translation>장치 목록에서 업그레이드할 장치를 선택하세요!</translation>
     </message>
     <message>
       <source>请您拖拽一个固件包文件到此处!</source>
-      <translation type="unfinished"></translation>
+      <translation>펌웨어 패키지 파일 하나를 여기로 끌어 놓으세요!</translation>
     </message>
     <message>
       <source>请您拖拽一个有效的固件升级包到此处</source>
-      <translation type="unfinished"></translation>
+      <translation>올바른 펌웨어 패키지를 여기로 끌어 놓으세요</translation>
     </message>
     <message>
       <source>即将对您选择的%1个KORA进行升级固件操作,是否确认?</source>
-      <translation type="unfinished"></translation>
+      <translation>선택한 KORA %1개의 펌웨어를 업그레이드합니다. 계속할까요?</translation>
     </message>
     <message>
       <source>正在计算固件校验值</source>
-      <translation type="unfinished"></translation>
+      <translation>패키지 체크섬을 계산하는 중</translation>
     </message>
     <message>
       <source>文件打开失败! </source>
-      <translation type="unfinished"></translation>
+      <translation>파일을 열 수 없습니다! </translation>
     </message>
     <message>
       <source>全部升级完成,KORA即将重启完成固件升级.成功[%1]个</source>
-      <translation type="unfinished"></translation>
+      <translation>모두 업그레이드했습니다. KORA가 다시 시작하여 펌웨어 업그레이드를 마칩니다. 성공 [%1]개</translation>
     </message>
     <message>
       <source>部分升级完成,KORA即将重启完成固件升级.成功[%1]个,未知[%2]个</source>
-      <translation type="unfinished"></translation>
+      <translation>일부만 업그레이드했습니다. KORA가 다시 시작하여 펌웨어 업그레이드를 마칩니다. 성공 [%1]개, 알 수 없음 [%2]개</translation>
     </message>
     <message>
       <source>选择固件</source>
-      <translation type="unfinished"></translation>
+      <translation>펌웨어 선택</translation>
     </message>
     <message>
       <source>取消</source>
@@ -56,7 +56,7 @@
     </message>
     <message>
       <source>固件包文件 (%1)</source>
-      <translation type="unfinished"></translation>
+      <translation>펌웨어 패키지 (%1)</translation>
     </message>
   </context>
   <context>
@@ -138,15 +138,15 @@
     <name>ConfigurationRestore</name>
     <message>
       <source>%1 恢复设置成功,KORA设备正在重启.</source>
-      <translation type="unfinished"></translation>
+      <translation>%1 설정을 복원했습니다. KORA 장치를 다시 시작하는 중입니다.</translation>
     </message>
     <message>
       <source>%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.</source>
-      <translation type="unfinished"></translation>
+      <translation>%1 설정 복원에 실패했습니다. 다시 시도했지만 여전히 실패했습니다. KORA 장치를 확인하세요.</translation>
     </message>
     <message>
       <source>上次固件升级中断时,有%1个KORA的设置尚未恢复(保存于%2),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
-      <translation type="unfinished"></translation>
+      <translation>지난 업그레이드가 중단되었을 때 KORA %1개의 설정이 복원되지 않았습니다(%2에 저장됨). 이 장치를 찾으면 복원할까요? 취소하면 이 설정을 버립니다.</translation>
     </message>
   </context>
   <context>
@@ -297,7 +297,7 @@
     </message>
     <message>
       <source>升级报告</source>
-      <translation type="unfinished"></translation>
+      <translation>업그레이드 보고서</translation>
     </message>
   </context>
   <context>
@@ -516,7 +516,7 @@
     <name>Md5Tool</name>
     <message>
       <source>文件打开失败! </source>
-      <translation type="unfinished"></translation>
+      <translation>파일을 열 수 없습니다! </translation>
     </message>
   </context>
   <context>
@@ -849,66 +849,66 @@
     <name>UpgradeFeatures</name>
     <message>
       <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
-      <translation type="unfinished"></translation>
+      <translation>지난 업그레이드가 중단되었습니다. 당시 KORA %1개를 업그레이드하는 중이었습니다. 업그레이드 보고서를 확인하세요.</translation>
     </message>
   </context>
   <context>
     <name>UpgradeReport</name>
     <message>
       <source>未保留,已切换为DHCP</source>
-      <translation type="unfinished"></translation>
+      <translation>유지 안 함, DHCP로 전환됨</translation>
     </message>
     <message>
       <source>未保留</source>
-      <translation type="unfinished"></translation>
+      <translation>유지 안 함</translation>
     </message>
     <message>
       <source>未能完整读取,不恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>완전히 읽지 못해 복원하지 않음</translation>
     </message>
     <message>
       <source>设备未回应,待恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>응답 없음, 복원 대기</translation>
     </message>
     <message>
       <source>待恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>복원 대기</translation>
     </message>
     <message>
       <source>已恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>복원됨</translation>
     </message>
     <message>
       <source>已写回,未核对</source>
-      <translation type="unfinished"></translation>
+      <translation>다시 썼으나 대조하지 않음</translation>
     </message>
     <message>
       <source>%1项失败</source>
-      <translation type="unfinished"></translation>
+      <translation>%1개 실패</translation>
     </message>
     <message>
       <source>已放弃恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>복원 포기</translation>
     </message>
     <message>
       <source>升级后未再回应</source>
-      <translation type="unfinished"></translation>
+      <translation>업그레이드 후 응답 없음</translation>
     </message>
     <message>
       <source>版本没有变化</source>
-      <translation type="unfinished"></translation>
+      <translation>버전이 바뀌지 않음</translation>
     </message>
     <message>
       <source>MAC地址未知,无法证实</source>
-      <translation type="unfinished"></translation>
+      <translation>MAC 주소를 알 수 없어 확인할 수 없음</translation>
     </message>
     <message>
       <source>批次</source>
-      <translation type="unfinished"></translation>
+      <translation>배치</translation>
     </message>
     <message>
       <source>设备</source>
-      <translation type="unfinished"></translation>
+      <translation>장치</translation>
     </message>
     <message>
       <source>MAC地址</source>
@@ -916,86 +916,86 @@
     </message>
     <message>
       <source>升级前版本</source>
-      <translation type="unfinished"></translation>
+      <translation>이전 버전</translation>
     </message>
     <message>
       <source>升级后版本</source>
-      <translation type="unfinished"></translation>
+      <translation>이후 버전</translation>
     </message>
     <message>
       <source>结果</source>
-      <translation type="unfinished"></translation>
+      <translation>결과</translation>
     </message>
     <message>
       <source>设置恢复</source>
-      <translation type="unfinished"></translation>
+      <translation>설정 복원</translation>
     </message>
     <message>
       <source>用时(秒)</source>
-      <translation type="unfinished"></translation>
+      <translation>소요 시간(초)</translation>
     </message>
     <message>
       <source>固件包</source>
-      <translation type="unfinished"></translation>
+      <translation>펌웨어 패키지</translation>
     </message>
     <message>
       <source>固件MD5</source>
-      <translation type="unfinished"></translation>
+      <translation>펌웨어 MD5</translation>
     </message>
     <message>
       <source>说明</source>
-      <translation type="unfinished"></translation>
+      <translation>설명</translation>
     </message>
     <message>
       <source>进行中</source>
-      <translation type="unfinished"></translation>
+      <translation>진행 중</translation>
     </message>
     <message>
       <source>已证实</source>
-      <translation type="unfinished"></translation>
+      <translation>확인됨</translation>
     </message>
     <message>
       <source>未证实</source>
-      <translation type="unfinished"></translation>
+      <translation>미확인</translation>
     </message>
     <message>
       <source>失败</source>
-      <translation type="unfinished"></translation>
+      <translation>실패</translation>
     </message>
     <message>
       <source>已中断</source>
-      <translation type="unfinished"></translation>
+      <translation>중단됨</translation>
     </message>
     <message>
       <source>此批次升级曾被中断</source>
-      <translation type="unfinished"></translation>
+      <translation>이 배치는 중단되었음</translation>
     </message>
     <message>
       <source>中断时尚未开始上传</source>
-      <translation type="unfinished"></translation>
+      <translation>업로드 시작 전에 중단됨</translation>
     </message>
     <message>
       <source>中断时正在上传</source>
-      <translation type="unfinished"></translation>
+      <translation>업로드 중에 중단됨</translation>
     </message>
     <message>
       <source>中断时已开始更新固件</source>
-      <translation type="unfinished"></translation>
+      <translation>업데이트 시작 후에 중단됨</translation>
     </message>
   </context>
   <context>
     <name>UpgradeReportDialog</name>
     <message>
       <source>升级报告</source>
-      <translation type="unfinished"></translation>
+      <translation>업그레이드 보고서</translation>
     </message>
     <message>
       <source>共[%1]个,已证实[%2]个,未证实[%3]个,失败[%4]个,已中断[%5]个,进行中[%6]个</source>
-      <translation type="unfinished"></translation>
+      <translation>전체 [%1]개: 확인됨 [%2]개, 미확인 [%3]개, 실패 [%4]개, 중단됨 [%5]개, 진행 중 [%6]개</translation>
     </message>
     <message>
       <source>报告文件: </source>
-      <translation type="unfinished"></translation>
+      <translation>보고서 파일: </translation>
     </message>
   </context>
   <context>
