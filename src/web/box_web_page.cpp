@@ -46,10 +46,10 @@ bool mayVisit(const QUrl& url)
 /// The engine asks this by the same function as a page's own questions.
 bool isLeaveQuestion(const QString& text)
 {
-    return text ==
-           QCoreApplication::translate(
-               "QWebEnginePage",
-               "Are you sure you want to leave this page? Changes that you made may not be saved.");
+    // Not ours to translate: named apart from the call, it stays out of our translations.
+    static const char question[] =
+        "Are you sure you want to leave this page? Changes that you made may not be saved.";
+    return text == QCoreApplication::translate("QWebEnginePage", question);
 }
 
 } // namespace

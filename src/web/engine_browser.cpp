@@ -81,6 +81,8 @@ EngineBrowser::EngineBrowser(QWidget* parent)
     m_view->setObjectName(QStringLiteral("webEngineView"));
     m_progress->setObjectName(QStringLiteral("webProgress"));
     m_progress->setTextVisible(false);
+    m_progress->setStyleSheet(
+        QStringLiteral("min-height: 0; border: none; background-color: transparent"));
     m_progress->setFixedHeight(progressHeight);
     m_downloads->setSpacing(0);
     // The page keeps its size when the bar comes and goes.

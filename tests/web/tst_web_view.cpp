@@ -121,8 +121,15 @@ void TestWebView::click(const QString& id) const
 
 void TestWebView::selectAndWait(int host)
 {
+    // The page before may be of the same box: only the end of this load tells them apart.
+    bool loaded = !view();
+    QObject context;
+    if (!loaded)
+        connect(view(), &QWebEngineView::loadFinished, &context,
+                [&loaded](bool ok) { loaded = ok; });
     m_lan->clickRow(host);
     QTRY_VERIFY_WITH_TIMEOUT(view() != nullptr, loadMs);
+    QTRY_VERIFY_WITH_TIMEOUT(loaded, loadMs);
     QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
     QCOMPARE(view()->page()->url().host(), m_lan->ip(host));
 }
