@@ -55,7 +55,8 @@ QString noteText(const UpgradeRow& row)
                       : QCoreApplication::translate("UpgradeReport", "版本没有变化"));
     if (row.mac.isEmpty())
         parts << QCoreApplication::translate("UpgradeReport", "MAC地址未知,无法证实");
-    if (!row.note.isEmpty())
+    // "Success", as a box was told it in its activation, is no evidence and would pass for it.
+    if (!row.note.isEmpty() && row.stage != Stage::Activated)
         parts << row.note;
     return parts.join(QStringLiteral("; "));
 }

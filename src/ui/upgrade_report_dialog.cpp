@@ -13,6 +13,8 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -32,6 +34,25 @@ QColor verdictColour(UpgradeRow::Verdict verdict)
         break;
     }
     return QColor();
+}
+
+/// Of sixty boxes those that need somebody must not stand below the fold.
+QVector<const UpgradeRow*> worstFirst(const UpgradeSession& session)
+{
+    const auto rank = [](const UpgradeRow* row) {
+        using Verdict = UpgradeRow::Verdict;
+        const QVector<Verdict> order{Verdict::Failed, Verdict::Interrupted, Verdict::NotProved,
+                                     Verdict::UnderWay};
+        const int place = order.indexOf(row->verdict());
+        return place < 0 ? order.size() : place;
+    };
+    QVector<const UpgradeRow*> rows;
+    for (const UpgradeRow& row : session.rows)
+        rows << &row;
+    std::stable_sort(rows.begin(), rows.end(), [&rank](const UpgradeRow* a, const UpgradeRow* b) {
+        return rank(a) < rank(b);
+    });
+    return rows;
 }
 
 QLabel* plainLabel(QWidget* parent)
@@ -92,7 +113,8 @@ void UpgradeReportDialog::fill()
     QMap<UpgradeRow::Verdict, int> counts;
     int total = 0;
     for (auto it = sessions.crbegin(); it != sessions.crend(); ++it) {
-        for (const UpgradeRow& row : (*it)->rows) {
+        for (const UpgradeRow* listed : worstFirst(**it)) {
+            const UpgradeRow& row = *listed;
             if (total == m_table->rowCount())
                 m_table->insertRow(total);
             const QStringList texts = UpgradeText::cells(**it, row, now);

@@ -45,8 +45,6 @@ public:
         return box;
     }
 
-    /// The data folder and the network of another fixture, for a program that runs after it.
-    void useFolder(const QString& appData) { qputenv("APPDATA", appData.toUtf8()); }
     QString appData() const { return m_folder.path(); }
 
     /// `updateServer`: where to look for newer versions; empty: nowhere.
