@@ -668,13 +668,6 @@
     </message>
   </context>
   <context>
-    <name>QWebEnginePage</name>
-    <message>
-      <source>Are you sure you want to leave this page? Changes that you made may not be saved.</source>
-      <translation>Are you sure you want to leave this page? Changes that you made may not be saved.</translation>
-    </message>
-  </context>
-  <context>
     <name>RecordControl</name>
     <message>
       <source>请您在设备列表中选择要操作的设备!</source>

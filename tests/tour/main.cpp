@@ -29,6 +29,13 @@ QString takeOption(QStringList& arguments, const QString& name)
     return value;
 }
 
+/// The browser engine keeps processes of its own until the very end; they go with this one.
+bool isBrowserEngine(const QByteArray& pid)
+{
+    QFile name("/proc/" + pid + "/comm");
+    return name.open(QIODevice::ReadOnly) && name.readAll().startsWith("QtWebEngine");
+}
+
 /// Processes that this one has started and that still run.
 QByteArray children()
 {
@@ -36,8 +43,10 @@ QByteArray children()
     const auto threads = QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QString& thread : threads) {
         QFile list("/proc/self/task/" + thread + "/children");
-        if (list.open(QIODevice::ReadOnly))
-            found += list.readAll();
+        if (!list.open(QIODevice::ReadOnly))
+            continue;
+        for (const QByteArray& pid : list.readAll().simplified().split(' '))
+            found += pid.isEmpty() || isBrowserEngine(pid) ? QByteArray() : pid + ' ';
     }
     return found.trimmed();
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tour/stops.h"
 #include "tests/tour/recording_stops.h"
+#include "tests/tour/upgrade_stops.h"
 
 #include "device/item.h"
 #include "device/row_zones.h"
@@ -145,16 +146,6 @@ bool boxComesBack(Tour& tour)
     });
 }
 
-bool upgradeMarksNone(Tour& tour)
-{
-    const auto boxes = tour.devices()->treeModel()->items("KORA");
-    for (const Item* box : boxes) {
-        if (box->hasNewerFirmware())
-            return tour.fail("without a package, newer firmware shows for " + box->address());
-    }
-    return boxes.size() == koraBoxes || tour.fail("boxes are missing");
-}
-
 bool chooseLanguage(Tour& tour, int entry)
 {
     return tour.inPopup([&] { tour.click(tour.child<QWidget>("language")); },
@@ -206,7 +197,7 @@ const std::vector<Stop>& allStops()
             {"tooltip", iconExplained},     {"restart-question", restartAsked},
             {"saved", configurationSaved},  {"decode-sources", sourcesListed},
             {"streaming", streamingAsked},  {"offline", boxGoesOffline},
-            {"online-again", boxComesBack}, {"no-upgrade-marks", upgradeMarksNone},
+            {"online-again", boxComesBack},
         };
         const std::vector<Stop> last{
             {"english", inEnglish},
@@ -214,7 +205,7 @@ const std::vector<Stop>& allStops()
             {"web-managed", webBoxSelected},
             {"closing", windowCloses},
         };
-        for (const std::vector<Stop>& more : {recordingStops(), last})
+        for (const std::vector<Stop>& more : {recordingStops(), upgradeStops(), last})
             all.insert(all.end(), more.begin(), more.end());
         return all;
     }();

@@ -12,6 +12,8 @@
 
 #include <memory>
 
+Q_DECLARE_METATYPE(sim::HttpReply)
+
 namespace
 {
 
@@ -256,8 +258,6 @@ void tst_UpdateCheck::closedNetworkIsSilent()
     QVERIFY(m_installers.isEmpty() && m_packages.isEmpty());
     QCOMPARE(filesBelowData().filter("upgrade"), QStringList());
 }
-
-Q_DECLARE_METATYPE(sim::HttpReply)
 
 QTEST_GUILESS_MAIN(tst_UpdateCheck)
 #include "tst_update_check.moc"
