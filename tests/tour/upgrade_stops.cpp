@@ -50,6 +50,11 @@ void selectThree(Tour& tour)
 bool upgradeAsked(Tour& tour)
 {
     const QString package = tour.window().property("otaFilepath").toString();
+    // Slow enough to be watched.
+    for (const QString& ip : upgraded) {
+        if (!tour.tellLan("fault " + ip + " throttle 400000 on upload times 1"))
+            return false;
+    }
     selectThree(tour);
     // Choosing the package leads to the question, which is answered with the third button.
     bool answered = false;
@@ -77,15 +82,18 @@ bool upgradeAsked(Tour& tour)
 
 bool upgradeRuns(Tour& tour)
 {
-    auto* tip = tour.child<QLabel>("tip");
-    // The end of the batch is told in a dialog that holds everything up.
+    return tour.waitFor("what happens to the selected box", [&] {
+        return tour.isShown("page_wait") &&
+               tour.child<QLabel>("tip")->text().contains("开始上传固件");
+    });
+}
+
+bool upgradeEnds(Tour& tour)
+{
     return tour.answerDialog(
         [&] {
-            (void)tour.waitFor("what happens to the selected box",
-                               [&] { return tip->text().contains("上传固件 成功"); });
-            tour.takePicture();
             (void)tour.waitFor(
-                "the end", [] { return openDialog() != nullptr; }, 30);
+                "the end", [] { return openDialog() != nullptr; }, 60);
         },
         "全部升级完成,KORA即将重启完成固件升级.成功[3]个", Qt::Key_Return);
 }
@@ -132,6 +140,7 @@ const std::vector<Stop>& upgradeStops()
         {"newer-firmware", newerFirmwareMarked},
         {"upgrade-question", upgradeAsked},
         {"upgrading", upgradeRuns},
+        {"upgraded", upgradeEnds},
         {"upgrade-report", upgradeProved},
     };
     return stops;
