@@ -39,8 +39,10 @@ VirtualNetwork::VirtualNetwork(const QString& subnet, int boxes, const QStringLi
 {
     qputenv("KORA_LAN_RUN", m_runDir.path().toUtf8());
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(KORA_LAN, {"--subnet", subnet, "--boxes", QString::number(boxes), "--first",
-                               "1", "--no-web", "--run-dir", m_runDir.path()});
+    // Boxes are other machines: they do not take the processor from the window.
+    m_process.start("nice",
+                    {"-n", "10", KORA_LAN, "--subnet", subnet, "--boxes", QString::number(boxes),
+                     "--first", "1", "--no-web", "--run-dir", m_runDir.path()});
     QByteArray output;
     while (!output.contains("ready")) {
         if (!m_process.waitForReadyRead(20000))

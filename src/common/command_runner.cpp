@@ -58,7 +58,7 @@ CommandRunner::CommandRunner(QString owner, Wire wire)
 void CommandRunner::execCurl(const QString& ip, const QString& command,
                              const QVariantMap& properties, ErrorOutput errorOutput)
 {
-    auto* process = new QProcess;
+    QProcess* process = Platform::newModestProcess();
     if (errorOutput == ErrorOutput::Discard)
         discardErrorOutput(process);
     process->setProperty("ip", ip);

@@ -6,6 +6,8 @@
 #include <QStringList>
 
 /// What differs between operating systems. One source file per system stands behind this header.
+class QProcess;
+
 namespace Platform
 {
 
@@ -26,6 +28,10 @@ struct ChildInput {
 
 /// Prepares `arguments` of curl so that the data it posts is UTF-8 on the wire on every system.
 ChildInput curlInput(const QStringList& arguments);
+
+/// A child process without parent that leaves the processor to the window when both want it: sixty
+/// uploads at once must not make the window stutter.
+QProcess* newModestProcess();
 
 /// Makes text passed to and read from child processes UTF-8 where the system lets a program choose.
 void useUtf8ForChildProcesses();

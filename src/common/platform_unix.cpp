@@ -46,10 +46,26 @@ bool mayHaveNamespaces()
 #endif
 }
 
+class ModestProcess : public QProcess
+{
+protected:
+    void setupChildProcess() override
+    {
+        // Failing to is no reason to leave the work undone.
+        if (nice(10) == -1)
+            return;
+    }
+};
+
 } // namespace
 
 namespace Platform
 {
+
+QProcess* newModestProcess()
+{
+    return new ModestProcess;
+}
 
 ChildInput curlInput(const QStringList& arguments)
 {

@@ -8,8 +8,19 @@
 #include <QDir>
 #include <QProcess>
 
+#include <windows.h>
+
 namespace Platform
 {
+
+QProcess* newModestProcess()
+{
+    auto* process = new QProcess;
+    process->setCreateProcessArgumentsModifier([](QProcess::CreateProcessArguments* arguments) {
+        arguments->flags |= BELOW_NORMAL_PRIORITY_CLASS;
+    });
+    return process;
+}
 
 ChildInput curlInput(const QStringList& arguments)
 {

@@ -25,7 +25,7 @@ namespace
 constexpr int allowanceTicks = 600;
 constexpr int firstProgress = 30;
 /// Starting a process takes the window's thread some milliseconds: sixty at once would be seen.
-constexpr int startPauseMs = 5;
+constexpr int startPauseMs = 10;
 
 QString statusText(int total, int successful, int unknown)
 {
