@@ -36,6 +36,8 @@ FFmpegThread::~FFmpegThread()
 {
     requestStop();
     wait();
+    // run() has let go of everything before it last held this.
+    const std::lock_guard<std::mutex> lock(m_restMutex);
 }
 
 void FFmpegThread::setUrl(const QString& url)
@@ -105,10 +107,11 @@ void FFmpegThread::run()
         }
     }
     free();
+    writePlayerLine(QStringLiteral("stop ffmpeg thread"));
+    const std::lock_guard<std::mutex> lock(m_restMutex);
     m_waitingSince = 0;
     m_stopPlay = false;
     m_needInit = false;
-    writePlayerLine(QStringLiteral("stop ffmpeg thread"));
 }
 
 /// Reads one packet and shows the picture that it completes.

@@ -7,6 +7,7 @@ extern "C" {
 }
 
 #include <array>
+#include <atomic>
 #include <mutex>
 
 namespace
@@ -18,7 +19,8 @@ constexpr int Overrun = 64;
 } // namespace
 
 struct FramePool::Slot {
-    std::shared_ptr<Shared> owner; // while an image refers to the buffer
+    std::shared_ptr<Shared> owner;       // while an image refers to the buffer; under its mutex
+    std::atomic<Shared*> guard{nullptr}; // owner, for who gives the buffer back
     uchar* buffer = nullptr;
 };
 
@@ -26,13 +28,13 @@ struct FramePool::Shared {
     explicit Shared(const QSize& pictureSize) : size(pictureSize) {}
     ~Shared()
     {
-        for (Slot& slot : slots_)
+        for (Slot& slot : entries)
             av_free(slot.buffer);
     }
 
     const QSize size;
     std::mutex mutex; // guards what follows
-    std::array<Slot, Limit> slots_;
+    std::array<Slot, Limit> entries;
 };
 
 FramePool::FramePool(const QSize& size) : m_shared(std::make_shared<Shared>(size)) {}
@@ -48,7 +50,7 @@ QImage FramePool::take()
 {
     const QSize size = m_shared->size;
     const std::lock_guard<std::mutex> lock(m_shared->mutex);
-    for (Slot& slot : m_shared->slots_) {
+    for (Slot& slot : m_shared->entries) {
         if (slot.owner)
             continue;
         if (!slot.buffer) {
@@ -61,8 +63,10 @@ QImage FramePool::take()
             return {};
         QImage image(slot.buffer, size.width(), size.height(), size.width() * 4,
                      QImage::Format_RGB32, &FramePool::giveBack, &slot);
-        if (!image.isNull())
+        if (!image.isNull()) {
             slot.owner = m_shared;
+            slot.guard = m_shared.get();
+        }
         return image;
     }
     return {};
@@ -73,6 +77,6 @@ void FramePool::giveBack(void* slot)
     // The last image takes the buffers with it, but only after the lock is released.
     std::shared_ptr<Shared> owner;
     auto* returned = static_cast<Slot*>(slot);
-    const std::lock_guard<std::mutex> lock(returned->owner->mutex);
+    const std::lock_guard<std::mutex> lock(returned->guard.load()->mutex);
     owner = std::move(returned->owner);
 }
