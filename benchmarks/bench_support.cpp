@@ -49,11 +49,16 @@ VirtualNetwork::VirtualNetwork(const QString& subnet, int boxes, const QStringLi
             qFatal("the virtual network did not start: %s", output.constData());
         output += m_process.readAllStandardOutput();
     }
-    for (const QString& command : commands)
-        m_process.write(command.toUtf8() + '\n');
-    m_process.waitForBytesWritten();
+    for (const QString& line : commands)
+        command(line);
     QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
                      [this] { m_process.readAllStandardOutput(); });
+}
+
+void VirtualNetwork::command(const QString& line)
+{
+    m_process.write(line.toUtf8() + '\n');
+    m_process.waitForBytesWritten();
 }
 
 VirtualNetwork::~VirtualNetwork()

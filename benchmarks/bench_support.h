@@ -36,6 +36,8 @@ public:
     /// Serves `boxes` KORA boxes from .1 upwards in `subnet`; ends the program when it cannot.
     VirtualNetwork(const QString& subnet, int boxes, const QStringList& commands = {});
     ~VirtualNetwork();
+    /// Gives the network a command as kora-lan reads it.
+    void command(const QString& line);
 
 private:
     QTemporaryDir m_runDir;

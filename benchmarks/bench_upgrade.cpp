@@ -15,12 +15,16 @@
 #include <QMimeData>
 #include <QUrl>
 
+#include <cstdio>
+
 namespace
 {
 
 const char* const subnet = "127.77.52.0/24";
 constexpr int boxes = 60;
 constexpr int packageMb = 32;
+/// Bytes a second for each of sixty boxes behind one gigabit port.
+constexpr int gigabitShare = 2000000;
 
 void makePackage(const QString& path)
 {
@@ -71,23 +75,9 @@ void drop(QWidget* area, const QString& path)
     QApplication::sendEvent(area, &event);
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+/// One batch and curl's uploads before it; true when both limits hold.
+bool measure(Tarn_Hub& window, const QString& package, const char* link)
 {
-    StartUp::setAttributes();
-    QApplication application(argc, argv);
-    QTemporaryDir data;
-    qputenv("APPDATA", data.path().toUtf8());
-    const QString package = data.path() + "/KORA_1.2.0.623.dat";
-    makePackage(package);
-    const VirtualNetwork network(subnet, boxes);
-    StartUp::dress(application);
-    Options options;
-    options.sweep = {LAN_FPING, {subnet}};
-    options.updateServer = "http://127.77.52.254:9";
-    Tarn_Hub window(options);
-    window.show();
     auto& view = *window.findChild<TreeView*>("deviceView");
     const auto ready = [&] {
         int known = 0;
@@ -96,18 +86,10 @@ int main(int argc, char* argv[])
             known += item->macAddress().isEmpty() ? 0 : 1;
         return known == boxes;
     };
-    waitUntil(ready, 20000, "the boxes");
-    serve(2000);
-    curlSeconds(package); // the first run fills the caches
-    const double before = curlSeconds(package);
-    serve(2000);
-
-    QTimer answer;
-    QObject::connect(&answer, &QTimer::timeout, &window, [] {
-        if (QWidget* dialog = QApplication::activeModalWidget())
-            dialog->findChild<QAbstractButton*>("okpushButton")->click();
-    });
-    answer.start(20);
+    waitUntil(ready, 60000, "the boxes");
+    serve(3000);
+    const double curls = curlSeconds(package);
+    serve(3000);
     view.selectAll();
     const auto items = view.treeModel()->items("KORA");
     const auto uploaded = [&] {
@@ -116,7 +98,6 @@ int main(int argc, char* argv[])
             count += item->property("upgrade_ota_file").toBool() ? 1 : 0;
         return count;
     };
-    serve(500);
     drop(window.findChild<QWidget*>("device_list"), package);
     waitUntil([&] { return items.first()->property("upgrading").toBool(); }, 10000, "the answer");
     GapMeter meter;
@@ -128,16 +109,48 @@ int main(int argc, char* argv[])
     const double ours = double(clock.nsecsElapsed()) / 1e9;
     meter.stop();
     const double processor = processorSeconds() - processorBefore;
-    serve(25000); // they come back
-    const double after = curlSeconds(package);
-    const double curls = (before + after) / 2;
 
-    report("60 uploads of 32 MB, digest and reads included", ours, "s", "-");
-    report("the same uploads by one curl --parallel, before", before, "s", "-");
-    report("the same uploads by one curl --parallel, after", after, "s", "-");
-    report("ratio to curl's mean", ours / curls, "", "<= 1.1");
-    report("processor time of the window meanwhile", processor, "s", "-");
-    report("longest gap while uploading", meter.longestMs(), "ms", "< 50");
-    report("gaps over 50 ms", meter.gapsOver(50), "", "0");
-    return ours / curls <= 1.1 && meter.longestMs() < 50 ? 0 : 1;
+    std::printf("%s\n", link);
+    report("  60 uploads of 32 MB, digest and reads included", ours, "s", "-");
+    report("  the same uploads by one curl --parallel", curls, "s", "-");
+    report("  ratio", ours / curls, "", "<= 1.1");
+    report("  processor time of the window meanwhile", processor, "s", "-");
+    report("  longest gap while uploading", meter.longestMs(), "ms", "< 50");
+    report("  gaps over 50 ms", meter.gapsOver(50), "", "0");
+    return ours / curls <= 1.1 && meter.longestMs() < 50;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    StartUp::setAttributes();
+    QApplication application(argc, argv);
+    QTemporaryDir data;
+    qputenv("APPDATA", data.path().toUtf8());
+    const QString package = data.path() + "/KORA_1.2.0.623.dat";
+    makePackage(package);
+    VirtualNetwork network(subnet, boxes);
+    StartUp::dress(application);
+    Options options;
+    options.sweep = {LAN_FPING, {subnet}};
+    options.updateServer = "http://127.77.52.254:9";
+    Tarn_Hub window(options);
+    window.show();
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, &window, [] {
+        if (QWidget* dialog = QApplication::activeModalWidget())
+            dialog->findChild<QAbstractButton*>("okpushButton")->click();
+    });
+    answer.start(20);
+
+    for (int host = 1; host <= boxes; ++host)
+        network.command(
+            QStringLiteral("fault 127.77.52.%1 throttle %2 on upload").arg(host).arg(gigabitShare));
+    const bool good = measure(window, package, "Through a gigabit port, shared by all boxes:");
+    for (int host = 1; host <= boxes; ++host)
+        network.command(QStringLiteral("clear 127.77.52.%1").arg(host));
+    serve(25000); // they come back with their new firmware
+    measure(window, package, "As fast as this computer serves the boxes as well:");
+    return good ? 0 : 1;
 }

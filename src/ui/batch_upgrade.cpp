@@ -25,7 +25,7 @@ namespace
 constexpr int allowanceTicks = 600;
 constexpr int firstProgress = 30;
 /// Starting a process takes the window's thread some milliseconds: sixty at once would be seen.
-constexpr int startPauseMs = 10;
+constexpr int startPauseMs = 5;
 
 QString statusText(int total, int successful, int unknown)
 {
@@ -187,8 +187,16 @@ void BatchUpgrade::giveUp(const Pending& pending)
     messageBox::ask(tr("文件打开失败! "), m_hub.window);
 }
 
+/// One step a turn, so that the window stays responsive: the reads of one box or the start of one
+/// upload.
 void BatchUpgrade::startNext()
 {
+    if (!m_ready.isEmpty()) {
+        const Start start = m_ready.dequeue();
+        if (start.box && start.box->property("upgrading").toBool())
+            start.box->startUpgrade(start.file, start.md5);
+        return;
+    }
     if (m_starts.isEmpty()) {
         m_startTimer.stop();
         return;
@@ -196,10 +204,9 @@ void BatchUpgrade::startNext()
     const Start start = m_starts.dequeue();
     if (!start.box)
         return;
-    const QString mac = start.box->macAddress();
-    m_restore.save(mac, start.box->address(), start.keep, [start] {
-        if (start.box && start.box->property("upgrading").toBool())
-            start.box->startUpgrade(start.file, start.md5);
+    m_restore.save(start.box->macAddress(), start.box->address(), start.keep, [this, start] {
+        m_ready.enqueue(start);
+        m_startTimer.start();
     });
 }
 

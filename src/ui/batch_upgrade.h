@@ -76,6 +76,7 @@ private:
     UpgradeReport& m_report;
     bool m_asking = false;
     std::vector<Pending> m_pending;
-    QQueue<Start> m_starts;
+    QQueue<Start> m_starts; ///< their settings are still to be read
+    QQueue<Start> m_ready;  ///< their upload is still to be started
     QTimer m_startTimer;
 };
