@@ -41,6 +41,7 @@ UpdateServer::UpdateServer(QString address, quint16 port)
     , m_server(m_address, port,
                {[this](const HttpRequest& request) { return answer(request); }, {}, {}})
 {
+    m_others.status = 404;
 }
 
 QString UpdateServer::url(const QString& path) const
@@ -52,6 +53,12 @@ void UpdateServer::set(const QString& path, const HttpReply& reply)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_replies.insert(path, reply);
+}
+
+void UpdateServer::setOthers(const HttpReply& reply)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_others = reply;
 }
 
 HttpReply UpdateServer::file(const QByteArray& content, const QString& offeredName)
@@ -106,9 +113,7 @@ HttpReply UpdateServer::answer(const HttpRequest& request)
     if (m_requests.size() < mostRequests) {
         m_requests << QString::fromLatin1(request.method) + QLatin1Char(' ') + path;
     }
-    HttpReply missing;
-    missing.status = 404;
-    return m_replies.value(path, missing);
+    return m_replies.value(path, m_others);
 }
 
 } // namespace sim

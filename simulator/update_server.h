@@ -26,6 +26,8 @@ public:
 
     /// What `path` ("/fw.dat") is answered with.
     void set(const QString& path, const HttpReply& reply);
+    /// What every other path is answered with.
+    void setOthers(const HttpReply& reply);
     /// A file that is offered under `offeredName`; empty: without a name of its own.
     static HttpReply file(const QByteArray& content, const QString& offeredName = {});
 
@@ -51,8 +53,9 @@ private:
 
     const QString m_address;
     const quint16 m_port;
-    mutable std::mutex m_mutex; // guards the two below
+    mutable std::mutex m_mutex; // guards the three below
     QMap<QString, HttpReply> m_replies;
+    HttpReply m_others;
     QStringList m_requests;
     HttpServer m_server;
 };

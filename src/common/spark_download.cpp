@@ -1,20 +1,19 @@
 // SPDX-License-Identifier: MIT
-// The blocking downloads of Spark_Http.
-#include "common/spark_http.h"
+#include "common/spark_download.h"
 
-#include "common/background.h"
 #include "common/file_digest.h"
-#include "common/http_request.h"
 #include "common/safe_name.h"
 
 #include <QDebug>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
+#include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QSaveFile>
+#include <QStorageInfo>
+#include <QThread>
 #include <QUrl>
-
-#include <memory>
 
 namespace
 {
@@ -24,6 +23,14 @@ namespace
 constexpr int SilenceLimitMs = 60000;
 
 using ReplyPointer = std::unique_ptr<QNetworkReply>;
+
+QNetworkRequest requestFor(const QString& url)
+{
+    QNetworkRequest request(QUrl::fromEncoded(url.toUtf8(), QUrl::StrictMode));
+    // As it is, so that its length can be compared with the announced one.
+    request.setRawHeader("Accept-Encoding", "identity");
+    return request;
+}
 
 bool isRedirect(const QNetworkReply& reply)
 {
@@ -48,7 +55,7 @@ bool waitForSuccess(QNetworkReply& reply)
     if (!reply.isFinished())
         loop.exec();
     if (!reply.isFinished())
-        return false; // the program is closing
+        return false; // given up
     if (reply.error() != QNetworkReply::NoError) {
         qDebug().noquote() << "下载错误 " << reply.url().toEncoded() << reply.errorString();
         return false;
@@ -60,53 +67,21 @@ bool waitForSuccess(QNetworkReply& reply)
     return true;
 }
 
+/// The length that the server announces, below 0 when it announces none.
+qint64 announcedLength(const QNetworkReply& reply)
+{
+    const QVariant length = reply.header(QNetworkRequest::ContentLengthHeader);
+    return length.isValid() ? length.toLongLong() : -1;
+}
+
 /// A connection that is cut is not always reported as an error.
 bool isWhole(const QNetworkReply& reply, qint64 received)
 {
-    const QVariant announced = reply.header(QNetworkRequest::ContentLengthHeader);
-    if (!announced.isValid() || announced.toLongLong() == received)
+    const qint64 announced = announcedLength(reply);
+    if (announced < 0 || announced == received)
         return true;
-    qDebug().noquote() << "下载不完整 " << received << "/" << announced.toLongLong();
+    qDebug().noquote() << "下载不完整 " << received << "/" << announced;
     return false;
-}
-
-/// GETs `url` into `path`, writing as the data comes so that a large file never sits in memory. No
-/// half file stays behind.
-bool fetchInto(QNetworkAccessManager& manager, const QString& url, const QString& path)
-{
-    const QString partPath = path + QStringLiteral(".part");
-    QFile part(partPath);
-    if (!part.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        qDebug().noquote() << "下载文件打开失败 " << part.errorString() << path;
-        return false;
-    }
-    QNetworkRequest request = httpRequest(url);
-    // As it is, so that its length can be compared with the announced one.
-    request.setRawHeader("Accept-Encoding", "identity");
-    const ReplyPointer reply(manager.get(request));
-    reply->setReadBufferSize(1 << 20);
-    reply->setProperty("filepath", path);
-    bool written = true;
-    const auto drain = [&] {
-        const QByteArray data = reply->readAll();
-        if (!isRedirect(*reply) && part.write(data) != data.size()) {
-            written = false;
-            reply->abort();
-        }
-    };
-    QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), drain);
-    bool received = waitForSuccess(*reply);
-    if (received)
-        drain();
-    received = received && isWhole(*reply, part.size());
-    part.close();
-    QFile::remove(received && written ? path : partPath);
-    if (!received || !written || !part.rename(path)) {
-        QFile::remove(partPath);
-        return false;
-    }
-    qDebug().noquote() << "下载文件完成 " << path;
-    return true;
 }
 
 QString freePath(const QString& folder, const QString& name)
@@ -133,48 +108,130 @@ QString offeredName(const QNetworkReply& reply)
     return name.isEmpty() ? QString() : safeFileName(name);
 }
 
-QString digestInBackground(const QString& path)
-{
-    QString digest;
-    runInBackground([&] { digest = fileMd5(path); });
-    return digest;
-}
-
 } // namespace
 
-QString Spark_Http::downloadFile(const QString& url, const QString& savePath)
+SparkDownload::SparkDownload(QString url, QString folder, QObject* parent)
+    : QObject(parent), m_url(std::move(url)), m_folder(std::move(folder))
 {
-    QNetworkAccessManager manager;
-    manager.setTransferTimeout(SilenceLimitMs);
-    QString name = QUrl::fromEncoded(url.toUtf8(), QUrl::StrictMode).fileName();
-    name = name.isEmpty() ? QStringLiteral("download") : safeFileName(name);
-    const QString path = freePath(savePath, name);
-    return fetchInto(manager, url, path) ? path : QString();
 }
 
-QString Spark_Http::downloadFileChecked(const QString& url, const QString& savePath,
-                                        const QString& md5)
+SparkDownload::~SparkDownload()
 {
-    QNetworkAccessManager manager;
-    manager.setTransferTimeout(SilenceLimitMs);
-    const ReplyPointer head(manager.head(httpRequest(url)));
-    head->setProperty("savePath", savePath);
-    if (!waitForSuccess(*head))
-        return QString();
-    const QString name = offeredName(*head);
+    if (!m_thread)
+        return;
+    m_stop = true;
+    m_thread->quit(); // ends the wait for the reply
+    m_thread->wait();
+}
+
+void SparkDownload::start()
+{
+    run([this] { return fetch(); });
+}
+
+void SparkDownload::startChecked(const QString& md5)
+{
+    run([this, md5] { return fetchChecked(md5); });
+}
+
+void SparkDownload::run(const std::function<QString()>& work)
+{
+    m_thread.reset(QThread::create([this, work] {
+        const QString path = work();
+        QMetaObject::invokeMethod(this, [this, path] { emit finished(path); });
+    }));
+    m_thread->setObjectName(QStringLiteral("download"));
+    m_thread->start();
+}
+
+QString SparkDownload::fetch()
+{
+    const QString last = QUrl::fromEncoded(m_url.toUtf8(), QUrl::StrictMode).fileName();
+    const QString name = last.isEmpty() ? QStringLiteral("download") : safeFileName(last);
+    const QString path = freePath(m_folder, name);
+    return fetchInto(path) ? path : QString();
+}
+
+QString SparkDownload::fetchChecked(const QString& md5)
+{
+    QString name;
+    {
+        QNetworkAccessManager manager;
+        manager.setTransferTimeout(SilenceLimitMs);
+        const ReplyPointer head(manager.head(requestFor(m_url)));
+        if (!waitForSuccess(*head))
+            return QString();
+        name = offeredName(*head);
+    }
     if (name.isEmpty())
         return QString();
-
-    const QString path = savePath + name;
+    const QString path = m_folder + name;
     if (QFileInfo::exists(path)) {
-        if (digestInBackground(path) == md5)
+        const QString digest = fileMd5(path, &m_stop);
+        if (m_stop)
+            return QString();
+        if (!digest.isEmpty() && digest == md5)
             return path;
         QFile::remove(path);
     }
-    if (!fetchInto(manager, url, path))
+    if (!fetchInto(path))
         return QString();
-    if (digestInBackground(path) == md5)
+    const QString digest = fileMd5(path, &m_stop);
+    if (!digest.isEmpty() && digest == md5)
         return path;
+    if (!m_stop)
+        qDebug().noquote() << "下载文件校验失败 " << path;
     QFile::remove(path);
     return QString();
+}
+
+/// How many bytes may come.
+qint64 SparkDownload::longestFile() const
+{
+    const QStorageInfo disk(m_folder);
+    return disk.isValid() ? qMin(m_sizeLimit, disk.bytesAvailable() - DiskReserve) : m_sizeLimit;
+}
+
+/// GETs the file into `path`, writing as the data comes so that a large one never sits in memory.
+/// It gets its name when all of it is on the disk.
+bool SparkDownload::fetchInto(const QString& path)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        qDebug().noquote() << "下载文件打开失败 " << file.errorString() << path;
+        return false;
+    }
+    const qint64 longest = longestFile();
+    QNetworkAccessManager manager;
+    manager.setTransferTimeout(SilenceLimitMs);
+    const ReplyPointer reply(manager.get(requestFor(m_url)));
+    reply->setReadBufferSize(1 << 20);
+    qint64 received = 0;
+    bool fits = true;
+    const auto refuse = [&](const QString& why) {
+        if (fits)
+            qDebug().noquote() << "下载文件过大 " << path << why;
+        fits = false;
+        reply->abort();
+    };
+    const auto drain = [&] {
+        const QByteArray data = reply->readAll();
+        received += data.size();
+        if (received > longest)
+            refuse(QString::number(received));
+        else if (!isRedirect(*reply) && file.write(data) != data.size())
+            refuse(file.errorString());
+    };
+    QObject::connect(reply.get(), &QNetworkReply::metaDataChanged, reply.get(), [&] {
+        if (announcedLength(*reply) > longest)
+            refuse(QString::number(announcedLength(*reply)));
+    });
+    QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), drain);
+    if (!waitForSuccess(*reply))
+        return false;
+    drain();
+    if (!fits || !isWhole(*reply, received) || m_stop || !file.commit())
+        return false;
+    qDebug().noquote() << "下载文件完成 " << path;
+    return true;
 }

@@ -3,11 +3,33 @@
 
 #include "common/http_request.h"
 #include "common/operation_log.h"
+#include "common/spark_download.h"
 
 #include <QEventLoop>
 #include <QNetworkReply>
 #include <QPointer>
 #include <QUuid>
+
+#include <functional>
+
+namespace
+{
+
+/// Serves events until `download`, which `start` starts, has ended.
+QString waitFor(SparkDownload& download, const std::function<void()>& start)
+{
+    QString path;
+    QEventLoop loop;
+    QObject::connect(&download, &SparkDownload::finished, &loop, [&](const QString& written) {
+        path = written;
+        loop.quit();
+    });
+    start();
+    loop.exec();
+    return path;
+}
+
+} // namespace
 
 Spark_Http::Spark_Http() : m_manager(new QNetworkAccessManager(this))
 {
@@ -35,6 +57,19 @@ QString Spark_Http::get(const QString& type, const QString& url, bool isblocking
     reply->setProperty("eventLoop", QVariant::fromValue(QPointer<QObject>(&loop)));
     loop.exec(QEventLoop::ExcludeUserInputEvents);
     return loop.property("body").toString();
+}
+
+QString Spark_Http::downloadFile(const QString& url, const QString& savePath)
+{
+    SparkDownload download(url, savePath);
+    return waitFor(download, [&] { download.start(); });
+}
+
+QString Spark_Http::downloadFileChecked(const QString& url, const QString& savePath,
+                                        const QString& md5)
+{
+    SparkDownload download(url, savePath);
+    return waitFor(download, [&] { download.startChecked(md5); });
 }
 
 void Spark_Http::R_finished()

@@ -27,13 +27,12 @@ public:
     /// body. `type` is the routing word of the answer.
     QString get(const QString& type, const QString& url, bool isblocking);
 
-    /// Blocking. Downloads `url` into the folder `savePath` (ending in "/") under the first free
-    /// name. Returns the path written, empty on failure.
+    /// Blocking, serving events: SparkDownload::start(). Returns the path written, empty on
+    /// failure. `savePath` is a folder and ends in "/".
     QString downloadFile(const QString& url, const QString& savePath);
 
-    /// Blocking. Downloads `url` under the name that the server offers and compares the file's
-    /// MD5, in lower-case hex. A file already there with that digest is used as it is. Returns the
-    /// path, empty on failure.
+    /// Blocking, serving events: SparkDownload::startChecked(). Returns the path, empty on
+    /// failure.
     QString downloadFileChecked(const QString& url, const QString& savePath, const QString& md5);
 
 signals:

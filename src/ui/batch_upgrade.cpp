@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/batch_upgrade.h"
 
+#include "common/package_digest.h"
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
@@ -8,7 +9,6 @@
 #include "ui/configuration_restore.h"
 #include "ui/hub_state.h"
 #include "ui/package_dialog.h"
-#include "ui/package_digest.h"
 #include "ui/upgrade_report.h"
 #include "ui/window_frame.h"
 #include "ui_monitor_area.h"

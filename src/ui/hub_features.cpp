@@ -2,6 +2,7 @@
 #include "ui/hub_features.h"
 
 #include "common/spark_http.h"
+#include "device/item.h"
 #include "device/tree_view.h"
 #include "ui/areas.h"
 #include "ui/options.h"
@@ -72,6 +73,13 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , monitor(form.monitor_top->ui, frame)
     , upgrade(hub, form.device_list->ui, form.monitor_top->ui, frame, panel, options.upgradeTickMs)
     , updateCheck(*Spark_Http::instance(), options.updateServer, applicationVersion())
-    , updatePrompt(hub, applicationVersion(), QCoreApplication::applicationDirPath())
+    , updatePrompt(hub, applicationVersion(), QCoreApplication::applicationDirPath(),
+                   [this] { return mustNotEnd(); })
 {
+}
+
+bool Tarn_Hub::Features::mustNotEnd() const
+{
+    return !devices->upgradeCounts(koraFamily()).allEnded() || !state.needRestore().isEmpty() ||
+           !downloads.isIdle();
 }

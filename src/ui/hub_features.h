@@ -41,6 +41,9 @@
 struct Tarn_Hub::Features {
     Features(Tarn_Hub* window, const Options& options);
 
+    /// Boxes are being upgraded or get their settings back, or recordings are being downloaded.
+    bool mustNotEnd() const;
+
     Ui::Tarn_Hub form;
     HubState state;
     CommandRunner runner;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/md5_tool.h"
 
+#include "common/package_digest.h"
 #include "ui/package_dialog.h"
-#include "ui/package_digest.h"
 #include "widgets/message_box.h"
 
 #include <QFileInfo>

@@ -1,34 +1,43 @@
 // SPDX-License-Identifier: MIT
 #include "ui/update_prompt.h"
 
-#include "common/background.h"
-#include "common/file_digest.h"
+#include "common/package_digest.h"
 #include "common/platform.h"
-#include "device/device_registry.h"
-#include "device/item.h"
 #include "widgets/message_box.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFileInfo>
-#include <QPointer>
 
 namespace
 {
 
-constexpr int retryMs = 5000;
+constexpr int retryMs = 1000;
 /// The updater gets this long to start before the program makes room for it.
 constexpr int handOverMs = 200;
 constexpr int longestVersion = 40;
 
+/// A question or menu that the operator has to deal with first.
+bool isAskedSomething()
+{
+    return QApplication::activeModalWidget() || QApplication::activePopupWidget();
+}
+
 } // namespace
 
-UpdatePrompt::UpdatePrompt(const Hub& hub, QString version, QString folder)
-    : QObject(nullptr), m_hub(hub), m_version(std::move(version)), m_folder(std::move(folder))
+UpdatePrompt::UpdatePrompt(const Hub& hub, QString version, QString folder,
+                           std::function<bool()> isBusy)
+    : QObject(nullptr)
+    , m_hub(hub)
+    , m_version(std::move(version))
+    , m_folder(std::move(folder))
+    , m_isBusy(std::move(isBusy))
 {
     m_later.setSingleShot(true);
     m_later.setInterval(retryMs);
     connect(&m_later, &QTimer::timeout, this, &UpdatePrompt::ask);
 }
+
+UpdatePrompt::~UpdatePrompt() = default;
 
 void UpdatePrompt::offer(const Installer& installer)
 {
@@ -38,49 +47,58 @@ void UpdatePrompt::offer(const Installer& installer)
     ask();
 }
 
-bool UpdatePrompt::isUpgrading() const
-{
-    return !m_hub.devices.upgradeCounts(koraFamily()).allEnded();
-}
-
 void UpdatePrompt::ask()
 {
-    if (isUpgrading()) {
+    if (m_isBusy() || isAskedSomething()) {
         m_later.start();
         return;
     }
-    const Installer installer = m_offered;
-    const QPointer<UpdatePrompt> self(this);
     // What is agreed to is this version and this file.
-    const QString question = tr("发现新版本,是否立即升级?") + QStringLiteral("\n\n") +
-                             installer.version.simplified().left(longestVersion) +
-                             QStringLiteral("\n") + QFileInfo(installer.path).fileName();
-    const int answer = messageBox::ask(question, m_hub.window);
-    if (self && answer == messageBox::Confirmed)
-        install(installer);
+    const messageBox* box = show(tr("发现新版本,是否立即升级?") + QStringLiteral("\n\n") +
+                                 m_offered.version.simplified().left(longestVersion) +
+                                 QStringLiteral("\n") + QFileInfo(m_offered.path).fileName());
+    connect(box, &QDialog::finished, this, [this](int answer) {
+        if (answer == messageBox::Confirmed)
+            check();
+    });
 }
 
-void UpdatePrompt::install(const Installer& installer)
+/// Reads the file once more: it may have changed since it was offered.
+void UpdatePrompt::check()
 {
-    const QPointer<UpdatePrompt> self(this);
-    QString digest;
-    runInBackground([&] { digest = fileMd5(installer.path); });
-    if (!self)
-        return;
-    if (digest != installer.digest) {
-        messageBox::ask(tr("安装文件已被更改,未启动升级."), m_hub.window);
+    m_digest = std::make_unique<PackageDigest>(m_offered.path);
+    connect(m_digest.get(), &PackageDigest::ready, this, &UpdatePrompt::install);
+    m_digest->start();
+}
+
+void UpdatePrompt::install()
+{
+    if (m_digest->md5() != m_offered.digest) {
+        show(tr("安装文件已被更改,未启动升级."));
         return;
     }
-    // A batch that began while the question was open goes first.
-    if (isUpgrading()) {
+    // What began meanwhile goes first; the question comes again after it.
+    if (m_isBusy()) {
         m_later.start();
         return;
     }
     if (!Platform::startDetached(m_folder + QStringLiteral("/Upgrade.exe"),
-                                 {QStringLiteral("Tarn Hub.exe"), installer.path, m_version},
+                                 {QStringLiteral("Tarn Hub.exe"), m_offered.path, m_version},
                                  m_folder)) {
-        messageBox::ask(tr("无法启动升级程序."), m_hub.window);
+        show(tr("无法启动升级程序."));
         return;
     }
+    // Nothing may begin any more.
+    m_hub.window->setEnabled(false);
     QTimer::singleShot(handOverMs, qApp, [] { QCoreApplication::exit(0); });
+}
+
+/// A message that the operator has to answer; it belongs to the window and deletes itself.
+messageBox* UpdatePrompt::show(const QString& text)
+{
+    auto* box = new messageBox(text, m_hub.window);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setModal(true);
+    box->show();
+    return box;
 }

@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "update/update_check.h"
 
-#include "common/background.h"
 #include "common/data_path.h"
-#include "common/file_digest.h"
 #include "common/json_map.h"
+#include "common/package_digest.h"
 #include "common/safe_name.h"
+#include "common/spark_download.h"
 #include "common/spark_http.h"
 #include "update/version.h"
 
 #include <QDebug>
 #include <QFileInfo>
-#include <QPointer>
 #include <QUrl>
 
 namespace
@@ -27,19 +26,14 @@ QString text(const QVariantMap& map, const char* name)
     return map.value(QLatin1String(name)).toString();
 }
 
-QString digestOf(const QString& path)
-{
-    QString digest;
-    runInBackground([&] { digest = fileMd5(path); });
-    return digest;
-}
-
 } // namespace
 
 UpdateCheck::UpdateCheck(Spark_Http& http, QString server, QString version)
     : m_http(http), m_server(std::move(server)), m_version(std::move(version))
 {
 }
+
+UpdateCheck::~UpdateCheck() = default;
 
 void UpdateCheck::start()
 {
@@ -53,19 +47,40 @@ void UpdateCheck::handleProgram(const QString& body)
     const QVariantMap build = child(child(jsonToMap(body), "updates"), "windows");
     const QString version = text(build, "latest-version");
     const QString url = text(build, "download-url");
-    if (!isNewerVersion(version, m_version) || !mayDownload(url))
+    if (!m_latest.isEmpty() || !isNewerVersion(version, m_version) || !mayDownload(url))
         return;
     const QString name = QUrl::fromEncoded(url.toUtf8(), QUrl::StrictMode).fileName();
     if (name.isEmpty())
         return;
-    const QPointer<UpdateCheck> self(this);
+    m_latest = version;
+    ++m_jobs;
     const QString folder = dataPath(QStringLiteral("upgrade"));
-    QString target = folder + safeFileName(name);
-    if (!QFileInfo::exists(target))
-        target = m_http.downloadFile(url, folder);
-    const QString digest = target.isEmpty() ? QString() : digestOf(target);
-    if (self && !digest.isEmpty())
-        emit installerReady({version, target, digest});
+    const QString target = folder + safeFileName(name);
+    if (QFileInfo(target).isFile()) {
+        takeInstaller(target);
+        return;
+    }
+    m_installer = std::make_unique<SparkDownload>(url, folder);
+    connect(m_installer.get(), &SparkDownload::finished, this, &UpdateCheck::takeInstaller);
+    m_installer->start();
+}
+
+/// Offers the installer together with what it looks like now, so that another file in its place is
+/// noticed later.
+void UpdateCheck::takeInstaller(const QString& path)
+{
+    if (path.isEmpty()) {
+        --m_jobs;
+        return;
+    }
+    m_installerDigest = std::make_unique<PackageDigest>(path);
+    connect(m_installerDigest.get(), &PackageDigest::ready, this, [this, path] {
+        --m_jobs;
+        const QString digest = m_installerDigest->md5();
+        if (!digest.isEmpty())
+            emit installerReady({m_latest, path, digest});
+    });
+    m_installerDigest->start();
 }
 
 void UpdateCheck::handleFirmware(const QString& body)
@@ -73,13 +88,16 @@ void UpdateCheck::handleFirmware(const QString& body)
     const QVariantMap package = child(jsonToMap(body), "updates");
     const QString digest = text(package, "MD5").trimmed().toLower();
     const QString url = text(package, "download-url");
-    if (digest.isEmpty() || !mayDownload(url))
+    if (m_firmware || digest.isEmpty() || !mayDownload(url))
         return;
-    const QPointer<UpdateCheck> self(this);
-    const QString path =
-        m_http.downloadFileChecked(url, dataPath(QStringLiteral("upgradekora")), digest);
-    if (self && !path.isEmpty())
-        emit firmwareReady(path);
+    ++m_jobs;
+    m_firmware = std::make_unique<SparkDownload>(url, dataPath(QStringLiteral("upgradekora")));
+    connect(m_firmware.get(), &SparkDownload::finished, this, [this](const QString& path) {
+        --m_jobs;
+        if (!path.isEmpty())
+            emit firmwareReady(path);
+    });
+    m_firmware->startChecked(digest);
 }
 
 /// A descriptor names any address. Only web addresses are followed, and one that came encrypted

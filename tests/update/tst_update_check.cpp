@@ -7,8 +7,12 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -44,6 +48,14 @@ private slots:
     void firmwareIsCheckedAndKept();
     void badPackagesLeaveNothing_data();
     void badPackagesLeaveNothing();
+    void offeredNamesStayInTheFolder_data();
+    void offeredNamesStayInTheFolder();
+    void installerNamesStayInTheFolder_data();
+    void installerNamesStayInTheFolder();
+    void halfInstallerIsNoInstaller();
+    void slowPackagesHoldNobodyUp();
+    void givenUpDownloadsLeaveNothing();
+    void encryptedDescriptorsLeadToNothingPlain();
     void closedNetworkIsSilent();
 
 private:
@@ -90,6 +102,8 @@ void tst_UpdateCheck::check()
     });
     check.start();
     QTRY_COMPARE_WITH_TIMEOUT(done, 2, 15000);
+    // A package comes, or fails, after its descriptor.
+    QTRY_VERIFY_WITH_TIMEOUT(!check.isBusy(), 15000);
 }
 
 QStringList tst_UpdateCheck::filesBelowData() const
@@ -249,6 +263,151 @@ void tst_UpdateCheck::badPackagesLeaveNothing()
     check();
     QCOMPARE(m_packages, QStringList());
     QCOMPARE(filesBelowData().filter("upgradekora"), QStringList());
+}
+
+void tst_UpdateCheck::offeredNamesStayInTheFolder_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("up") << "../../evil.dat";
+    QTest::newRow("up, the other way") << "..\\..\\evil.dat";
+    QTest::newRow("only up") << "..";
+    QTest::newRow("from the root") << "/tmp/evil.dat";
+    QTest::newRow("on a drive") << "C:\\evil.dat";
+    QTest::newRow("a stream of a file") << "fw.dat:evil";
+    QTest::newRow("a device") << "CON";
+    QTest::newRow("hidden") << ".bashrc";
+    QTest::newRow("very long") << QString(4000, 'x') + ".dat";
+    QTest::newRow("a folder") << "evil/";
+    QTest::newRow("markup and signs") << "<b>%1 $(id) `id` --help.dat";
+}
+
+void tst_UpdateCheck::offeredNamesStayInTheFolder()
+{
+    QFETCH(QString, name);
+    m_server->set("/fw", sim::UpdateServer::file("firmware", name));
+    m_server->offerFirmware(md5("firmware"), m_server->url("/fw"));
+    check();
+    QCOMPARE(m_packages.size(), 1);
+    QVERIFY(QFileInfo(m_packages.first()).isFile());
+    QCOMPARE(QFileInfo(m_packages.first()).canonicalPath(),
+             QFileInfo(m_data->path() + "/data/Tarn Hub/upgradekora").canonicalFilePath());
+    QCOMPARE(QFileInfo(m_packages.first()).fileName().indexOf(QRegularExpression("[/\\\\:<>]")),
+             -1);
+}
+
+void tst_UpdateCheck::installerNamesStayInTheFolder_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("encoded separators") << "/a/..%2F..%2Fevil.exe";
+    QTest::newRow("encoded, the other way") << "/a/..%5C..%5Cevil.exe";
+    QTest::newRow("encoded dots") << "/a/%2E%2E%2F%2E%2E%2Fevil.exe";
+}
+
+void tst_UpdateCheck::installerNamesStayInTheFolder()
+{
+    QFETCH(QString, path);
+    // Whatever is asked for gets an answer: only the name decides.
+    m_server->setOthers(sim::UpdateServer::file("installer"));
+    m_server->offerProgram("2.0.0", m_server->url(path));
+    check();
+    QCOMPARE(filesBelowData().filter("evil"), QStringList("data/Tarn Hub/upgrade/evil.exe"));
+    QVERIFY(!QFileInfo::exists(m_data->path() + "/../evil.exe"));
+}
+
+/// A program may end at any moment of a download: what is there by then is no installer.
+void tst_UpdateCheck::halfInstallerIsNoInstaller()
+{
+    sim::HttpReply slow = sim::UpdateServer::file(QByteArray(400000, 'i'));
+    slow.bytesPerSecond = 200000;
+    m_server->set("/setup.exe", slow);
+    m_server->offerProgram("1.0.1", m_server->url("/setup.exe"));
+    const QString path = m_data->path() + "/data/Tarn Hub/upgrade/setup.exe";
+    QSet<qint64> sizes;
+    int missing = 0;
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, this, [&] {
+        if (QFileInfo::exists(path))
+            sizes << QFileInfo(path).size();
+        else
+            ++missing;
+    });
+    watch.start(20);
+    check();
+    QVERIFY2(missing > 50, "the download was too fast to be watched");
+    QTRY_COMPARE(sizes, QSet<qint64>{400000});
+    QCOMPARE(m_installers.size(), 1);
+}
+
+/// Somebody waits for a box while an installer comes in for seconds.
+void tst_UpdateCheck::slowPackagesHoldNobodyUp()
+{
+    sim::HttpReply slow = sim::UpdateServer::file(QByteArray(600000, 'i'), "fw.dat");
+    slow.bytesPerSecond = 200000;
+    m_server->set("/slow", slow);
+    m_server->offerProgram("1.0.1", m_server->url("/slow"));
+    m_server->offerFirmware(md5(slow.body), m_server->url("/slow"));
+    sim::HttpReply box;
+    box.body = "{}";
+    box.bytesPerSecond = 5;
+    m_server->set("/box", box);
+
+    UpdateCheck check(*Spark_Http::instance(), m_server->url(), "1.0.0.10");
+    QElapsedTimer clock;
+    qint64 answeredMs = 0;
+    connect(Spark_Http::instance(), &Spark_Http::S_finished, &check, [&](const QVariantMap& map) {
+        if (map.value("type") == "toupgrade")
+            check.handleProgram(map.value("body").toString());
+        else
+            check.handleFirmware(map.value("body").toString());
+    });
+    clock.start();
+    check.start();
+    QCOMPARE(Spark_Http::instance()->get("x", m_server->url("/box"), true), QString("{}"));
+    answeredMs = clock.elapsed();
+    QVERIFY2(answeredMs < 1500, qPrintable(QString::number(answeredMs)));
+    QVERIFY(check.isBusy());
+    QTRY_VERIFY_WITH_TIMEOUT(!check.isBusy(), 15000);
+    QVERIFY2(clock.elapsed() > 2500, "the packages were not slow");
+}
+
+void tst_UpdateCheck::givenUpDownloadsLeaveNothing()
+{
+    sim::HttpReply slow = sim::UpdateServer::file(QByteArray(4000000, 'i'), "fw.dat");
+    slow.bytesPerSecond = 200000;
+    m_server->set("/slow", slow);
+    m_server->offerProgram("1.0.1", m_server->url("/slow"));
+    m_server->offerFirmware(md5(slow.body), m_server->url("/slow"));
+    auto check =
+        std::make_unique<UpdateCheck>(*Spark_Http::instance(), m_server->url(), "1.0.0.10");
+    connect(Spark_Http::instance(), &Spark_Http::S_finished, check.get(),
+            [&](const QVariantMap& map) {
+                if (map.value("type") == "toupgrade")
+                    check->handleProgram(map.value("body").toString());
+                else
+                    check->handleFirmware(map.value("body").toString());
+            });
+    check->start();
+    QTRY_COMPARE(m_server->requests().count("GET /slow"), 2);
+    QElapsedTimer clock;
+    clock.start();
+    check.reset();
+    QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(filesBelowData().filter("/upgrade"), QStringList());
+}
+
+void tst_UpdateCheck::encryptedDescriptorsLeadToNothingPlain()
+{
+    m_server->set("/setup.exe", sim::UpdateServer::file("installer", "fw.dat"));
+    const QString url = m_server->url("/setup.exe");
+    UpdateCheck check(*Spark_Http::instance(), "https://127.77.36.1", "1.0.0.10");
+    check.handleProgram(
+        QString(R"({"updates":{"windows":{"latest-version":"9.0.0","download-url":"%1"}}})")
+            .arg(url));
+    check.handleFirmware(
+        QString(R"({"updates":{"MD5":"%1","download-url":"%2"}})").arg(md5("installer"), url));
+    QVERIFY(!check.isBusy());
+    QTest::qWait(300);
+    QCOMPARE(m_server->requests(), QStringList());
 }
 
 void tst_UpdateCheck::closedNetworkIsSilent()

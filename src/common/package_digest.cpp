@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/package_digest.h"
+#include "common/package_digest.h"
 
 #include "common/file_digest.h"
 

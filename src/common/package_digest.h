@@ -9,8 +9,8 @@
 
 class QThread;
 
-/// The MD5 of a firmware package, computed on a thread of its own. Deleting the object ends the
-/// thread first.
+/// The MD5 of a firmware package or an installer, computed on a thread of its own. Deleting the
+/// object ends the thread first.
 class PackageDigest : public QObject
 {
     Q_OBJECT
