@@ -109,7 +109,7 @@ bool FFmpegSession::openInput(const QString& url)
     av_dict_free(&options);
     m_input.reset(context);
     if (!m_input) {
-        writePlayerLine(QStringLiteral("open input error") + url);
+        writePlayerLine(QStringLiteral("open input error ") + url);
         return false;
     }
     if (avformat_find_stream_info(m_input.get(), nullptr) < 0) {

@@ -156,6 +156,8 @@ void WindowFrame::setFullScreen(bool on)
             pane->hide();
         }
         m_window->showFullScreen();
+        // Escape leads back, whatever had the keyboard.
+        monitor.video_widget->setFocus();
         return;
     }
     for (QWidget* pane : qAsConst(m_hiddenPanes))

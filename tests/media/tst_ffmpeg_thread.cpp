@@ -108,6 +108,8 @@ private slots:
     void silentServerIsGivenUp();
     void stopEndsEveryWait_data();
     void stopEndsEveryWait();
+    void networkStreamsPlay_data();
+    void networkStreamsPlay();
     void pausedStreamGoesOn();
     void growingFileGoesOn();
     void networkReachesNoFiles();
@@ -273,6 +275,54 @@ void tst_FFmpegThread::stopEndsEveryWait()
     QTest::qWait(20);
     // What was stopped has not failed.
     QVERIFY(!player.statuses.contains(FFmpegThread::OpenFailed));
+}
+
+void tst_FFmpegThread::networkStreamsPlay_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("source");
+    QTest::newRow("srt") << "mpegts"
+                         << "srt://127.77.30.7:9710?mode=listener"
+                         << "srt://127.77.30.7:9710";
+    QTest::newRow("udp") << "mpegts"
+                         << "udp://127.77.30.7:9711"
+                         << "udp://127.77.30.7:9711";
+    QTest::newRow("tcp") << "mpegts"
+                         << "tcp://127.77.30.7:9712?listen=1"
+                         << "tcp://127.77.30.7:9712";
+    QTest::newRow("rtmp") << "flv"
+                          << "rtmp://127.77.30.7:9713/live/1"
+                          << "";
+    QTest::newRow("http") << "mpegts"
+                          << "http://127.77.30.7:9714/live.ts"
+                          << "";
+}
+
+void tst_FFmpegThread::networkStreamsPlay()
+{
+    QFETCH(QString, format);
+    QFETCH(QString, target);
+    QFETCH(QString, source);
+    QStringList arguments = QString("-v error -nostdin -re " + QString(Small) +
+                                    " -t 30 -c:v libx264 -g 10 -tune zerolatency -f " + format)
+                                .split(' ');
+    // Some servers have to be told to be one.
+    if (source.isEmpty())
+        arguments << "-listen"
+                  << "1";
+    QProcess server;
+    server.setStandardErrorFile(QProcess::nullDevice());
+    server.start("ffmpeg", arguments << target);
+    QVERIFY(server.waitForStarted());
+    QTest::qWait(1000);
+    Player player(source.isEmpty() ? target : source);
+    QTRY_VERIFY_WITH_TIMEOUT(player.pictures > 20, 12000);
+    QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+    player.thread.stop();
+    QVERIFY(player.thread.wait(500));
+    server.kill();
+    server.waitForFinished();
 }
 
 void tst_FFmpegThread::pausedStreamGoesOn()

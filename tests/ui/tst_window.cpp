@@ -210,8 +210,10 @@ void tst_Window::fullScreenComesAndGoes()
     QTRY_VERIFY(isFull());
     QTest::mouseDClick(video, Qt::LeftButton);
     QTRY_VERIFY(isNormal());
+    child<QWidget>("deviceView")->setFocus();
     QTest::mouseClick(child<QWidget>("full"), Qt::LeftButton);
     QTRY_VERIFY(isFull());
+    QTRY_VERIFY(video->hasFocus());
     QTest::keyClick(video, Qt::Key_Escape);
     QTRY_VERIFY(isNormal());
     QTest::mouseClick(child<QWidget>("full"), Qt::LeftButton);
