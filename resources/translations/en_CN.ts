@@ -664,7 +664,7 @@
     </message>
     <message>
       <source>右键单击可播放本地文件或网络地址</source>
-      <translation>Right-click to play a local file or a network address</translation>
+      <translation>Right-click to play a file or an address</translation>
     </message>
   </context>
   <context>

@@ -664,7 +664,7 @@
     </message>
     <message>
       <source>右键单击可播放本地文件或网络地址</source>
-      <translation>마우스 오른쪽 버튼으로 로컬 파일이나 네트워크 주소를 재생할 수 있습니다</translation>
+      <translation>오른쪽 클릭: 파일 또는 주소 재생</translation>
     </message>
   </context>
   <context>
