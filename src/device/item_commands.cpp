@@ -43,6 +43,7 @@ void Item::reserveForUpgrade()
     setProperty("rtime", 600);
     setProperty("upgrade_ota_file", false);
     setProperty("upgrade_ota", false);
+    setProperty("upgradreason", QVariant());
 }
 
 void Item::startUpgrade(const QString& file, const QString& md5)
@@ -98,7 +99,9 @@ void Item::handleUploadReply(const QProcess& process, const QString& reply)
     const QVariantMap map = jsonToMap(reply);
     const QString received = map.value(QStringLiteral("file_md5")).toString();
     if (!isSuccess(map) || received != process.property("md5").toString()) {
-        addTip(tr("上传固件 失败 原因 : ") + reply.left(longestReason));
+        const QString tip = tr("上传固件 失败 原因 : ") + reply.left(longestReason);
+        addTip(tip);
+        setProperty("upgradreason", tip);
         setProperty("upgradtimeout", true);
         emit upgradeChanged();
         return;

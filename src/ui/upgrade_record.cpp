@@ -199,9 +199,9 @@ QStringList UpgradeText::headers()
             QCoreApplication::translate("UpgradeReport", "结果"),
             QCoreApplication::translate("UpgradeReport", "设置恢复"),
             QCoreApplication::translate("UpgradeReport", "用时(秒)"),
+            QCoreApplication::translate("UpgradeReport", "说明"),
             QCoreApplication::translate("UpgradeReport", "固件包"),
-            QCoreApplication::translate("UpgradeReport", "固件MD5"),
-            QCoreApplication::translate("UpgradeReport", "说明")};
+            QCoreApplication::translate("UpgradeReport", "固件MD5")};
 }
 
 QString UpgradeText::verdict(Verdict verdict)
@@ -235,9 +235,9 @@ QStringList UpgradeText::cells(const UpgradeSession& session, const UpgradeRow& 
             verdict(row.verdict()),
             settingsText(row),
             seconds(row, now),
+            noteText(row),
             session.package,
-            session.md5,
-            noteText(row)};
+            session.md5};
 }
 
 QByteArray UpgradeText::csv(const UpgradeSession& session, const QDateTime& now)

@@ -13,7 +13,7 @@ using Stage = UpgradeRow::Stage;
 using Settings = UpgradeRow::Settings;
 
 constexpr int shortestPollMs = 500;
-constexpr int savePauseMs = 100;
+constexpr int savePauseMs = 200;
 constexpr int pollTicks = 2;
 /// How long a box may stay away, from its activation or the end of the batch.
 constexpr int patienceTicks = 600;
@@ -29,8 +29,12 @@ bool sameMac(const QString& a, const QString& b)
     return !a.isEmpty() && a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
+/// Why the last upload failed, if the box said so; else how far the upgrade has come.
 QString lastTip(const Item* item)
 {
+    const QString reason = item ? item->property("upgradreason").toString() : QString();
+    if (!reason.isEmpty())
+        return reason;
     const QStringList tips = item ? item->property("upgradtip").toStringList() : QStringList();
     return tips.isEmpty() ? QString() : tips.last();
 }

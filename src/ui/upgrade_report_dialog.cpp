@@ -19,6 +19,8 @@ namespace
 {
 
 constexpr int verdictColumn = 5;
+constexpr int noteColumn = 8;
+constexpr int noteWidth = 220;
 
 QColor verdictColour(UpgradeRow::Verdict verdict)
 {
@@ -89,7 +91,7 @@ UpgradeReportDialog::UpgradeReportDialog(const UpgradeReport& report, QWidget* p
     layout->addWidget(m_summary);
     layout->addWidget(m_table, 1);
     layout->addWidget(m_path);
-    resize(1280, 560);
+    resize(1400, 600);
     // The times of boxes that are under way run on.
     m_clock.setInterval(1000);
     connect(&m_clock, &QTimer::timeout, this, &UpgradeReportDialog::fill);
@@ -97,6 +99,7 @@ UpgradeReportDialog::UpgradeReportDialog(const UpgradeReport& report, QWidget* p
     m_clock.start();
     label();
     m_table->resizeColumnsToContents();
+    m_table->setColumnWidth(noteColumn, noteWidth);
 }
 
 void UpgradeReportDialog::label()
@@ -125,8 +128,12 @@ void UpgradeReportDialog::fill()
                     cell = new QTableWidgetItem;
                     m_table->setItem(total, column, cell);
                 }
-                if (cell->text() != texts.at(column))
+                if (cell->text() != texts.at(column)) {
                     cell->setText(texts.at(column));
+                    // A tooltip guesses whether its text is markup.
+                    cell->setToolTip(QStringLiteral("<span>") + texts.at(column).toHtmlEscaped() +
+                                     QStringLiteral("</span>"));
+                }
                 if (column == verdictColumn) {
                     const QColor colour = verdictColour(row.verdict());
                     cell->setForeground(colour.isValid() ? QBrush(colour) : QBrush());
