@@ -42,6 +42,7 @@ BoxCore::BoxCore(const BoxSetup& setup, Reports reports)
           &m_faults, [this](int tick) { return mediaMessages(tick); }, this)
     , m_recorder(this)
     , m_live(this)
+    , m_srt(this)
     , m_wake(this)
     , m_lease(m_setup.address)
     , m_address(m_setup.address)
@@ -279,6 +280,7 @@ void BoxCore::closePorts()
     m_webServer.reset();
     m_streamEvents.close();
     m_mediaEvents.close();
+    m_srt.stop();
     m_live.stop();
     m_recorder.abort();
     m_state.changeActivity([](BoxActivity& activity) {

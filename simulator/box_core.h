@@ -8,6 +8,7 @@
 #include "simulator/kora_api.h"
 #include "simulator/live_stream.h"
 #include "simulator/recorder.h"
+#include "simulator/srt_listener.h"
 #include "simulator/virtual_box.h"
 
 #include <QObject>
@@ -62,7 +63,7 @@ private:
     // BoxHardware, called from workers
     bool startRecording(const QString& fileName, HttpWire* wire) override;
     bool stopRecording(HttpWire* wire) override;
-    QString startLive(HttpWire* wire) override;
+    QString startLive(quint16 srtPort, HttpWire* wire) override;
     void stopLive() override;
     void restartSoftware() override;
     void changeFirmware(const QString& version) override;
@@ -95,6 +96,7 @@ private:
     EventFeed m_mediaEvents;
     Recorder m_recorder;
     LiveStream m_live;
+    SrtListener m_srt;
     std::unique_ptr<HttpServer> m_apiServer;
     std::unique_ptr<HttpServer> m_webServer;
     QTimer m_wake;

@@ -84,7 +84,7 @@ void BoxCore::keepRecording(bool good)
     }
 }
 
-QString BoxCore::startLive(HttpWire* wire)
+QString BoxCore::startLive(quint16 srtPort, HttpWire* wire)
 {
     const auto start = [this] {
         if (m_power == Power::On && m_live.state() != LiveStream::State::On) {
@@ -98,12 +98,20 @@ QString BoxCore::startLive(HttpWire* wire)
     if (m_live.state() != LiveStream::State::On) {
         return {};
     }
-    return QStringLiteral("http://%1:%2/live.ts").arg(address()).arg(m_setup.livePort);
+    const QString url = QStringLiteral("http://%1:%2/live.ts").arg(address()).arg(m_setup.livePort);
+    if (srtPort == 0) {
+        return url;
+    }
+    QMetaObject::invokeMethod(this, [this, url, srtPort] { m_srt.start(url, address(), srtPort); });
+    return QStringLiteral("srt://%1:%2").arg(address()).arg(srtPort);
 }
 
 void BoxCore::stopLive()
 {
-    QMetaObject::invokeMethod(this, [this] { m_live.stop(); });
+    QMetaObject::invokeMethod(this, [this] {
+        m_srt.stop();
+        m_live.stop();
+    });
 }
 
 void BoxCore::removeFile(const Recording& recording)

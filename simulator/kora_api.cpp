@@ -280,7 +280,7 @@ bool KoraApi::startStream(const QMap<QString, QString>& fields, QJsonObject* rep
     if (target.isEmpty() || (listens && (port < 1 || port > 65535))) {
         return false;
     }
-    const QString url = m_hardware->startLive(wire);
+    const QString url = m_hardware->startLive(listens ? quint16(port) : quint16(0), wire);
     if (url.isEmpty()) {
         return false;
     }

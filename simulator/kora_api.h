@@ -23,8 +23,9 @@ public:
     virtual bool startRecording(const QString& fileName, HttpWire* wire) = 0;
     /// Finishes the file; false when nothing was being recorded or the file came out broken.
     virtual bool stopRecording(HttpWire* wire) = 0;
-    /// Makes the box's own picture available; gives the URL, empty when it did not start.
-    virtual QString startLive(HttpWire* wire) = 0;
+    /// Makes the box's own picture available, over SRT when `srtPort` is not 0; gives the URL,
+    /// empty when it did not start.
+    virtual QString startLive(quint16 srtPort, HttpWire* wire) = 0;
     virtual void stopLive() = 0;
     virtual void reboot() = 0;          ///< returns at once
     virtual void restartSoftware() = 0; ///< returns at once
