@@ -143,10 +143,11 @@ void FFmpegThread::showPicture()
     QImage image;
     const FrameConverter::Result result = m_converter->convert(m_session->frame(), &image);
     m_isPending = result == FrameConverter::Result::Busy;
-    if (result != FrameConverter::Result::Done)
-        return;
-    m_waitingSince = 0;
-    emit receiveImage(image);
+    // That nobody takes a picture is not the source's fault.
+    if (result != FrameConverter::Result::Failed)
+        m_waitingSince = 0;
+    if (result == FrameConverter::Result::Done)
+        emit receiveImage(image);
 }
 
 void FFmpegThread::showPending()

@@ -202,7 +202,8 @@ void FFmpegWidget::paintEvent(QPaintEvent* event)
     }
     if (target.isEmpty())
         return;
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, target.size() != m_image.size());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform,
+                          target.size() * devicePixelRatioF() != m_image.size());
     painter.drawImage(target, m_image);
 }
 

@@ -527,8 +527,9 @@ void tst_FFmpegThread::roundsLeaveNothingBehind()
     const qint64 memory = residentKb();
     rounds(200);
     QTRY_COMPARE(silent.connections(), 0);
-    QCOMPARE(threadsRunning(), threads);
-    QCOMPARE(filesOpen(), files);
+    // A library's own thread may have ended meanwhile.
+    QVERIFY2(threadsRunning() <= threads, qPrintable(QString::number(threadsRunning())));
+    QVERIFY2(filesOpen() <= files, qPrintable(QString::number(filesOpen())));
     const qint64 grown = residentKb() - memory;
     qInfo("200 rounds: %lld kB more", static_cast<long long>(grown));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
