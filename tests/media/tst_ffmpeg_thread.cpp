@@ -535,7 +535,8 @@ void tst_FFmpegThread::roundsLeaveNothingBehind()
     const qint64 grown = residentKb() - memory;
     qInfo("200 rounds: %lld kB more", static_cast<long long>(grown));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-    QVERIFY2(grown < 3000, qPrintable(QString::number(grown)));
+    // The allocator keeps a few megabytes more or less; one picture per round would be 46.
+    QVERIFY2(grown < 6000, qPrintable(QString::number(grown)));
 #endif
 }
 
