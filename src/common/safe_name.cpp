@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "common/safe_name.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 QString safeFileName(const QString& name)
@@ -21,4 +22,15 @@ QString safeFileName(const QString& name)
     if (safe.size() > longestName)
         safe = safe.left(longestName / 2) + safe.right(longestName / 2);
     return safe.isEmpty() ? QStringLiteral("download") : safe;
+}
+
+QString freePath(const QString& folder, const QString& name)
+{
+    const int dot = name.lastIndexOf(QLatin1Char('.'));
+    const QString base = dot < 0 ? name : name.left(dot);
+    const QString suffix = dot < 0 ? QString() : name.mid(dot);
+    QString path = folder + name;
+    for (int n = 0; QFileInfo::exists(path) || QFileInfo::exists(path + partSuffix()); ++n)
+        path = folder + base + QString::number(n) + suffix;
+    return path;
 }

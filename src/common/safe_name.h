@@ -6,3 +6,13 @@
 /// A file name made of text from the network that stays inside its folder on every system: no
 /// separators, control characters, reserved names or leading dots. Never empty.
 QString safeFileName(const QString& name);
+
+/// What a file is called while its data still comes.
+inline QString partSuffix()
+{
+    return QStringLiteral(".part");
+}
+
+/// The first path in `folder` (ending in "/") that neither a file nor one that is still coming has:
+/// that of `name`, or of its base with "0", "1"… before the suffix.
+QString freePath(const QString& folder, const QString& name);

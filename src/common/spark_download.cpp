@@ -84,17 +84,6 @@ bool isWhole(const QNetworkReply& reply, qint64 received)
     return false;
 }
 
-QString freePath(const QString& folder, const QString& name)
-{
-    const int dot = name.lastIndexOf(QLatin1Char('.'));
-    const QString base = dot < 0 ? name : name.left(dot);
-    const QString suffix = dot < 0 ? QString() : name.mid(dot);
-    QString path = folder + base + suffix;
-    for (int n = 0; QFileInfo::exists(path); ++n)
-        path = folder + base + QString::number(n) + suffix;
-    return path;
-}
-
 /// The name a server offers for a file, empty when it offers none.
 QString offeredName(const QNetworkReply& reply)
 {

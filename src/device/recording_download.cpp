@@ -3,27 +3,6 @@
 
 #include "common/safe_name.h"
 
-#include <QFileInfo>
-
-namespace
-{
-
-constexpr QLatin1String partSuffix(".part");
-
-/// A path in `folder` that neither a file nor a running download has.
-QString freePath(const QString& folder, const QString& name)
-{
-    const int dot = name.lastIndexOf(QLatin1Char('.'));
-    const QString base = dot < 0 ? name : name.left(dot);
-    const QString suffix = dot < 0 ? QString() : name.mid(dot);
-    QString path = folder + name;
-    for (int n = 0; QFileInfo::exists(path) || QFileInfo::exists(path + partSuffix); ++n)
-        path = folder + base + QString::number(n) + suffix;
-    return path;
-}
-
-} // namespace
-
 RecordingDownload::RecordingDownload(const QString& folder, const QString& name)
     : m_folder(folder), m_name(safeFileName(name))
 {
@@ -38,7 +17,7 @@ RecordingDownload::~RecordingDownload()
 bool RecordingDownload::begin()
 {
     m_path = freePath(m_folder, m_name);
-    m_part.setFileName(m_path + partSuffix);
+    m_part.setFileName(m_path + partSuffix());
     if (m_part.open(QIODevice::NewOnly | QIODevice::WriteOnly)) {
         m_part.close();
         return true;
