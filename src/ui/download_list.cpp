@@ -3,6 +3,7 @@
 
 #include "widgets/elided_label.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QProgressBar>
 #include <QToolButton>
@@ -16,24 +17,22 @@ constexpr int mostRowsShown = 3;
 } // namespace
 
 DownloadRow::DownloadRow(const QString& name, QWidget* parent)
-    : QWidget(parent), m_bar(new QProgressBar(this))
+    : QWidget(parent), m_bar(new QProgressBar(this)), m_cancel(new QToolButton(this))
 {
     auto* label = new ElidedLabel(this);
     label->setText(name);
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    auto* cancel = new QToolButton(this);
-    cancel->setObjectName(QStringLiteral("cancelDownload"));
-    cancel->setIcon(QIcon(QStringLiteral(":/spark/img/cancel.svg")));
-    cancel->setToolTip(tr("取消下载"));
-    cancel->setAccessibleName(tr("取消下载"));
-    cancel->setAutoRaise(true);
-    connect(cancel, &QToolButton::clicked, this, &DownloadRow::cancelled);
+    m_cancel->setObjectName(QStringLiteral("cancelDownload"));
+    m_cancel->setIcon(QIcon(QStringLiteral(":/spark/img/cancel.svg")));
+    m_cancel->setAutoRaise(true);
+    connect(m_cancel, &QToolButton::clicked, this, &DownloadRow::cancelled);
+    retranslate();
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(12, 2, 8, 2);
     layout->addWidget(label, 1);
     layout->addWidget(m_bar, 1);
-    layout->addWidget(cancel);
+    layout->addWidget(m_cancel);
     setFixedHeight(rowHeight);
     setProgress({});
 }
@@ -46,6 +45,19 @@ void DownloadRow::setProgress(const DownloadProgress& progress)
     m_bar->setValue(known ? progress.percent : 0);
     m_bar->setFormat(known ? QStringLiteral("%p%  %1 / %2").arg(progress.received, progress.total)
                            : progress.received);
+}
+
+void DownloadRow::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QWidget::changeEvent(event);
+}
+
+void DownloadRow::retranslate()
+{
+    m_cancel->setToolTip(tr("取消下载"));
+    m_cancel->setAccessibleName(tr("取消下载"));
 }
 
 DownloadList::DownloadList(QWidget* parent) : QScrollArea(parent)

@@ -6,6 +6,7 @@
 #include <QScrollArea>
 
 class QProgressBar;
+class QToolButton;
 class QVBoxLayout;
 
 /// One running download: its name, how far it is, and a button that ends it.
@@ -22,8 +23,14 @@ public:
 signals:
     void cancelled();
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
+    void retranslate();
+
     QProgressBar* m_bar;
+    QToolButton* m_cancel;
 };
 
 /// The downloads that run, below the storage list; takes no room while there are none, and scrolls
