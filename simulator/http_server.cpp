@@ -4,6 +4,7 @@
 #include "simulator/http_connection.h"
 
 #include <QCryptographicHash>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QThread>
 #include <QThreadPool>
@@ -150,11 +151,12 @@ private:
     std::set<socket_t> m_connections; // guarded by m_mutex
 };
 
-/// Keeps a transfer to a number of bytes a second.
+/// Keeps a transfer to a number of bytes a second, as a port does: what a busy computer has missed
+/// for a moment comes right behind, so that the rate does not depend on how busy it is.
 class Pace
 {
 public:
-    explicit Pace(qint64 bytesPerSecond) : m_bytesPerSecond(bytesPerSecond) {}
+    explicit Pace(qint64 bytesPerSecond) : m_bytesPerSecond(bytesPerSecond) { m_clock.start(); }
 
     size_t pieceSize(size_t wanted) const
     {
@@ -169,15 +171,19 @@ public:
         if (m_bytesPerSecond <= 0) {
             return true;
         }
-        m_owed += bytes;
-        const qint64 ms = m_owed * 1000 / m_bytesPerSecond;
-        m_owed -= ms * m_bytesPerSecond / 1000;
-        return HttpConnection::current()->wait(static_cast<int>(ms));
+        const qint64 now = m_clock.nsecsElapsed();
+        m_dueNs = std::max(m_dueNs, now - mostCatchUpNs) +
+                  qint64(double(bytes) / double(m_bytesPerSecond) * 1e9);
+        const qint64 ms = (m_dueNs - now) / 1000000;
+        return ms < 1 || HttpConnection::current()->wait(static_cast<int>(ms));
     }
 
 private:
+    static constexpr qint64 mostCatchUpNs = 200 * 1000000;
+
     qint64 m_bytesPerSecond;
-    qint64 m_owed = 0;
+    QElapsedTimer m_clock;
+    qint64 m_dueNs = 0; ///< when all that has passed so far has taken its time
 };
 
 HttpRequest requestOf(const httplib::Request& raw)
