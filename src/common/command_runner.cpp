@@ -4,13 +4,18 @@
 #include "common/operation_log.h"
 #include "common/platform.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QEventLoop>
+#include <QPointer>
+#include <QQueue>
 #include <QSet>
 #include <QTimer>
 
 namespace
 {
+
+constexpr const char* stoppedMark = "stopped";
 
 /// Commands that run on their own, so that none outlives the program.
 QSet<QProcess*>& running()
@@ -34,6 +39,88 @@ void start(QProcess* process, const QString& command)
     process->start(program, input.arguments, QIODevice::ReadWrite);
     process->write(input.standardInput);
     process->closeWriteChannel();
+}
+
+/// Starts processes one after the other, each in a turn of its own: that takes the thread some
+/// milliseconds, and until the new process has become another program it shares this one's memory.
+class StartQueue : public QObject
+{
+public:
+    explicit StartQueue(QObject* parent) : QObject(parent)
+    {
+        m_turn.setSingleShot(true);
+        connect(&m_turn, &QTimer::timeout, this, &StartQueue::startNext);
+    }
+
+    void add(QProcess* process, const QString& command)
+    {
+        m_waiting.enqueue({process, command});
+        if (!m_starting && !m_turn.isActive())
+            startNext();
+    }
+
+    /// Forgets all that wait and the one that starts, whoever deletes them.
+    void clear()
+    {
+        m_waiting.clear();
+        m_starting = nullptr;
+        m_turn.stop();
+    }
+
+    bool isBusy() const { return m_starting || !m_waiting.isEmpty(); }
+
+private:
+    struct Waiting {
+        QPointer<QProcess> process;
+        QString command;
+    };
+
+    void startNext()
+    {
+        while (!m_waiting.isEmpty()) {
+            const Waiting next = m_waiting.dequeue();
+            if (next.process) {
+                startOne(next.process, next.command);
+                return;
+            }
+        }
+    }
+
+    void startOne(QProcess* process, const QString& command)
+    {
+        m_starting = process;
+        connect(process, &QProcess::stateChanged, this, [this, process](QProcess::ProcessState s) {
+            if (s != QProcess::Starting)
+                settled(process);
+        });
+        connect(process, &QObject::destroyed, this, [this, process] { settled(process); });
+        start(process, command);
+        // As one that has run: its owner hears of its end.
+        if (process->property(stoppedMark).toBool())
+            process->kill();
+        if (process->state() == QProcess::NotRunning)
+            settled(process);
+    }
+
+    void settled(const QObject* process)
+    {
+        if (m_starting != process)
+            return;
+        m_starting = nullptr;
+        m_turn.start(0);
+    }
+
+    QQueue<Waiting> m_waiting;
+    const QObject* m_starting = nullptr;
+    QTimer m_turn;
+};
+
+StartQueue& startQueue()
+{
+    static QPointer<StartQueue> queue;
+    if (!queue)
+        queue = new StartQueue(QCoreApplication::instance());
+    return *queue;
 }
 
 void releaseWhenEnded(QProcess* process)
@@ -68,7 +155,18 @@ void CommandRunner::execCurl(const QString& ip, const QString& command,
         process->setProperty(it.key().toUtf8().constData(), it.value());
     m_wire(process);
     releaseWhenEnded(process);
-    start(process, command);
+    startQueue().add(process, command);
+}
+
+bool CommandRunner::isStarting()
+{
+    return startQueue().isBusy();
+}
+
+void CommandRunner::stop(QProcess* process)
+{
+    process->setProperty(stoppedMark, true);
+    process->kill();
 }
 
 QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
@@ -139,6 +237,7 @@ void CommandRunner::noteEnd(QProcess* process) const
 
 void CommandRunner::endAll()
 {
+    startQueue().clear();
     const QSet<QProcess*> processes = running();
     for (QProcess* process : processes) {
         process->disconnect();

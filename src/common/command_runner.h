@@ -36,8 +36,9 @@ public:
         Deliver, ///< the owner reads it from the process as it comes
     };
 
-    /// Starts `command` and returns at once. The process carries "ip" and every entry of
-    /// `properties` as dynamic properties.
+    /// Lets `command` start and returns at once. The process carries "ip" and every entry of
+    /// `properties` as dynamic properties. Commands start in the order of their calls, at most one
+    /// in each turn of the event loop: sixty boxes may ask for one in the same moment.
     void execCurl(const QString& ip, const QString& command, const QVariantMap& properties,
                   ErrorOutput errorOutput = ErrorOutput::Discard);
 
@@ -45,6 +46,13 @@ public:
     /// it could not start or gave no answer within WaitLimitMs. Anything can happen meanwhile:
     /// callers take the address and the values before the call and re-check afterwards.
     QString execCurlWait(const QString& ip, const QString& command);
+
+    /// Whether a command still waits for its start: what is not urgent lets it go first.
+    static bool isStarting();
+
+    /// Ends `process`, one of execCurl(), also while it still waits for its start: then it ends
+    /// before it does anything.
+    static void stop(QProcess* process);
 
     /// For the owner's output slot: what has arrived from `process`, logged.
     QString takeReply(QProcess* process) const;

@@ -11,6 +11,7 @@
 #include <QTextCodec>
 
 #include <cerrno>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #ifdef Q_OS_LINUX
@@ -19,6 +20,8 @@
 
 namespace
 {
+
+constexpr int lowPriority = 10;
 
 bool sandboxIsOff()
 {
@@ -46,17 +49,6 @@ bool mayHaveNamespaces()
 #endif
 }
 
-class ModestProcess : public QProcess
-{
-protected:
-    void setupChildProcess() override
-    {
-        // Failing to is no reason to leave the work undone.
-        if (nice(10) == -1)
-            return;
-    }
-};
-
 } // namespace
 
 namespace Platform
@@ -64,7 +56,14 @@ namespace Platform
 
 QProcess* newModestProcess()
 {
-    return new ModestProcess;
+    auto* process = new QProcess;
+    // Only now: a child of low priority would share this program's memory, page by page copied, for
+    // as long as it waits for its turn to become another program.
+    QObject::connect(process, &QProcess::started, process, [process] {
+        // Failing to is no reason to leave the work undone.
+        setpriority(PRIO_PROCESS, id_t(process->processId()), lowPriority);
+    });
+    return process;
 }
 
 ChildInput curlInput(const QStringList& arguments)

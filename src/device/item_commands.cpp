@@ -59,7 +59,7 @@ void Item::endUpgrade()
     ++m_upgradeRun;
     setProperty("upgrading", false);
     if (m_upload)
-        m_upload->kill();
+        CommandRunner::stop(m_upload);
 }
 
 void Item::upload(const QString& file, const QString& md5)
@@ -201,7 +201,7 @@ void Item::cancelDownload()
 {
     m_downloadStopped = true;
     if (m_downloadProcess)
-        m_downloadProcess->kill();
+        CommandRunner::stop(m_downloadProcess);
 }
 
 void Item::readDownloadReport()

@@ -24,8 +24,6 @@ namespace
 
 constexpr int allowanceTicks = 600;
 constexpr int firstProgress = 30;
-/// Starting a process takes the window's thread some milliseconds: sixty at once would be seen.
-constexpr int startPauseMs = 5;
 
 QString statusText(int total, int successful, int unknown)
 {
@@ -48,8 +46,6 @@ BatchUpgrade::BatchUpgrade(const Hub& hub, TreeView* deviceView, Ui::MonitorArea
     , m_restore(restore)
     , m_report(report)
 {
-    m_startTimer.setInterval(startPauseMs);
-    connect(&m_startTimer, &QTimer::timeout, this, &BatchUpgrade::startNext);
 }
 
 BatchUpgrade::~BatchUpgrade() = default;
@@ -167,9 +163,11 @@ void BatchUpgrade::digestReady(const PackageDigest* digest)
         if (!box)
             continue;
         m_report.addBox(box, pending.keep);
-        m_starts.enqueue({box, file, md5, pending.keep});
+        m_restore.save(box->macAddress(), box->address(), pending.keep, [box, file, md5] {
+            if (box && box->property("upgrading").toBool())
+                box->startUpgrade(file, md5);
+        });
     }
-    m_startTimer.start();
     startTick();
 }
 
@@ -185,29 +183,6 @@ void BatchUpgrade::giveUp(const Pending& pending)
         m_frame.showKora(false);
     m_view->refresh();
     messageBox::ask(tr("文件打开失败! "), m_hub.window);
-}
-
-/// One step a turn, so that the window stays responsive: the reads of one box or the start of one
-/// upload.
-void BatchUpgrade::startNext()
-{
-    if (!m_ready.isEmpty()) {
-        const Start start = m_ready.dequeue();
-        if (start.box && start.box->property("upgrading").toBool())
-            start.box->startUpgrade(start.file, start.md5);
-        return;
-    }
-    if (m_starts.isEmpty()) {
-        m_startTimer.stop();
-        return;
-    }
-    const Start start = m_starts.dequeue();
-    if (!start.box)
-        return;
-    m_restore.save(start.box->macAddress(), start.box->address(), start.keep, [this, start] {
-        m_ready.enqueue(start);
-        m_startTimer.start();
-    });
 }
 
 void BatchUpgrade::startTick()

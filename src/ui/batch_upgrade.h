@@ -5,8 +5,6 @@
 
 #include <QObject>
 #include <QPointer>
-#include <QQueue>
-#include <QTimer>
 
 #include <memory>
 #include <vector>
@@ -50,19 +48,10 @@ private:
         QList<QPointer<Item>> boxes;
         bool keep = false;
     };
-    /// A box whose job is to be started.
-    struct Start {
-        QPointer<Item> box;
-        QString file;
-        QString md5;
-        bool keep = false;
-    };
-
     QList<Item*> selectedIdleBoxes() const;
     void prepare(const QList<QPointer<Item>>& boxes, const QString& file, bool keep);
     void digestReady(const PackageDigest* digest);
     void giveUp(const Pending& pending);
-    void startNext();
     void startTick();
     void finish(int successful, int unknown);
     void showWaitingPage();
@@ -76,7 +65,4 @@ private:
     UpgradeReport& m_report;
     bool m_asking = false;
     std::vector<Pending> m_pending;
-    QQueue<Start> m_starts; ///< their settings are still to be read
-    QQueue<Start> m_ready;  ///< their upload is still to be started
-    QTimer m_startTimer;
 };

@@ -25,6 +25,9 @@ const QString saveType = QStringLiteral("saveConfig");
 constexpr int saveRounds = 3;
 constexpr int networkCount = 3;
 constexpr int mostAtOnce = 8;
+/// Sixty boxes' replies in the same moment would be seen as a jolt of the window.
+constexpr int roundPauseMs = 30;
+constexpr int mostYielded = 10;
 /// A value that does not fit into a command line of every system is none of a box.
 constexpr int longestValue = 8000;
 
@@ -62,9 +65,13 @@ ConfigurationRestore::ConfigurationRestore(const Hub& hub, ParameterPanel& panel
                     if (state == QProcess::NotRunning)
                         commandEnded(process);
                 });
-        QTimer::singleShot(CommandRunner::WaitLimitMs, process, &QProcess::kill);
+        connect(process, &QProcess::started, process, [process] {
+            QTimer::singleShot(CommandRunner::WaitLimitMs, process, &QProcess::kill);
+        });
     })
 {
+    m_roundTimer.setInterval(roundPauseMs);
+    connect(&m_roundTimer, &QTimer::timeout, this, &ConfigurationRestore::startNextRound);
 }
 
 ConfigurationRestore::~ConfigurationRestore() = default;
@@ -94,9 +101,30 @@ void ConfigurationRestore::save(const QString& mac, const QString& ip, bool keep
     m_hub.state.setSavedConfiguration(mac, {});
     if (keep && !m_hub.state.needRestore().contains(mac))
         m_hub.state.setNeedRestore(m_hub.state.needRestore() << mac);
-    readRound(mac);
+    addRound(mac);
     if (!keep)
         then();
+}
+
+void ConfigurationRestore::addRound(const QString& mac)
+{
+    m_rounds.enqueue(mac);
+    if (m_roundTimer.isActive())
+        return;
+    m_roundTimer.start();
+}
+
+void ConfigurationRestore::startNextRound()
+{
+    if (m_rounds.isEmpty()) {
+        m_roundTimer.stop();
+        return;
+    }
+    // Uploads go first, but boxes that refuse theirs again and again do not hold up the others.
+    if (CommandRunner::isStarting() && ++m_roundsYielded < mostYielded)
+        return;
+    m_roundsYielded = 0;
+    readRound(m_rounds.dequeue());
 }
 
 void ConfigurationRestore::readRound(const QString& mac)
@@ -147,7 +175,7 @@ void ConfigurationRestore::endSnapshot(const QString& mac)
     Snapshot& snapshot = m_snapshots.at(mac);
     const bool whole = snapshot.answered.size() == ParameterPanel::snapshotParameters().size();
     if (!whole && snapshot.roundsLeft > 0) {
-        readRound(mac);
+        addRound(mac);
         return;
     }
     const std::function<void()> then = snapshot.then;

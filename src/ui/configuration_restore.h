@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QQueue>
 #include <QSet>
+#include <QTimer>
 
 #include <functional>
 #include <map>
@@ -62,6 +63,8 @@ private:
         bool unread = false;
     };
 
+    void addRound(const QString& mac);
+    void startNextRound();
     void readRound(const QString& mac);
     void endSnapshot(const QString& mac);
     void startQueued();
@@ -79,5 +82,8 @@ private:
     CommandRunner m_runner;
     std::map<QString, Snapshot> m_snapshots;
     std::map<QString, WriteBack> m_running;
+    QQueue<QString> m_rounds; ///< MAC addresses of boxes whose settings are to be read next
+    QTimer m_roundTimer;
+    int m_roundsYielded = 0; ///< turns in a row that were left to the start of commands
     QQueue<QPair<QString, QString>> m_queue; ///< MAC address and address of boxes to come
 };

@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <memory>
 
 namespace
@@ -34,8 +35,10 @@ private slots:
     void waitingServesEventsAndEnds_data();
     void waitingServesEventsAndEnds();
     void missingProgramGivesAnEmptyReply();
+    void burstStartsOneATurn();
     void everyEventIsLogged();
     void nothingOutlivesTheProgram();
+    void commandsStartAgainAfterAnEnd();
 
 private:
     QTemporaryDir m_data;
@@ -146,6 +149,39 @@ void tst_CommandRunner::missingProgramGivesAnEmptyReply()
     QVERIFY(m_replies.isEmpty());
 }
 
+/// Many boxes ask for a command in the same moment, and one of them is given up before its turn.
+void tst_CommandRunner::burstStartsOneATurn()
+{
+    constexpr int count = 20;
+    constexpr int stopped = 15;
+    for (int n = 0; n < count; ++n)
+        m_runner->execCurl(
+            boxIp,
+            n == 7 ? "no-such-program"
+                   : BoxProtocol::setCommand(BoxProtocol::NDIName, QString::number(n), boxIp),
+            {});
+    QCOMPARE(m_started.size(), count);
+    QVERIFY(m_started[0]->state() != QProcess::NotRunning);
+    for (int n = 1; n < count; ++n)
+        QCOMPARE(m_started[n]->state(), QProcess::NotRunning);
+    QVERIFY(CommandRunner::isStarting());
+    CommandRunner::stop(m_started[stopped]);
+
+    QList<int> order;
+    for (int n = 0; n < count; ++n)
+        connect(m_started[n], &QProcess::stateChanged, this, [&order, n](auto state) {
+            if (state == QProcess::Starting)
+                order << n;
+        });
+    QTRY_COMPARE(m_ended, count);
+    QVERIFY(!CommandRunner::isStarting());
+    QCOMPARE(order.size(), count - 1); // the first had started already
+    QVERIFY(std::is_sorted(order.cbegin(), order.cend()));
+    QCOMPARE(m_box->requests().size(), count - 2);
+    for (const auto& request : m_box->requests())
+        QVERIFY(!request.body.endsWith("value=" + QByteArray::number(stopped)));
+}
+
 void tst_CommandRunner::everyEventIsLogged()
 {
     const QString key = "127.77.21.99";
@@ -180,6 +216,20 @@ void tst_CommandRunner::nothingOutlivesTheProgram()
     CommandRunner::endAll();
     QVERIFY(!process);
     QVERIFY(!QFileInfo::exists(QString("/proc/%1").arg(pid)));
+}
+
+/// One command is just starting and others wait; the next window must not have to wait for them.
+void tst_CommandRunner::commandsStartAgainAfterAnEnd()
+{
+    const QString command = BoxProtocol::controlCommand("hxenc_on", boxIp);
+    for (int n = 0; n < 3; ++n)
+        m_runner->execCurl(boxIp, command, {});
+    CommandRunner::endAll();
+    QVERIFY(!CommandRunner::isStarting());
+    const int before = m_ended;
+    m_runner->execCurl(boxIp, command, {});
+    QTRY_COMPARE(m_ended, before + 1);
+    QCOMPARE(m_box->requests().size(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_CommandRunner)
