@@ -49,9 +49,11 @@ VirtualNetwork::VirtualNetwork(const QString& subnet, int boxes, const QStringLi
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     // Boxes are other machines: here they have one processor, and of it what the window leaves.
     const QString last = QString::number(QThread::idealThreadCount() - 1);
-    m_process.start("taskset", {"--cpu-list", last, "chrt", "--idle", "0", KORA_LAN, "--subnet",
-                                subnet, "--boxes", QString::number(boxes), "--first", "1",
-                                "--no-web", "--run-dir", m_runDir.path()});
+    // They end with this program, however it ends.
+    m_process.start("setpriv",
+                    {"--pdeathsig", "TERM", "taskset", "--cpu-list", last, "chrt", "--idle", "0",
+                     KORA_LAN, "--subnet", subnet, "--boxes", QString::number(boxes), "--first",
+                     "1", "--no-web", "--run-dir", m_runDir.path()});
     QByteArray output;
     while (!output.contains("ready")) {
         if (!m_process.waitForReadyRead(20000))
