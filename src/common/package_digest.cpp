@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "common/package_digest.h"
 
+#include "common/crash_handler.h"
 #include "common/file_digest.h"
 
 #include <QThread>
@@ -20,6 +21,7 @@ PackageDigest::~PackageDigest()
 void PackageDigest::start()
 {
     m_thread.reset(QThread::create([this] {
+        CrashHandler::coverThread();
         const QString md5 = fileMd5(m_path, &m_stop);
         QMetaObject::invokeMethod(this, [this, md5] {
             m_md5 = md5;

@@ -5,9 +5,9 @@
 #include <QString>
 #include <QStringList>
 
-/// What differs between operating systems. One source file per system stands behind this header.
 class QProcess;
 
+/// What differs between operating systems. One source file per system stands behind this header.
 namespace Platform
 {
 

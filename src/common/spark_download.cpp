@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "common/spark_download.h"
 
+#include "common/crash_handler.h"
 #include "common/file_digest.h"
 #include "common/safe_name.h"
 
@@ -126,6 +127,7 @@ void SparkDownload::startChecked(const QString& md5)
 void SparkDownload::run(const std::function<QString()>& work)
 {
     m_thread.reset(QThread::create([this, work] {
+        CrashHandler::coverThread();
         const QString path = work();
         QMetaObject::invokeMethod(this, [this, path] { emit finished(path); });
     }));
