@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QScreen>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -21,6 +22,9 @@ namespace
 constexpr int verdictColumn = 5;
 constexpr int noteColumn = 8;
 constexpr int noteWidth = 220;
+constexpr QSize wholeTable(1400, 600);
+/// What a window's frame takes, and some of what is behind it to be seen.
+constexpr QSize margins(80, 80);
 
 QColor verdictColour(UpgradeRow::Verdict verdict)
 {
@@ -91,7 +95,7 @@ UpgradeReportDialog::UpgradeReportDialog(const UpgradeReport& report, QWidget* p
     layout->addWidget(m_summary);
     layout->addWidget(m_table, 1);
     layout->addWidget(m_path);
-    resize(1400, 600);
+    resize(wholeTable.boundedTo(screen()->availableSize() - margins));
     // The times of boxes that are under way run on.
     m_clock.setInterval(1000);
     connect(&m_clock, &QTimer::timeout, this, &UpgradeReportDialog::fill);

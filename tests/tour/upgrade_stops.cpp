@@ -7,9 +7,11 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDialog>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScreen>
 #include <QTest>
 
 namespace
@@ -111,6 +113,9 @@ bool upgradeProved(Tour& tour)
     if (!tour.waitFor("three boxes with the new version and their settings back", proved, 90))
         return false;
     tour.takePicture();
+    const auto* report = tour.window().findChild<QDialog*>("upgradeReportDialog");
+    if (!report->screen()->availableGeometry().contains(report->frameGeometry()))
+        return tour.fail("the report does not fit on the screen");
     const auto windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows) {
         // The report, and the notices about restored settings.
