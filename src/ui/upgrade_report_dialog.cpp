@@ -102,8 +102,6 @@ UpgradeReportDialog::UpgradeReportDialog(const UpgradeReport& report, QWidget* p
     connect(&report, &UpgradeReport::changed, this, &UpgradeReportDialog::fill);
     m_clock.start();
     label();
-    m_table->resizeColumnsToContents();
-    m_table->setColumnWidth(noteColumn, noteWidth);
 }
 
 void UpgradeReportDialog::label()
@@ -111,6 +109,9 @@ void UpgradeReportDialog::label()
     setWindowTitle(tr("升级报告"));
     m_table->setHorizontalHeaderLabels(UpgradeText::headers());
     fill();
+    // Only here: while boxes are under way columns must not jump, nor undo what the operator set.
+    m_table->resizeColumnsToContents();
+    m_table->setColumnWidth(noteColumn, noteWidth);
 }
 
 void UpgradeReportDialog::fill()

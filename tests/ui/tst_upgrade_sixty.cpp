@@ -131,10 +131,6 @@ void tst_UpgradeSixty::upgradesSixtyBoxes()
     QVERIFY2(status.startsWith("升级中,升级期间请不要关闭电源或者操作KORA.共[60]个,成功["),
              qPrintable(status));
     m_fixture->child<QAbstractButton>("upgradeReport")->click();
-    if (qEnvironmentVariableIsSet("UPGRADE_SHOTS")) {
-        QTest::qWait(1500);
-        m_fixture->window().grab().save(qEnvironmentVariable("UPGRADE_SHOTS") + "/middle.png");
-    }
     QVERIFY(!m_fixture->window().close());
     QTRY_COMPARE(answers.texts(), QStringList{"正在对KORA升级固件,请勿关闭软件."});
     answers.clear();
@@ -169,10 +165,6 @@ void tst_UpgradeSixty::upgradesSixtyBoxes()
     QCOMPARE(csv.count("\r\n"), count + 1);
     QCOMPARE(csv.count("\"已证实\""),
              int(summary->text().section("已证实[", 1).section(']', 0, 0).toInt()));
-    if (qEnvironmentVariableIsSet("UPGRADE_SHOTS"))
-        m_fixture->child<QWidget>("upgradeReportDialog")
-            ->grab()
-            .save(qEnvironmentVariable("UPGRADE_SHOTS") + "/report.png");
 }
 
 void tst_UpgradeSixty::checkBox(int host, const QMap<QString, QString>& row)
