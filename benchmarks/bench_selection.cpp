@@ -6,9 +6,9 @@
 #include "device/item.h"
 #include "device/tree_model.h"
 #include "device/tree_view.h"
-#include "ui/options.h"
-#include "ui/start_up.h"
-#include "ui/tarn_hub.h"
+#include "ui/window/options.h"
+#include "ui/window/start_up.h"
+#include "ui/window/tarn_hub.h"
 
 #include <QApplication>
 

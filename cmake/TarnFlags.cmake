@@ -21,10 +21,24 @@ if(TARN_SANITIZE)
     target_link_options(tarn_flags INTERFACE -fsanitize=${TARN_SANITIZE})
 endif()
 
-# tarn_library(<name> SOURCES ... LINK ...): one folder's static library, seen from src/ as root.
-function(tarn_library name)
+# tarn_room(<name> SOURCES ... LINK ...): one folder of src/ as a library, seen from src/ as root. It
+# may use what stands in LINK and what that links in turn, and nothing else: with TARN_SHARED_ROOMS
+# every room is a shared library that has to find all of its symbols there.
+function(tarn_room name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
-    add_library(${name} STATIC ${ARG_SOURCES})
+    if(TARN_SHARED_ROOMS)
+        add_library(${name} SHARED ${ARG_SOURCES})
+        # A sanitizer's own symbols come with the program, not with a library.
+        if(NOT TARN_SANITIZE)
+            target_link_options(${name} PRIVATE -Wl,-z,defs)
+        endif()
+    else()
+        add_library(${name} STATIC ${ARG_SOURCES})
+    endif()
     target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
     target_link_libraries(${name} PUBLIC tarn_flags ${ARG_LINK})
+    # The headers made from a room's forms are part of what it offers.
+    if(ARG_SOURCES MATCHES "\\.ui")
+        target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_BINARY_DIR}/${name}_autogen/include)
+    endif()
 endfunction()

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "common/platform.h"
-#include "ui/options.h"
-#include "ui/start_up.h"
-#include "ui/tarn_hub.h"
+#include "ui/window/options.h"
+#include "ui/window/start_up.h"
+#include "ui/window/tarn_hub.h"
 
 #include <QApplication>
 

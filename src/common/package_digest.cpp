@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "common/package_digest.h"
 
-#include "common/crash_handler.h"
 #include "common/file_digest.h"
+#include "crash/crash_handler.h"
 
 #include <QThread>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "common/spark_download.h"
 
-#include "common/crash_handler.h"
 #include "common/file_digest.h"
 #include "common/safe_name.h"
+#include "crash/crash_handler.h"
 
 #include <QDebug>
 #include <QEventLoop>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/ffmpeg_thread.h"
 
-#include "common/crash_handler.h"
+#include "crash/crash_handler.h"
 #include "media/ffmpeg_session.h"
 
 extern "C" {

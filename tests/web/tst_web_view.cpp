@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/window_fixture.h"
+#include "tests/ui/window/window_fixture.h"
 #include "web/browser.h"
 #include "web/download_name.h"
 #include "web/page_dialog.h"

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ui/hub/busy.h"
+#include "ui/hub/hub.h"
+
+#include <QMap>
+#include <QObject>
+
+class Item;
+class ParameterPanel;
+namespace Ui
+{
+class ConfigurationArea;
+}
+
+/// The save button: writes the configuration area to the selected box, parameter by parameter, and
+/// makes the box apply it.
+class ConfigurationSave : public QObject
+{
+    Q_OBJECT
+
+public:
+    ConfigurationSave(const Hub& hub, Ui::ConfigurationArea& area, const ParameterPanel& panel);
+
+    void save();
+
+private:
+    /// What the box last reported of its network settings.
+    struct Network {
+        QString dhcp;
+        QString ip;
+        QString mask;
+    };
+
+    QString apply(const QString& ip, const QMap<QString, QString>& sent, const Network& before);
+
+    const Hub m_hub;
+    Ui::ConfigurationArea& m_area;
+    const ParameterPanel& m_panel;
+    Busy m_busy;
+};

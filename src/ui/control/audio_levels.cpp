@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#include "ui/control/audio_levels.h"
+
+#include "common/box_protocol.h"
+#include "ui/control/control_area.h"
+#include "ui/hub/busy.h"
+#include "ui/hub/command_sequence.h"
+#include "ui/hub/hub_state.h"
+#include "widgets/message_box.h"
+
+namespace
+{
+
+constexpr int restMs = 400;
+
+} // namespace
+
+AudioLevels::AudioLevels(const Hub& hub, Ui::ControlArea& area, Busy& busy)
+    : QObject(nullptr), m_hub(hub), m_area(area), m_busy(busy)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(restMs);
+}
+
+void AudioLevels::sliderMoved(const QSlider* slider, const QString& parameter)
+{
+    if (!slider->isSliderDown())
+        return;
+    m_ip = m_hub.state.deviceIp();
+    m_timer.setProperty("slider_type", parameter);
+    m_timer.start();
+}
+
+void AudioLevels::send()
+{
+    // The value must not be lost to a run of other commands; it waits its turn.
+    if (m_busy.isRunning()) {
+        m_timer.start();
+        return;
+    }
+    // Another box's value stands in the slider by now.
+    if (m_ip != m_hub.state.deviceIp())
+        return;
+    const QString parameter = m_timer.property("slider_type").toString();
+    const QSlider* slider = m_area.eParam_LineinDelaySlider;
+    const QLabel* caption = m_area.label_eParam_LineinDelay;
+    if (parameter == BoxProtocol::SDIVolume) {
+        slider = m_area.eParam_SDIVolumeSlider;
+        caption = m_area.label_eParam_SDIVolume;
+    } else if (parameter == BoxProtocol::LineinVolume) {
+        slider = m_area.eParam_LineinVolumeSlider;
+        caption = m_area.label_eParam_LineinVolume;
+    }
+    const QString failure = tr("控制 %1 失败,请重试!").arg(caption->text());
+    const QString command =
+        BoxProtocol::setCommand(parameter, QString::number(slider->value()), m_ip);
+    if (runCommands(m_hub, m_ip, {command}) == SequenceResult::SomeFailed)
+        messageBox::ask(failure, m_hub.window);
+}

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ui/hub/hub.h"
+
+#include <QObject>
+
+class Busy;
+class CommandReplies;
+class EncoderControl;
+
+/// Makes the selected box decode an NDI source that the operator picks, or stop.
+class DecodeControl : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `busy` is that of the control area, shared by everything in it.
+    DecodeControl(const Hub& hub, const EncoderControl& encoder, Busy& busy);
+
+    /// Takes the replies of "hxdec_on" and "hxdec_off".
+    void registerReplies(CommandReplies& replies);
+    void ask();
+
+private:
+    void run(const QString& ip, const QStringList& commands, const QString& operation,
+             const QString& source);
+
+    const Hub m_hub;
+    const EncoderControl& m_encoder;
+    Busy& m_busy;
+};

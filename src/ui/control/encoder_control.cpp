@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+#include "ui/control/encoder_control.h"
+
+#include "common/box_protocol.h"
+#include "ui/control/control_area.h"
+#include "ui/hub/busy.h"
+#include "ui/hub/command_sequence.h"
+#include "ui/hub/hub_state.h"
+#include "widgets/message_box.h"
+
+namespace
+{
+
+// Compressed formats, one for each codec: HX2 has 1 and 2, HX3 has 3 and 4.
+constexpr int hx2Format = 1;
+constexpr int hx3Format = 3;
+enum Codec { H264 = 0, H265 = 1 };
+
+/// A list of commands to one box, in the order of sending.
+class CommandList
+{
+public:
+    explicit CommandList(QString ip) : m_ip(std::move(ip)) {}
+
+    CommandList& control(const char* action)
+    {
+        m_commands << BoxProtocol::controlCommand(QLatin1String(action), m_ip);
+        return *this;
+    }
+    CommandList& controlIf(bool wanted, const char* action)
+    {
+        return wanted ? control(action) : *this;
+    }
+    CommandList& set(QLatin1String parameter, int value)
+    {
+        m_commands << BoxProtocol::setCommand(parameter, QString::number(value), m_ip);
+        return *this;
+    }
+    CommandList& startHx(int format)
+    {
+        return set(BoxProtocol::NDIHXFormat, format)
+            .set(BoxProtocol::HDMIMode, 1)
+            .set(BoxProtocol::NDIEncMode, 0)
+            .control("hxenc_on");
+    }
+
+    const QString& ip() const { return m_ip; }
+    const QStringList& commands() const { return m_commands; }
+
+private:
+    const QString m_ip;
+    QStringList m_commands;
+};
+
+} // namespace
+
+EncoderControl::EncoderControl(const Hub& hub, Ui::ControlArea& area, Busy& busy)
+    : QObject(nullptr), m_hub(hub), m_area(area), m_busy(busy)
+{
+}
+
+bool EncoderControl::isEncoding() const
+{
+    return m_area.HB->isChecked() || m_area.HX2->isChecked() || m_area.HX3->isChecked();
+}
+
+void EncoderControl::setHb(bool on)
+{
+    CommandList list(m_hub.state.deviceIp());
+    if (on) {
+        list.controlIf(m_area.HX2->isChecked() || m_area.HX3->isChecked(), "hxenc_off");
+        m_area.HX2->setChecked(false);
+        m_area.HX3->setChecked(false);
+        list.set(BoxProtocol::HDMIMode, 1).set(BoxProtocol::NDIEncMode, 1).control("ndienc_on");
+    } else {
+        list.control("ndienc_off");
+    }
+    switchMode(m_area.HB, list.ip(), list.commands(), tr("控制 HB 失败,请重试!"));
+}
+
+void EncoderControl::setHx2(bool on)
+{
+    setHx(m_area.HX2, m_area.HX3, hx2Format, on, tr("控制 HX2 失败,请重试!"));
+}
+
+void EncoderControl::setHx3(bool on)
+{
+    setHx(m_area.HX3, m_area.HX2, hx3Format, on, tr("控制 HX3 失败,请重试!"));
+}
+
+void EncoderControl::setHx(QCheckBox* button, QCheckBox* other, int h264Format, bool on,
+                           const QString& failure)
+{
+    CommandList list(m_hub.state.deviceIp());
+    if (on) {
+        list.controlIf(m_area.HB->isChecked(), "ndienc_off");
+        list.controlIf(other->isChecked(), "hxenc_off");
+        m_area.HB->setChecked(false);
+        other->setChecked(false);
+        list.startHx(h264Format + (m_area.H264->isChecked() ? H264 : H265));
+    } else {
+        list.control("hxenc_off");
+    }
+    switchMode(button, list.ip(), list.commands(), failure);
+}
+
+void EncoderControl::switchMode(QCheckBox* button, const QString& ip, const QStringList& commands,
+                                const QString& failure)
+{
+    Busy::Run run(m_busy);
+    if (!run)
+        return;
+    const SequenceResult result = runCommands(m_hub, ip, commands);
+    run.end();
+    if (result != SequenceResult::SomeFailed)
+        return;
+    // The button may stand for another box by now.
+    if (m_hub.state.deviceIp() == ip)
+        button->toggle();
+    messageBox::ask(failure, m_hub.window);
+}
+
+void EncoderControl::setH264(bool on)
+{
+    if (on)
+        setCodec(H264);
+}
+
+void EncoderControl::setH265(bool on)
+{
+    if (on)
+        setCodec(H265);
+}
+
+void EncoderControl::setCodec(int codec)
+{
+    CommandList list(m_hub.state.deviceIp());
+    if (m_area.HX2->isChecked() || m_area.HX3->isChecked()) {
+        const int format = m_area.HX2->isChecked() ? hx2Format : hx3Format;
+        list.control("hxenc_off").startHx(format + codec);
+    } else {
+        // The encoder does not run compressed: only the stored format changes, to the same mode
+        // with the other codec.
+        const int stored = m_hub.state.encoderFormat().toInt();
+        for (const int h264Format : {hx2Format, hx3Format}) {
+            if (stored == h264Format + (codec == H264 ? H265 : H264))
+                list.set(BoxProtocol::NDIHXFormat, h264Format + codec);
+        }
+    }
+    Busy::Run run(m_busy);
+    if (!run)
+        return;
+    const SequenceResult result = runCommands(m_hub, list.ip(), list.commands());
+    run.end();
+    // One text for both codecs.
+    if (result == SequenceResult::SomeFailed)
+        messageBox::ask(tr("控制 H264 失败,请重试!"), m_hub.window);
+}

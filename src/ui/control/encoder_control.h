@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ui/hub/hub.h"
+
+#include <QObject>
+#include <QStringList>
+
+class Busy;
+class QCheckBox;
+namespace Ui
+{
+class ControlArea;
+}
+
+/// The encoder's mode (full bandwidth, HX2, HX3) and its codec (H.264, H.265).
+class EncoderControl : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `busy` is that of the control area, shared by everything in it.
+    EncoderControl(const Hub& hub, Ui::ControlArea& area, Busy& busy);
+
+    // Each is told the new state of its button.
+    void setHb(bool on);
+    void setHx2(bool on);
+    void setHx3(bool on);
+    void setH264(bool on);
+    void setH265(bool on);
+
+    /// True while the encoder runs in any mode.
+    bool isEncoding() const;
+
+private:
+    void setHx(QCheckBox* button, QCheckBox* other, int h264Format, bool on,
+               const QString& failure);
+    void setCodec(int codec);
+    void switchMode(QCheckBox* button, const QString& ip, const QStringList& commands,
+                    const QString& failure);
+
+    const Hub m_hub;
+    Ui::ControlArea& m_area;
+    Busy& m_busy;
+};

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+#include "ui/control/setui.h"
+
+#include "common/box_protocol.h"
+#include "common/json_map.h"
+#include "common/spark_http.h"
+#include "ui_setui.h"
+#include "widgets/message_box.h"
+
+#include <QHeaderView>
+#include <QTimer>
+
+QString ndiSourceName(const QString& entry)
+{
+    return entry.section(QStringLiteral("):"), 0, 0) + QLatin1Char(')');
+}
+
+setui::setui(Page page, const QString& deviceip, Spark_Http& http, QWidget* parent)
+    : QDialog(parent), m_ui(std::make_unique<Ui::setui>()), m_http(http)
+{
+    m_ui->setupUi(this);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setProperty("deviceip", deviceip);
+    const bool decode = page == Page::Decode;
+    // The other page would only keep its room.
+    QWidget* unused = decode ? m_ui->page_live : m_ui->page_decode;
+    m_ui->pages->removeWidget(unused);
+    unused->hide();
+    m_ui->Media_tableWidget->horizontalHeader()->hide();
+    m_ui->Media_tableWidget->horizontalHeader()->setStretchLastSection(true);
+    m_ui->Media_tableWidget->verticalHeader()->hide();
+    resize(decode ? QSize(520, 380) : QSize(520, 0));
+    setWindowTitle(decode ? tr("解码控制") : tr("直播服务控制"));
+    (decode ? m_ui->okpushButton : m_ui->oklive)->setDefault(true);
+    on_radioButton_Listener_toggled(m_ui->radioButton_Listener->isChecked());
+    connect(m_ui->Media_tableWidget, &QTableWidget::cellDoubleClicked, this,
+            &setui::on_okpushButton_clicked);
+}
+
+setui::~setui() = default;
+
+void setui::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    if (m_ui->pages->currentWidget() == m_ui->page_decode)
+        QTimer::singleShot(0, this, &setui::refresh); // the dialog shows before it waits
+    else
+        m_ui->stream_url->setFocus();
+}
+
+void setui::on_dec_refresh_clicked()
+{
+    refresh();
+}
+
+void setui::refresh()
+{
+    if (m_refreshing)
+        return;
+    m_refreshing = true;
+    m_ui->dec_refresh->setEnabled(false);
+    const QString url =
+        BoxProtocol::readUrl(property("deviceip").toString(), BoxProtocol::NDIDecodeList);
+    const QVariantMap reply = jsonToMap(m_http.get(QStringLiteral("refresh"), url, true));
+    m_refreshing = false;
+    m_ui->dec_refresh->setEnabled(true);
+
+    QStringList names;
+    const QVariantList entries = reply.value(QStringLiteral("value")).toList();
+    for (const QVariant& entry : entries)
+        names << ndiSourceName(entry.toString());
+    showSources(names);
+}
+
+void setui::showSources(const QStringList& names)
+{
+    QTableWidget* table = m_ui->Media_tableWidget;
+    const QTableWidgetItem* current = table->currentItem();
+    const QString chosen = current ? current->text() : QString();
+    table->clearContents();
+    table->setRowCount(names.size());
+    for (int row = 0; row < names.size(); ++row) {
+        table->setItem(row, 0, new QTableWidgetItem(names.at(row)));
+        table->item(row, 0)->setToolTip(names.at(row).toHtmlEscaped());
+    }
+    table->resizeRowsToContents();
+    const int again = chosen.isEmpty() ? -1 : names.indexOf(chosen);
+    table->setCurrentCell(again, again < 0 ? -1 : 0);
+    m_ui->no_sources->setVisible(names.isEmpty());
+    table->setFocus();
+}
+
+void setui::on_okpushButton_clicked()
+{
+    const QTableWidgetItem* item = m_ui->Media_tableWidget->currentItem();
+    m_source = item ? item->text() : QString();
+    if (m_source.isEmpty()) {
+        messageBox::ask(tr("请选择您要解码的源"), this);
+        return;
+    }
+    done(StartDecoding);
+}
+
+void setui::on_cancelpushButton_clicked()
+{
+    reject();
+}
+
+void setui::on_closepushButton_clicked()
+{
+    done(StopDecoding);
+}
+
+void setui::on_oklive_clicked()
+{
+    m_address = m_ui->stream_url->text();
+    m_port = m_ui->radioButton_Listener->isChecked() ? m_ui->srt_port->text() : QString();
+    if (m_address.isEmpty()) {
+        messageBox::ask(tr("请输入正确的url"), this);
+        return;
+    }
+    if (m_ui->radioButton_Listener->isChecked() && m_port.isEmpty()) {
+        messageBox::ask(tr("请输入正确的端口号"), this);
+        return;
+    }
+    done(StartLive);
+}
+
+void setui::on_closelive_clicked()
+{
+    done(StopLive);
+}
+
+void setui::on_radioButton_Listener_toggled(bool checked)
+{
+    m_ui->srt_port->setVisible(checked);
+    m_ui->caption_port->setVisible(checked);
+    m_ui->caption_id->setVisible(checked);
+    m_ui->caption_url->setVisible(!checked);
+    if (!isVisible())
+        return;
+    adjustSize();
+    (m_ui->stream_url->text().isEmpty() ? m_ui->stream_url : m_ui->srt_port)->setFocus();
+}

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#include "ui/devices/device_info.h"
+
+#include "common/box_protocol.h"
+#include "common/spark_http.h"
+#include "device/device_registry.h"
+#include "device/item.h"
+#include "device/tree_model.h"
+#include "device/tree_view.h"
+#include "ui/hub/hub_state.h"
+#include "ui/hub/result_dispatcher.h"
+
+namespace
+{
+
+const QString requestType = QStringLiteral("getDeviceinfo");
+
+/// In the order in which they are read and shown.
+constexpr QLatin1String informationParameters[] = {
+    BoxProtocol::DeviceName, BoxProtocol::FirmVersion, BoxProtocol::HardVersion,
+    BoxProtocol::SdkVersion, BoxProtocol::DiskSpace,   BoxProtocol::MACAddress,
+};
+
+int placeOf(const QString& parameter)
+{
+    int place = 0;
+    for (const QLatin1String name : informationParameters) {
+        if (parameter == name)
+            return place;
+        ++place;
+    }
+    return -1;
+}
+
+QString caption(int place)
+{
+    switch (place) {
+    case 0:
+        return DeviceInfo::tr("设备名称");
+    case 1:
+        return DeviceInfo::tr("固件版本");
+    case 2:
+        return DeviceInfo::tr("硬件版本");
+    case 3:
+        return DeviceInfo::tr("NDI SDK版本");
+    case 4:
+        return DeviceInfo::tr("剩余磁盘空间");
+    default:
+        return DeviceInfo::tr("MAC地址");
+    }
+}
+
+} // namespace
+
+DeviceInfo::DeviceInfo(const Hub& hub, TreeView* infoView)
+    : QObject(hub.window), m_hub(hub), m_view(infoView)
+{
+}
+
+void DeviceInfo::getDeviceinfo(const QString& ip)
+{
+    const QString selected = m_hub.state.deviceIp();
+    const auto read = [this](const QString& address, QLatin1String parameter) {
+        m_hub.http.get(requestType, BoxProtocol::readUrl(address, parameter), false);
+    };
+    if (!ip.isEmpty() && ip != selected) {
+        read(ip, BoxProtocol::FirmVersion);
+        read(ip, BoxProtocol::MACAddress);
+        return;
+    }
+    m_view->treeModel()->clear();
+    for (const QLatin1String parameter : informationParameters)
+        read(selected, parameter);
+}
+
+void DeviceInfo::handleReply(const HttpResult& result)
+{
+    if (placeOf(result.parameterName) < 0 || !result.value.isValid())
+        return;
+    const QString value = result.value.toString();
+    updateDevice(result, value);
+    if (result.deviceIp == m_hub.state.deviceIp())
+        showRow(result.parameterName, value);
+}
+
+void DeviceInfo::updateDevice(const HttpResult& result, const QString& value)
+{
+    Item* device = m_hub.devices.model().find(result.deviceIp);
+    if (!device)
+        return;
+    if (result.parameterName == BoxProtocol::FirmVersion) {
+        device->setProperty("FirmVersion", value);
+        emit deviceChanged();
+    } else if (result.parameterName == BoxProtocol::MACAddress &&
+               BoxProtocol::isMacAddress(value)) {
+        device->setProperty("MACAddress", value);
+        emit macReported(result.deviceIp, value);
+    }
+}
+
+void DeviceInfo::showRow(const QString& parameter, const QString& value)
+{
+    TreeModel* model = m_view->treeModel();
+    const int place = placeOf(parameter);
+    const QString content =
+        parameter == BoxProtocol::DiskSpace ? value + QStringLiteral(" MB") : value;
+    int row = 0;
+    // Replies arrive in any order, and twice when the box was selected twice: a row has its place.
+    for (; row < model->root()->childCount(); ++row) {
+        Item* shown = model->root()->child(row);
+        const int shownPlace = shown->property("place").toInt();
+        if (shownPlace == place) {
+            shown->setProperty("content", content);
+            m_view->refresh();
+            return;
+        }
+        if (shownPlace > place)
+            break;
+    }
+    auto* item = new Item;
+    item->setProperty("title", caption(place));
+    item->setProperty("content", content);
+    item->setProperty("deviceip", m_hub.state.deviceIp());
+    item->setProperty("isdir", false);
+    item->setProperty("place", place);
+    model->insertTopRow(row, item);
+    m_view->refresh();
+}
+
+void DeviceInfo::retranslate()
+{
+    const QList<Item*> rows = m_view->treeModel()->items();
+    for (Item* row : rows)
+        row->setProperty("title", caption(row->property("place").toInt()));
+    m_view->refresh();
+}

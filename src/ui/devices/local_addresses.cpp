@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#include "ui/devices/local_addresses.h"
+
+#include "device/spark_thread.h"
+
+#include <QTimer>
+
+LocalAddresses::LocalAddresses(QLabel* label) : QObject(label), m_label(label) {}
+
+void LocalAddresses::refresh()
+{
+    constexpr int pauseMs = 5000;
+    m_label->setText(localAddresses().join(QLatin1Char('\n')));
+    QTimer::singleShot(pauseMs, this, &LocalAddresses::refresh);
+}

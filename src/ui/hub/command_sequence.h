@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ui/hub/hub.h"
+
+#include <QString>
+#include <QStringList>
+
+/// How a run of blocking commands ended.
+enum class SequenceResult {
+    AllSucceeded,
+    SomeFailed,
+    WindowClosed, ///< the operator closed the window; nothing more was sent, nobody to tell
+};
+
+/// Sends `commands` to the box at `ip` one after the other; a failure does not stop the list. A
+/// command succeeds when the "status" of its reply contains "success", or equals "set success" when
+/// `exact`. Events are served meanwhile: callers hold nothing that may go away.
+SequenceResult runCommands(const Hub& hub, const QString& ip, const QStringList& commands,
+                           bool exact = false);

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "ui/recordings/download_list.h"
+
+#include "widgets/elided_label.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QProgressBar>
+#include <QToolButton>
+
+namespace
+{
+
+constexpr int rowHeight = 30;
+constexpr int mostRowsShown = 3;
+
+} // namespace
+
+DownloadRow::DownloadRow(const QString& name, QWidget* parent)
+    : QWidget(parent), m_bar(new QProgressBar(this)), m_cancel(new QToolButton(this))
+{
+    auto* label = new ElidedLabel(this);
+    label->setText(name);
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_cancel->setObjectName(QStringLiteral("cancelDownload"));
+    m_cancel->setIcon(QIcon(QStringLiteral(":/spark/img/cancel.svg")));
+    m_cancel->setAutoRaise(true);
+    connect(m_cancel, &QToolButton::clicked, this, &DownloadRow::cancelled);
+    retranslate();
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(12, 2, 8, 2);
+    layout->addWidget(label, 1);
+    layout->addWidget(m_bar, 1);
+    layout->addWidget(m_cancel);
+    setFixedHeight(rowHeight);
+    setProgress({});
+}
+
+void DownloadRow::setProgress(const DownloadProgress& progress)
+{
+    // A server that does not tell the size leaves only what has come to be shown.
+    const bool known = progress.percent >= 0;
+    m_bar->setRange(0, known ? 100 : 0);
+    m_bar->setValue(known ? progress.percent : 0);
+    m_bar->setFormat(known ? QStringLiteral("%p%  %1 / %2").arg(progress.received, progress.total)
+                           : progress.received);
+}
+
+void DownloadRow::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QWidget::changeEvent(event);
+}
+
+void DownloadRow::retranslate()
+{
+    m_cancel->setToolTip(tr("取消下载"));
+    m_cancel->setAccessibleName(tr("取消下载"));
+}
+
+DownloadList::DownloadList(QWidget* parent) : QScrollArea(parent)
+{
+    auto* content = new QWidget(this);
+    m_rows = new QVBoxLayout(content);
+    m_rows->setContentsMargins(0, 0, 0, 0);
+    m_rows->setSpacing(0);
+    m_rows->setAlignment(Qt::AlignTop);
+    setWidget(content);
+    setWidgetResizable(true);
+    setFrameShape(NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    fitRows();
+}
+
+DownloadRow* DownloadList::addRow(const QString& name)
+{
+    auto* row = new DownloadRow(name, widget());
+    m_rows->addWidget(row);
+    ++m_count;
+    fitRows();
+    return row;
+}
+
+void DownloadList::removeRow(DownloadRow* row)
+{
+    m_rows->removeWidget(row);
+    row->hide();
+    row->deleteLater();
+    --m_count;
+    fitRows();
+}
+
+void DownloadList::fitRows()
+{
+    setFixedHeight(qMin(m_count, mostRowsShown) * rowHeight);
+    setVisible(m_count > 0);
+}

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include "ui/recordings/recording_downloads.h"
+
+#include "common/box_protocol.h"
+#include "common/platform.h"
+#include "device/item.h"
+#include "ui/recordings/download_list.h"
+#include "ui/recordings/list_widget.h"
+#include "widgets/message_box.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QPointer>
+#include <QStandardPaths>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace
+{
+
+/// A record of its own, which outlives the one in the list.
+std::unique_ptr<Item> copyOf(const Item& recording)
+{
+    auto copy = std::make_unique<Item>();
+    for (const char* name : {"title", "filename", "deviceip"})
+        copy->setProperty(name, recording.property(name));
+    return copy;
+}
+
+} // namespace
+
+RecordingDownloads::RecordingDownloads(const Hub& hub, ListWidget& list, DownloadList& view)
+    : QObject(nullptr), m_hub(hub), m_list(list), m_view(view)
+{
+}
+
+RecordingDownloads::~RecordingDownloads() = default;
+
+void RecordingDownloads::ask(const QList<QListWidgetItem*>& rows)
+{
+    // Copied now: the list may be read again while the folder is chosen.
+    std::vector<std::unique_ptr<Item>> recordings;
+    for (const QListWidgetItem* row : rows) {
+        if (const Item* recording = m_list.entryOf(row))
+            recordings.push_back(copyOf(*recording));
+    }
+    if (recordings.empty())
+        return;
+    const QPointer<RecordingDownloads> self(this);
+    const QString folder = chooseFolder();
+    if (!self || folder.isEmpty())
+        return;
+    for (auto& recording : recordings) {
+        if (!isRunning(*recording))
+            start(std::move(recording), folder + QLatin1Char('/'));
+    }
+}
+
+/// Empty when the operator cancels.
+QString RecordingDownloads::chooseFolder()
+{
+    const QPointer<QFileDialog> dialog = new QFileDialog(m_hub.window);
+    dialog->setWindowTitle(tr("请您选择保存的位置"));
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setOption(QFileDialog::ShowDirsOnly);
+    dialog->setLabelText(QFileDialog::Accept, tr("选择目录"));
+    dialog->setLabelText(QFileDialog::Reject, tr("取消"));
+    const QStringList places = QStandardPaths::standardLocations(QStandardPaths::PicturesLocation);
+    if (!places.isEmpty())
+        dialog->setDirectory(places.last());
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    if (!dialog)
+        return QString();
+    const QString folder = accepted ? dialog->selectedFiles().value(0) : QString();
+    dialog->deleteLater();
+    return folder;
+}
+
+bool RecordingDownloads::isRunning(const Item& recording) const
+{
+    return std::any_of(m_jobs.begin(), m_jobs.end(), [&recording](const Job& job) {
+        return job.recording->address() == recording.address() &&
+               job.recording->title() == recording.title();
+    });
+}
+
+void RecordingDownloads::start(std::unique_ptr<Item> recording, const QString& folder)
+{
+    Item* item = recording.get();
+    DownloadRow* row = m_view.addRow(item->title());
+    m_jobs.push_back({std::move(recording), row});
+    connect(item, &Item::downloadProgressed, row, &DownloadRow::setProgress);
+    connect(row, &DownloadRow::cancelled, item, &Item::cancelDownload);
+    connect(item, &Item::downloadEnded, this,
+            [this, item](const DownloadResult& result) { end(item, result); });
+    item->download(folder);
+}
+
+void RecordingDownloads::end(Item* recording, const DownloadResult& result)
+{
+    const auto job = std::find_if(m_jobs.begin(), m_jobs.end(), [recording](const Job& own) {
+        return own.recording.get() == recording;
+    });
+    if (job == m_jobs.end())
+        return;
+    m_view.removeRow(job->row);
+    // It is the sender of the signal that brought us here.
+    job->recording.release()->deleteLater();
+    m_jobs.erase(job);
+
+    if (result.succeeded)
+        m_completed << result.path;
+    else if (!result.reason.isEmpty())
+        m_failed << BoxProtocol::fill(tr("文件[%1]下载失败: %2"),
+                                      {recording->title(), result.reason});
+    QTimer::singleShot(0, this, &RecordingDownloads::tell);
+}
+
+/// One dialog at a time: what ends while one is open is told together in the next.
+void RecordingDownloads::tell()
+{
+    if (m_telling)
+        return;
+    m_telling = true;
+    const QPointer<RecordingDownloads> self(this);
+    while (self && (!m_failed.isEmpty() || !m_completed.isEmpty())) {
+        if (!m_failed.isEmpty()) {
+            const QString text = m_failed.join(QLatin1Char('\n'));
+            m_failed.clear();
+            messageBox::ask(text, m_hub.window);
+            continue;
+        }
+        const QString path = m_completed.takeFirst();
+        const QString folder = QFileInfo(path).path();
+        // One question for all that went into one folder.
+        for (int n = m_completed.size() - 1; n >= 0; --n) {
+            if (QFileInfo(m_completed.at(n)).path() == folder)
+                m_completed.removeAt(n);
+        }
+        const int answer = messageBox::ask(tr("下载完成,是否前往文件所在文件夹?"), m_hub.window,
+                                           tr("前往"), tr("否"));
+        if (answer == messageBox::Confirmed && !Platform::revealFile(path) && self)
+            messageBox::ask(folder, m_hub.window);
+    }
+    if (self)
+        m_telling = false;
+}

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+#include "ui/recordings/recordings.h"
+
+#include "common/box_protocol.h"
+#include "device/item.h"
+#include "media/ffmpeg_widget.h"
+#include "ui/configuration/parameter_panel.h"
+#include "ui/hub/hub_state.h"
+#include "ui/hub/result_dispatcher.h"
+#include "ui/monitor/monitor_area.h"
+#include "ui/recordings/file_type.h"
+#include "ui/recordings/list_widget.h"
+#include "ui_storage_area.h"
+#include "widgets/message_box.h"
+
+#include <QDebug>
+#include <QPointer>
+#include <QUrl>
+
+namespace
+{
+
+/// More than a box can hold; a list without end would only fill the memory.
+constexpr int mostRecordings = 5000;
+
+/// What identifies a recording while the list may be read again.
+struct RecordingKey {
+    QString ip;
+    QString name;
+
+    explicit RecordingKey(const Item& item)
+        : ip(item.address()), name(item.property("filename").toString())
+    {
+    }
+    bool matches(const Item& item) const
+    {
+        return item.address() == ip && item.property("filename").toString() == name;
+    }
+};
+
+std::unique_ptr<Item> makeEntry(const QString& name, const QString& ip)
+{
+    auto entry = std::make_unique<Item>();
+    entry->setProperty("title", name);
+    entry->setProperty("filename", name);
+    entry->setProperty("filepath", name);
+    entry->setProperty("deviceip", ip);
+    entry->setProperty("isdir", false);
+    entry->setProperty("ispaly", false);
+    return entry;
+}
+
+QString mediaUrl(const Item& recording)
+{
+    return BoxProtocol::mediaUrl(recording.address(), recording.title());
+}
+
+bool isPlaying(const Item& recording)
+{
+    return recording.property("ispaly").toBool();
+}
+
+} // namespace
+
+Recordings::Recordings(const Hub& hub, Ui::StorageArea& storage, Ui::MonitorArea& monitor,
+                       ParameterPanel& panel)
+    : QObject(nullptr)
+    , m_hub(hub)
+    , m_list(*storage.storageWidget)
+    , m_monitor(monitor)
+    , m_player(*monitor.video_widget)
+    , m_panel(panel)
+{
+    m_tellFailedDeletes.setSingleShot(true);
+    m_tellFailedDeletes.setInterval(300);
+    connect(&m_tellFailedDeletes, &QTimer::timeout, this, &Recordings::tellFailedDeletes);
+}
+
+Recordings::~Recordings() = default;
+
+void Recordings::showBox(const QString& ip)
+{
+    if (ip == m_listedIp)
+        return;
+    m_listedIp = ip;
+    m_list.clearEntries();
+}
+
+void Recordings::handleReply(const HttpResult& result)
+{
+    if (result.deviceIp != m_hub.state.deviceIp() || result.value.type() != QVariant::List)
+        return;
+    m_listedIp = result.deviceIp;
+    m_list.clearEntries();
+    const QVariantList names = result.value.toList();
+    if (names.size() > mostRecordings)
+        qWarning().noquote() << result.deviceIp << "lists" << names.size() << "recordings";
+    for (const QVariant& value : names.mid(0, mostRecordings)) {
+        const QString name = value.type() == QVariant::String ? value.toString() : QString();
+        if (fileType(name) == FileType::Video)
+            m_list.addEntry(makeEntry(name, result.deviceIp));
+    }
+    // The one that plays stays marked, so that it is not deleted while it is watched.
+    if (QUrl(m_playing).host() == result.deviceIp)
+        markPlaying(m_playing);
+    playAwaited();
+}
+
+void Recordings::playSelected(bool on)
+{
+    if (!on) {
+        m_player.close();
+        return;
+    }
+    for (const QListWidgetItem* row : m_list.selectedRows()) {
+        if (const Item* recording = m_list.entryOf(row)) {
+            play(*recording);
+            m_list.viewport()->update();
+            return;
+        }
+    }
+    m_monitor.video_play->setChecked(false);
+    messageBox::ask(tr("请您在存储区域中选择要播放的内容!"), m_hub.window);
+}
+
+void Recordings::playOrStop(const Item* recording)
+{
+    if (!recording)
+        return;
+    if (isPlaying(*recording))
+        m_player.close();
+    else
+        play(*recording);
+}
+
+void Recordings::playNeighbour(int step)
+{
+    const auto& entries = m_list.entries();
+    const int count = static_cast<int>(entries.size());
+    for (int n = 0; n < count; ++n) {
+        if (!isPlaying(*entries[static_cast<size_t>(n)]))
+            continue;
+        const int wanted = n + step;
+        if (wanted >= 0 && wanted < count)
+            play(*entries[static_cast<size_t>(wanted)]);
+        else
+            messageBox::ask(step < 0 ? tr("已经是最后一个了") : tr("已经第一个了"), m_hub.window);
+        return;
+    }
+    messageBox::ask(tr("请您在存储区域中选择要播放的内容!"), m_hub.window);
+}
+
+void Recordings::play(const Item& recording)
+{
+    // Taken now: closing may bring the news that removes the record.
+    const QString url = mediaUrl(recording);
+    m_player.close();
+    m_player.open(url);
+}
+
+void Recordings::playWhenListed(const QString& ip, const QString& name)
+{
+    if (name.isEmpty())
+        return;
+    m_awaitedIp = ip;
+    m_awaitedName = name;
+    playAwaited();
+}
+
+void Recordings::playAwaited()
+{
+    if (m_awaitedName.isEmpty() || m_awaitedIp != m_hub.state.deviceIp())
+        return;
+    for (const auto& entry : m_list.entries()) {
+        if (entry->address() == m_awaitedIp && entry->title().contains(m_awaitedName)) {
+            m_awaitedName.clear();
+            play(*entry);
+            return;
+        }
+    }
+}
+
+void Recordings::showStatus(int status, const QString& url)
+{
+    enum Status { Failed = 0, Playing = 1 };
+    m_playing = status == Playing ? url : QString();
+    m_monitor.video_play->setChecked(status == Playing);
+    m_monitor.decodeaddress->setText(m_playing);
+    markPlaying(m_playing);
+    if (status == Failed)
+        messageBox::ask(BoxProtocol::fill(tr("播放地址%1异常!"), {url}), m_hub.window);
+}
+
+void Recordings::markPlaying(const QString& url)
+{
+    // The address carries the name percent-encoded; the list has it as it is.
+    const QString decoded = QUrl::fromPercentEncoding(url.toUtf8());
+    for (const auto& entry : m_list.entries()) {
+        const QString title = entry->title();
+        entry->setProperty("ispaly",
+                           !url.isEmpty() && (url.contains(title) || decoded.contains(title)));
+    }
+    m_list.viewport()->update();
+}
+
+void Recordings::remove(const QList<QListWidgetItem*>& rows)
+{
+    std::vector<RecordingKey> keys;
+    for (const QListWidgetItem* row : rows) {
+        if (const Item* recording = m_list.entryOf(row))
+            keys.emplace_back(*recording);
+    }
+    if (rows.isEmpty())
+        return;
+    const QPointer<Recordings> self(this);
+    const int answer = messageBox::ask(tr("确认要删除这些录制文件吗?"), m_hub.window);
+    if (!self || answer != messageBox::Confirmed)
+        return;
+    const QSignalBlocker blocker(m_list);
+    for (const RecordingKey& key : keys) {
+        for (const auto& entry : m_list.entries()) {
+            if (!key.matches(*entry))
+                continue;
+            if (!isPlaying(*entry))
+                startDelete(m_list.takeEntry(entry.get()));
+            break;
+        }
+    }
+    m_list.viewport()->update();
+}
+
+/// The record waits for the box's answer after its row has gone.
+void Recordings::startDelete(std::unique_ptr<Item> recording)
+{
+    Item* item = recording.get();
+    m_deleting.push_back(std::move(recording));
+    connect(item, &Item::deleteEnded, this,
+            [this, item](bool succeeded) { noteDeleted(item, succeeded); });
+    item->record_del();
+}
+
+void Recordings::noteDeleted(Item* recording, bool succeeded)
+{
+    for (auto place = m_deleting.begin(); place != m_deleting.end(); ++place) {
+        if (place->get() != recording)
+            continue;
+        // It is the sender of the signal that brought us here.
+        place->release()->deleteLater();
+        m_deleting.erase(place);
+        break;
+    }
+    if (succeeded)
+        return;
+    m_failedDeletes << BoxProtocol::fill(tr("文件[%1]删除错误,请重试"),
+                                         {recording->property("filename").toString()});
+    m_tellFailedDeletes.start();
+}
+
+/// One message for all that failed together; the list shows again what is still there.
+void Recordings::tellFailedDeletes()
+{
+    const QString text = m_failedDeletes.join(QLatin1Char('\n'));
+    m_failedDeletes.clear();
+    m_panel.getDeviceRecordList();
+    messageBox::ask(text, m_hub.window);
+}

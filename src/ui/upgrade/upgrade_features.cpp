@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#include "ui/upgrade/upgrade_features.h"
+
+#include "device/tree_view.h"
+#include "ui/devices/device_area.h"
+#include "ui/devices/device_info.h"
+#include "ui/hub/action_dispatcher.h"
+#include "ui/hub/result_dispatcher.h"
+#include "ui/monitor/monitor_area.h"
+#include "ui/upgrade/drop_areas.h"
+#include "ui/upgrade/upgrade_report_dialog.h"
+#include "widgets/message_box.h"
+
+#include <QScrollBar>
+
+UpgradeFeatures::UpgradeFeatures(const Hub& hub, Ui::DeviceArea& devices, Ui::MonitorArea& monitor,
+                                 WindowFrame& frame, ParameterPanel& panel, int tickMs)
+    : QObject(nullptr)
+    , report(hub, tickMs)
+    , restore(hub, panel, report)
+    , batch(hub, devices.deviceView, monitor, frame, restore, report)
+    , md5(hub.window)
+    , m_hub(hub)
+    , m_devices(devices)
+{
+    devices.deviceView->setUpgradeTick(tickMs);
+    connect(devices.upgradeReport, &QAbstractButton::clicked, this, &UpgradeFeatures::showReport);
+    connect(&report, &UpgradeReport::changed, this, &UpgradeFeatures::showReportButton);
+    connect(&report, &UpgradeReport::seen, &restore, &ConfigurationRestore::handleMac);
+    connect(&report, &UpgradeReport::settingsFound, &restore, &ConfigurationRestore::offer,
+            Qt::QueuedConnection);
+    connect(&report, &UpgradeReport::interruptedFound, this, [this](int boxes) {
+        messageBox::notify(
+            tr("上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.").arg(boxes),
+            m_hub.window);
+    });
+    // The newest line stays in sight.
+    QScrollBar* bar = monitor.tip_scroll->verticalScrollBar();
+    connect(bar, &QScrollBar::rangeChanged, bar,
+            [bar](int, int maximum) { bar->setValue(maximum); });
+}
+
+void UpgradeFeatures::connectTo(ResultDispatcher& results, ActionDispatcher& actions,
+                                DropAreas& dropAreas, DeviceInfo& info)
+{
+    results.onPrefix(QStringLiteral("saveConfig"),
+                     [this](const HttpResult& result) { restore.handleSaved(result); });
+    results.onPrefix(ConfigurationRestore::checkType(),
+                     [this](const HttpResult& result) { restore.handleCheck(result); });
+    results.onPrefix(UpgradeReport::seenType(),
+                     [this](const HttpResult& result) { report.handleSeen(result); });
+    results.onPrefix(UpgradeReport::versionType(),
+                     [this](const HttpResult& result) { report.handleVersion(result); });
+    actions.on(Action::NewFirmware, [this](Item*) { batch.startWithFetchedPackage(); });
+    actions.on(Action::UpgradeTick, [this](Item*) { batch.step(); });
+    connect(&dropAreas, &DropAreas::filesDropped, &batch, &BatchUpgrade::startBatchUpgrade,
+            Qt::QueuedConnection);
+    connect(&info, &DeviceInfo::macReported, this, &UpgradeFeatures::noteMac);
+}
+
+void UpgradeFeatures::noteMac(const QString& ip, const QString& mac)
+{
+    batch.handleMac(ip, mac);
+    report.noteMac(ip, mac);
+    restore.handleMac(ip, mac);
+}
+
+void UpgradeFeatures::showReport()
+{
+    if (!m_dialog)
+        m_dialog = new UpgradeReportDialog(report, m_hub.window);
+    m_dialog->show();
+    m_dialog->raise();
+    m_dialog->activateWindow();
+}
+
+void UpgradeFeatures::showReportButton()
+{
+    m_devices.upgradeReport->setVisible(!report.isEmpty());
+}

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#include "ui/window/hub_features.h"
+
+#include "common/spark_http.h"
+#include "device/item.h"
+#include "device/tree_view.h"
+#include "ui/window/options.h"
+
+#include <QCoreApplication>
+
+namespace
+{
+
+/// The form must exist before anything that takes one of its widgets.
+Ui::Tarn_Hub builtForm(Tarn_Hub* window)
+{
+    Ui::Tarn_Hub form;
+    form.setupUi(window);
+    return form;
+}
+
+std::unique_ptr<DeviceRegistry> makeRegistry(Tarn_Hub* window, const Ui::Tarn_Hub& form,
+                                             const Options& options)
+{
+    return std::make_unique<DeviceRegistry>(
+        *form.device_list->ui.deviceView->treeModel(), *Spark_Http::instance(), options.sweep,
+        [window](Spark_Thread* thread) {
+            QObject::connect(thread, &Spark_Thread::S_findDeviceIP, window,
+                             &Tarn_Hub::R_findDeviceIP, Qt::QueuedConnection);
+            QObject::connect(thread, &Spark_Thread::S_refreshDeviceIP, window,
+                             &Tarn_Hub::R_refreshDeviceIP, Qt::QueuedConnection);
+        });
+}
+
+} // namespace
+
+Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
+    : form(builtForm(window))
+    , state(window)
+    , runner(QStringLiteral("Tarn_Hub"),
+             [window](QProcess* process) {
+                 QObject::connect(process, &QProcess::readyReadStandardOutput, window,
+                                  &Tarn_Hub::R_readyReadStandardOutput);
+                 QObject::connect(process, &QProcess::stateChanged, window,
+                                  &Tarn_Hub::R_stateChanged);
+             })
+    , devices(makeRegistry(window, form, options))
+    , hub{state, *devices, runner, *Spark_Http::instance(), window}
+    , language(nullptr)
+    , frame(form, window)
+    , localAddresses(form.device_list->ui.localip)
+    , crashNotice(new CrashNotice(form.device_list->ui.layout1))
+    , dropAreas({form.device_list, form.monitor_top->ui.page_video},
+                form.device_list->ui.deviceView, nullptr)
+    , valueControls(form.config_area->ui, form.control_area->ui)
+    , deviceList(hub, form.device_list->ui)
+    , deviceInfo(hub, form.device_info->ui.infoView)
+    , panel(hub, form.config_area->ui, form.control_area->ui)
+    , save(hub, form.config_area->ui, panel)
+    , controlBusy(form.control_area->ui.busy_control, {form.control_area->ui.control_body})
+    , encoder(hub, form.control_area->ui, controlBusy)
+    , audio(hub, form.control_area->ui, controlBusy)
+    , decode(hub, encoder, controlBusy)
+    , live(hub)
+    , events(nullptr)
+    , streamPane(events.stream(), form.monitor_top->ui.plainTextEdit_Stream)
+    , mediaPane(events.media(), form.monitor_top->ui.plainTextEdit_Media)
+    , recordings(hub, form.monitor_bottom->ui, form.monitor_top->ui, panel)
+    , downloads(hub, recordings.list(), *form.monitor_bottom->ui.downloads)
+    , record(hub, form.control_area->ui, panel, recordings)
+    , selection(hub, frame, deviceInfo, panel, events)
+    , monitor(form.monitor_top->ui, frame)
+    , upgrade(hub, form.device_list->ui, form.monitor_top->ui, frame, panel, options.upgradeTickMs)
+    , updateCheck(*Spark_Http::instance(), options.updateServer, applicationVersion())
+    , updatePrompt(hub, applicationVersion(), QCoreApplication::applicationDirPath(),
+                   [this] { return mustNotEnd(); })
+{
+}
+
+bool Tarn_Hub::Features::mustNotEnd() const
+{
+    return !devices->upgradeCounts(koraFamily()).allEnded() || !state.needRestore().isEmpty() ||
+           !downloads.isIdle();
+}

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "common/command_runner.h"
+#include "device/device_registry.h"
+#include "media/event_sockets.h"
+#include "ui/configuration/configuration_save.h"
+#include "ui/configuration/parameter_panel.h"
+#include "ui/configuration/value_controls.h"
+#include "ui/control/audio_levels.h"
+#include "ui/control/decode_control.h"
+#include "ui/control/encoder_control.h"
+#include "ui/control/live_control.h"
+#include "ui/devices/device_info.h"
+#include "ui/devices/device_list.h"
+#include "ui/devices/device_selection.h"
+#include "ui/devices/local_addresses.h"
+#include "ui/hub/action_dispatcher.h"
+#include "ui/hub/busy.h"
+#include "ui/hub/command_replies.h"
+#include "ui/hub/hub.h"
+#include "ui/hub/hub_state.h"
+#include "ui/hub/result_dispatcher.h"
+#include "ui/monitor/event_pane.h"
+#include "ui/monitor/monitor.h"
+#include "ui/recordings/record_control.h"
+#include "ui/recordings/recording_downloads.h"
+#include "ui/recordings/recordings.h"
+#include "ui/upgrade/drop_areas.h"
+#include "ui/upgrade/upgrade_features.h"
+#include "ui/window/crash_notice.h"
+#include "ui/window/language.h"
+#include "ui/window/tarn_hub.h"
+#include "ui/window/update_prompt.h"
+#include "ui/window/window_frame.h"
+#include "ui_tarn_hub.h"
+#include "update/update_check.h"
+
+/// Everything the window forwards to. Members are made in this order: what a feature uses stands
+/// before it.
+struct Tarn_Hub::Features {
+    Features(Tarn_Hub* window, const Options& options);
+
+    /// Boxes are being upgraded or get their settings back, or recordings are being downloaded.
+    bool mustNotEnd() const;
+
+    Ui::Tarn_Hub form;
+    HubState state;
+    CommandRunner runner;
+    std::unique_ptr<DeviceRegistry> devices;
+    const Hub hub;
+
+    ResultDispatcher results;
+    CommandReplies replies;
+    ActionDispatcher actions;
+
+    Language language;
+    WindowFrame frame;
+    LocalAddresses localAddresses;
+    CrashNotice* const crashNotice; // the form owns it, as it does its other widgets
+    DropAreas dropAreas;
+    ValueControls valueControls;
+    DeviceList deviceList;
+    DeviceInfo deviceInfo;
+    ParameterPanel panel;
+    ConfigurationSave save;
+    Busy controlBusy;
+    EncoderControl encoder;
+    AudioLevels audio;
+    DecodeControl decode;
+    LiveControl live;
+    EventSockets events;
+    EventPane streamPane;
+    EventPane mediaPane;
+    Recordings recordings;
+    RecordingDownloads downloads;
+    RecordControl record;
+    DeviceSelection selection;
+    Monitor monitor;
+    UpgradeFeatures upgrade;
+    UpdateCheck updateCheck;
+    UpdatePrompt updatePrompt;
+};

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "ui/window/start_up.h"
+
+#include "common/data_path.h"
+#include "common/platform.h"
+#include "crash/crash_handler.h"
+#include "ui/window/options.h"
+#include "web/browser.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QIcon>
+#include <QNetworkProxyFactory>
+
+namespace StartUp
+{
+
+void setAttributes()
+{
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    prepareBrowserEngine();
+}
+
+void dress(QApplication& application)
+{
+    Platform::useUtf8ForChildProcesses();
+    // The boxes are on this network: a proxy would only be in the way.
+    QNetworkProxyFactory::setUseSystemConfiguration(false);
+    const int fontId =
+        QFontDatabase::addApplicationFont(QStringLiteral(":/font/font/Cantarell-Regular-5.ttf"));
+    QFont font = QApplication::font();
+    font.setPixelSize(13); // as the style sheet: delegates paint with this one
+    const QStringList families = QFontDatabase::applicationFontFamilies(fontId);
+    if (!families.isEmpty())
+        font.setFamilies(families);
+    QApplication::setFont(font);
+    application.setStyleSheet(QStringLiteral("file:///:/qss/spark.qss"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/icon/TH.ico")));
+    QCoreApplication::setApplicationName(QStringLiteral("Tarn Hub"));
+}
+
+void installCrashHandler()
+{
+    CrashHandler::instance().setDumpFolder(dataPath(QStringLiteral("Dump")));
+    CrashHandler::instance().install(applicationVersion());
+}
+
+} // namespace StartUp

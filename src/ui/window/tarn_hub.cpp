@@ -1,0 +1,339 @@
+// SPDX-License-Identifier: MIT
+#include "ui/window/tarn_hub.h"
+
+#include "common/box_protocol.h"
+#include "common/spark_http.h"
+#include "crash/crash_handler.h"
+#include "device/item.h"
+#include "device/tree_view.h"
+#include "media/ffmpeg_widget.h"
+#include "ui/window/hub_features.h"
+#include "ui/window/options.h"
+#include "widgets/message_box.h"
+
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QTimer>
+
+Tarn_Hub::Tarn_Hub(const Options& options, QWidget* parent)
+    : QWidget(parent), m(std::make_unique<Features>(this, options))
+{
+    connect(Spark_Http::instance(), &Spark_Http::S_finished, this, &Tarn_Hub::R_finished);
+    connect(m->form.device_list->ui.deviceView, &TreeView::S_ActionClicked, this,
+            &Tarn_Hub::R_ActionClicked);
+    ListWidget* storage = m->form.monitor_bottom->ui.storageWidget;
+    connect(storage, &ListWidget::S_download, this, &Tarn_Hub::R_download);
+    connect(storage, &ListWidget::S_delete, this, &Tarn_Hub::R_delete);
+    connect(storage, &ListWidget::S_ActionClicked, this, &Tarn_Hub::R_ActionClicked);
+    connect(m->form.monitor_top->ui.video_widget, &FFmpegWidget::playstatus, this,
+            &Tarn_Hub::R_playstatus);
+    connectFeatures();
+    for (QWidget* widget : m->dropAreas.areas() + m->valueControls.wheelControls())
+        widget->installEventFilter(this);
+    m->form.monitor_top->ui.video_widget->installEventFilter(this);
+    setWindowTitle(QStringLiteral("Tarn Hub v%1").arg(applicationVersion()));
+    fillDefaults();
+    QTimer::singleShot(100, this, &Tarn_Hub::R_delayAction);
+}
+
+Tarn_Hub::~Tarn_Hub()
+{
+    m->devices->stop();
+    CommandRunner::endAll();
+}
+
+void Tarn_Hub::connectFeatures()
+{
+    m->results.on(QStringLiteral("findDevice"), [this](const HttpResult& result) {
+        m->devices->handleDeviceName(result.deviceIp, result.value.toString());
+    });
+    m->results.on(QStringLiteral("findDevice_webui"), [this](const HttpResult& result) {
+        m->devices->handleWebPage(result.deviceIp, result.body);
+    });
+    m->results.on(QStringLiteral("getDeviceinfo"),
+                  [this](const HttpResult& result) { m->deviceInfo.handleReply(result); });
+
+    m->results.on(QStringLiteral("getConfigDeviceinfo"),
+                  [this](const HttpResult& result) { m->panel.handleReply(result); });
+    m->results.on(QStringLiteral("getDeviceRecordList"),
+                  [this](const HttpResult& result) { m->recordings.handleReply(result); });
+    m->results.on(QStringLiteral("toupgrade"),
+                  [this](const HttpResult& result) { m->updateCheck.handleProgram(result.body); });
+    m->results.on(QStringLiteral("toupgradekora"),
+                  [this](const HttpResult& result) { m->updateCheck.handleFirmware(result.body); });
+    connect(&m->updateCheck, &UpdateCheck::installerReady, &m->updatePrompt, &UpdatePrompt::offer);
+    connect(&m->updateCheck, &UpdateCheck::firmwareReady, this, [this](const QString& path) {
+        const QString name = QFileInfo(path).completeBaseName();
+        m->state.setOtaFile(path, name);
+        m->devices->setFirmwareBaseName(name);
+    });
+    m->record.registerReplies(m->replies);
+    m->decode.registerReplies(m->replies);
+    m->live.registerReplies(m->replies);
+
+    m->upgrade.connectTo(m->results, m->actions, m->dropAreas, m->deviceInfo);
+
+    m->actions.on(Action::Select, [this](Item* item) { m->selection.select(item); });
+    m->actions.on(Action::PlayRecording, [this](Item* item) { m->recordings.playOrStop(item); });
+    m->actions.on(Action::RestartDevice, [this](Item* item) { m->selection.restart(item); });
+
+    connect(m->devices.get(), &DeviceRegistry::deviceAdded, this, [this](Item* item) {
+        if (item->isKora())
+            m->deviceInfo.getDeviceinfo(item->address());
+    });
+    connect(m->devices.get(), &DeviceRegistry::cameOnline, &m->selection,
+            &DeviceSelection::handleCameOnline);
+    connect(&m->selection, &DeviceSelection::koraSelected, this, [this](const Item& box) {
+        m->recordings.showBox(box.address());
+        m->record.showBox(box);
+    });
+    connect(&m->deviceInfo, &DeviceInfo::deviceChanged, &m->deviceList, &DeviceList::repaint);
+    connect(&m->audio.timer(), &QTimer::timeout, this, &Tarn_Hub::R_timerSliderout);
+    connect(&m->events, &EventSockets::recordTime, m->form.control_area->ui.recodeTime,
+            &QLabel::setText);
+    connect(&m->language, &Language::chosen, this, &Tarn_Hub::retranslate);
+}
+
+/// What the fields show until a box has been read.
+void Tarn_Hub::fillDefaults()
+{
+    Ui::ConfigurationArea& config = m->form.config_area->ui;
+    config.eParam_IPAddress->setIP(QStringLiteral("192.168.1.88"));
+    config.eParam_NetMask->setIP(QStringLiteral("255.255.255.0"));
+    config.eParam_NDIName->setText(koraFamily());
+    config.eParam_NTPServer->setText(QStringLiteral("pool.ntp.org"));
+}
+
+void Tarn_Hub::R_delayAction()
+{
+    m->frame.sizePanes();
+    m->frame.showStart();
+    m->language.chooseSystemLanguage();
+    m->updateCheck.start();
+    m->crashNotice->start(CrashHandler::instance().dumpFolder());
+    m->form.device_list->ui.md5->hide();
+    m->form.monitor_top->ui.widget_play_progress->hide();
+    refreshLocalIP();
+    m->upgrade.report.loadInterrupted();
+    m->devices->startSearch();
+    refreshDeviceState();
+    m->frame.showNothingSelected();
+}
+
+void Tarn_Hub::retranslate()
+{
+    m->form.retranslateUi(this);
+    m->form.device_list->retranslate();
+    m->form.device_info->retranslate();
+    m->form.monitor_top->retranslate();
+    m->form.monitor_bottom->retranslate();
+    m->form.config_area->retranslate();
+    m->form.control_area->retranslate();
+    m->deviceInfo.retranslate();
+}
+
+bool Tarn_Hub::eventFilter(QObject* watched, QEvent* event)
+{
+    if (m->dropAreas.contains(watched) && m->dropAreas.filter(watched, event))
+        return true;
+    if (watched == m->form.monitor_top->ui.video_widget && m->monitor.filter(event))
+        return true;
+    if (m->valueControls.swallows(watched, event))
+        return true;
+    return QWidget::eventFilter(watched, event);
+}
+
+void Tarn_Hub::closeEvent(QCloseEvent* event)
+{
+    if (m->devices->upgradeCounts(koraFamily()).allEnded()) {
+        event->accept();
+        return;
+    }
+    messageBox::ask(tr("正在对KORA升级固件,请勿关闭软件."), this);
+    event->ignore();
+}
+
+void Tarn_Hub::refreshLocalIP()
+{
+    m->localAddresses.refresh();
+}
+
+void Tarn_Hub::refreshDeviceState()
+{
+    m->devices->checkStates();
+}
+
+void Tarn_Hub::R_findDeviceIP(QStringList ips)
+{
+    m->devices->probe(ips);
+}
+
+void Tarn_Hub::R_refreshDeviceIP(QStringList ips)
+{
+    m->devices->setReachable(ips);
+}
+
+void Tarn_Hub::R_finished(QVariantMap map)
+{
+    m->results.dispatch(map);
+}
+
+void Tarn_Hub::R_readyReadStandardOutput()
+{
+    if (auto* process = qobject_cast<QProcess*>(sender()))
+        m->replies.dispatch(*process, m->runner.takeReply(process));
+}
+
+void Tarn_Hub::R_stateChanged(QProcess::ProcessState state)
+{
+    auto* process = qobject_cast<QProcess*>(sender());
+    if (process && state == QProcess::NotRunning)
+        m->runner.noteEnd(process);
+}
+
+void Tarn_Hub::R_download(QList<QListWidgetItem*> items)
+{
+    m->downloads.ask(items);
+}
+
+void Tarn_Hub::R_delete(QList<QListWidgetItem*> items)
+{
+    m->recordings.remove(items);
+}
+
+void Tarn_Hub::R_ActionClicked(Action type, Item* itemObj)
+{
+    m->actions.dispatch(type, itemObj);
+}
+
+void Tarn_Hub::R_playstatus(int status, const QString& url)
+{
+    m->recordings.showStatus(status, url);
+}
+
+void Tarn_Hub::R_timerSliderout()
+{
+    m->audio.send();
+}
+
+void Tarn_Hub::on_save_clicked()
+{
+    m->save.save();
+}
+
+void Tarn_Hub::on_refreshDevice_clicked()
+{
+    m->devices->forgetIdleDevices();
+}
+
+void Tarn_Hub::on_firmwareUpdate_clicked()
+{
+    m->upgrade.batch.choosePackage();
+}
+
+void Tarn_Hub::on_HB_clicked(bool checked)
+{
+    m->encoder.setHb(checked);
+}
+
+void Tarn_Hub::on_HX2_clicked(bool checked)
+{
+    m->encoder.setHx2(checked);
+}
+
+void Tarn_Hub::on_HX3_clicked(bool checked)
+{
+    m->encoder.setHx3(checked);
+}
+
+void Tarn_Hub::on_language_clicked()
+{
+    m->language.askAtCursor();
+}
+
+void Tarn_Hub::on_recode_clicked(bool checked)
+{
+    m->record.setRecording(checked);
+}
+
+void Tarn_Hub::on_collapse_clicked()
+{
+    m->deviceList.setExpanded(false);
+}
+
+void Tarn_Hub::on_expand_clicked()
+{
+    m->deviceList.setExpanded(true);
+}
+
+void Tarn_Hub::on_full_clicked()
+{
+    m->frame.setFullScreen(true);
+}
+
+void Tarn_Hub::on_colsefull_clicked()
+{
+    m->frame.setFullScreen(false);
+}
+
+void Tarn_Hub::on_md5_clicked()
+{
+    m->upgrade.md5.run();
+}
+
+void Tarn_Hub::on_video_play_clicked(bool checked)
+{
+    m->recordings.playSelected(checked);
+}
+
+void Tarn_Hub::on_video_after_clicked()
+{
+    m->recordings.playNeighbour(-1);
+}
+
+void Tarn_Hub::on_video_front_clicked()
+{
+    m->recordings.playNeighbour(1);
+}
+
+void Tarn_Hub::on_switch_monitor_clicked(bool)
+{
+    m->frame.showMonitorPage();
+}
+
+void Tarn_Hub::on_eParam_SDIVolumeSlider_valueChanged(int)
+{
+    m->audio.sliderMoved(m->form.control_area->ui.eParam_SDIVolumeSlider, BoxProtocol::SDIVolume);
+}
+
+void Tarn_Hub::on_eParam_LineinVolumeSlider_valueChanged(int)
+{
+    m->audio.sliderMoved(m->form.control_area->ui.eParam_LineinVolumeSlider,
+                         BoxProtocol::LineinVolume);
+}
+
+void Tarn_Hub::on_eParam_LineinDelaySlider_valueChanged(int)
+{
+    m->audio.sliderMoved(m->form.control_area->ui.eParam_LineinDelaySlider,
+                         BoxProtocol::LineinDelay);
+}
+
+void Tarn_Hub::on_H264_clicked(bool checked)
+{
+    m->encoder.setH264(checked);
+}
+
+void Tarn_Hub::on_H265_clicked(bool checked)
+{
+    m->encoder.setH265(checked);
+}
+
+void Tarn_Hub::on_pushButton_hxdec_on_clicked()
+{
+    m->decode.ask();
+}
+
+void Tarn_Hub::on_pushButton_live_on_clicked()
+{
+    m->live.ask();
+}

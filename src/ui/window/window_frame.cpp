@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "ui/window/window_frame.h"
+
+#include "ui_tarn_hub.h"
+#include "web/web_pane.h"
+
+#include <QMovie>
+#include <QScreen>
+#include <QVBoxLayout>
+
+WindowFrame::WindowFrame(Ui::Tarn_Hub& form, QWidget* window)
+    : QObject(window)
+    , m_form(form)
+    , m_window(window)
+    , m_webPane(new WebPane(form.web_widget))
+    , m_logo(new QMovie(QStringLiteral(":/spark/img/logoning.gif"), QByteArray(), this))
+{
+    form.web_widget->layout()->addWidget(m_webPane);
+    sizeWindow();
+    for (QSplitter* splitter : {form.left_splitter, form.main_splitter, form.monitor_splitter})
+        fixSplitter(splitter);
+    form.left_splitter->setStretchFactor(0, 1);
+    form.main_splitter->setStretchFactor(1, 1);
+    form.main_splitter->setStretchFactor(3, 1);
+    form.monitor_splitter->setStretchFactor(0, 1);
+}
+
+/// As large as the panes want, and no larger than the screen.
+void WindowFrame::sizeWindow()
+{
+    const QSize comfortable(1600, 960);
+    const QRect screen = m_window->screen()->availableGeometry();
+    const QSize size = screen.size().boundedTo(comfortable);
+    m_window->resize(size);
+    m_window->move(screen.center() - QRect(QPoint(), size).center());
+}
+
+/// The panes cannot be dragged.
+void WindowFrame::fixSplitter(QSplitter* splitter)
+{
+    for (int n = 1; n < splitter->count(); ++n) {
+        splitter->handle(n)->setAttribute(Qt::WA_StyledBackground);
+        splitter->handle(n)->setEnabled(false);
+    }
+    splitter->setStyleSheet(QStringLiteral("QSplitter::handle { background-color: black }"));
+}
+
+void WindowFrame::sizePanes()
+{
+    constexpr int left = 350;
+    constexpr int right = 600;
+    constexpr int lower = 260;
+    QSplitter* main = m_form.main_splitter;
+    main->setSizes({left, main->width() - left - right - 2 * main->handleWidth(), right});
+    for (QSplitter* splitter : {m_form.left_splitter, m_form.monitor_splitter})
+        splitter->setSizes({splitter->height() - lower - splitter->handleWidth(), lower});
+}
+
+void WindowFrame::showStart()
+{
+    Ui::MonitorArea& monitor = m_form.monitor_top->ui;
+    m_form.device_list->ui.expand->hide();
+    monitor.colsefull->hide();
+    monitor.label_wait->setMovie(m_logo);
+    m_logo->start();
+    // Nobody sees it move on another page, and it would cost more than the rest of the window.
+    const auto pause = [this, &monitor] {
+        m_logo->setPaused(monitor.stackedWidget->currentWidget() != monitor.page_wait);
+    };
+    connect(monitor.stackedWidget, &QStackedWidget::currentChanged, this, pause);
+    monitor.tip->clear();
+    monitor.stackedWidget->setCurrentWidget(monitor.page_video);
+    pause();
+}
+
+void WindowFrame::showNothingSelected()
+{
+    m_form.middle_widget->show();
+    m_form.monitor_bottom->hide();
+    m_form.right_widget->hide();
+    m_form.web_widget->hide();
+}
+
+void WindowFrame::showKora(bool upgrading)
+{
+    m_form.monitor_bottom->setVisible(!upgrading);
+    if (upgrading)
+        showWaiting();
+    else
+        showMonitorPage();
+    m_form.middle_widget->show();
+    m_form.right_widget->show();
+    m_form.device_info->show();
+    m_webPane->setUrl(QString());
+    m_form.web_widget->hide();
+}
+
+void WindowFrame::showWaiting()
+{
+    Ui::MonitorArea& monitor = m_form.monitor_top->ui;
+    monitor.stackedWidget->setCurrentWidget(monitor.page_wait);
+    m_form.monitor_bottom->hide();
+}
+
+void WindowFrame::showMonitorPage()
+{
+    Ui::MonitorArea& monitor = m_form.monitor_top->ui;
+    monitor.stackedWidget->setCurrentWidget(
+        monitor.switch_monitor->isChecked() ? monitor.page_meta : monitor.page_video);
+}
+
+void WindowFrame::showWebPage(const QString& url)
+{
+    m_form.middle_widget->hide();
+    m_form.right_widget->hide();
+    m_form.device_info->hide();
+    m_webPane->setUrl(url);
+    m_form.web_widget->show();
+}
+
+bool WindowFrame::isWebPageShown() const
+{
+    return m_form.web_widget->isVisible();
+}
+
+void WindowFrame::setCaptions(const QString& text)
+{
+    for (QLabel* caption : {m_form.monitor_top->ui.monitor_title_value,
+                            m_form.config_area->ui.device_config_title_value,
+                            m_form.control_area->ui.device_control_title_value,
+                            m_form.monitor_bottom->ui.device_storage_title_value,
+                            m_form.device_info->ui.device_info_title_value})
+        caption->setText(text);
+}
+
+bool WindowFrame::isFullScreen() const
+{
+    return m_window->isFullScreen();
+}
+
+void WindowFrame::setFullScreen(bool on)
+{
+    if (on == isFullScreen())
+        return;
+    Ui::MonitorArea& monitor = m_form.monitor_top->ui;
+    monitor.full->setVisible(!on);
+    monitor.colsefull->setVisible(on);
+    if (on) {
+        m_wasMaximized = m_window->isMaximized();
+        for (QWidget* pane :
+             std::initializer_list<QWidget*>{m_form.left_splitter, m_form.right_widget,
+                                             m_form.monitor_bottom, m_form.web_widget}) {
+            if (!pane->isHidden())
+                m_hiddenPanes << pane;
+            pane->hide();
+        }
+        m_window->showFullScreen();
+        // Escape leads back, whatever had the keyboard.
+        monitor.video_widget->setFocus();
+        return;
+    }
+    for (QWidget* pane : qAsConst(m_hiddenPanes))
+        pane->show();
+    m_hiddenPanes.clear();
+    if (m_wasMaximized)
+        m_window->showMaximized();
+    else
+        m_window->showNormal();
+}

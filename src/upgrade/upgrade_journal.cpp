@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "upgrade/upgrade_journal.h"
+
+#include "common/data_path.h"
+
+#include <QDir>
+#include <QJsonDocument>
+#include <QSaveFile>
+
+namespace
+{
+
+constexpr int mostJournals = 50;
+constexpr qint64 largestJournal = 64 * 1024 * 1024;
+
+QString folder()
+{
+    return dataPath(QStringLiteral("upgrade"));
+}
+
+void writeWhole(const QString& path, const QByteArray& content)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
+        qWarning("cannot write %s", qPrintable(path));
+}
+
+} // namespace
+
+UpgradeJournal::UpgradeJournal(QObject* parent) : QObject(parent)
+{
+    m_pool.setMaxThreadCount(1);
+    // One thread for good: a lock belongs to the thread's process, the map to the thread.
+    m_pool.setExpiryTimeout(-1);
+}
+
+UpgradeJournal::~UpgradeJournal()
+{
+    m_pool.waitForDone();
+}
+
+QString UpgradeJournal::csvPath(const UpgradeSession& session)
+{
+    return folder() + session.baseName() + QStringLiteral(".csv");
+}
+
+void UpgradeJournal::save(const UpgradeSession& session, bool open)
+{
+    m_pool.start([this, session, open] { write(session, open); });
+}
+
+void UpgradeJournal::write(const UpgradeSession& session, bool open)
+{
+    const QString journal = folder() + session.baseName() + QStringLiteral(".json");
+    claim(session.baseName());
+    if (open)
+        writeWhole(journal, QJsonDocument(session.toJson()).toJson(QJsonDocument::Compact));
+    writeWhole(csvPath(session), UpgradeText::csv(session, QDateTime::currentDateTime()));
+    // Last: until the report is there, the journal is the only witness.
+    if (!open) {
+        QFile::remove(journal);
+        m_locks.erase(session.baseName());
+    }
+}
+
+bool UpgradeJournal::claim(const QString& baseName)
+{
+    std::unique_ptr<QLockFile>& lock = m_locks[baseName];
+    if (!lock) {
+        lock = std::make_unique<QLockFile>(folder() + baseName + QStringLiteral(".lock"));
+        // However old: what counts is whether its program still runs.
+        lock->setStaleLockTime(0);
+    }
+    if (lock->isLocked() || lock->tryLock(0))
+        return true;
+    m_locks.erase(baseName);
+    return false;
+}
+
+void UpgradeJournal::load()
+{
+    m_pool.start([this] {
+        const QVector<UpgradeSession> sessions = readAll();
+        QMetaObject::invokeMethod(this, [this, sessions] { emit loaded(sessions); });
+    });
+}
+
+QVector<UpgradeSession> UpgradeJournal::readAll()
+{
+    QVector<UpgradeSession> sessions;
+    const QFileInfoList files = QDir(folder()).entryInfoList(
+        {QStringLiteral("upgrade_*.json")}, QDir::Files | QDir::NoSymLinks, QDir::Name);
+    for (const QFileInfo& info : files.mid(qMax(0, files.size() - mostJournals))) {
+        QFile file(info.filePath());
+        if (info.size() > largestJournal || !file.open(QIODevice::ReadOnly))
+            continue;
+        UpgradeSession session;
+        const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
+        if (UpgradeSession::fromJson(json, &session) &&
+            session.baseName() == info.completeBaseName() && claim(session.baseName()))
+            sessions << session;
+    }
+    return sessions;
+}

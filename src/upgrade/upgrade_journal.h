@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "upgrade/upgrade_record.h"
+
+#include <QLockFile>
+#include <QObject>
+#include <QThreadPool>
+
+#include <map>
+#include <memory>
+
+/// Keeps batches on disk in the data folder's "upgrade": a journal while something is open, so that
+/// a batch survives the end of the program, and the report as a CSV file for good. All file work
+/// happens on a thread of its own, in order; each file is replaced as a whole.
+class UpgradeJournal : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit UpgradeJournal(QObject* parent = nullptr);
+    /// Waits until everything is written.
+    ~UpgradeJournal() override;
+
+    /// Writes both files; the journal is removed when `open` is false.
+    void save(const UpgradeSession& session, bool open);
+    /// Reads the journals that an earlier run left open; loaded() brings them. Those of another
+    /// program that is still running are left alone.
+    void load();
+
+    /// Where the report of a batch lies.
+    static QString csvPath(const UpgradeSession& session);
+
+signals:
+    void loaded(const QVector<UpgradeSession>& sessions);
+
+private:
+    void write(const UpgradeSession& session, bool open);
+    QVector<UpgradeSession> readAll();
+    /// True when this program has, or now gets, the journal for itself.
+    bool claim(const QString& baseName);
+
+    // Used on the pool's one thread only.
+    std::map<QString, std::unique_ptr<QLockFile>> m_locks;
+    QThreadPool m_pool;
+};

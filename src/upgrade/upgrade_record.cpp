@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: MIT
+#include "upgrade/upgrade_record.h"
+
+#include "common/box_protocol.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+
+#include <algorithm>
+
+namespace
+{
+
+using Stage = UpgradeRow::Stage;
+using Settings = UpgradeRow::Settings;
+using Verdict = UpgradeRow::Verdict;
+
+QString key(const char* name)
+{
+    return QLatin1String(name);
+}
+
+QString settingsText(const UpgradeRow& row)
+{
+    switch (row.settings) {
+    case Settings::NotKept:
+        return row.dhcpForced ? QCoreApplication::translate("UpgradeReport", "未保留,已切换为DHCP")
+                              : QCoreApplication::translate("UpgradeReport", "未保留");
+    case Settings::NotSaved:
+        return QCoreApplication::translate("UpgradeReport", "未能完整读取,不恢复");
+    case Settings::Waiting:
+        return row.settled ? QCoreApplication::translate("UpgradeReport", "设备未回应,待恢复")
+                           : QCoreApplication::translate("UpgradeReport", "待恢复");
+    case Settings::Restored:
+        return QCoreApplication::translate("UpgradeReport", "已恢复");
+    case Settings::Unverified:
+        return QCoreApplication::translate("UpgradeReport", "已写回,未核对");
+    case Settings::SomeFailed:
+        return QCoreApplication::translate("UpgradeReport", "%1项失败")
+            .arg(row.failedSettings.size());
+    case Settings::Dropped:
+        return QCoreApplication::translate("UpgradeReport", "已放弃恢复");
+    }
+    return QString();
+}
+
+QString noteText(const UpgradeRow& row)
+{
+    QStringList parts;
+    if (!row.failedSettings.isEmpty())
+        parts << row.failedSettings.join(QStringLiteral(", "));
+    if (row.settled && row.verdict() == Verdict::NotProved)
+        parts << (row.versionAfter.isEmpty()
+                      ? QCoreApplication::translate("UpgradeReport", "升级后未再回应")
+                      : QCoreApplication::translate("UpgradeReport", "版本没有变化"));
+    if (row.mac.isEmpty())
+        parts << QCoreApplication::translate("UpgradeReport", "MAC地址未知,无法证实");
+    // "Success", as a box was told it in its activation, is no evidence and would pass for it.
+    if (!row.note.isEmpty() && row.stage != Stage::Activated)
+        parts << row.note;
+    return parts.join(QStringLiteral("; "));
+}
+
+QString seconds(const UpgradeRow& row, const QDateTime& now)
+{
+    const qint64 ms = row.durationMs > 0 ? row.durationMs : row.started.msecsTo(now);
+    return QString::number(double(qMax<qint64>(0, ms)) / 1000.0, 'f', 1);
+}
+
+/// Text of a box in a spreadsheet: a cell that begins like a formula is run, not shown.
+QString cell(QString text)
+{
+    for (QChar& c : text) {
+        if (c.unicode() < 0x20 || c.unicode() == 0x7f)
+            c = QLatin1Char(' ');
+    }
+    const QString trimmed = text.trimmed();
+    if (!trimmed.isEmpty() && QStringLiteral("=+-@＝＋－＠").contains(trimmed.at(0)))
+        text.prepend(QLatin1Char('\''));
+    return QLatin1Char('"') + text.replace(QLatin1Char('"'), QStringLiteral("\"\"")) +
+           QLatin1Char('"');
+}
+
+QByteArray csvLine(const QStringList& texts)
+{
+    QStringList quoted;
+    for (const QString& text : texts)
+        quoted << cell(text);
+    return quoted.join(QLatin1Char(',')).toUtf8() + "\r\n";
+}
+
+UpgradeRow rowFromJson(const QJsonObject& json)
+{
+    UpgradeRow row;
+    const QString mac = json.value(key("mac")).toString();
+    row.mac = BoxProtocol::isMacAddress(mac) ? mac : QString();
+    row.addressBefore = json.value(key("addressBefore")).toString();
+    row.address = json.value(key("address")).toString();
+    row.versionBefore = json.value(key("versionBefore")).toString();
+    row.versionAfter = json.value(key("versionAfter")).toString();
+    row.stage = Stage(qBound(0, json.value(key("stage")).toInt(), int(Stage::Interrupted)));
+    row.settled = json.value(key("settled")).toBool();
+    row.settings = Settings(qBound(0, json.value(key("settings")).toInt(), int(Settings::Dropped)));
+    row.failedSettings = json.value(key("failedSettings")).toVariant().toStringList();
+    row.saved = json.value(key("saved")).toObject().toVariantMap();
+    row.dhcpForced = json.value(key("dhcpForced")).toBool();
+    row.started = QDateTime::fromString(json.value(key("started")).toString(), Qt::ISODateWithMs);
+    row.durationMs = qint64(json.value(key("durationMs")).toDouble());
+    row.note = json.value(key("note")).toString();
+    return row;
+}
+
+QJsonObject rowToJson(const UpgradeRow& row)
+{
+    return {{key("mac"), row.mac},
+            {key("addressBefore"), row.addressBefore},
+            {key("address"), row.address},
+            {key("versionBefore"), row.versionBefore},
+            {key("versionAfter"), row.versionAfter},
+            {key("stage"), int(row.stage)},
+            {key("settled"), row.settled},
+            {key("settings"), int(row.settings)},
+            {key("failedSettings"), QJsonArray::fromStringList(row.failedSettings)},
+            {key("saved"), QJsonObject::fromVariantMap(row.saved)},
+            {key("dhcpForced"), row.dhcpForced},
+            {key("started"), row.started.toString(Qt::ISODateWithMs)},
+            {key("durationMs"), double(row.durationMs)},
+            {key("note"), row.note}};
+}
+
+} // namespace
+
+Verdict UpgradeRow::verdict() const
+{
+    if (reportsNewVersion())
+        return Verdict::Proved;
+    switch (stage) {
+    case Stage::Preparing:
+    case Stage::Uploading:
+        return Verdict::UnderWay;
+    case Stage::Activated:
+        return settled ? Verdict::NotProved : Verdict::UnderWay;
+    case Stage::UploadFailed:
+        return Verdict::Failed;
+    case Stage::Interrupted:
+        return Verdict::Interrupted;
+    }
+    return Verdict::Failed;
+}
+
+bool UpgradeSession::isSettled() const
+{
+    return std::all_of(rows.begin(), rows.end(), [](const UpgradeRow& row) { return row.settled; });
+}
+
+bool UpgradeSession::hasWaitingSettings() const
+{
+    return std::any_of(rows.begin(), rows.end(),
+                       [](const UpgradeRow& row) { return row.settings == Settings::Waiting; });
+}
+
+QString UpgradeSession::baseName() const
+{
+    return QStringLiteral("upgrade_") + started.toString(QStringLiteral("yyyyMMdd_HHmmss_zzz"));
+}
+
+QJsonObject UpgradeSession::toJson() const
+{
+    QJsonArray array;
+    for (const UpgradeRow& row : rows)
+        array << rowToJson(row);
+    return {{key("started"), started.toString(Qt::ISODateWithMs)},
+            {key("package"), package},
+            {key("md5"), md5},
+            {key("interrupted"), interrupted},
+            {key("rows"), array}};
+}
+
+bool UpgradeSession::fromJson(const QJsonObject& json, UpgradeSession* session)
+{
+    session->started =
+        QDateTime::fromString(json.value(key("started")).toString(), Qt::ISODateWithMs);
+    session->package = json.value(key("package")).toString();
+    session->md5 = json.value(key("md5")).toString();
+    session->interrupted = json.value(key("interrupted")).toBool();
+    const QJsonArray array = json.value(key("rows")).toArray();
+    for (const QJsonValue& value : array)
+        session->rows << rowFromJson(value.toObject());
+    return session->started.isValid() && !session->rows.isEmpty();
+}
+
+QStringList UpgradeText::headers()
+{
+    return {QCoreApplication::translate("UpgradeReport", "批次"),
+            QCoreApplication::translate("UpgradeReport", "设备"),
+            QCoreApplication::translate("UpgradeReport", "MAC地址"),
+            QCoreApplication::translate("UpgradeReport", "升级前版本"),
+            QCoreApplication::translate("UpgradeReport", "升级后版本"),
+            QCoreApplication::translate("UpgradeReport", "结果"),
+            QCoreApplication::translate("UpgradeReport", "设置恢复"),
+            QCoreApplication::translate("UpgradeReport", "用时(秒)"),
+            QCoreApplication::translate("UpgradeReport", "说明"),
+            QCoreApplication::translate("UpgradeReport", "固件包"),
+            QCoreApplication::translate("UpgradeReport", "固件MD5")};
+}
+
+QString UpgradeText::verdict(Verdict verdict)
+{
+    switch (verdict) {
+    case Verdict::UnderWay:
+        return QCoreApplication::translate("UpgradeReport", "进行中");
+    case Verdict::Proved:
+        return QCoreApplication::translate("UpgradeReport", "已证实");
+    case Verdict::NotProved:
+        return QCoreApplication::translate("UpgradeReport", "未证实");
+    case Verdict::Failed:
+        return QCoreApplication::translate("UpgradeReport", "失败");
+    case Verdict::Interrupted:
+        return QCoreApplication::translate("UpgradeReport", "已中断");
+    }
+    return QString();
+}
+
+QStringList UpgradeText::cells(const UpgradeSession& session, const UpgradeRow& row,
+                               const QDateTime& now)
+{
+    const QString address = row.address == row.addressBefore
+                                ? row.addressBefore
+                                : row.addressBefore + QStringLiteral(" → ") + row.address;
+    return {session.started.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")),
+            address,
+            row.mac,
+            row.versionBefore,
+            row.versionAfter,
+            verdict(row.verdict()),
+            settingsText(row),
+            seconds(row, now),
+            noteText(row),
+            session.package,
+            session.md5};
+}
+
+QByteArray UpgradeText::csv(const UpgradeSession& session, const QDateTime& now)
+{
+    QByteArray text = "\xEF\xBB\xBF";
+    if (session.interrupted)
+        text += csvLine({QCoreApplication::translate("UpgradeReport", "此批次升级曾被中断")});
+    text += csvLine(headers());
+    for (const UpgradeRow& row : session.rows)
+        text += csvLine(cells(session, row, now));
+    return text;
+}

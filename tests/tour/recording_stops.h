@@ -1,7 +1,0 @@
-// SPDX-License-Identifier: MIT
-#pragma once
-
-#include "tests/tour/tour.h"
-
-/// The stops at the monitor and the storage list.
-const std::vector<Stop>& recordingStops();

@@ -1,7 +1,0 @@
-// SPDX-License-Identifier: MIT
-#pragma once
-
-#include "tests/tour/tour.h"
-
-/// The stops at a batch of firmware upgrades.
-const std::vector<Stop>& upgradeStops();

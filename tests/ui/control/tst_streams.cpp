@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+#include "tests/ui/control/control_fixture.h"
+
+#include "ui/control/setui.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QTableWidget>
+
+#include <functional>
+
+/// The control area: decoding a source and streaming live.
+class tst_Streams : public ControlFixture
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { openWindow("127.77.48"); }
+    void init() { resetBox(); }
+    void cleanup() { closeDialogs(); }
+    void decodingCommands_data();
+    void decodingCommands();
+    void sourceListIsKept();
+    void hostileSourceAddsNoArgument();
+    void decodeFailureIsNamedOnce();
+    void nothingChosenKeepsTheDialog();
+    void liveCommands_data();
+    void liveCommands();
+    void liveReplies_data();
+    void liveReplies();
+
+private:
+    /// Presses the button that opens a dialog; `act` works in it once it is there.
+    void withDialog(const char* button, const std::function<void(setui&)>& act);
+};
+
+void tst_Streams::withDialog(const char* button, const std::function<void(setui&)>& act)
+{
+    bool acted = false;
+    QTimer wait;
+    connect(&wait, &QTimer::timeout, this, [&] {
+        auto* dialog = qobject_cast<setui*>(QApplication::activeModalWidget());
+        if (!dialog || acted || !dialog->findChild<QWidget*>("dec_refresh")->isEnabled())
+            return;
+        acted = true;
+        act(*dialog);
+    });
+    wait.start(150);
+    click(button);
+    QVERIFY(acted);
+}
+
+namespace
+{
+
+void press(const setui& dialog, const char* name)
+{
+    QTest::mouseClick(dialog.findChild<QWidget*>(name), Qt::LeftButton);
+}
+
+QTableWidget* sources(const setui& dialog)
+{
+    return dialog.findChild<QTableWidget*>("Media_tableWidget");
+}
+
+QStringList sourceNames(const setui& dialog)
+{
+    QStringList names;
+    for (int row = 0; row < sources(dialog)->rowCount(); ++row)
+        names << sources(dialog)->item(row, 0)->text();
+    return names;
+}
+
+} // namespace
+
+void tst_Streams::decodingCommands_data()
+{
+    QTest::addColumn<QString>("mode");
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QString>("sent");
+    QTest::addColumn<QString>("message");
+    const QString on = "hxdec_on&ndi_name='STUDIO (Cam 2)'";
+    QTest::newRow("start while encoding")
+        << "0"
+        << "okpushButton"
+        << "hxenc_off|HDMIMode=2|hxenc_on|" + on << "开启解码成功STUDIO (Cam 2)";
+    QTest::newRow("start alone") << "2"
+                                 << "okpushButton"
+                                 << "HDMIMode=2|" + on << "开启解码成功STUDIO (Cam 2)";
+    QTest::newRow("stop while encoding") << "1"
+                                         << "closepushButton"
+                                         << "HDMIMode=1|hxdec_off|hxenc_on"
+                                         << "关闭解码成功";
+    QTest::newRow("stop alone") << "2"
+                                << "closepushButton"
+                                << "HDMIMode=1|hxdec_off"
+                                << "关闭解码成功";
+    QTest::newRow("cancel") << "2"
+                            << "cancelpushButton"
+                            << ""
+                            << "";
+}
+
+void tst_Streams::decodingCommands()
+{
+    QFETCH(QString, mode);
+    QFETCH(QString, button);
+    QFETCH(QString, sent);
+    QFETCH(QString, message);
+    setState(mode, "1");
+    const DialogAnswerer notices;
+    withDialog("pushButton_hxdec_on", [&](setui& dialog) {
+        QCOMPARE(sourceNames(dialog), (QStringList{"STUDIO (Cam 1)", "STUDIO (Cam 2)"}));
+        sources(dialog)->setCurrentCell(1, 0);
+        press(dialog, button.toUtf8().constData());
+    });
+    QTRY_COMPARE(told().join('|'), sent);
+    QTRY_COMPARE(notices.texts().join('|').left(message.size()), message);
+    QCOMPARE(notices.texts().size(), message.isEmpty() ? 0 : 1);
+}
+
+void tst_Streams::sourceListIsKept()
+{
+    withDialog("pushButton_hxdec_on", [&](setui& dialog) {
+        sources(dialog)->setCurrentCell(1, 0);
+        m_box->setDecodeSources({"NEW (A): 10.0.0.1:1", "no address", "STUDIO (Cam 2): 1.2.3.4:5"});
+        press(dialog, "dec_refresh");
+        QCOMPARE(sourceNames(dialog), (QStringList{"NEW (A)", "no address)", "STUDIO (Cam 2)"}));
+        QCOMPARE(sources(dialog)->currentItem()->text(), QString("STUDIO (Cam 2)"));
+        // A chosen source that has gone is not silently replaced by another.
+        m_box->setDecodeSources({"NEW (A): 10.0.0.1:1"});
+        press(dialog, "dec_refresh");
+        QVERIFY(!sources(dialog)->currentItem());
+        m_box->setDecodeSources({});
+        press(dialog, "dec_refresh");
+        QVERIFY(dialog.findChild<QWidget*>("no_sources")->isVisible());
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    QVERIFY(told().isEmpty());
+}
+
+void tst_Streams::hostileSourceAddsNoArgument()
+{
+    const QString name = "-o x\" -o \"/tmp/evil %1 %2 (Cam 'A'";
+    m_box->setDecodeSources({name + "): 1.2.3.4:5"});
+    setState("2", "1");
+    const DialogAnswerer notices;
+    withDialog("pushButton_hxdec_on", [&](setui& dialog) {
+        sources(dialog)->setCurrentCell(0, 0);
+        QTest::keyClick(sources(dialog), Qt::Key_Return);
+    });
+    QTRY_COMPARE(told(), (QStringList{"HDMIMode=2", "hxdec_on&ndi_name='" + name + ")'"}));
+    QTRY_COMPARE(notices.texts(), QStringList{"开启解码成功" + name + ")"});
+}
+
+void tst_Streams::decodeFailureIsNamedOnce()
+{
+    QVERIFY(m_box->addFault("fail hxdec_on"));
+    QVERIFY(m_box->addFault("fail hxenc_off"));
+    const DialogAnswerer notices;
+    withDialog("pushButton_hxdec_on", [&](setui& dialog) {
+        sources(dialog)->setCurrentCell(0, 0);
+        press(dialog, "okpushButton");
+    });
+    QTRY_COMPARE(notices.texts(), QStringList{"开启解码失败STUDIO (Cam 1),请重试!"});
+    QCOMPARE(told().size(), 4);
+}
+
+void tst_Streams::nothingChosenKeepsTheDialog()
+{
+    const DialogAnswerer notices;
+    withDialog("pushButton_hxdec_on", [&](setui& dialog) {
+        sources(dialog)->setCurrentCell(-1, -1);
+        press(dialog, "okpushButton");
+        QVERIFY(dialog.isVisible());
+        dialog.reject();
+    });
+    withDialog("pushButton_live_on", [&](setui& dialog) {
+        press(dialog, "oklive");
+        QVERIFY(dialog.isVisible());
+        press(dialog, "radioButton_Listener");
+        QTest::keyClicks(dialog.findChild<QWidget*>("stream_url"), "cam1");
+        QVERIFY(dialog.findChild<QWidget*>("srt_port")->isVisible());
+        QVERIFY(!dialog.findChild<QWidget*>("caption_url")->isVisible());
+        press(dialog, "oklive");
+        QVERIFY(dialog.isVisible());
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    QCOMPARE(notices.texts(),
+             (QStringList{"请选择您要解码的源", "请输入正确的url", "请输入正确的端口号"}));
+    QVERIFY(told().isEmpty());
+}
+
+void tst_Streams::liveCommands_data()
+{
+    QTest::addColumn<QString>("mode");
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("port");
+    QTest::addColumn<QString>("sent");
+    QTest::newRow("RTMP with a key") << "radioButton_rtmp"
+                                     << "rtmp://h/app?k=v"
+                                     << ""
+                                     << "stream_on&stream_url='rtmp://h/app?k%3Dv'";
+    QTest::newRow("SRT caller, odd text")
+        << "radioButton_srt"
+        << "srt://h:9?streamid=\"a b\"&%1 左"
+        << ""
+        << "stream_on&stream_url='srt://h:9?streamid%3D\"a b\"&%1 左'";
+    QTest::newRow("SRT listener") << "radioButton_Listener"
+                                  << "cam1"
+                                  << "9000"
+                                  << "stream_on&srt_mode=listener&srt_port=9000&stream_id='cam1'";
+    QTest::newRow("stop") << ""
+                          << ""
+                          << ""
+                          << "stream_off";
+}
+
+void tst_Streams::liveCommands()
+{
+    QFETCH(QString, mode);
+    QFETCH(QString, address);
+    QFETCH(QString, port);
+    const DialogAnswerer notices;
+    withDialog("pushButton_live_on", [&](setui& dialog) {
+        if (mode.isEmpty()) {
+            press(dialog, "closelive");
+            return;
+        }
+        press(dialog, mode.toUtf8().constData());
+        dialog.findChild<QLineEdit*>("stream_url")->setText(address);
+        dialog.findChild<QLineEdit*>("srt_port")->setText(port);
+        press(dialog, "oklive");
+    });
+    QTRY_COMPARE(told().size(), 1);
+    QTEST(told().first(), "sent");
+    QTRY_COMPARE_WITH_TIMEOUT(notices.texts().size(), 1, 15000);
+}
+
+void tst_Streams::liveReplies_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("started") << ""
+                             << "开启直播服务成功http://127.77.48.7:";
+    QTest::newRow("refused") << "fail stream_on"
+                             << "开启直播服务失败";
+}
+
+void tst_Streams::liveReplies()
+{
+    QFETCH(QString, fault);
+    QFETCH(QString, message);
+    if (!fault.isEmpty())
+        QVERIFY(m_box->addFault(fault));
+    const DialogAnswerer notices;
+    withDialog("pushButton_live_on", [&](setui& dialog) {
+        dialog.findChild<QLineEdit*>("stream_url")->setText("rtmp://127.77.48.200/live");
+        press(dialog, "oklive");
+    });
+    QTRY_COMPARE_WITH_TIMEOUT(notices.texts().size(), 1, 15000);
+    QVERIFY2(notices.texts().first().startsWith(message), qPrintable(notices.texts().first()));
+}
+
+QTEST_MAIN(tst_Streams)
+#include "tst_streams.moc"

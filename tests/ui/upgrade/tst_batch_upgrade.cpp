@@ -1,0 +1,422 @@
+// SPDX-License-Identifier: MIT
+#include "tests/ui/upgrade/upgrade_fixture.h"
+
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProcess>
+#include <QProgressBar>
+
+#include <csignal>
+
+namespace
+{
+
+const QString block = "127.77.41";
+constexpr int tickMs = 50;
+
+QString question(int boxes)
+{
+    return QString("即将对您选择的%1个KORA进行升级固件操作,是否确认?").arg(boxes);
+}
+
+} // namespace
+
+/// Starting, joining and ending a batch, and what survives the end of the program.
+class tst_BatchUpgrade : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void refusals_data();
+    void refusals();
+    void unreadablePackageStartsNothing();
+    void allSucceed();
+    void secondBatchJoins();
+    void packageDialogSpeaksOfFirmware();
+    void md5ToolShowsTheDigest();
+    void noMacNamesAProperty_data();
+    void noMacNamesAProperty();
+    void snapshotEntersItsBoxOnly();
+    void secondFailedWriteBackIsFinal();
+    void survivesBeingKilled();
+
+private:
+    void addBoxes(int count);
+    void select(const QList<int>& hosts);
+    void drop(const QStringList& files) { dropOn(m_fixture->child<QWidget>("device_list"), files); }
+    /// Types the package's path into the file dialog and accepts it.
+    void choose(QFileDialog* dialog) const;
+    void deliver(const QString& type, const QString& parameter, const QString& value);
+
+    std::unique_ptr<WindowFixture> m_fixture;
+    QMap<int, sim::VirtualBox*> m_boxes;
+    QString m_package;
+};
+
+void tst_BatchUpgrade::initTestCase()
+{
+    StartUp::dress(*qApp);
+}
+
+void tst_BatchUpgrade::init()
+{
+    m_fixture = std::make_unique<WindowFixture>(block);
+    m_package = makePackage(m_fixture->appData(), "KORA_1.2.0.623.dat", 100000);
+}
+
+void tst_BatchUpgrade::cleanup()
+{
+    m_fixture.reset();
+    m_boxes.clear();
+}
+
+void tst_BatchUpgrade::addBoxes(int count)
+{
+    for (int host = 1; host <= count; ++host)
+        m_boxes[host] = m_fixture->addBox(host);
+    m_fixture->open(tickMs);
+    for (int host = 1; host <= count; ++host) {
+        QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(host), 10000);
+        QTRY_VERIFY(!m_fixture->item(host)->macAddress().isEmpty());
+        QTRY_VERIFY(m_fixture->item(host)->property("FirmVersion").isValid());
+    }
+}
+
+void tst_BatchUpgrade::select(const QList<int>& hosts)
+{
+    TreeView* view = m_fixture->deviceView();
+    view->clearSelection();
+    for (int host : hosts)
+        view->selectionModel()->select(view->treeModel()->indexOf(m_fixture->item(host)),
+                                       QItemSelectionModel::Select);
+}
+
+void tst_BatchUpgrade::choose(QFileDialog* dialog) const
+{
+    auto* name = dialog->findChild<QLineEdit*>("fileNameEdit");
+    QVERIFY(name);
+    name->setText(m_package);
+    QTest::keyClick(name, Qt::Key_Return);
+}
+
+/// As if a box had answered a request of this type.
+void tst_BatchUpgrade::deliver(const QString& type, const QString& parameter, const QString& value)
+{
+    m_fixture->window().R_finished(
+        {{"type", type},
+         {"deviceip", m_fixture->ip(1)},
+         {"body", QString("{\"param_name\":\"%1\",\"value\":\"%2\"}").arg(parameter, value)}});
+}
+
+void tst_BatchUpgrade::refusals_data()
+{
+    QTest::addColumn<bool>("selected");
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("nothing selected")
+        << false << QStringList{"/tmp/a.dat"} << "请您在设备列表中选择要升级固件的设备!";
+    QTest::newRow("two files") << true << QStringList{"/tmp/a.dat", "/tmp/b.dat"}
+                               << "请您拖拽一个固件包文件到此处!";
+    QTest::newRow("no file") << true << QStringList{} << "请您拖拽一个固件包文件到此处!";
+    QTest::newRow("capitals") << true << QStringList{"/tmp/fw.DAT"}
+                              << "请您拖拽一个有效的固件升级包到此处";
+    QTest::newRow("cancelled") << true << QStringList{"/tmp/fw.dat"} << question(1);
+}
+
+void tst_BatchUpgrade::refusals()
+{
+    QFETCH(bool, selected);
+    QFETCH(QStringList, files);
+    QFETCH(QString, text);
+    addBoxes(1);
+    if (selected)
+        select({1});
+    m_boxes[1]->clearRequests();
+    ButtonAnswerer answers("cancelpushButton");
+    drop(files);
+    QTRY_COMPARE(answers.texts(), QStringList{text});
+    QTest::qWait(200);
+    QVERIFY(!m_fixture->item(1)->property("upgrading").toBool());
+    QVERIFY(!m_fixture->deviceView()->isUpgradeTickRunning());
+    for (const sim::BoxRequest& request : m_boxes[1]->requests())
+        QCOMPARE(request.method, QByteArray("GET"));
+}
+
+void tst_BatchUpgrade::unreadablePackageStartsNothing()
+{
+    addBoxes(2);
+    select({1, 2});
+    ButtonAnswerer answers("okpushButton");
+    drop({"/nowhere/fw.dat"});
+    QTRY_COMPARE(answers.texts(), (QStringList{question(2), "文件打开失败! "}));
+    QVERIFY(!m_fixture->item(1)->property("upgrading").toBool());
+    QVERIFY(!m_fixture->deviceView()->isUpgradeTickRunning());
+    QVERIFY(m_fixture->window().close());
+}
+
+void tst_BatchUpgrade::allSucceed()
+{
+    addBoxes(2);
+    m_fixture->window().setProperty("otaFilepath", m_package);
+    select({1, 2});
+    ButtonAnswerer answers("okpushButton");
+    // As a click on the new-firmware mark does it.
+    m_fixture->window().R_ActionClicked(Action::NewFirmware, m_fixture->item(1));
+    QTRY_COMPARE_WITH_TIMEOUT(
+        answers.texts(),
+        (QStringList{question(2), "全部升级完成,KORA即将重启完成固件升级.成功[2]个"}), 15000);
+    // Nobody asked for the settings to be kept.
+    QVERIFY(m_fixture->window().property("needrestore").toStringList().isEmpty());
+    QTRY_COMPARE_WITH_TIMEOUT(newestCsv(*m_fixture).count("\"已证实\""), 2, 15000);
+    QCOMPARE(newestCsv(*m_fixture).count("\"未保留\""), 2);
+    // Nothing is open any more, so nothing is kept for the next start.
+    QTRY_VERIFY(QDir(m_fixture->dataFolder() + "upgrade").entryList({"*.json"}).isEmpty());
+}
+
+void tst_BatchUpgrade::secondBatchJoins()
+{
+    addBoxes(3);
+    for (sim::VirtualBox* box : qAsConst(m_boxes))
+        QVERIFY(box->addFault("throttle 50000 on upload"));
+    auto* bar = m_fixture->child<QProgressBar>("upgrade_progress");
+    ButtonAnswerer answers("okpushButton");
+    select({1, 2});
+    drop({m_package});
+    QTRY_VERIFY(m_fixture->deviceView()->isUpgradeTickRunning());
+    QCOMPARE(bar->maximum(), 600);
+    QVERIFY(bar->value() >= 30 && bar->value() < 60);
+    // Those under way are not taken again.
+    select({1, 2, 3});
+    drop({m_package});
+    QTRY_COMPARE(bar->maximum(), 1200);
+    auto* status = m_fixture->child<QLabel>("upgrade_status");
+    QTRY_VERIFY2(status->text().contains("共[3]个"), qPrintable(status->text()));
+    QTRY_COMPARE_WITH_TIMEOUT(
+        answers.texts(),
+        (QStringList{question(2), question(1), "全部升级完成,KORA即将重启完成固件升级.成功[3]个"}),
+        20000);
+    int uploads = 0;
+    for (sim::VirtualBox* box : qAsConst(m_boxes)) {
+        for (const sim::BoxRequest& request : box->requests())
+            uploads += request.path == "/upload";
+    }
+    QCOMPARE(uploads, 3);
+}
+
+void tst_BatchUpgrade::packageDialogSpeaksOfFirmware()
+{
+    addBoxes(1);
+    select({1});
+    ButtonAnswerer answers("cancelpushButton");
+    QTimer::singleShot(300, this, [this] {
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        QVERIFY(dialog);
+        QCOMPARE(dialog->labelText(QFileDialog::Accept), QString("选择固件"));
+        QCOMPARE(dialog->labelText(QFileDialog::Reject), QString("取消"));
+        QCOMPARE(dialog->nameFilters(), QStringList{"固件包文件 (*.dat)"});
+        choose(dialog);
+    });
+    m_fixture->child<QAbstractButton>("firmwareUpdate")->click();
+    QTRY_COMPARE(answers.texts(), QStringList{question(1)});
+}
+
+void tst_BatchUpgrade::md5ToolShowsTheDigest()
+{
+    addBoxes(0);
+    QTRY_VERIFY(m_fixture->child<QWidget>("md5")->isHidden());
+    QTimer::singleShot(300, this, [this] {
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        QVERIFY(dialog);
+        choose(dialog);
+    });
+    m_fixture->child<QAbstractButton>("md5")->click();
+    QTRY_VERIFY(m_fixture->window().findChild<QDialog*>("messageBox"));
+    auto* notice = m_fixture->child<QDialog>("messageBox");
+    QCOMPARE(notice->findChild<QWidget*>("m_tipContent")->property("plainText").toString(),
+             "KORA_1.2.0.623.dat\nMD5: " + md5Of(m_package));
+}
+
+void tst_BatchUpgrade::noMacNamesAProperty_data()
+{
+    QTest::addColumn<QString>("mac");
+    QTest::newRow("a property of the window") << "deviceip";
+    QTest::newRow("a property of every widget") << "enabled";
+    QTest::newRow("the list itself") << "needrestore";
+    QTest::newRow("nothing") << "";
+    QTest::newRow("nearly one") << "02:4B:4F:00:00:0G";
+    QTest::newRow("more than one") << "02:4B:4F:00:00:01\nenabled";
+}
+
+void tst_BatchUpgrade::noMacNamesAProperty()
+{
+    QFETCH(QString, mac);
+    addBoxes(1);
+    Tarn_Hub& window = m_fixture->window();
+    window.setProperty("needrestore", QStringList{mac});
+    const auto state = [&window] {
+        QString all;
+        QDebug debug(&all);
+        for (const QByteArray& name : window.dynamicPropertyNames())
+            debug << name << window.property(name);
+        debug << window.isEnabled();
+        return all;
+    };
+    const QString before = state();
+    m_boxes[1]->clearRequests();
+    deliver("saveConfig" + mac, "eParam_NDIName", "x");
+    deliver("saveConfig" + mac, "eParam_DHCP", "0");
+    deliver("getDeviceinfo", "eParam_MACAddress", mac);
+    QTest::qWait(300);
+    QCOMPARE(state(), before);
+    for (const sim::BoxRequest& request : m_boxes[1]->requests())
+        QCOMPARE(request.method, QByteArray("GET"));
+}
+
+void tst_BatchUpgrade::snapshotEntersItsBoxOnly()
+{
+    addBoxes(1);
+    Tarn_Hub& window = m_fixture->window();
+    const QString mac = "02:00:00:00:00:77";
+    window.setProperty(mac.toLatin1(), QVariantMap{{"eParam_NTPServer", "kept"}});
+    deliver("saveConfig" + mac, "eParam_NDIName", "a=b");
+    deliver("saveConfig" + mac, "windowTitle", "no parameter");
+    QCOMPARE(window.property(mac.toLatin1()).toMap(),
+             (QVariantMap{{"eParam_NDIName", "a=b"}, {"eParam_NTPServer", "kept"}}));
+    // The box is to come back with an assigned address.
+    m_boxes[1]->setParameter("eParam_DHCP", "0");
+    deliver("saveConfig" + mac, "eParam_DHCP", "0");
+    QTRY_COMPARE(m_boxes[1]->parameter("eParam_DHCP"), QString("1"));
+    QCOMPARE(window.property(mac.toLatin1()).toMap().value("eParam_DHCP").toString(), QString("0"));
+}
+
+void tst_BatchUpgrade::secondFailedWriteBackIsFinal()
+{
+    addBoxes(1);
+    Tarn_Hub& window = m_fixture->window();
+    const QString mac = m_fixture->item(1)->macAddress();
+    QVERIFY(m_boxes[1]->addFault("fail write+eParam_NDIName"));
+    window.setProperty(mac.toLatin1(), QVariantMap{{"eParam_NDIHXGopLength", "33"},
+                                                   {"eParam_NDIName", "a=b"},
+                                                   {"eParam_NTPServer", "x"}});
+    window.setProperty("needrestore", QStringList{mac});
+    m_boxes[1]->clearRequests();
+    deliver("getDeviceinfo", "eParam_MACAddress", mac);
+    QTRY_COMPARE(window.property("needrestore").toStringList(), (QStringList{mac, mac + "1"}));
+    QTRY_COMPARE(m_boxes[1]->activity().reboots, 1);
+    QStringList told;
+    for (const sim::BoxRequest& request : m_boxes[1]->requests()) {
+        if (request.method == "POST")
+            told << QString::fromUtf8(request.body);
+    }
+    QCOMPARE(told,
+             (QStringList{"action=set&param_name=eParam_NDIHXGopLength&value=33",
+                          "action=set&param_name=eParam_NDIName&value=a%3Db",
+                          "action=set&param_name=eParam_NTPServer&value=x", "action=reboot"}));
+    QCOMPARE(m_fixture->item(1)->property("restoreconfig").toMap().size(), 3);
+    QTRY_VERIFY_WITH_TIMEOUT(m_boxes[1]->isOn(), 5000);
+    deliver("getDeviceinfo", "eParam_MACAddress", mac);
+    QTRY_VERIFY(window.property("needrestore").toStringList().isEmpty());
+    QTRY_VERIFY(window.findChild<QDialog*>("messageBox"));
+    QCOMPARE(m_fixture->child<QWidget>("m_tipContent")->property("plainText").toString(),
+             m_fixture->ip(1) + " 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.");
+    QTest::qWait(300);
+    QCOMPARE(m_boxes[1]->activity().reboots, 1);
+}
+
+/// The program is killed in the middle of a batch; the next one tells, and brings back the
+/// settings.
+void tst_BatchUpgrade::survivesBeingKilled()
+{
+    for (int host = 1; host <= 3; ++host) {
+        m_boxes[host] = m_fixture->addBox(host);
+        m_boxes[host]->setParameter("eParam_NDIName", QString("=名前 \"%1\"").arg(host));
+    }
+    // One is told to change over before the end of the program, the others are in their upload.
+    QVERIFY(m_boxes[2]->addFault("throttle 5000 on upload"));
+    QVERIFY(m_boxes[3]->addFault("throttle 5000 on upload"));
+    QVERIFY(m_boxes[1]->addFault("ota-loses-settings"));
+    const auto before1 = m_boxes[1]->parameters();
+    const auto before2 = m_boxes[2]->parameters();
+
+    QProcess program;
+    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    program.start(QCoreApplication::applicationFilePath(), {"--as-program", "3", m_package});
+    QTRY_COMPARE_WITH_TIMEOUT(m_boxes[1]->activity().reboots, 1, 20000);
+    QTest::qWait(800); // the journal follows within a moment
+    ::kill(pid_t(program.processId()), SIGKILL);
+    program.waitForFinished();
+    QTRY_VERIFY_WITH_TIMEOUT(m_boxes[1]->isOn(), 5000);
+    for (int host : {2, 3}) {
+        m_boxes[host]->clearFaults();
+        QCOMPARE(m_boxes[host]->activity().reboots, 0);
+    }
+
+    ButtonAnswerer answers("okpushButton");
+    m_fixture->open(tickMs);
+    QTRY_COMPARE_WITH_TIMEOUT(answers.texts().size(), 1, 5000);
+    QVERIFY2(answers.texts().first().contains("有3个KORA的设置尚未恢复"),
+             qPrintable(answers.texts().first()));
+    auto* button = m_fixture->child<QAbstractButton>("upgradeReport");
+    QTRY_VERIFY(button->isVisible());
+    button->click();
+    // What was under way is told, and what the box says by now.
+    QTRY_COMPARE_WITH_TIMEOUT(reportRows(*m_fixture)[m_fixture->ip(1)]["结果"], QString("已证实"),
+                              15000);
+    QCOMPARE(reportRows(*m_fixture)[m_fixture->ip(2)]["结果"], QString("已中断"));
+    QCOMPARE(reportRows(*m_fixture)[m_fixture->ip(2)]["说明"], QString("中断时正在上传"));
+    for (int host = 1; host <= 3; ++host)
+        QTRY_COMPARE_WITH_TIMEOUT(reportRows(*m_fixture)[m_fixture->ip(host)]["设置恢复"],
+                                  QString("已恢复"), 20000);
+    auto expected = before1;
+    expected["eParam_FirmVersion"] = "1.2.0.623";
+    QCOMPARE(m_boxes[1]->parameters(), expected);
+    QCOMPARE(m_boxes[2]->parameters(), before2);
+    QTRY_VERIFY(newestCsv(*m_fixture).startsWith("\"此批次升级曾被中断\"\r\n"));
+    QCOMPARE(newestCsv(*m_fixture).count("\"已中断\""), 2);
+}
+
+/// The window alone, on the boxes of the test that started it: keeps the settings of all boxes and
+/// upgrades them.
+static int runAsProgram(QApplication& application, int boxes, const QString& package)
+{
+    StartUp::dress(application);
+    Options options;
+    options.sweep.fping = LAN_FPING;
+    options.sweep.subnets = QStringList{block + ".0/24"};
+    options.updateServer = "http://" + block + ".250:9";
+    Tarn_Hub window(options);
+    window.show();
+    auto* view = window.findChild<TreeView*>("deviceView");
+    const ButtonAnswerer answers("Recovery");
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &window, [&] {
+        const auto items = view->treeModel()->items("KORA");
+        for (const Item* box : items) {
+            if (box->macAddress().isEmpty() || !box->property("FirmVersion").isValid())
+                return;
+        }
+        if (items.size() < boxes)
+            return;
+        timer.stop();
+        view->selectAll();
+        dropOn(window.findChild<QWidget*>("device_list"), {package});
+    });
+    timer.start(100);
+    QTimer::singleShot(60000, &application, [] { QCoreApplication::exit(1); });
+    return QApplication::exec();
+}
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.value(1) == "--as-program")
+        return runAsProgram(application, arguments.value(2).toInt(), arguments.value(3));
+    tst_BatchUpgrade test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_batch_upgrade.moc"

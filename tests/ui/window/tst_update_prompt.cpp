@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+#include "tests/ui/window/window_fixture.h"
+
+#include "common/platform.h"
+#include "common/spark_http.h"
+#include "simulator/update_server.h"
+#include "widgets/message_box.h"
+
+#include <QDir>
+
+/// The question about a new version of the program, and the mark of newer firmware.
+class tst_UpdatePrompt : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { StartUp::dress(*qApp); }
+    void init();
+    void cleanup();
+    void newerFirmwareIsMarked();
+    void refusalStartsNothing();
+    void consentStartsTheUpdaterAndQuits();
+    void updaterMayLieInAPathWithBlanks();
+    void missingUpdaterIsTold();
+    void changedInstallerIsNotStarted_data();
+    void changedInstallerIsNotStarted();
+    void oneQuestionAtATime();
+    void closedWindowStartsNothing();
+    void runningWorkGoesFirst_data();
+    void runningWorkGoesFirst();
+
+private:
+    static QString updater() { return QCoreApplication::applicationDirPath() + "/Upgrade.exe"; }
+    QString started() const;
+    void open(const QString& latest);
+    /// Has a newer version offered to the window that is already open.
+    void offerNow();
+    static QStringList questions();
+    /// The text has been shown, whether or not it has been answered already.
+    static bool isTold(const DialogAnswerer& answerer, const QString& text)
+    {
+        return answerer.texts().contains(text) || questions().contains(text);
+    }
+
+    std::unique_ptr<WindowFixture> m_fixture;
+    std::unique_ptr<sim::UpdateServer> m_server;
+};
+
+void tst_UpdatePrompt::init()
+{
+    m_fixture = std::make_unique<WindowFixture>("127.77.37");
+    m_fixture->addBox(7);
+    m_server = std::make_unique<sim::UpdateServer>(m_fixture->ip(2));
+    QVERIFY(m_server->start());
+    // In the place of the real one: it tells what it was started with.
+    QFile script(updater());
+    QVERIFY(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\nprintf '%s\\n' \"$PWD\" \"$@\" >\"" +
+                 m_fixture->dataFolder().toUtf8() + "started.part\"\nmv \"" +
+                 m_fixture->dataFolder().toUtf8() + "started.part\" \"" +
+                 m_fixture->dataFolder().toUtf8() + "started\"\n");
+    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+void tst_UpdatePrompt::cleanup()
+{
+    if (QWidget* left = QApplication::activeModalWidget())
+        left->close();
+    m_fixture->close();
+    QFile::remove(updater());
+}
+
+QString tst_UpdatePrompt::started() const
+{
+    QFile file(m_fixture->dataFolder() + "started");
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+void tst_UpdatePrompt::open(const QString& latest)
+{
+    m_server->furnish(latest);
+    m_server->set("/Tarn_Hub_setup.exe", sim::UpdateServer::file("installer"));
+    m_fixture->open(1000, m_server->url());
+}
+
+void tst_UpdatePrompt::newerFirmwareIsMarked()
+{
+    open("1.0.0.10");
+    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7) && m_fixture->item(7)->hasNewerFirmware(), 12000);
+    const QString path = m_fixture->window().property("otaFilepath").toString();
+    QCOMPARE(path, m_fixture->dataFolder() + "upgradekora/KORA_1.2.0.623.dat");
+    QCOMPARE(m_fixture->window().property("otaFile").toString(), QString("KORA_1.2.0.623"));
+    QVERIFY(!QApplication::activeModalWidget());
+}
+
+void tst_UpdatePrompt::refusalStartsNothing()
+{
+    DialogAnswerer no(Qt::Key_Escape);
+    open("1.0.1");
+    QTRY_COMPARE(no.texts().size(), 1);
+    QVERIFY(no.texts().first().startsWith("发现新版本,是否立即升级?"));
+    QVERIFY(no.texts().first().contains("1.0.1\nTarn_Hub_setup.exe"));
+    QTest::qWait(500);
+    QCOMPARE(started(), QString());
+}
+
+void tst_UpdatePrompt::consentStartsTheUpdaterAndQuits()
+{
+    DialogAnswerer yes;
+    open("1.0.1");
+    QTimer::singleShot(10000, qApp, [] { QCoreApplication::exit(7); });
+    QCOMPARE(QApplication::exec(), 0);
+    QTRY_COMPARE(started(), QCoreApplication::applicationDirPath() + "\nTarn Hub.exe\n" +
+                                m_fixture->dataFolder() + "upgrade/Tarn_Hub_setup.exe\n1.0.0.10\n");
+}
+
+void tst_UpdatePrompt::updaterMayLieInAPathWithBlanks()
+{
+    const QString folder = m_fixture->dataFolder() + "Program Files";
+    QVERIFY(QDir().mkpath(folder));
+    QVERIFY(QFile::copy(updater(), folder + "/Upgrade.exe"));
+    QVERIFY(Platform::startDetached(folder + "/Upgrade.exe", {"a b", "\"c\""}, folder));
+    QTRY_COMPARE(started(), folder + "\na b\n\"c\"\n");
+}
+
+void tst_UpdatePrompt::missingUpdaterIsTold()
+{
+    QFile::remove(updater());
+    DialogAnswerer yes;
+    open("1.0.1");
+    QTRY_VERIFY(isTold(yes, "无法启动升级程序."));
+    QVERIFY(m_fixture->window().isEnabled());
+}
+
+void tst_UpdatePrompt::changedInstallerIsNotStarted_data()
+{
+    QTest::addColumn<QString>("content");
+    QTest::newRow("another of the same length") << "another!!";
+    QTest::newRow("longer") << "installer and more";
+    QTest::newRow("gone") << "";
+}
+
+void tst_UpdatePrompt::changedInstallerIsNotStarted()
+{
+    QFETCH(QString, content);
+    QTimer swap;
+    connect(&swap, &QTimer::timeout, this, [&] {
+        if (!QApplication::activeModalWidget())
+            return;
+        swap.stop();
+        QFile file(m_fixture->dataFolder() + "upgrade/Tarn_Hub_setup.exe");
+        QVERIFY(file.remove());
+        if (content.isEmpty())
+            return;
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content.toUtf8());
+    });
+    swap.start(5);
+    DialogAnswerer yes;
+    open("1.0.1");
+    QTRY_VERIFY(isTold(yes, "安装文件已被更改,未启动升级."));
+    QTest::qWait(500);
+    QCOMPARE(started(), QString());
+}
+
+void tst_UpdatePrompt::offerNow()
+{
+    m_server->set("/Tarn_Hub_setup.exe", sim::UpdateServer::file("installer"));
+    m_server->offerProgram("1.0.1", m_server->url("/Tarn_Hub_setup.exe"));
+    Spark_Http::instance()->get("toupgrade", m_server->url(sim::UpdateServer::programPath()),
+                                false);
+}
+
+/// The texts of all dialogs that are open.
+QStringList tst_UpdatePrompt::questions()
+{
+    QStringList texts;
+    for (const QWidget* widget : QApplication::topLevelWidgets()) {
+        if (const auto* box = qobject_cast<const messageBox*>(widget); box && box->isVisible())
+            texts << box->text().section('\n', 0, 0);
+    }
+    return texts;
+}
+
+void tst_UpdatePrompt::oneQuestionAtATime()
+{
+    open("1.0.0.10");
+    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7), 12000);
+    messageBox other("other", &m_fixture->window());
+    other.setModal(true);
+    other.show();
+    offerNow();
+    QTRY_VERIFY(QFileInfo::exists(m_fixture->dataFolder() + "upgrade/Tarn_Hub_setup.exe"));
+    QTest::qWait(1500);
+    QCOMPARE(questions(), QStringList("other"));
+    other.close();
+    QTRY_COMPARE(questions(), QStringList("发现新版本,是否立即升级?"));
+    offerNow();
+    QTest::qWait(1500);
+    QCOMPARE(questions().size(), 1);
+}
+
+void tst_UpdatePrompt::closedWindowStartsNothing()
+{
+    open("1.0.1");
+    QTRY_COMPARE(questions().size(), 1);
+    m_fixture->close();
+    QCOMPARE(questions(), QStringList());
+    QTest::qWait(500);
+    QCOMPARE(started(), QString());
+}
+
+void tst_UpdatePrompt::runningWorkGoesFirst_data()
+{
+    QTest::addColumn<QVariantMap>("box");
+    QTest::addColumn<QVariantMap>("window");
+    QTest::newRow("an upgrade") << QVariantMap{{"upgrading", true}} << QVariantMap{};
+    QTest::newRow("settings to be written back")
+        << QVariantMap{} << QVariantMap{{"needrestore", QStringList("00:11:22:33:44:55")}};
+}
+
+void tst_UpdatePrompt::runningWorkGoesFirst()
+{
+    QFETCH(QVariantMap, box);
+    QFETCH(QVariantMap, window);
+    open("1.0.0.10");
+    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7), 12000);
+    const auto set = [](QObject* object, const QVariantMap& values, bool on) {
+        for (auto it = values.begin(); it != values.end(); ++it)
+            object->setProperty(it.key().toLatin1(), on ? it.value() : QVariant());
+    };
+    set(m_fixture->item(7), box, true);
+    set(&m_fixture->window(), window, true);
+    offerNow();
+    QTRY_VERIFY(QFileInfo::exists(m_fixture->dataFolder() + "upgrade/Tarn_Hub_setup.exe"));
+    QTest::qWait(1500);
+    QCOMPARE(questions(), QStringList());
+    set(m_fixture->item(7), box, false);
+    set(&m_fixture->window(), window, false);
+    QTRY_COMPARE_WITH_TIMEOUT(questions(), QStringList("发现新版本,是否立即升级?"), 8000);
+}
+
+QTEST_MAIN(tst_UpdatePrompt)
+#include "tst_update_prompt.moc"
