@@ -108,9 +108,9 @@ void DeviceRegistry::setReachable(const QStringList& ips)
     const QList<Item*> boxes = devices();
     for (Item* box : boxes) {
         const bool online = alive.contains(box->address());
-        if (box->property("online").toBool() == online)
+        if (box->isOnline() == online)
             continue;
-        box->setProperty("online", online);
+        box->setOnline(online);
         anyChange = true;
         if (online)
             returned << box->address();
@@ -138,18 +138,11 @@ void DeviceRegistry::addDevice(const QString& ip, const QString& name)
         return;
     Item* group = m_model.findGroup(name);
     if (!group) {
-        group = new Item;
-        group->setProperty("title", name);
-        group->setProperty("content", name);
-        group->setProperty("isdir", true);
+        group = Item::makeGroup(name).release();
         m_model.append(group, m_model.root(), true);
     }
-    auto* box = new Item;
-    box->setProperty("title", ip);
-    box->setProperty("content", ip);
-    box->setProperty("deviceip", ip);
-    box->setProperty("isDevice", true);
-    box->setProperty("otaFile", m_firmwareBaseName);
+    Item* box = Item::makeBox(ip).release();
+    box->setPackageName(m_firmwareBaseName);
     m_model.append(box, group, false);
     emit changed();
     emit deviceAdded(box);
@@ -160,7 +153,7 @@ void DeviceRegistry::setFirmwareBaseName(const QString& name)
     m_firmwareBaseName = name;
     const QList<Item*> boxes = m_model.items(koraFamily());
     for (Item* box : boxes)
-        box->setProperty("otaFile", name);
+        box->setPackageName(name);
     m_model.announceLayout();
 }
 
@@ -168,7 +161,7 @@ void DeviceRegistry::forgetIdleDevices()
 {
     const QList<Item*> boxes = devices();
     for (Item* box : boxes) {
-        if (!box->property("upgrading").toBool())
+        if (!box->isUpgrading())
             m_model.remove(box);
     }
     const QList<Item*> groups = m_model.items();
@@ -184,9 +177,9 @@ UpgradeCounts DeviceRegistry::upgradeCounts(const QString& group) const
     UpgradeCounts counts;
     const QList<Item*> boxes = m_model.items(group);
     for (const Item* box : boxes) {
-        counts.upgrading += box->property("upgrading").toBool() ? 1 : 0;
-        counts.timedOut += box->property("upgradtimeout").toBool() ? 1 : 0;
-        counts.successful += box->property("upgradsuccessful").toBool() ? 1 : 0;
+        counts.upgrading += box->isUpgrading() ? 1 : 0;
+        counts.timedOut += box->hasTimedOut() ? 1 : 0;
+        counts.successful += box->hasSucceeded() ? 1 : 0;
     }
     return counts;
 }

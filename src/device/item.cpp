@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "device/item.h"
 
-#include <QEvent>
-
 #include <array>
 
 namespace
@@ -60,31 +58,12 @@ Item::Item(Item* parentItem)
             m_upload = process;
     })
 {
-    setProperty("isdir", false);
-    setProperty("online", true);
-    setProperty("rtime", 600);
-    setProperty("upgrading", false);
-    setProperty("upgradtimeout", false);
-    setProperty("upgradsuccessful", false);
+    setDefaults();
 }
 
 Item::~Item()
 {
     qDeleteAll(m_children);
-}
-
-bool Item::event(QEvent* event)
-{
-    if (event->type() == QEvent::DynamicPropertyChange) {
-        const QByteArray name = static_cast<QDynamicPropertyChangeEvent*>(event)->propertyName();
-        if (name == "deviceip")
-            m_address = property("deviceip").toString();
-        else if (name == "title")
-            m_title = property("title").toString();
-        else if (name == "MACAddress")
-            m_macAddress = property("MACAddress").toString();
-    }
-    return QObject::event(event);
 }
 
 int Item::row() const
@@ -109,7 +88,7 @@ void Item::appendChild(Item* child, bool byTitle)
 void Item::insertChild(int row, Item* child)
 {
     child->m_parentItem = this;
-    child->setProperty("level", level() + 1);
+    child->setLevel(level() + 1);
     m_children.insert(row, child);
 }
 
@@ -139,8 +118,8 @@ bool Item::isKora() const
 bool Item::hasNewerFirmware() const
 {
     constexpr int compared = 7;
-    const QString package = property("otaFile").toString();
-    const QString own = property("FirmVersion").toString();
+    const QString package = packageName();
+    const QString own = firmwareVersion();
     return !package.isEmpty() && !own.isEmpty() &&
            own.toUpper().right(compared) < package.toUpper().right(compared);
 }

@@ -12,8 +12,10 @@
 
 #include <memory>
 
-/// One row of the device tree: the root, a group, a box or a line of information. All state lives
-/// in named dynamic properties, so that the tree, the window and an upgrade read one record.
+/// One row of the device tree: the root, a group, a box or a line of information; and one entry of
+/// the storage list. What the tree, the window and an upgrade know of it lives in named dynamic
+/// properties, so that all read one record; their names stand behind the readers and writers here
+/// and nowhere else.
 ///
 /// An item owns its children. The tree owns all items through its root; whoever waits holds a
 /// QPointer. Commands of an item that is deleted meanwhile run to their end without it.
@@ -22,8 +24,19 @@ class Item : public QObject
     Q_OBJECT
 
 public:
+    /// How long an upgrade may take, in its seconds (ticks of the countdown).
+    static constexpr int UpgradeAllowance = 600;
+
     explicit Item(Item* parentItem = nullptr);
     ~Item() override;
+
+    // Each kind of item; the caller owns it until a tree or list takes it.
+    static std::unique_ptr<Item> makeGroup(const QString& name);
+    static std::unique_ptr<Item> makeBox(const QString& ip);
+    static std::unique_ptr<Item> makeInformation(const QString& caption, const QString& content,
+                                                 const QString& ip);
+    /// The recording `fileName` on the box at `ip`.
+    static std::unique_ptr<Item> makeRecording(const QString& fileName, const QString& ip);
 
     Item* parentItem() const { return m_parentItem; }
     int childCount() const { return m_children.size(); }
@@ -41,21 +54,70 @@ public:
     /// Takes the child at `row` out; the caller owns it.
     Item* takeChild(int row);
 
-    bool isGroup() const { return property("isdir").toBool(); }
+    bool isGroup() const;
+    void setGroup(bool group);
     QString address() const { return m_address; }
+    void setAddress(const QString& ip);
     QString title() const { return m_title; }
-    QString macAddress() const { return m_macAddress; }
-    QString content() const { return property("content").toString(); }
-    int level() const { return property("level").toInt(); }
+    void setTitle(const QString& text);
+    QString content() const;
+    void setContent(const QString& text);
+    int level() const;
+    /// Where a row of information stands among the others.
+    int place() const { return m_place; }
+    void setPlace(int place) { m_place = place; }
 
     /// What the tree shows: the content, or the title when there is none.
     QString displayText() const;
     /// The title followed by the content in brackets.
     QString combinedLabel() const;
+
+    // --- a box ---------------------------------------------------------------------------------
+
+    /// True for a box, whatever its model.
+    bool isDevice() const;
     /// True for a box of the KORA family.
     bool isKora() const;
+    /// True when the box answered the last check; a new one counts as online.
+    bool isOnline() const;
+    void setOnline(bool online);
+    QString macAddress() const { return m_macAddress; }
+    void setMacAddress(const QString& mac);
+    QString firmwareVersion() const;
+    void setFirmwareVersion(const QString& version);
+    /// The base name of the firmware package at hand, which the box's own version is compared with.
+    QString packageName() const;
+    void setPackageName(const QString& baseName);
     /// True when a newer firmware package than the box's own lies ready.
     bool hasNewerFirmware() const;
+    /// A parameter as the box last reported it; `name` is one of the wire protocol. Invalid before.
+    QVariant parameter(const QString& name) const;
+    void setParameter(const QString& name, const QVariant& value);
+    /// The name of the recording in progress, empty when there is none.
+    QString recordingInProgress() const;
+    void setRecordingInProgress(const QString& fileName);
+    /// The settings that are being written back to the box.
+    void setConfigurationToRestore(const QVariantMap& values);
+    /// The marks of the list's marking modes.
+    int selectOrder() const;
+    bool isCorrelated() const;
+
+    // --- an upgrade of a box -------------------------------------------------------------------
+
+    bool isUpgrading() const;
+    /// The upload was refused or the time has run out; a later try may still succeed.
+    bool hasTimedOut() const;
+    void setTimedOut(bool timedOut);
+    bool hasSucceeded() const;
+    /// The box has the whole package.
+    bool isUploaded() const;
+    /// What is left of the allowance, in its seconds.
+    int secondsLeft() const;
+    void setSecondsLeft(int seconds);
+    /// Progress messages, oldest first.
+    QStringList tips() const;
+    /// Why the last upload failed, as the box put it; empty when none did.
+    QString uploadProblem() const { return m_uploadProblem; }
 
     /// Adds a line to the upgrade's progress messages; the oldest of 200 are dropped.
     void addTip(const QString& text);
@@ -70,10 +132,20 @@ public:
     /// The box came back from its upgrade, wherever it is now.
     void markActivated();
 
-    /// For a recording ("filename" on the box at "deviceip"): deletes it there. Ends in
-    /// deleteEnded.
+    // --- a recording ---------------------------------------------------------------------------
+
+    QString fileName() const;
+    /// What the type of the file is told by.
+    QString filePath() const;
+    /// True while it is the one being played.
+    bool isPlaying() const;
+    void setPlaying(bool playing);
+    /// Where a dragged row would land beside this one: 0 nowhere, else a marker's number.
+    int dropPosition() const;
+
+    /// Deletes the recording on its box. Ends in deleteEnded.
     void record_del();
-    /// For a recording: downloads it into `folder`, which ends in "/", under a safe and free name.
+    /// Downloads the recording into `folder`, which ends in "/", under a safe and free name.
     /// Ends in downloadEnded, at once when the folder takes no files.
     void download(const QString& folder);
     void cancelDownload();
@@ -94,6 +166,12 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    void setDefaults();
+    void setLevel(int level);
+    void setUpgrading(bool upgrading);
+    void setSucceeded(bool succeeded);
+    void setUploaded(bool uploaded);
+    void setActivated(bool activated);
     void upload(const QString& file, const QString& md5);
     void handleUploadReply(const QProcess& process, const QString& reply);
     void handleActivationReply(const QString& reply);
@@ -114,6 +192,8 @@ private:
     /// Number of the latest upgrade: what an earlier one still reports is not heard.
     int m_upgradeRun = 0;
     QPointer<QProcess> m_upload;
+    QString m_uploadProblem;
+    int m_place = 0;
 };
 
 /// The name of the family whose boxes the program configures.

@@ -15,7 +15,6 @@ namespace
 /// at once must not keep the computer busy.
 constexpr int uploadRetryPauseMs = 400;
 
-constexpr int mostTips = 200;
 /// What is shown of a reply that is none; the log has all of it.
 constexpr int longestReason = 400;
 
@@ -26,24 +25,16 @@ bool isSuccess(const QVariantMap& reply)
 
 } // namespace
 
-void Item::addTip(const QString& text)
-{
-    QStringList tips = property("upgradtip").toStringList() << text;
-    if (tips.size() > mostTips)
-        tips.removeFirst();
-    setProperty("upgradtip", tips);
-}
-
 void Item::reserveForUpgrade()
 {
     endUpgrade();
-    setProperty("upgrading", true);
-    setProperty("upgradtimeout", false);
-    setProperty("upgradsuccessful", false);
-    setProperty("rtime", 600);
-    setProperty("upgrade_ota_file", false);
-    setProperty("upgrade_ota", false);
-    setProperty("upgradreason", QVariant());
+    setUpgrading(true);
+    setTimedOut(false);
+    setSucceeded(false);
+    setSecondsLeft(UpgradeAllowance);
+    setUploaded(false);
+    setActivated(false);
+    m_uploadProblem.clear();
 }
 
 void Item::startUpgrade(const QString& file, const QString& md5)
@@ -57,7 +48,7 @@ void Item::startUpgrade(const QString& file, const QString& md5)
 void Item::endUpgrade()
 {
     ++m_upgradeRun;
-    setProperty("upgrading", false);
+    setUpgrading(false);
     if (m_upload)
         CommandRunner::stop(m_upload);
 }
@@ -101,16 +92,16 @@ void Item::handleUploadReply(const QProcess& process, const QString& reply)
     if (!isSuccess(map) || received != process.property("md5").toString()) {
         const QString tip = tr("上传固件 失败 原因 : ") + reply.left(longestReason);
         addTip(tip);
-        setProperty("upgradreason", tip);
-        setProperty("upgradtimeout", true);
+        m_uploadProblem = tip;
+        setTimedOut(true);
         emit upgradeChanged();
         return;
     }
-    if (property("upgrade_ota_file").toBool())
+    if (isUploaded())
         return;
-    setProperty("upgrade_ota_file", true);
+    setUploaded(true);
     // A try that failed before has been made good.
-    setProperty("upgradtimeout", false);
+    setTimedOut(false);
     addTip(tr("上传固件 成功"));
     addTip(tr("开始更新固件"));
     execCurl(BoxProtocol::otaCommand(address()),
@@ -129,13 +120,13 @@ void Item::handleActivationReply(const QString& reply)
 
 void Item::markActivated()
 {
-    setProperty("upgrade_ota", true);
-    if (property("upgradsuccessful").toBool())
+    setActivated(true);
+    if (hasSucceeded())
         return;
     addTip(tr("更新固件 成功"));
-    setProperty("upgradsuccessful", true);
+    setSucceeded(true);
     // Counted once, as one or the other, or the batch would never end.
-    setProperty("upgradtimeout", false);
+    setTimedOut(false);
     emit upgradeChanged();
 }
 
@@ -155,13 +146,12 @@ void Item::R_stateChanged(QProcess::ProcessState state)
         // The box restarts to apply the firmware, so that its reply often never arrives.
         markActivated();
     } else if (type == QLatin1String("upgrade_ota_file") &&
-               process->property("run").toInt() == m_upgradeRun &&
-               !property("upgrade_ota_file").toBool()) {
+               process->property("run").toInt() == m_upgradeRun && !isUploaded()) {
         const QString file = process->property("ota_file").toString();
         const QString md5 = process->property("md5").toString();
         QTimer::singleShot(uploadRetryPauseMs, this, [this, file, md5, run = m_upgradeRun] {
             // The batch may have ended meanwhile.
-            if (run != m_upgradeRun || !property("upgrading").toBool())
+            if (run != m_upgradeRun || !isUpgrading())
                 return;
             addTip(tr("重新开始上传固件(%1)").arg(QFileInfo(file).fileName()));
             upload(file, md5);
@@ -171,7 +161,7 @@ void Item::R_stateChanged(QProcess::ProcessState state)
 
 void Item::record_del()
 {
-    const QString filename = property("filename").toString();
+    const QString filename = fileName();
     execCurl(BoxProtocol::recordDeleteCommand(filename, address()),
              {{QStringLiteral("exectype"), QStringLiteral("record_del")},
               {QStringLiteral("filename"), filename}});
@@ -181,7 +171,7 @@ void Item::download(const QString& folder)
 {
     if (m_download)
         return;
-    const QString filename = property("filename").toString();
+    const QString filename = fileName();
     m_download = std::make_unique<RecordingDownload>(folder, filename);
     if (!m_download->begin()) {
         const DownloadResult result = m_download->fail(tr("无法写入文件"));

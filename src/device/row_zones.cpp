@@ -26,8 +26,8 @@ Action leadingAction(const Item& item, bool expanded)
 {
     if (item.isGroup())
         return expanded ? Action::GroupExpanded : Action::GroupCollapsed;
-    if (item.property("isDevice").toBool())
-        return item.property("online").toBool() ? Action::Online : Action::Offline;
+    if (item.isDevice())
+        return item.isOnline() ? Action::Online : Action::Offline;
     return Action::LeadingIcon;
 }
 
@@ -38,7 +38,7 @@ RowZones::RowZones(const QRect& row, const Item& item, bool expanded)
                 iconAt(row, row.left() + (item.level() - 1) * levelStep + firstIndent)}
     , m_textEnd(row.left() + row.width())
 {
-    if (item.property("selectorder").toInt() > 0)
+    if (item.selectOrder() > 0)
         m_selectOrder = iconAt(row, row.left() + selectOrderX);
     if (item.isKora())
         placeRightIcons(row, item);
@@ -58,7 +58,7 @@ void RowZones::placeRightIcons(const QRect& row, const Item& item)
     m_rightIcons.append({Action::RestartSoftware, place()});
     if (item.hasNewerFirmware())
         m_rightIcons.append({Action::NewFirmware, place()});
-    if (item.property("correlation").toBool())
+    if (item.isCorrelated())
         m_correlation = place();
 }
 

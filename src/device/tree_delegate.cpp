@@ -20,8 +20,6 @@ const char* const badColour = "#32ff0000";
 const char* const textColour = "#e8eaed";
 const char* const dimTextColour = "#a9b0b8";
 
-constexpr int upgradeAllowance = 600; ///< seconds
-
 QColor colour(const char* name)
 {
     return QColor(QLatin1String(name));
@@ -92,13 +90,13 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
 void TreeDelegate::paintUpgrade(QPainter& painter, const QRect& row, const Item& item) const
 {
-    const bool good = item.property("upgradsuccessful").toBool();
-    if (good || item.property("upgradtimeout").toBool()) {
+    const bool good = item.hasSucceeded();
+    if (good || item.hasTimedOut()) {
         painter.fillRect(row, colour(good ? goodColour : badColour));
-    } else if (item.property("upgrading").toBool()) {
-        const int done = upgradeAllowance - item.property("rtime").toInt();
+    } else if (item.isUpgrading()) {
+        const int done = Item::UpgradeAllowance - item.secondsLeft();
         QRect bar = row;
-        bar.setWidth(row.width() * done / upgradeAllowance);
+        bar.setWidth(row.width() * done / Item::UpgradeAllowance);
         painter.fillRect(bar, colour(goodColour));
     }
 }

@@ -34,7 +34,7 @@ void collect(Item* item, QList<Item*>& into)
 
 TreeModel::TreeModel(QObject* parent) : QAbstractItemModel(parent), m_root(std::make_unique<Item>())
 {
-    m_root->setProperty("isdir", true);
+    m_root->setGroup(true);
 }
 
 TreeModel::~TreeModel() = default;

@@ -91,14 +91,14 @@ void TreeView::tickUpgrades()
     bool touched = false;
     const QList<Item*> all = m_model->items();
     for (Item* item : all) {
-        if (!item->property("upgrading").toBool() || item->property("upgradsuccessful").toBool())
+        if (!item->isUpgrading() || item->hasSucceeded())
             continue;
         touched = true;
-        const int left = item->property("rtime").toInt();
+        const int left = item->secondsLeft();
         if (left < 1)
-            item->setProperty("upgradtimeout", true);
+            item->setTimedOut(true);
         else
-            item->setProperty("rtime", left - 1);
+            item->setSecondsLeft(left - 1);
     }
     if (touched)
         m_model->announceLayout();

@@ -17,7 +17,7 @@ namespace
 
 QString lastReported(const Item& device, QLatin1String parameter)
 {
-    return device.property(parameter.latin1()).toString();
+    return device.parameter(parameter).toString();
 }
 
 } // namespace

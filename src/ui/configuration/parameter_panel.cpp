@@ -101,7 +101,7 @@ void ParameterPanel::handleReply(const HttpResult& result)
     if (list ? result.value.type() != QVariant::List : !isScalar(result.value))
         return;
     if (Item* device = m_hub.devices.model().find(result.deviceIp))
-        device->setProperty(result.parameterName.toLatin1().constData(), result.value);
+        device->setParameter(result.parameterName, result.value);
     // The answer of a box that was selected before comes too late for the panels.
     if (result.deviceIp != m_hub.state.deviceIp())
         return;

@@ -89,11 +89,11 @@ void DeviceInfo::updateDevice(const HttpResult& result, const QString& value)
     if (!device)
         return;
     if (result.parameterName == BoxProtocol::FirmVersion) {
-        device->setProperty("FirmVersion", value);
+        device->setFirmwareVersion(value);
         emit deviceChanged();
     } else if (result.parameterName == BoxProtocol::MACAddress &&
                BoxProtocol::isMacAddress(value)) {
-        device->setProperty("MACAddress", value);
+        device->setMacAddress(value);
         emit macReported(result.deviceIp, value);
     }
 }
@@ -108,21 +108,17 @@ void DeviceInfo::showRow(const QString& parameter, const QString& value)
     // Replies arrive in any order, and twice when the box was selected twice: a row has its place.
     for (; row < model->root()->childCount(); ++row) {
         Item* shown = model->root()->child(row);
-        const int shownPlace = shown->property("place").toInt();
+        const int shownPlace = shown->place();
         if (shownPlace == place) {
-            shown->setProperty("content", content);
+            shown->setContent(content);
             m_view->refresh();
             return;
         }
         if (shownPlace > place)
             break;
     }
-    auto* item = new Item;
-    item->setProperty("title", caption(place));
-    item->setProperty("content", content);
-    item->setProperty("deviceip", m_hub.state.deviceIp());
-    item->setProperty("isdir", false);
-    item->setProperty("place", place);
+    Item* item = Item::makeInformation(caption(place), content, m_hub.state.deviceIp()).release();
+    item->setPlace(place);
     model->insertTopRow(row, item);
     m_view->refresh();
 }
@@ -131,6 +127,6 @@ void DeviceInfo::retranslate()
 {
     const QList<Item*> rows = m_view->treeModel()->items();
     for (Item* row : rows)
-        row->setProperty("title", caption(row->property("place").toInt()));
+        row->setTitle(caption(row->place()));
     m_view->refresh();
 }

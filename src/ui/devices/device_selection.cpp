@@ -45,7 +45,7 @@ void DeviceSelection::showKora(const Item& box)
     emit koraSelected(box);
     readSelected();
     m_events.connectTo(box.address());
-    m_frame.showKora(box.property("upgrading").toBool());
+    m_frame.showKora(box.isUpgrading());
 }
 
 void DeviceSelection::readSelected()

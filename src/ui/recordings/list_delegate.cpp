@@ -78,8 +78,8 @@ void ListDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     if (option.state & QStyle::State_Selected)
         painter->fillRect(row, colour(selectedColour));
 
-    const QString path = entry ? entry->property("filepath").toString() : QString();
-    const bool playing = entry && entry->property("ispaly").toBool();
+    const QString path = entry ? entry->filePath() : QString();
+    const bool playing = entry && entry->isPlaying();
     const QSize icon = option.decorationSize;
     const QRect iconRect(row.left() + (row.width() - icon.width()) / 2,
                          row.top() + (row.height() - icon.height()) / 2, icon.width(),
@@ -100,7 +100,7 @@ void ListDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     if (option.state & QStyle::State_HasFocus)
         paintFrame(*painter, row, 1);
     if (entry)
-        paintDropMarker(*painter, row, entry->property("position").toInt());
+        paintDropMarker(*painter, row, entry->dropPosition());
     painter->restore();
 }
 

@@ -19,7 +19,7 @@
 namespace
 {
 
-/// The name of the recording in progress, kept with its box.
+/// The name of the recording that a command is about, kept with the command.
 const char* const fileNameProperty = "recodefilename";
 
 QString newFileName(bool mp4)
@@ -80,7 +80,7 @@ void RecordControl::showBox(const Item& box)
     m_limit.stop();
     m_waitingIp.clear();
     m_area.group_record->setEnabled(true);
-    m_area.recode->setChecked(!box.property(fileNameProperty).toString().isEmpty());
+    m_area.recode->setChecked(!box.recordingInProgress().isEmpty());
 }
 
 void RecordControl::wait(const QString& ip, bool wasRecording)
@@ -116,7 +116,7 @@ void RecordControl::handleStarted(const QProcess& process, bool succeeded)
 {
     const QString ip = process.property("deviceip").toString();
     if (Item* box = m_hub.devices.model().find(ip))
-        box->setProperty(fileNameProperty, process.property(fileNameProperty));
+        box->setRecordingInProgress(process.property(fileNameProperty).toString());
     settle(ip, succeeded);
 }
 
@@ -130,8 +130,8 @@ void RecordControl::handleStopped(const QProcess& process, bool succeeded)
     }
     QString name;
     if (Item* box = m_hub.devices.model().find(ip)) {
-        name = box->property(fileNameProperty).toString();
-        box->setProperty(fileNameProperty, QString());
+        name = box->recordingInProgress();
+        box->setRecordingInProgress(QString());
     }
     if (ip == m_hub.state.deviceIp())
         m_panel.getDeviceRecordList();

@@ -16,20 +16,6 @@
 
 #include <algorithm>
 
-namespace
-{
-
-/// A record of its own, which outlives the one in the list.
-std::unique_ptr<Item> copyOf(const Item& recording)
-{
-    auto copy = std::make_unique<Item>();
-    for (const char* name : {"title", "filename", "deviceip"})
-        copy->setProperty(name, recording.property(name));
-    return copy;
-}
-
-} // namespace
-
 RecordingDownloads::RecordingDownloads(const Hub& hub, ListWidget& list, DownloadList& view)
     : QObject(nullptr), m_hub(hub), m_list(list), m_view(view)
 {
@@ -43,7 +29,8 @@ void RecordingDownloads::ask(const QList<QListWidgetItem*>& rows)
     std::vector<std::unique_ptr<Item>> recordings;
     for (const QListWidgetItem* row : rows) {
         if (const Item* recording = m_list.entryOf(row))
-            recordings.push_back(copyOf(*recording));
+            // A record of its own, which outlives the one in the list.
+            recordings.push_back(Item::makeRecording(recording->fileName(), recording->address()));
     }
     if (recordings.empty())
         return;

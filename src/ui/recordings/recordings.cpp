@@ -28,36 +28,13 @@ struct RecordingKey {
     QString ip;
     QString name;
 
-    explicit RecordingKey(const Item& item)
-        : ip(item.address()), name(item.property("filename").toString())
-    {
-    }
-    bool matches(const Item& item) const
-    {
-        return item.address() == ip && item.property("filename").toString() == name;
-    }
+    explicit RecordingKey(const Item& item) : ip(item.address()), name(item.fileName()) {}
+    bool matches(const Item& item) const { return item.address() == ip && item.fileName() == name; }
 };
-
-std::unique_ptr<Item> makeEntry(const QString& name, const QString& ip)
-{
-    auto entry = std::make_unique<Item>();
-    entry->setProperty("title", name);
-    entry->setProperty("filename", name);
-    entry->setProperty("filepath", name);
-    entry->setProperty("deviceip", ip);
-    entry->setProperty("isdir", false);
-    entry->setProperty("ispaly", false);
-    return entry;
-}
 
 QString mediaUrl(const Item& recording)
 {
     return BoxProtocol::mediaUrl(recording.address(), recording.title());
-}
-
-bool isPlaying(const Item& recording)
-{
-    return recording.property("ispaly").toBool();
 }
 
 } // namespace
@@ -98,7 +75,7 @@ void Recordings::handleReply(const HttpResult& result)
     for (const QVariant& value : names.mid(0, mostRecordings)) {
         const QString name = value.type() == QVariant::String ? value.toString() : QString();
         if (fileType(name) == FileType::Video)
-            m_list.addEntry(makeEntry(name, result.deviceIp));
+            m_list.addEntry(Item::makeRecording(name, result.deviceIp));
     }
     // The one that plays stays marked, so that it is not deleted while it is watched.
     if (QUrl(m_playing).host() == result.deviceIp)
@@ -127,7 +104,7 @@ void Recordings::playOrStop(const Item* recording)
 {
     if (!recording)
         return;
-    if (isPlaying(*recording))
+    if (recording->isPlaying())
         m_player.close();
     else
         play(*recording);
@@ -138,7 +115,7 @@ void Recordings::playNeighbour(int step)
     const auto& entries = m_list.entries();
     const int count = static_cast<int>(entries.size());
     for (int n = 0; n < count; ++n) {
-        if (!isPlaying(*entries[static_cast<size_t>(n)]))
+        if (!entries[static_cast<size_t>(n)]->isPlaying())
             continue;
         const int wanted = n + step;
         if (wanted >= 0 && wanted < count)
@@ -197,8 +174,7 @@ void Recordings::markPlaying(const QString& url)
     const QString decoded = QUrl::fromPercentEncoding(url.toUtf8());
     for (const auto& entry : m_list.entries()) {
         const QString title = entry->title();
-        entry->setProperty("ispaly",
-                           !url.isEmpty() && (url.contains(title) || decoded.contains(title)));
+        entry->setPlaying(!url.isEmpty() && (url.contains(title) || decoded.contains(title)));
     }
     m_list.viewport()->update();
 }
@@ -221,7 +197,7 @@ void Recordings::remove(const QList<QListWidgetItem*>& rows)
         for (const auto& entry : m_list.entries()) {
             if (!key.matches(*entry))
                 continue;
-            if (!isPlaying(*entry))
+            if (!entry->isPlaying())
                 startDelete(m_list.takeEntry(entry.get()));
             break;
         }
@@ -251,8 +227,7 @@ void Recordings::noteDeleted(Item* recording, bool succeeded)
     }
     if (succeeded)
         return;
-    m_failedDeletes << BoxProtocol::fill(tr("文件[%1]删除错误,请重试"),
-                                         {recording->property("filename").toString()});
+    m_failedDeletes << BoxProtocol::fill(tr("文件[%1]删除错误,请重试"), {recording->fileName()});
     m_tellFailedDeletes.start();
 }
 

@@ -56,8 +56,7 @@ QList<Item*> BatchUpgrade::selectedIdleBoxes() const
     QList<Item*> boxes;
     const QList<Item*> selected = m_view->selectedBoxes();
     for (Item* box : selected) {
-        const bool busy =
-            box->property("upgrading").toBool() && !box->property("upgradtimeout").toBool();
+        const bool busy = box->isUpgrading() && !box->hasTimedOut();
         if (box->isKora() && !busy)
             boxes << box;
     }
@@ -164,7 +163,7 @@ void BatchUpgrade::digestReady(const PackageDigest* digest)
             continue;
         m_report.addBox(box, pending.keep);
         m_restore.save(box->macAddress(), box->address(), pending.keep, [box, file, md5] {
-            if (box && box->property("upgrading").toBool())
+            if (box && box->isUpgrading())
                 box->startUpgrade(file, md5);
         });
     }
@@ -179,7 +178,7 @@ void BatchUpgrade::giveUp(const Pending& pending)
             box->endUpgrade();
     }
     const Item* shown = shownBox();
-    if (shown && !shown->property("upgrading").toBool())
+    if (shown && !shown->isUpgrading())
         m_frame.showKora(false);
     m_view->refresh();
     messageBox::ask(tr("文件打开失败! "), m_hub.window);
@@ -210,8 +209,7 @@ void BatchUpgrade::step()
     }
     m_monitor.upgrade_progress->setValue(m_monitor.upgrade_progress->value() + 1);
     const Item* shown = shownBox();
-    m_monitor.tip->setText(
-        shown ? shown->property("upgradtip").toStringList().join(QLatin1Char('\n')) : QString());
+    m_monitor.tip->setText(shown ? shown->tips().join(QLatin1Char('\n')) : QString());
     m_monitor.upgrade_status->setText(
         statusText(counts.upgrading, counts.successful, counts.timedOut));
 }
@@ -223,7 +221,7 @@ void BatchUpgrade::finish(int successful, int unknown)
     m_report.batchEnded();
     const QList<Item*> items = m_hub.devices.model().items();
     for (Item* item : items) {
-        if (item->property("upgrading").toBool())
+        if (item->isUpgrading())
             item->endUpgrade();
     }
     m_monitor.tip->clear();
@@ -241,8 +239,8 @@ void BatchUpgrade::handleMac(const QString& ip, const QString& mac)
     const QList<Item*> items = m_hub.devices.model().items();
     for (Item* item : items) {
         // Before the package has arrived a new address means something else than success.
-        if (item->macAddress() == mac && item->address() != ip &&
-            item->property("upgrading").toBool() && item->property("upgrade_ota_file").toBool())
+        if (item->macAddress() == mac && item->address() != ip && item->isUpgrading() &&
+            item->isUploaded())
             item->markActivated();
     }
 }
@@ -255,6 +253,6 @@ Item* BatchUpgrade::shownBox() const
 void BatchUpgrade::showWaitingPage()
 {
     const Item* box = shownBox();
-    if (box && box->property("upgrading").toBool())
+    if (box && box->isUpgrading())
         m_frame.showWaiting();
 }

@@ -227,7 +227,7 @@ void ConfigurationRestore::begin(const QString& mac, const QString& ip)
     job.values = m_hub.state.savedConfiguration(mac);
     job.rest = job.values.keys();
     if (Item* box = m_hub.devices.model().find(ip))
-        box->setProperty("restoreconfig", job.values);
+        box->setConfigurationToRestore(job.values);
     m_running[mac] = std::move(job);
     writeNext(mac);
 }

@@ -32,10 +32,10 @@ bool sameMac(const QString& a, const QString& b)
 /// Why the last upload failed, if the box said so; else how far the upgrade has come.
 QString lastTip(const Item* item)
 {
-    const QString reason = item ? item->property("upgradreason").toString() : QString();
+    const QString reason = item ? item->uploadProblem() : QString();
     if (!reason.isEmpty())
         return reason;
-    const QStringList tips = item ? item->property("upgradtip").toStringList() : QStringList();
+    const QStringList tips = item ? item->tips() : QStringList();
     return tips.isEmpty() ? QString() : tips.last();
 }
 
@@ -85,7 +85,7 @@ void UpgradeReport::addBox(Item* box, bool keepSettings)
     UpgradeRow row;
     row.mac = box->macAddress();
     row.addressBefore = row.address = box->address();
-    row.versionBefore = box->property("FirmVersion").toString().left(longestVersion);
+    row.versionBefore = box->firmwareVersion().left(longestVersion);
     row.started = QDateTime::currentDateTime();
     row.settings = keepSettings ? Settings::NotSaved : Settings::NotKept;
     session->rows << row;
@@ -123,7 +123,7 @@ void UpgradeReport::noteProgress(Watch& watch)
         row.mac = watch.item->macAddress();
     if (!row.mac.isEmpty() && watchOf(row.mac) != &watch)
         return;
-    if (watch.item->property("upgrade_ota_file").toBool()) {
+    if (watch.item->isUploaded()) {
         if (row.stage != Stage::Activated)
             watch.sinceOrder.start();
         row.stage = Stage::Activated;
@@ -178,8 +178,7 @@ bool UpgradeReport::mayWriteBack(const QString& mac, const QString& ip) const
     if (row.stage == Stage::Preparing || row.stage == Stage::Uploading)
         return false;
     // The order to change over is still unanswered: a restart would end it, and pass for success.
-    if (watch->item && watch->item->property("upgrading").toBool() &&
-        !watch->item->property("upgradsuccessful").toBool())
+    if (watch->item && watch->item->isUpgrading() && !watch->item->hasSucceeded())
         return false;
     if (row.stage == Stage::UploadFailed && !watch->restarting)
         return true;
