@@ -152,10 +152,6 @@
   <context>
     <name>ConfigurationSave</name>
     <message>
-      <source>请您在设备列表中选择要操作的设备!</source>
-      <translation>Please select the device to operate in the device list!</translation>
-    </message>
-    <message>
       <source>请输入正确的IP地址和子网掩码</source>
       <translation>Enter a correct IP address and subnet mask</translation>
     </message>
@@ -235,10 +231,6 @@
     <message>
       <source>关闭解码成功</source>
       <translation>Decoding stopped</translation>
-    </message>
-    <message>
-      <source>请您在设备列表中选择要操作的设备!</source>
-      <translation>Please select the device to operate in the device list!</translation>
     </message>
     <message>
       <source>开启</source>
@@ -418,6 +410,13 @@
     </message>
   </context>
   <context>
+    <name>Hub</name>
+    <message>
+      <source>请您在设备列表中选择要操作的设备!</source>
+      <translation>Please select the device to operate in the device list!</translation>
+    </message>
+  </context>
+  <context>
     <name>InfoArea</name>
     <message>
       <source>设备信息:</source>
@@ -506,10 +505,6 @@
     <message>
       <source>开启直播服务失败</source>
       <translation>Starting the live service failed</translation>
-    </message>
-    <message>
-      <source>请您在设备列表中选择要操作的设备!</source>
-      <translation>Please select the device to operate in the device list!</translation>
     </message>
   </context>
   <context>
@@ -670,10 +665,6 @@
   <context>
     <name>RecordControl</name>
     <message>
-      <source>请您在设备列表中选择要操作的设备!</source>
-      <translation>Please select the device to operate in the device list!</translation>
-    </message>
-    <message>
       <source>停止录制失败,请重试.</source>
       <translation>Stopping the recording failed, please retry.</translation>
     </message>
@@ -783,13 +774,6 @@
     </message>
   </context>
   <context>
-    <name>Tarn_Hub</name>
-    <message>
-      <source>正在对KORA升级固件,请勿关闭软件.</source>
-      <translation>KORA firmware is being upgraded. Please do not close the program.</translation>
-    </message>
-  </context>
-  <context>
     <name>TreeModel</name>
     <message>
       <source>重启设备</source>
@@ -843,6 +827,10 @@
     <message>
       <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
       <translation>The last upgrade was interrupted while %1 KORA boxes were under way. Please see the upgrade report.</translation>
+    </message>
+    <message>
+      <source>正在对KORA升级固件,请勿关闭软件.</source>
+      <translation>KORA firmware is being upgraded. Please do not close the program.</translation>
     </message>
   </context>
   <context>

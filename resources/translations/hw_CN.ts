@@ -152,10 +152,6 @@
   <context>
     <name>ConfigurationSave</name>
     <message>
-      <source>请您在设备列表中选择要操作的设备!</source>
-      <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
-    </message>
-    <message>
       <source>请输入正确的IP地址和子网掩码</source>
       <translation>올바른 IP 주소와 서브넷 마스크를 입력하세요</translation>
     </message>
@@ -235,10 +231,6 @@
     <message>
       <source>关闭解码成功</source>
       <translation>디코딩을 중지했습니다</translation>
-    </message>
-    <message>
-      <source>请您在设备列表中选择要操作的设备!</source>
-      <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
     </message>
     <message>
       <source>开启</source>
@@ -418,6 +410,13 @@
     </message>
   </context>
   <context>
+    <name>Hub</name>
+    <message>
+      <source>请您在设备列表中选择要操作的设备!</source>
+      <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
+    </message>
+  </context>
+  <context>
     <name>InfoArea</name>
     <message>
       <source>设备信息:</source>
@@ -506,10 +505,6 @@
     <message>
       <source>开启直播服务失败</source>
       <translation>라이브 서비스를 시작하지 못했습니다</translation>
-    </message>
-    <message>
-      <source>请您在设备列表中选择要操作的设备!</source>
-      <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
     </message>
   </context>
   <context>
@@ -670,10 +665,6 @@
   <context>
     <name>RecordControl</name>
     <message>
-      <source>请您在设备列表中选择要操作的设备!</source>
-      <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
-    </message>
-    <message>
       <source>停止录制失败,请重试.</source>
       <translation>녹화 중지에 실패했습니다. 다시 시도하세요.</translation>
     </message>
@@ -783,13 +774,6 @@
     </message>
   </context>
   <context>
-    <name>Tarn_Hub</name>
-    <message>
-      <source>正在对KORA升级固件,请勿关闭软件.</source>
-      <translation>KORA 펌웨어를 업그레이드하는 중입니다. 프로그램을 닫지 마세요.</translation>
-    </message>
-  </context>
-  <context>
     <name>TreeModel</name>
     <message>
       <source>重启设备</source>
@@ -843,6 +827,10 @@
     <message>
       <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
       <translation>지난 업그레이드가 중단되었습니다. 당시 KORA %1개를 업그레이드하는 중이었습니다. 업그레이드 보고서를 확인하세요.</translation>
+    </message>
+    <message>
+      <source>正在对KORA升级固件,请勿关闭软件.</source>
+      <translation>KORA 펌웨어를 업그레이드하는 중입니다. 프로그램을 닫지 마세요.</translation>
     </message>
   </context>
   <context>

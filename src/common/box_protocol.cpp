@@ -131,24 +131,23 @@ QString controlCommand(const QString& action, const QString& ip)
 QString decodeOnCommand(const QString& ip, const QString& source)
 {
     return fillCommand(
-        QStringLiteral("curl -d \"action=hxdec_on&ndi_name='%2'\" -X POST http://%1:8081/control?"),
-        {ip, source});
+        QStringLiteral("curl -d \"action=%3&ndi_name='%2'\" -X POST http://%1:8081/control?"),
+        {ip, source, DecodeOn});
 }
 
 QString streamPushCommand(const QString& ip, const QString& url)
 {
     return fillCommand(
-        QStringLiteral(
-            "curl -d \"action=stream_on&stream_url='%2'\" -X POST http://%1:8081/control?"),
-        {ip, url});
+        QStringLiteral("curl -d \"action=%3&stream_url='%2'\" -X POST http://%1:8081/control?"),
+        {ip, url, StreamOn});
 }
 
 QString streamListenCommand(const QString& ip, const QString& port, const QString& streamId)
 {
     return fillCommand(
-        QStringLiteral("curl -d \"action=stream_on&srt_mode=listener&srt_port=%2&stream_id='%3'\""
+        QStringLiteral("curl -d \"action=%4&srt_mode=listener&srt_port=%2&stream_id='%3'\""
                        " -X POST http://%1:8081/control?"),
-        {ip, port, streamId});
+        {ip, port, streamId, StreamOn});
 }
 
 QString restartCommand(const QString& ip)
@@ -185,8 +184,8 @@ QString uploadCommand(const QString& file, const QString& ip)
 QString recordOnCommand(const QString& ip, const QString& fileName)
 {
     return fillCommand(
-        QStringLiteral("curl -d \"action=record_on&file_name=%2\" -X POST http://%1:8081/control?"),
-        {ip, fileName});
+        QStringLiteral("curl -d \"action=%3&file_name=%2\" -X POST http://%1:8081/control?"),
+        {ip, fileName, RecordOn});
 }
 
 QString recordDeleteCommand(const QString& fileName, const QString& ip)

@@ -36,6 +36,14 @@ constexpr QLatin1String LineinDelay("eParam_LineinDelay");
 constexpr QLatin1String NDIDecodeList("eParam_NDIDecodeList");
 constexpr QLatin1String RecordList("eParam_RecordList");
 
+// Commands that run on their own; the reply names the one it answers.
+constexpr QLatin1String RecordOn("record_on");
+constexpr QLatin1String RecordOff("record_off");
+constexpr QLatin1String StreamOn("stream_on");
+constexpr QLatin1String StreamOff("stream_off");
+constexpr QLatin1String DecodeOn("hxdec_on");
+constexpr QLatin1String DecodeOff("hxdec_off");
+
 /// True for four decimal numbers of 0 to 255 joined by dots, and nothing else. Only such text may
 /// become a box's address.
 bool isIpv4Address(const QString& text);

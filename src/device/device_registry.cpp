@@ -92,9 +92,8 @@ void DeviceRegistry::probe(const QStringList& ips)
         const QString ip = line.trimmed();
         if (!BoxProtocol::isIpv4Address(ip) || m_model.find(ip))
             continue;
-        m_http.get(QStringLiteral("findDevice"), BoxProtocol::readUrl(ip, BoxProtocol::DeviceName),
-                   false);
-        m_http.get(QStringLiteral("findDevice_webui"), BoxProtocol::dashboardUrl(ip), false);
+        m_http.get(nameProbe(), BoxProtocol::readUrl(ip, BoxProtocol::DeviceName), false);
+        m_http.get(pageProbe(), BoxProtocol::dashboardUrl(ip), false);
     }
 }
 

@@ -49,6 +49,9 @@ public:
     /// Addresses that answered the check of all known boxes.
     void setReachable(const QStringList& ips);
 
+    /// The routing words of the two probes.
+    static QString nameProbe() { return QStringLiteral("findDevice"); }
+    static QString pageProbe() { return QStringLiteral("findDevice_webui"); }
     /// What a probe of the web page, or of the box's own interface, brought back.
     void handleWebPage(const QString& ip, const QString& page);
     void handleDeviceName(const QString& ip, const QString& name);

@@ -3,7 +3,7 @@
 #include "device/item.h"
 
 #include "common/box_protocol.h"
-#include "common/json_map.h"
+#include "common/box_reply.h"
 
 #include <QFileInfo>
 #include <QTimer>
@@ -17,11 +17,6 @@ constexpr int uploadRetryPauseMs = 400;
 
 /// What is shown of a reply that is none; the log has all of it.
 constexpr int longestReason = 400;
-
-bool isSuccess(const QVariantMap& reply)
-{
-    return reply.value(QStringLiteral("status")).toString() == QLatin1String("success");
-}
 
 } // namespace
 
@@ -81,15 +76,14 @@ void Item::R_readyReadStandardOutput()
         if (process->property("run").toInt() == m_upgradeRun)
             handleActivationReply(reply);
     } else if (type == QLatin1String("record_del")) {
-        process->setProperty("deleted", isSuccess(jsonToMap(reply)));
+        process->setProperty("deleted", BoxReply(reply).isSuccess());
     }
 }
 
 void Item::handleUploadReply(const QProcess& process, const QString& reply)
 {
-    const QVariantMap map = jsonToMap(reply);
-    const QString received = map.value(QStringLiteral("file_md5")).toString();
-    if (!isSuccess(map) || received != process.property("md5").toString()) {
+    const BoxReply answer(reply);
+    if (!answer.isSuccess() || answer.field("file_md5") != process.property("md5").toString()) {
         const QString tip = tr("上传固件 失败 原因 : ") + reply.left(longestReason);
         addTip(tip);
         m_uploadProblem = tip;
@@ -112,7 +106,7 @@ void Item::handleUploadReply(const QProcess& process, const QString& reply)
 
 void Item::handleActivationReply(const QString& reply)
 {
-    if (isSuccess(jsonToMap(reply)))
+    if (BoxReply(reply).isSuccess())
         markActivated();
     else
         addTip(tr("更新固件 未知"));

@@ -38,8 +38,8 @@ UpdateCheck::~UpdateCheck() = default;
 void UpdateCheck::start()
 {
     const QString folder = m_server + QStringLiteral("/wp-content/uploads/config/");
-    m_http.get(QStringLiteral("toupgrade"), folder + QStringLiteral("update_Tarn_Hub.json"), false);
-    m_http.get(QStringLiteral("toupgradekora"), folder + QStringLiteral("update_KORA.json"), false);
+    m_http.get(programWord(), folder + QStringLiteral("update_Tarn_Hub.json"), false);
+    m_http.get(firmwareWord(), folder + QStringLiteral("update_KORA.json"), false);
 }
 
 void UpdateCheck::handleProgram(const QString& body)

@@ -31,8 +31,10 @@ public:
     UpdateCheck(Spark_Http& http, QString server, QString version);
     ~UpdateCheck() override;
 
-    /// Requests both descriptors; the answers come by Spark_Http::S_finished under the types
-    /// "toupgrade" (the program) and "toupgradekora" (box firmware).
+    /// The routing words of the two descriptors.
+    static QString programWord() { return QStringLiteral("toupgrade"); }
+    static QString firmwareWord() { return QStringLiteral("toupgradekora"); }
+    /// Requests both descriptors; the answers come by Spark_Http::S_finished under these words.
     void start();
 
     /// The descriptors, as received. The first of each that leads to a package counts.

@@ -3,13 +3,10 @@
 
 #include "common/box_protocol.h"
 #include "common/command_runner.h"
-#include "device/device_registry.h"
 #include "device/item.h"
-#include "device/tree_model.h"
 #include "ui/configuration/configuration_area.h"
 #include "ui/configuration/parameter_panel.h"
 #include "ui/hub/command_sequence.h"
-#include "ui/hub/hub_state.h"
 #include "widgets/message_box.h"
 
 namespace
@@ -34,11 +31,9 @@ ConfigurationSave::ConfigurationSave(const Hub& hub, Ui::ConfigurationArea& area
 
 void ConfigurationSave::save()
 {
-    const Item* device = m_hub.devices.model().find(m_hub.state.deviceIp());
-    if (!device) {
-        messageBox::ask(tr("请您在设备列表中选择要操作的设备!"), m_hub.window);
+    const Item* device = m_hub.selectedDevice();
+    if (!device)
         return;
-    }
     // An incomplete static address would leave the box where nobody finds it.
     if (m_area.eParam_IPAddress->getIP().isEmpty() || m_area.eParam_NetMask->getIP().isEmpty()) {
         messageBox::ask(tr("请输入正确的IP地址和子网掩码"), m_hub.window);

@@ -8,13 +8,15 @@
 #include "device/tree_model.h"
 #include "ui/configuration/configuration_area.h"
 #include "ui/control/control_area.h"
+#include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
-#include "ui/hub/result_dispatcher.h"
 
 namespace
 {
 
 namespace Box = BoxProtocol;
+
+const QString requestType = QStringLiteral("getConfigDeviceinfo");
 
 /// In the order in which they are read. The decode list is not part of a snapshot.
 constexpr QLatin1String panelParameters[] = {
@@ -62,14 +64,26 @@ ParameterPanel::ParameterPanel(const Hub& hub, Ui::ConfigurationArea& config,
                                Ui::ControlArea& control)
     : QObject(nullptr), m_hub(hub), m_config(config), m_control(control)
 {
+    showDefaults();
+    hub.exchange.onResult(requestType, [this](const HttpResult& result) { handleReply(result); });
+    connect(&hub.state, &HubState::readingWanted, this,
+            [this] { getConfigDeviceinfo(QString(), QString()); });
+}
+
+/// What the fields show until a box has been read.
+void ParameterPanel::showDefaults()
+{
+    m_config.eParam_IPAddress->setIP(QStringLiteral("192.168.1.88"));
+    m_config.eParam_NetMask->setIP(QStringLiteral("255.255.255.0"));
+    m_config.eParam_NDIName->setText(koraFamily());
+    m_config.eParam_NTPServer->setText(QStringLiteral("pool.ntp.org"));
 }
 
 void ParameterPanel::getConfigDeviceinfo(const QString& suffix, const QString& ip)
 {
     const bool snapshot = !suffix.isEmpty();
     const QString address = snapshot ? ip : m_hub.state.deviceIp();
-    const QString type =
-        snapshot ? QStringLiteral("saveConfig") + suffix : QStringLiteral("getConfigDeviceinfo");
+    const QString type = snapshot ? QStringLiteral("saveConfig") + suffix : requestType;
     for (const QLatin1String parameter : panelParameters) {
         if (!snapshot || parameter != Box::NDIDecodeList)
             m_hub.http.get(type, Box::readUrl(address, parameter), false);
@@ -84,12 +98,6 @@ QStringList ParameterPanel::snapshotParameters()
             names << parameter;
     }
     return names;
-}
-
-void ParameterPanel::getDeviceRecordList()
-{
-    m_hub.http.get(QStringLiteral("getDeviceRecordList"),
-                   Box::readUrl(m_hub.state.deviceIp(), Box::RecordList), false);
 }
 
 void ParameterPanel::handleReply(const HttpResult& result)

@@ -26,7 +26,6 @@ public:
     /// Reads every parameter of the panels. Empty `suffix`: of the selected box, into the panels.
     /// Otherwise of the box at `ip`, for a snapshot named by `suffix` (its MAC address).
     void getConfigDeviceinfo(const QString& suffix, const QString& ip);
-    void getDeviceRecordList();
     /// The parameters of a snapshot, in the order in which they are read.
     static QStringList snapshotParameters();
 
@@ -38,6 +37,7 @@ public:
     QMap<QString, QString> valuesToSave() const;
 
 private:
+    void showDefaults();
     void show(const QString& parameter, const QString& value);
     bool showNetwork(const QString& parameter, const QString& value);
     bool showEncoder(const QString& parameter, const QString& value);

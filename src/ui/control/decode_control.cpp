@@ -2,14 +2,12 @@
 #include "ui/control/decode_control.h"
 
 #include "common/box_protocol.h"
-#include "device/device_registry.h"
-#include "device/tree_model.h"
+#include "device/item.h"
 #include "ui/control/encoder_control.h"
 #include "ui/control/setui.h"
 #include "ui/hub/busy.h"
-#include "ui/hub/command_replies.h"
 #include "ui/hub/command_sequence.h"
-#include "ui/hub/hub_state.h"
+#include "ui/hub/exchange.h"
 #include "widgets/message_box.h"
 
 namespace
@@ -33,7 +31,7 @@ QStringList startCommands(const QString& ip, bool encoding, const QString& sourc
 QStringList stopCommands(const QString& ip, bool encoding)
 {
     QStringList commands{Box::setCommand(Box::HDMIMode, QString::number(Encode), ip),
-                         Box::controlCommand(QStringLiteral("hxdec_off"), ip)};
+                         Box::controlCommand(Box::DecodeOff, ip)};
     if (encoding)
         commands << Box::controlCommand(QStringLiteral("hxenc_on"), ip);
     return commands;
@@ -44,27 +42,24 @@ QStringList stopCommands(const QString& ip, bool encoding)
 DecodeControl::DecodeControl(const Hub& hub, const EncoderControl& encoder, Busy& busy)
     : QObject(nullptr), m_hub(hub), m_encoder(encoder), m_busy(busy)
 {
+    tellSuccess(Box::DecodeOn, tr("开启解码成功"));
+    tellSuccess(Box::DecodeOff, tr("关闭解码成功"));
 }
 
-void DecodeControl::registerReplies(CommandReplies& replies)
+void DecodeControl::tellSuccess(const QString& command, const QString& text)
 {
-    const auto onSuccess = [this, &replies](const QString& action, const QString& text) {
-        replies.on(action, [this, text](const QProcess&, const QVariantMap& reply) {
-            if (reply.value(QStringLiteral("status")).toString() == QLatin1String("success"))
-                messageBox::ask(text, m_hub.window);
-        });
-    };
-    onSuccess(QStringLiteral("hxdec_on"), tr("开启解码成功"));
-    onSuccess(QStringLiteral("hxdec_off"), tr("关闭解码成功"));
+    m_hub.exchange.onReply(command, [this, text](const QProcess&, const BoxReply& reply) {
+        if (reply.isSuccess())
+            messageBox::ask(text, m_hub.window);
+    });
 }
 
 void DecodeControl::ask()
 {
-    const QString ip = m_hub.state.deviceIp();
-    if (!m_hub.devices.model().find(ip)) {
-        messageBox::ask(tr("请您在设备列表中选择要操作的设备!"), m_hub.window);
+    const Item* device = m_hub.selectedDevice();
+    if (!device)
         return;
-    }
+    const QString ip = device->address();
     auto* dialog = new setui(setui::Page::Decode, ip, m_hub.http, m_hub.window);
     const bool encoding = m_encoder.isEncoding();
     const int result = dialog->exec();

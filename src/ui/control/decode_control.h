@@ -6,7 +6,6 @@
 #include <QObject>
 
 class Busy;
-class CommandReplies;
 class EncoderControl;
 
 /// Makes the selected box decode an NDI source that the operator picks, or stop.
@@ -18,11 +17,11 @@ public:
     /// `busy` is that of the control area, shared by everything in it.
     DecodeControl(const Hub& hub, const EncoderControl& encoder, Busy& busy);
 
-    /// Takes the replies of "hxdec_on" and "hxdec_off".
-    void registerReplies(CommandReplies& replies);
+    /// Asks for a source, then starts or stops decoding it. Blocks, serving events.
     void ask();
 
 private:
+    void tellSuccess(const QString& command, const QString& text);
     void run(const QString& ip, const QStringList& commands, const QString& operation,
              const QString& source);
 

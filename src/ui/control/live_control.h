@@ -5,7 +5,7 @@
 
 #include <QObject>
 
-class CommandReplies;
+class BoxReply;
 
 /// Makes the selected box push or serve its live stream, or stop.
 class LiveControl : public QObject
@@ -15,12 +15,11 @@ class LiveControl : public QObject
 public:
     explicit LiveControl(const Hub& hub);
 
-    /// Takes the replies of "stream_on" and "stream_off".
-    void registerReplies(CommandReplies& replies);
+    /// Asks for an address, then starts or stops the stream. Blocks, serving events.
     void ask();
 
 private:
-    void handleStarted(const QVariantMap& reply);
+    void handleStarted(const BoxReply& reply);
 
     const Hub m_hub;
 };

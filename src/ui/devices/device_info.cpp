@@ -7,8 +7,8 @@
 #include "device/item.h"
 #include "device/tree_model.h"
 #include "device/tree_view.h"
+#include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
-#include "ui/hub/result_dispatcher.h"
 
 namespace
 {
@@ -55,6 +55,12 @@ QString caption(int place)
 DeviceInfo::DeviceInfo(const Hub& hub, TreeView* infoView)
     : QObject(hub.window), m_hub(hub), m_view(infoView)
 {
+    hub.exchange.onResult(requestType, [this](const HttpResult& result) { handleReply(result); });
+    connect(&hub.devices, &DeviceRegistry::deviceAdded, this, [this](const Item* item) {
+        if (item->isKora())
+            getDeviceinfo(item->address());
+    });
+    connect(&hub.state, &HubState::readingWanted, this, [this] { getDeviceinfo(QString()); });
 }
 
 void DeviceInfo::getDeviceinfo(const QString& ip)

@@ -3,6 +3,7 @@
 
 #include "device/device_registry.h"
 #include "device/tree_view.h"
+#include "ui/hub/exchange.h"
 #include "ui_device_area.h"
 
 DeviceList::DeviceList(const Hub& hub, Ui::DeviceArea& area) : QObject(nullptr), m_area(area)
@@ -11,6 +12,13 @@ DeviceList::DeviceList(const Hub& hub, Ui::DeviceArea& area) : QObject(nullptr),
     m_refresh.setInterval(0);
     connect(&m_refresh, &QTimer::timeout, area.deviceView, &TreeView::refresh);
     connect(&hub.devices, &DeviceRegistry::changed, &m_refresh, QOverload<>::of(&QTimer::start));
+    DeviceRegistry& devices = hub.devices;
+    hub.exchange.onResult(DeviceRegistry::nameProbe(), [&devices](const HttpResult& result) {
+        devices.handleDeviceName(result.deviceIp, result.value.toString());
+    });
+    hub.exchange.onResult(DeviceRegistry::pageProbe(), [&devices](const HttpResult& result) {
+        devices.handleWebPage(result.deviceIp, result.body);
+    });
 }
 
 void DeviceList::setExpanded(bool expanded)

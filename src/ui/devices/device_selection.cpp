@@ -3,56 +3,36 @@
 
 #include "common/box_protocol.h"
 #include "common/command_runner.h"
+#include "device/device_registry.h"
 #include "device/item.h"
-#include "media/event_sockets.h"
-#include "ui/configuration/parameter_panel.h"
-#include "ui/devices/device_info.h"
+#include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
-#include "ui/window/window_frame.h"
 #include "widgets/message_box.h"
 
-DeviceSelection::DeviceSelection(const Hub& hub, WindowFrame& frame, DeviceInfo& info,
-                                 ParameterPanel& panel, EventSockets& events)
-    : QObject(hub.window)
-    , m_hub(hub)
-    , m_frame(frame)
-    , m_info(info)
-    , m_panel(panel)
-    , m_events(events)
+DeviceSelection::DeviceSelection(const Hub& hub) : QObject(hub.window), m_hub(hub)
 {
+    hub.exchange.onAction(Action::Select, [this](Item* item) { select(item); });
+    hub.exchange.onAction(Action::RestartDevice, [this](Item* item) { restart(item); });
+    connect(&hub.devices, &DeviceRegistry::cameOnline, this, &DeviceSelection::handleCameOnline);
 }
 
 void DeviceSelection::select(Item* item)
 {
     if (!item) {
-        m_frame.showNothingSelected();
+        m_pageShown = false;
+        emit nothingSelected();
         return;
     }
     if (item->isGroup())
         return;
-    if (item->isKora()) {
-        showKora(*item);
+    m_hub.state.setDeviceIp(item->address());
+    m_pageShown = !item->isKora();
+    if (m_pageShown) {
+        emit webBoxSelected(BoxProtocol::dashboardUrl(item->address()));
         return;
     }
-    m_hub.state.setDeviceIp(item->address());
-    m_frame.showWebPage(BoxProtocol::dashboardUrl(item->address()));
-}
-
-void DeviceSelection::showKora(const Item& box)
-{
-    m_frame.setCaptions(box.combinedLabel());
-    m_hub.state.setDeviceIp(box.address());
-    emit koraSelected(box);
-    readSelected();
-    m_events.connectTo(box.address());
-    m_frame.showKora(box.isUpgrading());
-}
-
-void DeviceSelection::readSelected()
-{
-    m_info.getDeviceinfo(QString());
-    m_panel.getConfigDeviceinfo(QString(), QString());
-    m_panel.getDeviceRecordList();
+    emit m_hub.state.koraSelected(*item);
+    emit m_hub.state.readingWanted();
 }
 
 void DeviceSelection::restart(Item* item)
@@ -70,8 +50,8 @@ void DeviceSelection::handleCameOnline(const QString& ip)
 {
     if (ip != m_hub.state.deviceIp())
         return;
-    if (m_frame.isWebPageShown())
-        m_frame.showWebPage(BoxProtocol::dashboardUrl(ip));
+    if (m_pageShown)
+        emit webBoxSelected(BoxProtocol::dashboardUrl(ip));
     else
-        readSelected();
+        emit m_hub.state.readingWanted();
 }

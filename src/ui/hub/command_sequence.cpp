@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/hub/command_sequence.h"
 
+#include "common/box_reply.h"
 #include "common/command_runner.h"
-#include "common/json_map.h"
 
 #include <QWidget>
 
@@ -11,12 +11,10 @@ SequenceResult runCommands(const Hub& hub, const QString& ip, const QStringList&
 {
     bool allSucceeded = true;
     for (const QString& command : commands) {
-        const QVariantMap reply = jsonToMap(hub.runner.execCurlWait(ip, command));
+        const BoxReply reply(hub.runner.execCurlWait(ip, command));
         if (!hub.window->isVisible())
             return SequenceResult::WindowClosed;
-        const QString status = reply.value(QStringLiteral("status")).toString();
-        allSucceeded &= exact ? status == QLatin1String("set success")
-                              : status.contains(QLatin1String("success"));
+        allSucceeded &= exact ? reply.isSetSuccess() : reply.containsSuccess();
     }
     return allSucceeded ? SequenceResult::AllSucceeded : SequenceResult::SomeFailed;
 }

@@ -1,17 +1,32 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QCoreApplication>
+
 class CommandRunner;
 class DeviceRegistry;
+class Exchange;
 class HubState;
+class Item;
 class QWidget;
 class Spark_Http;
 
 /// What every feature of the window may use. The window owns all of it and outlives the features.
 struct Hub {
+    Q_DECLARE_TR_FUNCTIONS(Hub)
+
+public:
+    /// The selected box, which every operation is about; null when there is none or it has left the
+    /// list.
+    Item* findSelectedDevice() const;
+    /// The same, but when there is none the operator is asked to select one. That message blocks
+    /// and serves events.
+    Item* selectedDevice() const;
+
     HubState& state;
     DeviceRegistry& devices;
     CommandRunner& runner;
     Spark_Http& http;
+    Exchange& exchange;
     QWidget* window; ///< parent of dialogs
 };

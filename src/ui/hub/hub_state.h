@@ -7,9 +7,14 @@
 #include <QString>
 #include <QVariantMap>
 
-/// The window's named properties: the vocabulary that features share, each name once.
-class HubState
+class Item;
+
+/// The window's named properties: the vocabulary that features share, each name once. And the news
+/// of the selection that features share.
+class HubState : public QObject
 {
+    Q_OBJECT
+
 public:
     /// `window` carries the properties and outlives this object.
     explicit HubState(QObject* window) : m_window(window) {}
@@ -61,6 +66,12 @@ public:
     {
         m_window->setProperty("eParam_NDIDecodeList", list);
     }
+
+signals:
+    /// The KORA box is now the one that every operation addresses.
+    void koraSelected(const Item& box);
+    /// What is shown of the selected box may be out of date: read it.
+    void readingWanted();
 
 private:
     QString text(const char* name) const { return m_window->property(name).toString(); }

@@ -1,25 +1,37 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "media/event_sockets.h"
+#include "ui/hub/hub.h"
+#include "ui/monitor/event_pane.h"
+
 #include <QObject>
 
-class WindowFrame;
 namespace Ui
 {
 class MonitorArea;
 }
 
-/// The monitor: the picture fills the screen and comes back.
+/// The monitor: the picture that fills the screen and comes back, and the feeds of the selected box
+/// beside it.
 class Monitor : public QObject
 {
     Q_OBJECT
 
 public:
-    Monitor(Ui::MonitorArea& area, WindowFrame& frame);
+    Monitor(const Hub& hub, Ui::MonitorArea& area);
 
     /// For the event filter of the video widget: true when `event` has been handled.
     bool filter(QEvent* event);
 
+signals:
+    void fullScreenWanted(bool on);
+    /// How long the selected box has been recording, as it says.
+    void recordTime(const QString& text);
+
 private:
-    WindowFrame& m_frame;
+    const QWidget* m_window;
+    EventSockets m_events;
+    EventPane m_streamPane;
+    EventPane m_mediaPane;
 };

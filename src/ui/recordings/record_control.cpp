@@ -6,13 +6,12 @@
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
-#include "ui/configuration/parameter_panel.h"
-#include "ui/control/control_area.h"
-#include "ui/hub/command_replies.h"
+#include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
 #include "ui/recordings/recordings.h"
 #include "widgets/message_box.h"
 
+#include <QAbstractButton>
 #include <QDateTime>
 #include <QPointer>
 
@@ -31,41 +30,35 @@ QString newFileName(bool mp4)
 
 } // namespace
 
-RecordControl::RecordControl(const Hub& hub, Ui::ControlArea& area, ParameterPanel& panel,
-                             Recordings& recordings)
-    : QObject(nullptr), m_hub(hub), m_area(area), m_panel(panel), m_recordings(recordings)
+RecordControl::RecordControl(const Hub& hub, const Widgets& widgets, Recordings& recordings)
+    : QObject(nullptr), m_hub(hub), m_widgets(widgets), m_recordings(recordings)
 {
     m_limit.setSingleShot(true);
     m_limit.setInterval(CommandRunner::WaitLimitMs);
     connect(&m_limit, &QTimer::timeout, this, &RecordControl::giveUp);
-}
-
-void RecordControl::registerReplies(CommandReplies& replies)
-{
-    using Handle = void (RecordControl::*)(const QProcess&, bool);
-    const auto take = [this, &replies](const QString& action, Handle handle) {
-        replies.on(action, [this, handle](const QProcess& process, const QVariantMap& reply) {
-            const bool succeeded =
-                reply.value(QStringLiteral("status")).toString() == QLatin1String("success");
-            (this->*handle)(process, succeeded);
-        });
-    };
-    take(QStringLiteral("record_on"), &RecordControl::handleStarted);
-    take(QStringLiteral("record_off"), &RecordControl::handleStopped);
+    hub.exchange.onReply(BoxProtocol::RecordOn,
+                         [this](const QProcess& process, const BoxReply& reply) {
+                             handleStarted(process, reply.isSuccess());
+                         });
+    hub.exchange.onReply(BoxProtocol::RecordOff,
+                         [this](const QProcess& process, const BoxReply& reply) {
+                             handleStopped(process, reply.isSuccess());
+                         });
+    connect(&hub.state, &HubState::koraSelected, this, &RecordControl::showBox);
 }
 
 void RecordControl::setRecording(bool on)
 {
-    const QString ip = m_hub.state.deviceIp();
-    if (!m_hub.devices.model().find(ip)) {
-        m_area.recode->setChecked(false);
-        messageBox::ask(tr("请您在设备列表中选择要操作的设备!"), m_hub.window);
+    if (!m_hub.findSelectedDevice())
+        m_widgets.record.setChecked(false); // before the message about it
+    const Item* device = m_hub.selectedDevice();
+    if (!device)
         return;
-    }
+    const QString ip = device->address();
     QVariantMap keys{{QStringLiteral("deviceip"), ip}};
-    QString command = BoxProtocol::controlCommand(QStringLiteral("record_off"), ip);
+    QString command = BoxProtocol::controlCommand(BoxProtocol::RecordOff, ip);
     if (on) {
-        const QString name = newFileName(m_area.recodemp4->isChecked());
+        const QString name = newFileName(m_widgets.mp4.isChecked());
         keys.insert(QLatin1String(fileNameProperty), name);
         command = BoxProtocol::recordOnCommand(ip, name);
     }
@@ -79,15 +72,15 @@ void RecordControl::showBox(const Item& box)
         return;
     m_limit.stop();
     m_waitingIp.clear();
-    m_area.group_record->setEnabled(true);
-    m_area.recode->setChecked(!box.recordingInProgress().isEmpty());
+    m_widgets.group.setEnabled(true);
+    m_widgets.record.setChecked(!box.recordingInProgress().isEmpty());
 }
 
 void RecordControl::wait(const QString& ip, bool wasRecording)
 {
     m_waitingIp = ip;
     m_wasRecording = wasRecording;
-    m_area.group_record->setEnabled(false);
+    m_widgets.group.setEnabled(false);
     m_limit.start();
 }
 
@@ -97,10 +90,10 @@ void RecordControl::settle(const QString& ip, bool recording)
     if (ip == m_waitingIp) {
         m_limit.stop();
         m_waitingIp.clear();
-        m_area.group_record->setEnabled(true);
+        m_widgets.group.setEnabled(true);
     }
     if (ip == m_hub.state.deviceIp())
-        m_area.recode->setChecked(recording);
+        m_widgets.record.setChecked(recording);
 }
 
 void RecordControl::giveUp()
@@ -134,7 +127,7 @@ void RecordControl::handleStopped(const QProcess& process, bool succeeded)
         box->setRecordingInProgress(QString());
     }
     if (ip == m_hub.state.deviceIp())
-        m_panel.getDeviceRecordList();
+        m_recordings.getDeviceRecordList();
     // One that was started elsewhere has no name we know, so there is nothing to offer.
     if (name.isEmpty())
         return;

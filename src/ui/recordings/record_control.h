@@ -6,15 +6,11 @@
 #include <QObject>
 #include <QTimer>
 
-class CommandReplies;
 class Item;
-class ParameterPanel;
+class QAbstractButton;
 class QProcess;
+class QWidget;
 class Recordings;
-namespace Ui
-{
-class ControlArea;
-}
 
 /// Starts and stops recording on the selected box. The box's answer decides what the check box
 /// shows; until it comes the controls wait.
@@ -23,11 +19,15 @@ class RecordControl : public QObject
     Q_OBJECT
 
 public:
-    RecordControl(const Hub& hub, Ui::ControlArea& area, ParameterPanel& panel,
-                  Recordings& recordings);
+    struct Widgets {
+        QWidget& group;          ///< all of them, disabled while the box has not answered
+        QAbstractButton& record; ///< checked while the selected box records
+        QAbstractButton& mp4;    ///< checked: as MP4, else as MOV
+    };
 
-    /// Takes the replies of "record_on" and "record_off".
-    void registerReplies(CommandReplies& replies);
+    /// The widgets and `recordings` outlive this object.
+    RecordControl(const Hub& hub, const Widgets& widgets, Recordings& recordings);
+
     void setRecording(bool on);
     /// Another box has been selected: shows whether that one records.
     void showBox(const Item& box);
@@ -40,8 +40,7 @@ private:
     void giveUp();
 
     const Hub m_hub;
-    Ui::ControlArea& m_area;
-    ParameterPanel& m_panel;
+    const Widgets m_widgets;
     Recordings& m_recordings;
     QTimer m_limit;
     QString m_waitingIp; ///< the box that is to answer, empty: none

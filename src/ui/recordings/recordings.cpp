@@ -2,23 +2,25 @@
 #include "ui/recordings/recordings.h"
 
 #include "common/box_protocol.h"
+#include "common/spark_http.h"
 #include "device/item.h"
 #include "media/ffmpeg_widget.h"
-#include "ui/configuration/parameter_panel.h"
+#include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
-#include "ui/hub/result_dispatcher.h"
-#include "ui/monitor/monitor_area.h"
 #include "ui/recordings/file_type.h"
 #include "ui/recordings/list_widget.h"
-#include "ui_storage_area.h"
 #include "widgets/message_box.h"
 
+#include <QAbstractButton>
 #include <QDebug>
+#include <QLabel>
 #include <QPointer>
 #include <QUrl>
 
 namespace
 {
+
+const QString requestType = QStringLiteral("getDeviceRecordList");
 
 /// More than a box can hold; a list without end would only fill the memory.
 constexpr int mostRecordings = 5000;
@@ -39,21 +41,26 @@ QString mediaUrl(const Item& recording)
 
 } // namespace
 
-Recordings::Recordings(const Hub& hub, Ui::StorageArea& storage, Ui::MonitorArea& monitor,
-                       ParameterPanel& panel)
-    : QObject(nullptr)
-    , m_hub(hub)
-    , m_list(*storage.storageWidget)
-    , m_monitor(monitor)
-    , m_player(*monitor.video_widget)
-    , m_panel(panel)
+Recordings::Recordings(const Hub& hub, ListWidget& list, const Player& player)
+    : QObject(nullptr), m_hub(hub), m_list(list), m_player(player)
 {
     m_tellFailedDeletes.setSingleShot(true);
     m_tellFailedDeletes.setInterval(300);
     connect(&m_tellFailedDeletes, &QTimer::timeout, this, &Recordings::tellFailedDeletes);
+    hub.exchange.onResult(requestType, [this](const HttpResult& result) { handleReply(result); });
+    hub.exchange.onAction(Action::PlayRecording, [this](Item* item) { playOrStop(item); });
+    connect(&hub.state, &HubState::koraSelected, this,
+            [this](const Item& box) { showBox(box.address()); });
+    connect(&hub.state, &HubState::readingWanted, this, &Recordings::getDeviceRecordList);
 }
 
 Recordings::~Recordings() = default;
+
+void Recordings::getDeviceRecordList()
+{
+    m_hub.http.get(requestType,
+                   BoxProtocol::readUrl(m_hub.state.deviceIp(), BoxProtocol::RecordList), false);
+}
 
 void Recordings::showBox(const QString& ip)
 {
@@ -86,7 +93,7 @@ void Recordings::handleReply(const HttpResult& result)
 void Recordings::playSelected(bool on)
 {
     if (!on) {
-        m_player.close();
+        m_player.video.close();
         return;
     }
     for (const QListWidgetItem* row : m_list.selectedRows()) {
@@ -96,7 +103,7 @@ void Recordings::playSelected(bool on)
             return;
         }
     }
-    m_monitor.video_play->setChecked(false);
+    m_player.play.setChecked(false);
     messageBox::ask(tr("请您在存储区域中选择要播放的内容!"), m_hub.window);
 }
 
@@ -105,7 +112,7 @@ void Recordings::playOrStop(const Item* recording)
     if (!recording)
         return;
     if (recording->isPlaying())
-        m_player.close();
+        m_player.video.close();
     else
         play(*recording);
 }
@@ -131,8 +138,8 @@ void Recordings::play(const Item& recording)
 {
     // Taken now: closing may bring the news that removes the record.
     const QString url = mediaUrl(recording);
-    m_player.close();
-    m_player.open(url);
+    m_player.video.close();
+    m_player.video.open(url);
 }
 
 void Recordings::playWhenListed(const QString& ip, const QString& name)
@@ -161,8 +168,8 @@ void Recordings::showStatus(int status, const QString& url)
 {
     enum Status { Failed = 0, Playing = 1 };
     m_playing = status == Playing ? url : QString();
-    m_monitor.video_play->setChecked(status == Playing);
-    m_monitor.decodeaddress->setText(m_playing);
+    m_player.play.setChecked(status == Playing);
+    m_player.address.setText(m_playing);
     markPlaying(m_playing);
     if (status == Failed)
         messageBox::ask(BoxProtocol::fill(tr("播放地址%1异常!"), {url}), m_hub.window);
@@ -236,6 +243,6 @@ void Recordings::tellFailedDeletes()
 {
     const QString text = m_failedDeletes.join(QLatin1Char('\n'));
     m_failedDeletes.clear();
-    m_panel.getDeviceRecordList();
+    getDeviceRecordList();
     messageBox::ask(text, m_hub.window);
 }

@@ -14,14 +14,10 @@
 class FFmpegWidget;
 class Item;
 class ListWidget;
-class ParameterPanel;
+class QAbstractButton;
+class QLabel;
 class QListWidgetItem;
 struct HttpResult;
-namespace Ui
-{
-class MonitorArea;
-class StorageArea;
-} // namespace Ui
 
 /// The recordings on the selected box: listed, played in the monitor, deleted.
 class Recordings : public QObject
@@ -29,12 +25,21 @@ class Recordings : public QObject
     Q_OBJECT
 
 public:
-    Recordings(const Hub& hub, Ui::StorageArea& storage, Ui::MonitorArea& monitor,
-               ParameterPanel& panel);
+    /// Where recordings are played: the monitor's picture and the controls below it.
+    struct Player {
+        FFmpegWidget& video;
+        QAbstractButton& play; ///< checked while something plays
+        QLabel& address;       ///< of what plays
+    };
+
+    /// `list` and what `player` points at outlive this object.
+    Recordings(const Hub& hub, ListWidget& list, const Player& player);
     ~Recordings() override;
 
     ListWidget& list() const { return m_list; }
 
+    /// Reads the names of the recordings on the selected box.
+    void getDeviceRecordList();
     /// Another box has been selected: what is listed of the one before would be taken for its.
     void showBox(const QString& ip);
     /// The names of the recordings on a box have arrived.
@@ -64,9 +69,7 @@ private:
 
     const Hub m_hub;
     ListWidget& m_list;
-    Ui::MonitorArea& m_monitor;
-    FFmpegWidget& m_player;
-    ParameterPanel& m_panel;
+    const Player m_player;
     QString m_playing; ///< the address that plays, empty: none
     QString m_listedIp;
     QString m_awaitedIp;

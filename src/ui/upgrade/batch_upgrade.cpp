@@ -179,7 +179,7 @@ void BatchUpgrade::giveUp(const Pending& pending)
     }
     const Item* shown = shownBox();
     if (shown && !shown->isUpgrading())
-        m_frame.showKora(false);
+        m_frame.showKora(*shown);
     m_view->refresh();
     messageBox::ask(tr("文件打开失败! "), m_hub.window);
 }

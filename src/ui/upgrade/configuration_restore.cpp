@@ -2,7 +2,8 @@
 #include "ui/upgrade/configuration_restore.h"
 
 #include "common/box_protocol.h"
-#include "common/json_map.h"
+#include "common/box_reply.h"
+#include "common/http_result.h"
 #include "common/operation_log.h"
 #include "common/spark_http.h"
 #include "device/device_registry.h"
@@ -10,7 +11,6 @@
 #include "device/tree_model.h"
 #include "ui/configuration/parameter_panel.h"
 #include "ui/hub/hub_state.h"
-#include "ui/hub/result_dispatcher.h"
 #include "ui/upgrade/upgrade_report.h"
 #include "widgets/message_box.h"
 
@@ -19,8 +19,6 @@
 
 namespace
 {
-
-const QString saveType = QStringLiteral("saveConfig");
 
 constexpr int saveRounds = 3;
 constexpr int networkCount = 3;
@@ -137,7 +135,7 @@ void ConfigurationRestore::readRound(const QString& mac)
 
 void ConfigurationRestore::handleSaved(const HttpResult& result)
 {
-    const QString mac = result.type.mid(saveType.size());
+    const QString mac = result.type.mid(saveType().size());
     if (!BoxProtocol::isMacAddress(mac))
         return;
     const auto found = m_snapshots.find(mac);
@@ -248,14 +246,14 @@ void ConfigurationRestore::writeNext(const QString& mac)
 void ConfigurationRestore::commandEnded(QProcess* process)
 {
     const QString mac = process->property("mac").toString();
-    const QVariantMap reply = jsonToMap(m_runner.takeReply(process));
+    const BoxReply reply(m_runner.takeReply(process));
     m_runner.noteEnd(process);
     const auto found = m_running.find(mac);
     if (found == m_running.end())
         return;
     WriteBack& job = found->second;
     const QString name = job.rest.takeFirst();
-    if (reply.value(QStringLiteral("status")).toString() != QLatin1String("set success"))
+    if (!reply.isSetSuccess())
         job.failed << name;
     // A program that cannot start ends within its start.
     QTimer::singleShot(0, this, [this, mac] { writeNext(mac); });

@@ -39,6 +39,7 @@ public:
     void handleMac(const QString& ip, const QString& mac);
     /// One written parameter has been read again; the type begins with checkType().
     void handleCheck(const HttpResult& result);
+    static QString saveType() { return QStringLiteral("saveConfig"); }
     static QString checkType() { return QStringLiteral("checkConfig"); }
 
     /// Asks whether settings saved at `when`, by an earlier run, are to be written back.

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "ui/upgrade/upgrade_features.h"
 
+#include "device/device_registry.h"
+#include "device/item.h"
 #include "device/tree_view.h"
 #include "ui/devices/device_area.h"
-#include "ui/devices/device_info.h"
-#include "ui/hub/action_dispatcher.h"
-#include "ui/hub/result_dispatcher.h"
+#include "ui/hub/exchange.h"
+#include "ui/hub/hub_state.h"
 #include "ui/monitor/monitor_area.h"
-#include "ui/upgrade/drop_areas.h"
 #include "ui/upgrade/upgrade_report_dialog.h"
 #include "widgets/message_box.h"
 
+#include <QFileInfo>
 #include <QScrollBar>
 
 UpgradeFeatures::UpgradeFeatures(const Hub& hub, Ui::DeviceArea& devices, Ui::MonitorArea& monitor,
@@ -34,28 +35,20 @@ UpgradeFeatures::UpgradeFeatures(const Hub& hub, Ui::DeviceArea& devices, Ui::Mo
             tr("上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.").arg(boxes),
             m_hub.window);
     });
+    hub.exchange.onResultPrefix(ConfigurationRestore::saveType(),
+                                [this](const HttpResult& result) { restore.handleSaved(result); });
+    hub.exchange.onResultPrefix(ConfigurationRestore::checkType(),
+                                [this](const HttpResult& result) { restore.handleCheck(result); });
+    hub.exchange.onResultPrefix(UpgradeReport::seenType(),
+                                [this](const HttpResult& result) { report.handleSeen(result); });
+    hub.exchange.onResultPrefix(UpgradeReport::versionType(),
+                                [this](const HttpResult& result) { report.handleVersion(result); });
+    hub.exchange.onAction(Action::NewFirmware, [this](Item*) { batch.startWithFetchedPackage(); });
+    hub.exchange.onAction(Action::UpgradeTick, [this](Item*) { batch.step(); });
     // The newest line stays in sight.
     QScrollBar* bar = monitor.tip_scroll->verticalScrollBar();
     connect(bar, &QScrollBar::rangeChanged, bar,
             [bar](int, int maximum) { bar->setValue(maximum); });
-}
-
-void UpgradeFeatures::connectTo(ResultDispatcher& results, ActionDispatcher& actions,
-                                DropAreas& dropAreas, DeviceInfo& info)
-{
-    results.onPrefix(QStringLiteral("saveConfig"),
-                     [this](const HttpResult& result) { restore.handleSaved(result); });
-    results.onPrefix(ConfigurationRestore::checkType(),
-                     [this](const HttpResult& result) { restore.handleCheck(result); });
-    results.onPrefix(UpgradeReport::seenType(),
-                     [this](const HttpResult& result) { report.handleSeen(result); });
-    results.onPrefix(UpgradeReport::versionType(),
-                     [this](const HttpResult& result) { report.handleVersion(result); });
-    actions.on(Action::NewFirmware, [this](Item*) { batch.startWithFetchedPackage(); });
-    actions.on(Action::UpgradeTick, [this](Item*) { batch.step(); });
-    connect(&dropAreas, &DropAreas::filesDropped, &batch, &BatchUpgrade::startBatchUpgrade,
-            Qt::QueuedConnection);
-    connect(&info, &DeviceInfo::macReported, this, &UpgradeFeatures::noteMac);
 }
 
 void UpgradeFeatures::noteMac(const QString& ip, const QString& mac)
@@ -63,6 +56,27 @@ void UpgradeFeatures::noteMac(const QString& ip, const QString& mac)
     batch.handleMac(ip, mac);
     report.noteMac(ip, mac);
     restore.handleMac(ip, mac);
+}
+
+void UpgradeFeatures::noteFetchedPackage(const QString& path)
+{
+    const QString name = QFileInfo(path).completeBaseName();
+    m_hub.state.setOtaFile(path, name);
+    m_hub.devices.setFirmwareBaseName(name);
+}
+
+bool UpgradeFeatures::isIdle() const
+{
+    return m_hub.devices.upgradeCounts(koraFamily()).allEnded() &&
+           m_hub.state.needRestore().isEmpty();
+}
+
+bool UpgradeFeatures::mayClose()
+{
+    if (m_hub.devices.upgradeCounts(koraFamily()).allEnded())
+        return true;
+    messageBox::ask(tr("正在对KORA升级固件,请勿关闭软件."), m_hub.window);
+    return false;
 }
 
 void UpgradeFeatures::showReport()

@@ -6,10 +6,6 @@
 #include "ui/upgrade/md5_tool.h"
 #include "ui/upgrade/upgrade_report.h"
 
-class ActionDispatcher;
-class DeviceInfo;
-class DropAreas;
-class ResultDispatcher;
 class UpgradeReportDialog;
 namespace Ui
 {
@@ -25,8 +21,15 @@ public:
     UpgradeFeatures(const Hub& hub, Ui::DeviceArea& devices, Ui::MonitorArea& monitor,
                     WindowFrame& frame, ParameterPanel& panel, int tickMs);
 
-    void connectTo(ResultDispatcher& results, ActionDispatcher& actions, DropAreas& dropAreas,
-                   DeviceInfo& info);
+    /// The box at `ip` has told its MAC address.
+    void noteMac(const QString& ip, const QString& mac);
+    /// The update check has fetched a firmware package, which lies at `path`.
+    void noteFetchedPackage(const QString& path);
+    /// No box is being upgraded or waits for its settings.
+    bool isIdle() const;
+    /// False while boxes are being upgraded: the operator is told so. That message blocks and
+    /// serves events.
+    bool mayClose();
 
     UpgradeReport report;
     ConfigurationRestore restore;
@@ -34,7 +37,6 @@ public:
     Md5Tool md5;
 
 private:
-    void noteMac(const QString& ip, const QString& mac);
     void showReport();
     void showReportButton();
 

@@ -2,9 +2,9 @@
 #include "ui/upgrade/upgrade_report.h"
 
 #include "common/box_protocol.h"
+#include "common/http_result.h"
 #include "common/spark_http.h"
 #include "device/item.h"
-#include "ui/hub/result_dispatcher.h"
 
 namespace
 {

@@ -45,7 +45,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
                                   &Tarn_Hub::R_stateChanged);
              })
     , devices(makeRegistry(window, form, options))
-    , hub{state, *devices, runner, *Spark_Http::instance(), window}
+    , hub{state, *devices, runner, *Spark_Http::instance(), exchange, window}
     , language(nullptr)
     , frame(form, window)
     , localAddresses(form.device_list->ui.localip)
@@ -62,23 +62,42 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , audio(hub, form.control_area->ui, controlBusy)
     , decode(hub, encoder, controlBusy)
     , live(hub)
-    , events(nullptr)
-    , streamPane(events.stream(), form.monitor_top->ui.plainTextEdit_Stream)
-    , mediaPane(events.media(), form.monitor_top->ui.plainTextEdit_Media)
-    , recordings(hub, form.monitor_bottom->ui, form.monitor_top->ui, panel)
+    , recordings(hub, *form.monitor_bottom->ui.storageWidget,
+                 {*form.monitor_top->ui.video_widget, *form.monitor_top->ui.video_play,
+                  *form.monitor_top->ui.decodeaddress})
     , downloads(hub, recordings.list(), *form.monitor_bottom->ui.downloads)
-    , record(hub, form.control_area->ui, panel, recordings)
-    , selection(hub, frame, deviceInfo, panel, events)
-    , monitor(form.monitor_top->ui, frame)
+    , record(hub,
+             {*form.control_area->ui.group_record, *form.control_area->ui.recode,
+              *form.control_area->ui.recodemp4},
+             recordings)
+    , selection(hub)
+    , monitor(hub, form.monitor_top->ui)
     , upgrade(hub, form.device_list->ui, form.monitor_top->ui, frame, panel, options.upgradeTickMs)
     , updateCheck(*Spark_Http::instance(), options.updateServer, applicationVersion())
-    , updatePrompt(hub, applicationVersion(), QCoreApplication::applicationDirPath(),
+    , updatePrompt(hub, updateCheck, applicationVersion(), QCoreApplication::applicationDirPath(),
                    [this] { return mustNotEnd(); })
 {
 }
 
+void Tarn_Hub::Features::connectRooms()
+{
+    QObject::connect(&selection, &DeviceSelection::nothingSelected, &frame,
+                     &WindowFrame::showNothingSelected);
+    QObject::connect(&selection, &DeviceSelection::webBoxSelected, &frame,
+                     &WindowFrame::showWebPage);
+    QObject::connect(&state, &HubState::koraSelected, &frame, &WindowFrame::showKora);
+    QObject::connect(&monitor, &Monitor::fullScreenWanted, &frame, &WindowFrame::setFullScreen);
+    QObject::connect(&monitor, &Monitor::recordTime, form.control_area->ui.recodeTime,
+                     &QLabel::setText);
+    QObject::connect(&deviceInfo, &DeviceInfo::deviceChanged, &deviceList, &DeviceList::repaint);
+    QObject::connect(&deviceInfo, &DeviceInfo::macReported, &upgrade, &UpgradeFeatures::noteMac);
+    QObject::connect(&dropAreas, &DropAreas::filesDropped, &upgrade.batch,
+                     &BatchUpgrade::startBatchUpgrade, Qt::QueuedConnection);
+    QObject::connect(&updateCheck, &UpdateCheck::firmwareReady, &upgrade,
+                     &UpgradeFeatures::noteFetchedPackage);
+}
+
 bool Tarn_Hub::Features::mustNotEnd() const
 {
-    return !devices->upgradeCounts(koraFamily()).allEnded() || !state.needRestore().isEmpty() ||
-           !downloads.isIdle();
+    return !upgrade.isIdle() || !downloads.isIdle();
 }

@@ -3,7 +3,6 @@
 
 #include "common/command_runner.h"
 #include "device/device_registry.h"
-#include "media/event_sockets.h"
 #include "ui/configuration/configuration_save.h"
 #include "ui/configuration/parameter_panel.h"
 #include "ui/configuration/value_controls.h"
@@ -15,13 +14,10 @@
 #include "ui/devices/device_list.h"
 #include "ui/devices/device_selection.h"
 #include "ui/devices/local_addresses.h"
-#include "ui/hub/action_dispatcher.h"
 #include "ui/hub/busy.h"
-#include "ui/hub/command_replies.h"
+#include "ui/hub/exchange.h"
 #include "ui/hub/hub.h"
 #include "ui/hub/hub_state.h"
-#include "ui/hub/result_dispatcher.h"
-#include "ui/monitor/event_pane.h"
 #include "ui/monitor/monitor.h"
 #include "ui/recordings/record_control.h"
 #include "ui/recordings/recording_downloads.h"
@@ -41,6 +37,9 @@
 struct Tarn_Hub::Features {
     Features(Tarn_Hub* window, const Options& options);
 
+    /// What is between the rooms: who of one hears news of another.
+    void connectRooms();
+
     /// Boxes are being upgraded or get their settings back, or recordings are being downloaded.
     bool mustNotEnd() const;
 
@@ -48,11 +47,8 @@ struct Tarn_Hub::Features {
     HubState state;
     CommandRunner runner;
     std::unique_ptr<DeviceRegistry> devices;
+    Exchange exchange;
     const Hub hub;
-
-    ResultDispatcher results;
-    CommandReplies replies;
-    ActionDispatcher actions;
 
     Language language;
     WindowFrame frame;
@@ -69,9 +65,6 @@ struct Tarn_Hub::Features {
     AudioLevels audio;
     DecodeControl decode;
     LiveControl live;
-    EventSockets events;
-    EventPane streamPane;
-    EventPane mediaPane;
     Recordings recordings;
     RecordingDownloads downloads;
     RecordControl record;

@@ -9,10 +9,8 @@
 #include "media/ffmpeg_widget.h"
 #include "ui/window/hub_features.h"
 #include "ui/window/options.h"
-#include "widgets/message_box.h"
 
 #include <QCloseEvent>
-#include <QFileInfo>
 #include <QTimer>
 
 Tarn_Hub::Tarn_Hub(const Options& options, QWidget* parent)
@@ -27,12 +25,13 @@ Tarn_Hub::Tarn_Hub(const Options& options, QWidget* parent)
     connect(storage, &ListWidget::S_ActionClicked, this, &Tarn_Hub::R_ActionClicked);
     connect(m->form.monitor_top->ui.video_widget, &FFmpegWidget::playstatus, this,
             &Tarn_Hub::R_playstatus);
-    connectFeatures();
+    connect(&m->audio.timer(), &QTimer::timeout, this, &Tarn_Hub::R_timerSliderout);
+    connect(&m->language, &Language::chosen, this, &Tarn_Hub::retranslate);
+    m->connectRooms();
     for (QWidget* widget : m->dropAreas.areas() + m->valueControls.wheelControls())
         widget->installEventFilter(this);
     m->form.monitor_top->ui.video_widget->installEventFilter(this);
     setWindowTitle(QStringLiteral("Tarn Hub v%1").arg(applicationVersion()));
-    fillDefaults();
     QTimer::singleShot(100, this, &Tarn_Hub::R_delayAction);
 }
 
@@ -40,68 +39,6 @@ Tarn_Hub::~Tarn_Hub()
 {
     m->devices->stop();
     CommandRunner::endAll();
-}
-
-void Tarn_Hub::connectFeatures()
-{
-    m->results.on(QStringLiteral("findDevice"), [this](const HttpResult& result) {
-        m->devices->handleDeviceName(result.deviceIp, result.value.toString());
-    });
-    m->results.on(QStringLiteral("findDevice_webui"), [this](const HttpResult& result) {
-        m->devices->handleWebPage(result.deviceIp, result.body);
-    });
-    m->results.on(QStringLiteral("getDeviceinfo"),
-                  [this](const HttpResult& result) { m->deviceInfo.handleReply(result); });
-
-    m->results.on(QStringLiteral("getConfigDeviceinfo"),
-                  [this](const HttpResult& result) { m->panel.handleReply(result); });
-    m->results.on(QStringLiteral("getDeviceRecordList"),
-                  [this](const HttpResult& result) { m->recordings.handleReply(result); });
-    m->results.on(QStringLiteral("toupgrade"),
-                  [this](const HttpResult& result) { m->updateCheck.handleProgram(result.body); });
-    m->results.on(QStringLiteral("toupgradekora"),
-                  [this](const HttpResult& result) { m->updateCheck.handleFirmware(result.body); });
-    connect(&m->updateCheck, &UpdateCheck::installerReady, &m->updatePrompt, &UpdatePrompt::offer);
-    connect(&m->updateCheck, &UpdateCheck::firmwareReady, this, [this](const QString& path) {
-        const QString name = QFileInfo(path).completeBaseName();
-        m->state.setOtaFile(path, name);
-        m->devices->setFirmwareBaseName(name);
-    });
-    m->record.registerReplies(m->replies);
-    m->decode.registerReplies(m->replies);
-    m->live.registerReplies(m->replies);
-
-    m->upgrade.connectTo(m->results, m->actions, m->dropAreas, m->deviceInfo);
-
-    m->actions.on(Action::Select, [this](Item* item) { m->selection.select(item); });
-    m->actions.on(Action::PlayRecording, [this](Item* item) { m->recordings.playOrStop(item); });
-    m->actions.on(Action::RestartDevice, [this](Item* item) { m->selection.restart(item); });
-
-    connect(m->devices.get(), &DeviceRegistry::deviceAdded, this, [this](Item* item) {
-        if (item->isKora())
-            m->deviceInfo.getDeviceinfo(item->address());
-    });
-    connect(m->devices.get(), &DeviceRegistry::cameOnline, &m->selection,
-            &DeviceSelection::handleCameOnline);
-    connect(&m->selection, &DeviceSelection::koraSelected, this, [this](const Item& box) {
-        m->recordings.showBox(box.address());
-        m->record.showBox(box);
-    });
-    connect(&m->deviceInfo, &DeviceInfo::deviceChanged, &m->deviceList, &DeviceList::repaint);
-    connect(&m->audio.timer(), &QTimer::timeout, this, &Tarn_Hub::R_timerSliderout);
-    connect(&m->events, &EventSockets::recordTime, m->form.control_area->ui.recodeTime,
-            &QLabel::setText);
-    connect(&m->language, &Language::chosen, this, &Tarn_Hub::retranslate);
-}
-
-/// What the fields show until a box has been read.
-void Tarn_Hub::fillDefaults()
-{
-    Ui::ConfigurationArea& config = m->form.config_area->ui;
-    config.eParam_IPAddress->setIP(QStringLiteral("192.168.1.88"));
-    config.eParam_NetMask->setIP(QStringLiteral("255.255.255.0"));
-    config.eParam_NDIName->setText(koraFamily());
-    config.eParam_NTPServer->setText(QStringLiteral("pool.ntp.org"));
 }
 
 void Tarn_Hub::R_delayAction()
@@ -145,12 +82,7 @@ bool Tarn_Hub::eventFilter(QObject* watched, QEvent* event)
 
 void Tarn_Hub::closeEvent(QCloseEvent* event)
 {
-    if (m->devices->upgradeCounts(koraFamily()).allEnded()) {
-        event->accept();
-        return;
-    }
-    messageBox::ask(tr("正在对KORA升级固件,请勿关闭软件."), this);
-    event->ignore();
+    event->setAccepted(m->upgrade.mayClose());
 }
 
 void Tarn_Hub::refreshLocalIP()
@@ -175,13 +107,13 @@ void Tarn_Hub::R_refreshDeviceIP(QStringList ips)
 
 void Tarn_Hub::R_finished(QVariantMap map)
 {
-    m->results.dispatch(map);
+    m->exchange.deliverResult(map);
 }
 
 void Tarn_Hub::R_readyReadStandardOutput()
 {
     if (auto* process = qobject_cast<QProcess*>(sender()))
-        m->replies.dispatch(*process, m->runner.takeReply(process));
+        m->exchange.deliverReply(*process, m->runner.takeReply(process));
 }
 
 void Tarn_Hub::R_stateChanged(QProcess::ProcessState state)
@@ -203,7 +135,7 @@ void Tarn_Hub::R_delete(QList<QListWidgetItem*> items)
 
 void Tarn_Hub::R_ActionClicked(Action type, Item* itemObj)
 {
-    m->actions.dispatch(type, itemObj);
+    m->exchange.deliverAction(type, itemObj);
 }
 
 void Tarn_Hub::R_playstatus(int status, const QString& url)

@@ -71,8 +71,6 @@ protected:
 private:
     struct Features;
 
-    void connectFeatures();
-    void fillDefaults();
     void retranslate();
 
     const std::unique_ptr<Features> m;

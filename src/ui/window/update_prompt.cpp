@@ -3,6 +3,7 @@
 
 #include "common/package_digest.h"
 #include "common/platform.h"
+#include "ui/hub/exchange.h"
 #include "widgets/message_box.h"
 
 #include <QApplication>
@@ -24,7 +25,7 @@ bool isAskedSomething()
 
 } // namespace
 
-UpdatePrompt::UpdatePrompt(const Hub& hub, QString version, QString folder,
+UpdatePrompt::UpdatePrompt(const Hub& hub, UpdateCheck& check, QString version, QString folder,
                            std::function<bool()> isBusy)
     : QObject(nullptr)
     , m_hub(hub)
@@ -35,6 +36,12 @@ UpdatePrompt::UpdatePrompt(const Hub& hub, QString version, QString folder,
     m_later.setSingleShot(true);
     m_later.setInterval(retryMs);
     connect(&m_later, &QTimer::timeout, this, &UpdatePrompt::ask);
+    hub.exchange.onResult(UpdateCheck::programWord(),
+                          [&check](const HttpResult& result) { check.handleProgram(result.body); });
+    hub.exchange.onResult(UpdateCheck::firmwareWord(), [&check](const HttpResult& result) {
+        check.handleFirmware(result.body);
+    });
+    connect(&check, &UpdateCheck::installerReady, this, &UpdatePrompt::offer);
 }
 
 UpdatePrompt::~UpdatePrompt() = default;

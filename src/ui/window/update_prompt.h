@@ -22,15 +22,17 @@ class UpdatePrompt : public QObject
     Q_OBJECT
 
 public:
-    /// `version` is that of this program; `folder` is where it and the updater lie; `isBusy` tells
-    /// whether something runs that the end of the program would break off.
-    UpdatePrompt(const Hub& hub, QString version, QString folder, std::function<bool()> isBusy);
+    /// Hears what `check` finds; `check` outlives this object. `version` is that of this program;
+    /// `folder` is where it and the updater lie; `isBusy` tells whether something runs that the end
+    /// of the program would break off.
+    UpdatePrompt(const Hub& hub, UpdateCheck& check, QString version, QString folder,
+                 std::function<bool()> isBusy);
     ~UpdatePrompt() override;
 
+private:
     /// The first offer counts.
     void offer(const Installer& installer);
 
-private:
     void ask();
     void check();
     void install();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/window/window_frame.h"
 
+#include "device/item.h"
 #include "ui_tarn_hub.h"
 #include "web/web_pane.h"
 
@@ -81,8 +82,10 @@ void WindowFrame::showNothingSelected()
     m_form.web_widget->hide();
 }
 
-void WindowFrame::showKora(bool upgrading)
+void WindowFrame::showKora(const Item& box)
 {
+    const bool upgrading = box.isUpgrading();
+    setCaptions(box.combinedLabel());
     m_form.monitor_bottom->setVisible(!upgrading);
     if (upgrading)
         showWaiting();
@@ -118,11 +121,7 @@ void WindowFrame::showWebPage(const QString& url)
     m_form.web_widget->show();
 }
 
-bool WindowFrame::isWebPageShown() const
-{
-    return m_form.web_widget->isVisible();
-}
-
+/// The name of the selected box in the title of every area.
 void WindowFrame::setCaptions(const QString& text)
 {
     for (QLabel* caption : {m_form.monitor_top->ui.monitor_title_value,
@@ -133,14 +132,9 @@ void WindowFrame::setCaptions(const QString& text)
         caption->setText(text);
 }
 
-bool WindowFrame::isFullScreen() const
-{
-    return m_window->isFullScreen();
-}
-
 void WindowFrame::setFullScreen(bool on)
 {
-    if (on == isFullScreen())
+    if (on == m_window->isFullScreen())
         return;
     Ui::MonitorArea& monitor = m_form.monitor_top->ui;
     monitor.full->setVisible(!on);

@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QVector>
 
+class Item;
 class QMovie;
 class QSplitter;
 class QWidget;
@@ -28,21 +29,19 @@ public:
     void showStart();
 
     void showNothingSelected();
-    /// The panes of a KORA box; one that is being upgraded shows the waiting page.
-    void showKora(bool upgrading);
+    /// The panes of a KORA box, with its name in every title; one that is being upgraded shows the
+    /// waiting page.
+    void showKora(const Item& box);
     /// The waiting page, in place of picture and recordings, while the selected box is upgraded.
     void showWaiting();
     /// The picture, or the stream information, as the monitor's toggle says.
     void showMonitorPage();
     void showWebPage(const QString& url);
-    bool isWebPageShown() const;
-    /// The name of the selected box in the title of every area.
-    void setCaptions(const QString& text);
 
     void setFullScreen(bool on);
-    bool isFullScreen() const;
 
 private:
+    void setCaptions(const QString& text);
     void sizeWindow();
     void fixSplitter(QSplitter* splitter);
 

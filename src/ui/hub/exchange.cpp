@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "ui/hub/exchange.h"
+
+void Exchange::onResult(const QString& type, ResultHandler handler)
+{
+    m_results.insert(type, std::move(handler));
+}
+
+void Exchange::onResultPrefix(const QString& prefix, ResultHandler handler)
+{
+    m_resultPrefixes.insert(prefix, std::move(handler));
+}
+
+void Exchange::onReply(const QString& command, ReplyHandler handler)
+{
+    m_replies.insert(command, std::move(handler));
+}
+
+void Exchange::onAction(Action action, ActionHandler handler)
+{
+    m_actions[action] = std::move(handler);
+}
+
+Exchange::ResultHandler Exchange::resultHandler(const QString& type) const
+{
+    const auto whole = m_results.constFind(type);
+    if (whole != m_results.constEnd())
+        return *whole;
+    for (auto it = m_resultPrefixes.cbegin(); it != m_resultPrefixes.cend(); ++it) {
+        if (type.startsWith(it.key()))
+            return it.value();
+    }
+    return nullptr;
+}
+
+void Exchange::deliverResult(const QVariantMap& map) const
+{
+    const ResultHandler handler = resultHandler(map.value(QStringLiteral("type")).toString());
+    if (handler)
+        handler(HttpResult::fromMap(map));
+}
+
+void Exchange::deliverReply(const QProcess& process, const QString& text) const
+{
+    const BoxReply reply(text);
+    if (const ReplyHandler handler = m_replies.value(reply.action()))
+        handler(process, reply);
+}
+
+void Exchange::deliverAction(Action action, Item* item) const
+{
+    const auto it = m_actions.find(action);
+    if (it != m_actions.end())
+        it->second(item);
+}

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#include "ui/hub/hub.h"
+
+#include "device/device_registry.h"
+#include "device/tree_model.h"
+#include "ui/hub/hub_state.h"
+#include "widgets/message_box.h"
+
+Item* Hub::findSelectedDevice() const
+{
+    return devices.model().find(state.deviceIp());
+}
+
+Item* Hub::selectedDevice() const
+{
+    Item* device = findSelectedDevice();
+    if (!device)
+        messageBox::ask(tr("请您在设备列表中选择要操作的设备!"), window);
+    return device;
+}
