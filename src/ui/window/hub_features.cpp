@@ -52,7 +52,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , crashNotice(new CrashNotice(form.device_list->ui.layout1))
     , dropAreas({form.device_list, form.monitor_top->ui.page_video},
                 form.device_list->ui.deviceView, nullptr)
-    , valueControls(form.config_area->ui, form.control_area->ui)
+    , wheelGuard({form.config_area, form.control_area})
     , deviceList(hub, form.device_list->ui)
     , deviceInfo(hub, form.device_info->ui.infoView)
     , panel(hub, form.config_area->ui, form.control_area->ui)

@@ -5,7 +5,6 @@
 #include "device/device_registry.h"
 #include "ui/configuration/configuration_save.h"
 #include "ui/configuration/parameter_panel.h"
-#include "ui/configuration/value_controls.h"
 #include "ui/control/audio_levels.h"
 #include "ui/control/decode_control.h"
 #include "ui/control/encoder_control.h"
@@ -31,6 +30,7 @@
 #include "ui/window/window_frame.h"
 #include "ui_tarn_hub.h"
 #include "update/update_check.h"
+#include "widgets/wheel_guard.h"
 
 /// Everything the window forwards to. Members are made in this order: what a feature uses stands
 /// before it.
@@ -55,7 +55,7 @@ struct Tarn_Hub::Features {
     LocalAddresses localAddresses;
     CrashNotice* const crashNotice; // the form owns it, as it does its other widgets
     DropAreas dropAreas;
-    ValueControls valueControls;
+    WheelGuard wheelGuard;
     DeviceList deviceList;
     DeviceInfo deviceInfo;
     ParameterPanel panel;

@@ -28,7 +28,7 @@ Tarn_Hub::Tarn_Hub(const Options& options, QWidget* parent)
     connect(&m->audio.timer(), &QTimer::timeout, this, &Tarn_Hub::R_timerSliderout);
     connect(&m->language, &Language::chosen, this, &Tarn_Hub::retranslate);
     m->connectRooms();
-    for (QWidget* widget : m->dropAreas.areas() + m->valueControls.wheelControls())
+    for (QWidget* widget : m->dropAreas.areas())
         widget->installEventFilter(this);
     m->form.monitor_top->ui.video_widget->installEventFilter(this);
     setWindowTitle(QStringLiteral("Tarn Hub v%1").arg(applicationVersion()));
@@ -74,8 +74,6 @@ bool Tarn_Hub::eventFilter(QObject* watched, QEvent* event)
     if (m->dropAreas.contains(watched) && m->dropAreas.filter(watched, event))
         return true;
     if (watched == m->form.monitor_top->ui.video_widget && m->monitor.filter(event))
-        return true;
-    if (m->valueControls.swallows(watched, event))
         return true;
     return QWidget::eventFilter(watched, event);
 }
