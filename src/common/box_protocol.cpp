@@ -52,6 +52,16 @@ QString encoded(const QString& name)
 namespace BoxProtocol
 {
 
+QStringList configurationParameters()
+{
+    static const QStringList names{
+        NDIHXFormat,  NDIEncMode, NDIHXQuality, HXEncProfile, HXControlRate, NDIName,
+        DHCP,         IPAddress,  NetMask,      NTPServer,    NDIHDR,        NDIHXGopLength,
+        NDIHXBitRate, SDIVolume,  LineinVolume, LineinDelay,
+    };
+    return names;
+}
+
 bool isIpv4Address(const QString& text)
 {
     const QStringList parts = text.split(QLatin1Char('.'));

@@ -44,6 +44,10 @@ constexpr QLatin1String StreamOff("stream_off");
 constexpr QLatin1String DecodeOn("hxdec_on");
 constexpr QLatin1String DecodeOff("hxdec_off");
 
+/// The settings of a box, in the order in which they are read: what the panels show, and what is
+/// kept across an upgrade.
+QStringList configurationParameters();
+
 /// True for four decimal numbers of 0 to 255 joined by dots, and nothing else. Only such text may
 /// become a box's address.
 bool isIpv4Address(const QString& text);

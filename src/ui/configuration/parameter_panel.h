@@ -2,17 +2,13 @@
 #pragma once
 
 #include "ui/hub/hub.h"
+#include "ui/hub/parameter_row.h"
 
 #include <QMap>
 #include <QObject>
-#include <QString>
+#include <QStringList>
 
 struct HttpResult;
-namespace Ui
-{
-class ConfigurationArea;
-class ControlArea;
-} // namespace Ui
 
 /// The configuration and control areas: filled from the selected box, and read when the operator
 /// saves. A reply that does not come leaves its widget as it is.
@@ -21,13 +17,11 @@ class ParameterPanel : public QObject
     Q_OBJECT
 
 public:
-    ParameterPanel(const Hub& hub, Ui::ConfigurationArea& config, Ui::ControlArea& control);
+    ParameterPanel(const Hub& hub, const ParameterTable& table);
 
     /// Reads every parameter of the panels. Empty `suffix`: of the selected box, into the panels.
     /// Otherwise of the box at `ip`, for a snapshot named by `suffix` (its MAC address).
     void getConfigDeviceinfo(const QString& suffix, const QString& ip);
-    /// The parameters of a snapshot, in the order in which they are read.
-    static QStringList snapshotParameters();
 
     /// One parameter of a box has arrived.
     void handleReply(const HttpResult& result);
@@ -37,14 +31,9 @@ public:
     QMap<QString, QString> valuesToSave() const;
 
 private:
-    void showDefaults();
-    void show(const QString& parameter, const QString& value);
-    bool showNetwork(const QString& parameter, const QString& value);
-    bool showEncoder(const QString& parameter, const QString& value);
-    bool showNumber(const QString& parameter, const QString& value);
-    void decodeEncoderMode();
+    const ParameterRow* find(const QString& parameter) const;
 
     const Hub m_hub;
-    Ui::ConfigurationArea& m_config;
-    Ui::ControlArea& m_control;
+    const ParameterTable m_table;
+    QStringList m_read; ///< what the panels read, in this order
 };

@@ -129,7 +129,7 @@ void ConfigurationRestore::readRound(const QString& mac)
 {
     Snapshot& snapshot = m_snapshots.at(mac);
     --snapshot.roundsLeft;
-    snapshot.outstanding = ParameterPanel::snapshotParameters().size();
+    snapshot.outstanding = BoxProtocol::configurationParameters().size();
     m_panel.getConfigDeviceinfo(mac, snapshot.ip);
 }
 
@@ -145,7 +145,7 @@ void ConfigurationRestore::handleSaved(const HttpResult& result)
     // A round that is repeated must not read what the first has already changed on the box.
     const bool again =
         found != m_snapshots.end() && found->second.answered.contains(result.parameterName);
-    const bool known = ParameterPanel::snapshotParameters().contains(result.parameterName);
+    const bool known = BoxProtocol::configurationParameters().contains(result.parameterName);
     const bool hasValue = known && !again && isText(result.value);
     if (hasValue) {
         QVariantMap saved = m_hub.state.savedConfiguration(mac);
@@ -171,7 +171,7 @@ void ConfigurationRestore::handleSaved(const HttpResult& result)
 void ConfigurationRestore::endSnapshot(const QString& mac)
 {
     Snapshot& snapshot = m_snapshots.at(mac);
-    const bool whole = snapshot.answered.size() == ParameterPanel::snapshotParameters().size();
+    const bool whole = snapshot.answered.size() == BoxProtocol::configurationParameters().size();
     if (!whole && snapshot.roundsLeft > 0) {
         addRound(mac);
         return;

@@ -4,6 +4,8 @@
 #include "common/spark_http.h"
 #include "device/item.h"
 #include "device/tree_view.h"
+#include "ui/configuration/configuration_parameters.h"
+#include "ui/control/control_parameters.h"
 #include "ui/window/options.h"
 
 #include <QCoreApplication>
@@ -55,7 +57,8 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , wheelGuard({form.config_area, form.control_area})
     , deviceList(hub, form.device_list->ui)
     , deviceInfo(hub, form.device_info->ui.infoView)
-    , panel(hub, form.config_area->ui, form.control_area->ui)
+    , panel(hub, configurationParameters(form.config_area->ui, state) +
+                     controlParameters(form.control_area->ui, state))
     , save(hub, form.config_area->ui, panel)
     , controlBusy(form.control_area->ui.busy_control, {form.control_area->ui.control_body})
     , encoder(hub, form.control_area->ui, controlBusy)

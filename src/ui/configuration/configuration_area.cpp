@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+#include "ui/configuration/configuration_area.h"
+
+#include "device/item.h"
+
+ConfigurationArea::ConfigurationArea(QWidget* parent) : Area(parent)
+{
+    ui.eParam_IPAddress->setIP(QStringLiteral("192.168.1.88"));
+    ui.eParam_NetMask->setIP(QStringLiteral("255.255.255.0"));
+    ui.eParam_NDIName->setText(koraFamily());
+    ui.eParam_NTPServer->setText(QStringLiteral("pool.ntp.org"));
+}
