@@ -42,9 +42,10 @@ public:
     void execCurl(const QString& ip, const QString& command, const QVariantMap& properties,
                   ErrorOutput errorOutput = ErrorOutput::Discard);
 
-    /// Starts `command` and serves events until it ends. Returns its standard output, empty when
-    /// it could not start or gave no answer within WaitLimitMs. Anything can happen meanwhile:
-    /// callers take the address and the values before the call and re-check afterwards.
+    /// Blocks, serving events: starts `command` and waits until it ends. Returns its standard
+    /// output, empty when it could not start or gave no answer within WaitLimitMs. Anything can
+    /// happen meanwhile: callers take the address and the values before the call and re-check
+    /// afterwards.
     QString execCurlWait(const QString& ip, const QString& command);
 
     /// Whether a command still waits for its start: what is not urgent lets it go first.

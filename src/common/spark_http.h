@@ -23,8 +23,8 @@ public:
     static constexpr qint64 BodyLimit = 4 * 1024 * 1024;
 
     /// Requests `url` (already encoded). Non-blocking: returns the request's id at once, and the
-    /// answer comes by S_finished. Blocking: serves events, user input excepted, and returns the
-    /// body. `type` is the routing word of the answer.
+    /// answer comes by S_finished. Blocking: waits, serving events other than user input, and
+    /// returns the body. `type` is the routing word of the answer.
     QString get(const QString& type, const QString& url, bool isblocking);
 
     /// Blocking, serving events: SparkDownload::start(). Returns the path written, empty on

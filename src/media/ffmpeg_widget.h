@@ -11,7 +11,8 @@
 class FFmpegThread;
 
 /// The monitor's picture area: plays one source at a time, fitted and centred, and says over the
-/// picture when it is not a live one. Its context menu plays a local file or a network address.
+/// picture when it is not a live one. Its context menu plays a local file or a network address; it
+/// asks for them in dialogs that block, serving events.
 /// GUI thread only.
 class FFmpegWidget : public QWidget
 {

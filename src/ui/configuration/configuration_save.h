@@ -23,6 +23,7 @@ class ConfigurationSave : public QObject
 public:
     ConfigurationSave(const Hub& hub, Ui::ConfigurationArea& area, const ParameterPanel& panel);
 
+    /// Saves the selected box's settings and says how it went. Blocks, serving events.
     void save();
 
 private:

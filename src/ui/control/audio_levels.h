@@ -27,7 +27,7 @@ public:
     QTimer& timer() { return m_timer; }
     /// The slider of `parameter` has moved.
     void sliderMoved(const QSlider* slider, const QString& parameter);
-    /// The slider has rested: sends its value.
+    /// The slider has rested: sends its value. Blocks, serving events.
     void send();
 
 private:

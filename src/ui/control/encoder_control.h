@@ -22,7 +22,8 @@ public:
     /// `busy` is that of the control area, shared by everything in it.
     EncoderControl(const Hub& hub, Ui::ControlArea& area, Busy& busy);
 
-    // Each is told the new state of its button.
+    // Each is told the new state of its button, sends what makes the box follow and says when that
+    // failed. They block, serving events.
     void setHb(bool on);
     void setHx2(bool on);
     void setHx3(bool on);

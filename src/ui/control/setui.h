@@ -44,6 +44,7 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    /// Reads the sources again. Blocks, serving events other than user input.
     void refresh();
     void showSources(const QStringList& names);
 

@@ -15,6 +15,6 @@ enum class SequenceResult {
 
 /// Sends `commands` to the box at `ip` one after the other; a failure does not stop the list. A
 /// command succeeds when the "status" of its reply contains "success", or equals "set success" when
-/// `exact`. Events are served meanwhile: callers hold nothing that may go away.
+/// `exact`. Blocks, serving events: callers hold nothing that may go away.
 SequenceResult runCommands(const Hub& hub, const QString& ip, const QStringList& commands,
                            bool exact = false);

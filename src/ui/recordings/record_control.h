@@ -28,6 +28,8 @@ public:
     /// The widgets and `recordings` outlive this object.
     RecordControl(const Hub& hub, const Widgets& widgets, Recordings& recordings);
 
+    /// Lets the selected box record, or stop. Blocks, serving events, only to say that no box is
+    /// selected; the box's answer comes later.
     void setRecording(bool on);
     /// Another box has been selected: shows whether that one records.
     void showBox(const Item& box);

@@ -27,7 +27,8 @@ public:
     RecordingDownloads(const Hub& hub, ListWidget& list, DownloadList& view);
     ~RecordingDownloads() override;
 
-    /// Asks where to save the recordings of `rows`, then downloads them side by side.
+    /// Asks where to save the recordings of `rows`, then downloads them side by side. The question
+    /// blocks, serving events.
     void ask(const QList<QListWidgetItem*>& rows);
     bool isIdle() const { return m_jobs.empty(); }
 

@@ -45,6 +45,7 @@ public:
     /// The names of the recordings on a box have arrived.
     void handleReply(const HttpResult& result);
 
+    // These block, serving events, when they have something to tell.
     /// The play button: plays the first selected recording, or stops.
     void playSelected(bool on);
     /// Plays `recording`, or stops when it is the one playing. Null is ignored.
@@ -56,7 +57,8 @@ public:
     /// What the video widget says of its session; `status` as FFmpegThread::playstatus.
     void showStatus(int status, const QString& url);
 
-    /// Asks, then deletes the recordings of `rows` on their box, except one that plays.
+    /// Asks, then deletes the recordings of `rows` on their box, except one that plays. The
+    /// question blocks, serving events.
     void remove(const QList<QListWidgetItem*>& rows);
 
 private:

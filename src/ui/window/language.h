@@ -17,7 +17,7 @@ public:
 
     /// The system's language, Chinese for any that has no translation.
     void chooseSystemLanguage();
-    /// Pops up the menu at the mouse and applies what is chosen.
+    /// Pops up the menu at the mouse and applies what is chosen. Blocks, serving events.
     void askAtCursor();
     void choose(int choice);
     QMenu& menu() { return m_menu; }
