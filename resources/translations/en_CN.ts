@@ -9,11 +9,7 @@
     </message>
   </context>
   <context>
-    <name>BatchUpgrade</name>
-    <message>
-      <source>升级中,升级期间请不要关闭电源或者操作KORA.共[%1]个,成功[%2]个,未知[%3]个</source>
-      <translation>Upgrading. Please do not switch off or operate the KORA boxes. Total [%1], succeeded [%2], unknown [%3]</translation>
-    </message>
+    <name>BatchStart</name>
     <message>
       <source>请您在设备列表中选择要升级固件的设备!</source>
       <translation>Please select the devices to upgrade in the device list!</translation>
@@ -30,13 +26,16 @@
       <source>即将对您选择的%1个KORA进行升级固件操作,是否确认?</source>
       <translation>The firmware of the %1 selected KORA boxes is about to be upgraded. Continue?</translation>
     </message>
+  </context>
+  <context>
+    <name>BatchUpgrade</name>
+    <message>
+      <source>升级中,升级期间请不要关闭电源或者操作KORA.共[%1]个,成功[%2]个,未知[%3]个</source>
+      <translation>Upgrading. Please do not switch off or operate the KORA boxes. Total [%1], succeeded [%2], unknown [%3]</translation>
+    </message>
     <message>
       <source>正在计算固件校验值</source>
       <translation>Computing the checksum of the package</translation>
-    </message>
-    <message>
-      <source>文件打开失败! </source>
-      <translation>The file cannot be opened! </translation>
     </message>
     <message>
       <source>全部升级完成,KORA即将重启完成固件升级.成功[%1]个</source>
@@ -132,21 +131,6 @@
     <message>
       <source>保存</source>
       <translation>Save</translation>
-    </message>
-  </context>
-  <context>
-    <name>ConfigurationRestore</name>
-    <message>
-      <source>%1 恢复设置成功,KORA设备正在重启.</source>
-      <translation>%1 settings restored. The KORA device is restarting.</translation>
-    </message>
-    <message>
-      <source>%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.</source>
-      <translation>%1 settings could not be restored, even after a retry. Please check the KORA device.</translation>
-    </message>
-    <message>
-      <source>上次固件升级中断时,有%1个KORA的设置尚未恢复(保存于%2),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
-      <translation>When the last upgrade was interrupted, the settings of %1 KORA boxes had not been restored (saved %2). Restore them when these boxes are found? Cancel gives these settings up.</translation>
     </message>
   </context>
   <context>
@@ -825,12 +809,28 @@
   <context>
     <name>UpgradeFeatures</name>
     <message>
-      <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
-      <translation>The last upgrade was interrupted while %1 KORA boxes were under way. Please see the upgrade report.</translation>
+      <source>文件打开失败! </source>
+      <translation>The file cannot be opened! </translation>
+    </message>
+    <message>
+      <source>%1 恢复设置成功,KORA设备正在重启.</source>
+      <translation>%1 settings restored. The KORA device is restarting.</translation>
+    </message>
+    <message>
+      <source>%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.</source>
+      <translation>%1 settings could not be restored, even after a retry. Please check the KORA device.</translation>
+    </message>
+    <message>
+      <source>上次固件升级中断时,有%1个KORA的设置尚未恢复(保存于%2),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
+      <translation>When the last upgrade was interrupted, the settings of %1 KORA boxes had not been restored (saved %2). Restore them when these boxes are found? Cancel gives these settings up.</translation>
     </message>
     <message>
       <source>正在对KORA升级固件,请勿关闭软件.</source>
       <translation>KORA firmware is being upgraded. Please do not close the program.</translation>
+    </message>
+    <message>
+      <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
+      <translation>The last upgrade was interrupted while %1 KORA boxes were under way. Please see the upgrade report.</translation>
     </message>
   </context>
   <context>

@@ -9,11 +9,7 @@
     </message>
   </context>
   <context>
-    <name>BatchUpgrade</name>
-    <message>
-      <source>升级中,升级期间请不要关闭电源或者操作KORA.共[%1]个,成功[%2]个,未知[%3]个</source>
-      <translation>업그레이드 중입니다. KORA의 전원을 끄거나 조작하지 마세요. 전체 [%1]개, 성공 [%2]개, 알 수 없음 [%3]개</translation>
-    </message>
+    <name>BatchStart</name>
     <message>
       <source>请您在设备列表中选择要升级固件的设备!</source>
       <translation>장치 목록에서 업그레이드할 장치를 선택하세요!</translation>
@@ -30,13 +26,16 @@
       <source>即将对您选择的%1个KORA进行升级固件操作,是否确认?</source>
       <translation>선택한 KORA %1개의 펌웨어를 업그레이드합니다. 계속할까요?</translation>
     </message>
+  </context>
+  <context>
+    <name>BatchUpgrade</name>
+    <message>
+      <source>升级中,升级期间请不要关闭电源或者操作KORA.共[%1]个,成功[%2]个,未知[%3]个</source>
+      <translation>업그레이드 중입니다. KORA의 전원을 끄거나 조작하지 마세요. 전체 [%1]개, 성공 [%2]개, 알 수 없음 [%3]개</translation>
+    </message>
     <message>
       <source>正在计算固件校验值</source>
       <translation>패키지 체크섬을 계산하는 중</translation>
-    </message>
-    <message>
-      <source>文件打开失败! </source>
-      <translation>파일을 열 수 없습니다! </translation>
     </message>
     <message>
       <source>全部升级完成,KORA即将重启完成固件升级.成功[%1]个</source>
@@ -132,21 +131,6 @@
     <message>
       <source>保存</source>
       <translation>저장</translation>
-    </message>
-  </context>
-  <context>
-    <name>ConfigurationRestore</name>
-    <message>
-      <source>%1 恢复设置成功,KORA设备正在重启.</source>
-      <translation>%1 설정을 복원했습니다. KORA 장치를 다시 시작하는 중입니다.</translation>
-    </message>
-    <message>
-      <source>%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.</source>
-      <translation>%1 설정 복원에 실패했습니다. 다시 시도했지만 여전히 실패했습니다. KORA 장치를 확인하세요.</translation>
-    </message>
-    <message>
-      <source>上次固件升级中断时,有%1个KORA的设置尚未恢复(保存于%2),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
-      <translation>지난 업그레이드가 중단되었을 때 KORA %1개의 설정이 복원되지 않았습니다(%2에 저장됨). 이 장치를 찾으면 복원할까요? 취소하면 이 설정을 버립니다.</translation>
     </message>
   </context>
   <context>
@@ -825,12 +809,28 @@
   <context>
     <name>UpgradeFeatures</name>
     <message>
-      <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
-      <translation>지난 업그레이드가 중단되었습니다. 당시 KORA %1개를 업그레이드하는 중이었습니다. 업그레이드 보고서를 확인하세요.</translation>
+      <source>文件打开失败! </source>
+      <translation>파일을 열 수 없습니다! </translation>
+    </message>
+    <message>
+      <source>%1 恢复设置成功,KORA设备正在重启.</source>
+      <translation>%1 설정을 복원했습니다. KORA 장치를 다시 시작하는 중입니다.</translation>
+    </message>
+    <message>
+      <source>%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.</source>
+      <translation>%1 설정 복원에 실패했습니다. 다시 시도했지만 여전히 실패했습니다. KORA 장치를 확인하세요.</translation>
+    </message>
+    <message>
+      <source>上次固件升级中断时,有%1个KORA的设置尚未恢复(保存于%2),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
+      <translation>지난 업그레이드가 중단되었을 때 KORA %1개의 설정이 복원되지 않았습니다(%2에 저장됨). 이 장치를 찾으면 복원할까요? 취소하면 이 설정을 버립니다.</translation>
     </message>
     <message>
       <source>正在对KORA升级固件,请勿关闭软件.</source>
       <translation>KORA 펌웨어를 업그레이드하는 중입니다. 프로그램을 닫지 마세요.</translation>
+    </message>
+    <message>
+      <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
+      <translation>지난 업그레이드가 중단되었습니다. 당시 KORA %1개를 업그레이드하는 중이었습니다. 업그레이드 보고서를 확인하세요.</translation>
     </message>
   </context>
   <context>

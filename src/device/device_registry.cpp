@@ -170,15 +170,3 @@ void DeviceRegistry::forgetIdleDevices()
     }
     emit changed();
 }
-
-UpgradeCounts DeviceRegistry::upgradeCounts(const QString& group) const
-{
-    UpgradeCounts counts;
-    const QList<Item*> boxes = m_model.items(group);
-    for (const Item* box : boxes) {
-        counts.upgrading += box->isUpgrading() ? 1 : 0;
-        counts.timedOut += box->hasTimedOut() ? 1 : 0;
-        counts.successful += box->hasSucceeded() ? 1 : 0;
-    }
-    return counts;
-}

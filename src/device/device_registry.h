@@ -13,15 +13,6 @@ class Item;
 class Spark_Http;
 class TreeModel;
 
-/// How the upgrades of a set of boxes stand.
-struct UpgradeCounts {
-    int upgrading = 0;
-    int timedOut = 0;
-    int successful = 0;
-
-    bool allEnded() const { return upgrading == timedOut + successful; }
-};
-
 /// Turns live addresses into boxes of the device tree and keeps each box's online flag. Owns the
 /// sweep threads. GUI thread only; the tree belongs to its view.
 class DeviceRegistry : public QObject
@@ -65,8 +56,6 @@ public:
     /// The base name of the firmware package at hand, which every KORA box is compared with, those
     /// found later as well.
     void setFirmwareBaseName(const QString& name);
-
-    UpgradeCounts upgradeCounts(const QString& group) const;
 
 signals:
     /// A box has been filed.

@@ -88,20 +88,6 @@ void TreeView::stopUpgradeTick()
 
 void TreeView::tickUpgrades()
 {
-    bool touched = false;
-    const QList<Item*> all = m_model->items();
-    for (Item* item : all) {
-        if (!item->isUpgrading() || item->hasSucceeded())
-            continue;
-        touched = true;
-        const int left = item->secondsLeft();
-        if (left < 1)
-            item->setTimedOut(true);
-        else
-            item->setSecondsLeft(left - 1);
-    }
-    if (touched)
-        m_model->announceLayout();
     viewport()->update();
     emit S_ActionClicked(Action::UpgradeTick, nullptr);
 }

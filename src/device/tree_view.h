@@ -26,7 +26,7 @@ public:
 
     /// Shows again what may have changed in any item.
     void refresh();
-    /// The once-a-second countdown of the upgrades in progress.
+    /// The clock of the upgrades in progress: once a second it is reported as an action.
     void startUpgradeTick();
     void stopUpgradeTick();
     /// The length of a tick in milliseconds, 1000 unless set.

@@ -2,22 +2,21 @@
 #pragma once
 
 #include "common/command_runner.h"
-#include "ui/hub/hub.h"
+#include "upgrade/upgrade_record.h"
 
 #include <QObject>
 #include <QQueue>
-#include <QSet>
-#include <QTimer>
 
 #include <functional>
 #include <map>
 
+class KeptSettings;
+class Spark_Http;
+class TreeModel;
 struct HttpResult;
-class ParameterPanel;
-class UpgradeReport;
 
-/// Keeps the settings of boxes over a firmware upgrade: reads them before, writes them back when
-/// the upgraded box is seen again, and once more when that failed.
+/// Writes the kept settings of boxes back when the upgraded boxes are seen again, and once more
+/// when that failed.
 ///
 /// Several boxes are written to at once, each one parameter after the other; nothing blocks.
 class ConfigurationRestore : public QObject
@@ -25,35 +24,33 @@ class ConfigurationRestore : public QObject
     Q_OBJECT
 
 public:
-    ConfigurationRestore(const Hub& hub, ParameterPanel& panel, UpgradeReport& report);
+    /// Whether the box with this MAC address may be written to, at `ip`, now.
+    using Permit = std::function<bool(const QString& mac, const QString& ip)>;
+
+    /// `runner` takes the orders to restart, whose answers nobody waits for.
+    ConfigurationRestore(TreeModel& devices, Spark_Http& http, CommandRunner& runner,
+                         KeptSettings& kept, Permit permit);
     ~ConfigurationRestore() override;
 
-    /// Reads the settings of the box at `ip` into the window's property named `mac`. With `keep`
-    /// they are to be written back, missing replies are asked for again, and `then` is called once
-    /// they are whole or were given up; otherwise `then` is called at once.
-    void save(const QString& mac, const QString& ip, bool keep, std::function<void()> then);
-
-    /// One parameter of a snapshot has arrived, or failed to; the type is "saveConfig" + MAC.
-    void handleSaved(const HttpResult& result);
-    /// The box at `ip` has told its MAC address: if its settings wait for it, they are written.
-    void handleMac(const QString& ip, const QString& mac);
+    /// The box answers at `ip`: if its settings wait for it, they are written.
+    void boxSeen(const QString& ip, const QString& mac);
     /// One written parameter has been read again; the type begins with checkType().
     void handleCheck(const HttpResult& result);
     static QString saveType() { return QStringLiteral("saveConfig"); }
     static QString checkType() { return QStringLiteral("checkConfig"); }
 
-    /// Asks whether settings saved at `when`, by an earlier run, are to be written back.
-    void offer(const QMap<QString, QVariantMap>& saved, const QDateTime& when);
+    /// Settings saved by an earlier run wait for their boxes from now on.
+    void resume(const QMap<QString, QVariantMap>& saved);
+
+signals:
+    /// The box restarts with what it took of its settings, and gets its last try afterwards.
+    void restarting(const QString& mac);
+    /// Nothing more is written to the box; `parameters` are those that did not take.
+    void ended(const QString& mac, UpgradeRow::Settings outcome, const QStringList& parameters);
+    void succeeded(const QString& ip);
+    void failed(const QString& ip);
 
 private:
-    /// A snapshot that is being read.
-    struct Snapshot {
-        QString ip;
-        int outstanding = 0; ///< replies still to come in this round
-        int roundsLeft = 0;
-        QSet<QString> answered;
-        std::function<void()> then;
-    };
     /// A box that gets its settings back.
     struct WriteBack {
         QString ip;
@@ -64,10 +61,6 @@ private:
         bool unread = false;
     };
 
-    void addRound(const QString& mac);
-    void startNextRound();
-    void readRound(const QString& mac);
-    void endSnapshot(const QString& mac);
     void startQueued();
     void begin(const QString& mac, const QString& ip);
     void writeNext(const QString& mac);
@@ -75,16 +68,13 @@ private:
     void checkAll(const QString& mac);
     void finish(const QString& mac);
     void finishWithFailures(const QString& mac, const WriteBack& done);
-    void removeFromList(const QString& mac);
 
-    const Hub m_hub;
-    ParameterPanel& m_panel;
-    UpgradeReport& m_report;
+    TreeModel& m_devices;
+    Spark_Http& m_http;
+    CommandRunner& m_restarts;
+    KeptSettings& m_kept;
+    const Permit m_permit;
     CommandRunner m_runner;
-    std::map<QString, Snapshot> m_snapshots;
-    std::map<QString, WriteBack> m_running;
-    QQueue<QString> m_rounds; ///< MAC addresses of boxes whose settings are to be read next
-    QTimer m_roundTimer;
-    int m_roundsYielded = 0; ///< turns in a row that were left to the start of commands
+    std::map<QString, WriteBack> m_running;  ///< by MAC address
     QQueue<QPair<QString, QString>> m_queue; ///< MAC address and address of boxes to come
 };

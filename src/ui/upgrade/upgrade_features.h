@@ -1,46 +1,82 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ui/upgrade/batch_upgrade.h"
-#include "ui/upgrade/configuration_restore.h"
+#include "ui/hub/hub.h"
+#include "ui/upgrade/batch_start.h"
 #include "ui/upgrade/md5_tool.h"
-#include "ui/upgrade/upgrade_report.h"
+#include "ui/upgrade/upgrade_engine.h"
+#include "ui/upgrade/window_settings.h"
 
+#include <QPointer>
+
+class DropAreas;
+class QAbstractButton;
+class QLabel;
+class QProgressBar;
+class QScrollArea;
+class TreeView;
 class UpgradeReportDialog;
-namespace Ui
-{
-class DeviceArea;
-} // namespace Ui
 
-/// Everything that belongs to firmware upgrades, and who of it hears what.
+/// The widgets of other areas that an upgrade shows itself in.
+struct UpgradeWidgets {
+    TreeView* deviceView;
+    QAbstractButton* report; ///< opens the report; hidden while there is none
+    // The waiting page.
+    QProgressBar* progress;
+    QLabel* status;
+    QLabel* tip;
+    QScrollArea* tipScroll; ///< around `tip`
+};
+
+/// Firmware upgrades as the operator sees them: asks, shows how far they are, tells how they ended.
 class UpgradeFeatures : public QObject
 {
     Q_OBJECT
 
 public:
-    UpgradeFeatures(const Hub& hub, Ui::DeviceArea& devices, Ui::MonitorArea& monitor,
-                    WindowFrame& frame, ParameterPanel& panel, int tickMs);
+    UpgradeFeatures(const Hub& hub, const UpgradeWidgets& widgets, const DropAreas& dropAreas,
+                    int tickMs);
 
+    /// Looks for upgrades that the end of the program cut short, and tells.
+    void loadInterrupted() { m_engine.report.loadInterrupted(); }
     /// The box at `ip` has told its MAC address.
-    void noteMac(const QString& ip, const QString& mac);
+    void noteMac(const QString& ip, const QString& mac) { m_engine.macHeard(ip, mac); }
     /// The update check has fetched a firmware package, which lies at `path`.
     void noteFetchedPackage(const QString& path);
+    void choosePackage() { m_start.choosePackage(); }
+    void showMd5() { m_md5.run(); }
+
     /// No box is being upgraded or waits for its settings.
     bool isIdle() const;
     /// False while boxes are being upgraded: the operator is told so. That message blocks and
     /// serves events.
     bool mayClose();
 
-    UpgradeReport report;
-    ConfigurationRestore restore;
-    BatchUpgrade batch;
-    Md5Tool md5;
+signals:
+    /// The selected box is being upgraded from now on.
+    void waitingWanted();
+    /// No box is being upgraded any more.
+    void monitorWanted();
+    /// The selected box is not upgraded after all; its panes are to be shown again.
+    void koraWanted(const Item& box);
 
 private:
+    void registerWords();
+    void connectEngine();
+    void showPrepared();
+    void showStarted(const UpgradeCounts& counts);
+    void showProgress(const UpgradeCounts& counts);
+    void showEnd(const UpgradeCounts& counts);
+    void tellUnreadable();
+    void tellInterrupted(int boxes);
+    void offerSettings(const QMap<QString, QVariantMap>& saved, const QDateTime& when);
     void showReport();
-    void showReportButton();
 
     const Hub m_hub;
-    Ui::DeviceArea& m_devices;
+    const UpgradeWidgets m_widgets;
+    WindowSettings m_settings;
+    UpgradeEngine m_engine;
+    BatchStart m_start;
+    Md5Tool m_md5;
     QPointer<UpgradeReportDialog> m_dialog;
 };

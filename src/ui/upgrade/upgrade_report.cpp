@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ui/upgrade/upgrade_report.h"
 
-#include "common/box_protocol.h"
-#include "common/http_result.h"
-#include "common/spark_http.h"
 #include "device/item.h"
+#include "upgrade/interrupted_batch.h"
+#include "upgrade/upgrade_watch.h"
+#include "upgrade/write_back_permit.h"
 
 namespace
 {
@@ -12,9 +12,6 @@ namespace
 using Stage = UpgradeRow::Stage;
 using Settings = UpgradeRow::Settings;
 
-constexpr int shortestPollMs = 500;
-constexpr int savePauseMs = 200;
-constexpr int pollTicks = 2;
 /// How long a box may stay away, from its activation or the end of the batch.
 constexpr int patienceTicks = 600;
 /// A box that was told to change over and neither went away nor changed may still be busy with it
@@ -22,11 +19,15 @@ constexpr int patienceTicks = 600;
 constexpr int quietTicks = 60;
 /// One request lost on a busy network does not mean that a box is down.
 constexpr int missedWhenDown = 2;
-constexpr int longestVersion = 64;
 
 bool sameMac(const QString& a, const QString& b)
 {
     return !a.isEmpty() && a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+bool isBeforeActivation(const UpgradeRow& row)
+{
+    return row.stage == Stage::Preparing || row.stage == Stage::Uploading;
 }
 
 /// Why the last upload failed, if the box said so; else how far the upgrade has come.
@@ -41,20 +42,54 @@ QString lastTip(const Item* item)
 
 } // namespace
 
-UpgradeReport::UpgradeReport(const Hub& hub, int tickMs)
-    : QObject(nullptr), m_hub(hub), m_tickMs(tickMs)
+UpgradeReport::UpgradeReport(UpgradeWatch& watch, int tickMs)
+    : QObject(nullptr), m_watch(watch), m_tickMs(tickMs)
 {
-    m_poll.setInterval(qMax(shortestPollMs, pollTicks * tickMs));
-    m_save.setInterval(savePauseMs);
-    m_save.setSingleShot(true);
-    connect(&m_poll, &QTimer::timeout, this, &UpgradeReport::poll);
-    connect(&m_save, &QTimer::timeout, this, &UpgradeReport::saveTouched);
-    connect(&m_journal, &UpgradeJournal::loaded, this, &UpgradeReport::adopt);
+    connect(&watch, &UpgradeWatch::due, this, &UpgradeReport::askAll);
+    connect(&watch, &UpgradeWatch::missed, this, &UpgradeReport::noteMissed);
+    connect(&watch, &UpgradeWatch::versionTold, this, &UpgradeReport::noteVersion);
+    connect(&m_sessions, &UpgradeSessions::adopted, this, &UpgradeReport::adopt);
+    connect(&m_sessions, &UpgradeSessions::changed, this, &UpgradeReport::changed);
 }
 
-UpgradeReport::~UpgradeReport()
+UpgradeReport::~UpgradeReport() = default;
+
+void UpgradeReport::loadInterrupted()
 {
-    saveTouched();
+    m_sessions.load();
+}
+
+void UpgradeReport::begin(const QString& package, const QString& md5)
+{
+    m_latest = &m_sessions.add(package, md5);
+}
+
+void UpgradeReport::addBox(Item* item, bool keepSettings)
+{
+    UpgradeRow row;
+    row.mac = item->macAddress();
+    row.addressBefore = row.address = item->address();
+    row.versionBefore = item->firmwareVersion().left(UpgradeJudgement::longestVersion);
+    row.started = QDateTime::currentDateTime();
+    row.settings = keepSettings ? Settings::NotSaved : Settings::NotKept;
+    m_latest->rows << row;
+    auto box = std::make_unique<Box>();
+    box->session = m_latest;
+    box->index = m_latest->rows.size() - 1;
+    box->item = item;
+    connect(item, &Item::upgradeChanged, this, [this, b = box.get()] { noteProgress(*b); });
+    touch(*box);
+    m_boxes.push_back(std::move(box));
+}
+
+/// The latest upgrade of a box is the one that its answers belong to.
+UpgradeReport::Box* UpgradeReport::find(const QString& mac) const
+{
+    for (auto it = m_boxes.rbegin(); it != m_boxes.rend(); ++it) {
+        if (sameMac((*it)->row().mac, mac))
+            return it->get();
+    }
+    return nullptr;
 }
 
 bool UpgradeReport::ticksPassed(const QElapsedTimer& since, int ticks) const
@@ -62,155 +97,99 @@ bool UpgradeReport::ticksPassed(const QElapsedTimer& since, int ticks) const
     return since.isValid() && since.elapsed() > qint64(ticks) * m_tickMs;
 }
 
-QVector<const UpgradeSession*> UpgradeReport::sessions() const
+UpgradeSigns UpgradeReport::signsOf(const Box& box) const
 {
-    QVector<const UpgradeSession*> all;
-    for (const auto& session : m_sessions)
-        all << session.get();
-    return all;
+    UpgradeSigns signs;
+    signs.orderOpen = box.item && box.item->isUpgrading() && !box.item->hasSucceeded();
+    signs.wasDown = box.wasDown;
+    signs.quiet = ticksPassed(box.sinceOrder, quietTicks);
+    signs.restarting = box.restarting;
+    signs.batchEnded = box.sinceEnd.isValid();
+    signs.outOfTime = ticksPassed(box.sinceEnd, patienceTicks);
+    signs.reported = box.reported;
+    return signs;
 }
 
-void UpgradeReport::begin(const QString& package, const QString& md5)
+void UpgradeReport::noteProgress(Box& box)
 {
-    auto session = std::make_unique<UpgradeSession>();
-    session->started = QDateTime::currentDateTime();
-    session->package = package;
-    session->md5 = md5;
-    m_sessions.push_back(std::move(session));
-}
-
-void UpgradeReport::addBox(Item* box, bool keepSettings)
-{
-    UpgradeSession* session = m_sessions.back().get();
-    UpgradeRow row;
-    row.mac = box->macAddress();
-    row.addressBefore = row.address = box->address();
-    row.versionBefore = box->firmwareVersion().left(longestVersion);
-    row.started = QDateTime::currentDateTime();
-    row.settings = keepSettings ? Settings::NotSaved : Settings::NotKept;
-    session->rows << row;
-    auto watch = std::make_unique<Watch>();
-    watch->session = session;
-    watch->index = session->rows.size() - 1;
-    watch->item = box;
-    connect(box, &Item::upgradeChanged, this, [this, w = watch.get()] { noteProgress(*w); });
-    m_watches.push_back(std::move(watch));
-    touched(session);
-}
-
-/// The latest upgrade of a box is the one that its answers belong to.
-UpgradeReport::Watch* UpgradeReport::watchOf(const QString& mac)
-{
-    for (auto it = m_watches.rbegin(); it != m_watches.rend(); ++it) {
-        if (sameMac((*it)->row().mac, mac))
-            return it->get();
-    }
-    return nullptr;
-}
-
-const UpgradeReport::Watch* UpgradeReport::watchOf(const QString& mac) const
-{
-    return const_cast<UpgradeReport*>(this)->watchOf(mac);
-}
-
-void UpgradeReport::noteProgress(Watch& watch)
-{
-    UpgradeRow& row = watch.row();
+    UpgradeRow& row = box.row();
     // An item that is upgraded once more reports to its latest row only.
-    if (!watch.item || watch.sinceEnd.isValid())
+    if (!box.item || box.sinceEnd.isValid())
         return;
     if (row.mac.isEmpty())
-        row.mac = watch.item->macAddress();
-    if (!row.mac.isEmpty() && watchOf(row.mac) != &watch)
+        row.mac = box.item->macAddress();
+    if (!row.mac.isEmpty() && find(row.mac) != &box)
         return;
-    if (watch.item->isUploaded()) {
+    if (box.item->isUploaded()) {
         if (row.stage != Stage::Activated)
-            watch.sinceOrder.start();
+            box.sinceOrder.start();
         row.stage = Stage::Activated;
     } else {
         row.stage = Stage::Uploading;
     }
-    row.note = lastTip(watch.item);
-    touched(watch.session);
+    row.note = lastTip(box.item);
+    touch(box);
 }
 
 void UpgradeReport::setSaved(const QString& mac, const QVariantMap& values, bool whole)
 {
-    Watch* watch = watchOf(mac);
-    if (!watch)
+    const Box* box = find(mac);
+    if (!box)
         return;
-    watch->row().saved = values;
-    watch->row().settings = whole ? Settings::Waiting : Settings::NotSaved;
-    touched(watch->session);
+    box->row().saved = values;
+    box->row().settings = whole ? Settings::Waiting : Settings::NotSaved;
+    touch(*box);
 }
 
 void UpgradeReport::setDhcpForced(const QString& mac)
 {
-    if (Watch* watch = watchOf(mac)) {
-        watch->row().dhcpForced = true;
-        touched(watch->session);
+    if (const Box* box = find(mac)) {
+        box->row().dhcpForced = true;
+        touch(*box);
     }
 }
 
 void UpgradeReport::batchEnded()
 {
-    for (const auto& watch : m_watches) {
-        if (watch->sinceEnd.isValid())
+    for (const auto& box : m_boxes) {
+        if (box->sinceEnd.isValid())
             continue;
-        watch->sinceEnd.start();
-        UpgradeRow& row = watch->row();
-        if (row.stage == Stage::Preparing || row.stage == Stage::Uploading) {
-            row.stage = Stage::UploadFailed;
-            row.note = lastTip(watch->item);
-            row.durationMs = row.started.msecsTo(QDateTime::currentDateTime());
-        }
-        judge(*watch);
-        touched(watch->session);
+        box->sinceEnd.start();
+        UpgradeJudgement::endUpload(box->row(), lastTip(box->item), QDateTime::currentDateTime());
+        judge(*box);
+        touch(*box);
     }
 }
 
 bool UpgradeReport::mayWriteBack(const QString& mac, const QString& ip) const
 {
-    const Watch* watch = watchOf(mac);
-    if (!watch)
-        return true;
-    const UpgradeRow& row = watch->row();
-    if (row.stage == Stage::Preparing || row.stage == Stage::Uploading)
-        return false;
-    // The order to change over is still unanswered: a restart would end it, and pass for success.
-    if (watch->item && watch->item->isUpgrading() && !watch->item->hasSucceeded())
-        return false;
-    if (row.stage == Stage::UploadFailed && !watch->restarting)
-        return true;
-    const bool back = watch->wasDown || ticksPassed(watch->sinceOrder, quietTicks);
-    if (watch->restarting)
-        return back;
-    return back || row.reportsNewVersion() || ip != row.addressBefore;
+    const Box* box = find(mac);
+    return !box || ::mayWriteBack(box->row(), signsOf(*box), ip);
 }
 
 void UpgradeReport::setRestarting(const QString& mac)
 {
-    if (Watch* watch = watchOf(mac)) {
-        watch->restarting = true;
-        watch->wasDown = false;
-        watch->missed = 0;
-        watch->sinceOrder.start();
+    if (Box* box = find(mac)) {
+        box->restarting = true;
+        box->wasDown = false;
+        box->missed = 0;
+        box->sinceOrder.start();
     }
 }
 
 void UpgradeReport::setRestored(const QString& mac, Settings outcome, const QStringList& failed)
 {
-    Watch* watch = watchOf(mac);
-    if (!watch)
+    const Box* box = find(mac);
+    if (!box)
         return;
-    UpgradeRow& row = watch->row();
+    UpgradeRow& row = box->row();
     // Of settings that were never read whole only the address was put back.
     if (row.settings != Settings::NotSaved)
         row.settings = outcome;
     row.failedSettings = failed;
     row.saved.clear();
-    judge(*watch);
-    touched(watch->session);
+    judge(*box);
+    touch(*box);
 }
 
 void UpgradeReport::dropSettings(const QStringList& macs)
@@ -219,111 +198,105 @@ void UpgradeReport::dropSettings(const QStringList& macs)
         setRestored(mac, Settings::Dropped, {});
 }
 
-void UpgradeReport::noteMac(const QString& ip, const QString& mac)
+void UpgradeReport::macHeard(const QString& ip, const QString& mac)
 {
-    Watch* watch = watchOf(mac);
-    if (!watch)
+    Box* box = find(mac);
+    if (!box) {
+        emit seen(ip, mac);
         return;
-    UpgradeRow& row = watch->row();
-    if (row.stage == Stage::Preparing || row.stage == Stage::Uploading)
+    }
+    UpgradeRow& row = box->row();
+    if (isBeforeActivation(row))
         return;
-    watch->missed = 0;
+    box->missed = 0;
     if (row.address != ip) {
         row.address = ip;
-        touched(watch->session);
+        touch(*box);
     }
-    m_hub.http.get(versionType() + row.mac, BoxProtocol::readUrl(ip, BoxProtocol::FirmVersion),
-                   false);
+    m_watch.askVersion(row.mac, ip);
 }
 
-void UpgradeReport::handleSeen(const HttpResult& result)
+void UpgradeReport::noteMissed(const QString& mac)
 {
-    Watch* watch = watchOf(result.type.mid(seenType().size()));
-    if (!watch)
+    Box* box = find(mac);
+    if (box && ++box->missed >= missedWhenDown)
+        box->wasDown = true;
+}
+
+void UpgradeReport::noteVersion(const QString& ip, const QString& mac, const QString& version)
+{
+    Box* box = find(mac);
+    // It may have moved on meanwhile; then it is asked there.
+    if (!box || ip != box->row().address)
         return;
-    watch->asked = false;
-    // Another box may have got the address meanwhile.
-    if (sameMac(result.value.toString(), watch->row().mac)) {
-        noteMac(result.deviceIp, watch->row().mac);
-        return;
+    UpgradeRow& row = box->row();
+    if (!version.isEmpty()) {
+        box->reported = version.left(UpgradeJudgement::longestVersion);
+        const QString before = row.versionAfter;
+        UpgradeJudgement::noteVersion(row, signsOf(*box));
+        judge(*box);
+        if (row.settled || row.versionAfter != before)
+            touch(*box);
     }
-    if (++watch->missed >= missedWhenDown)
-        watch->wasDown = true;
+    emit seen(ip, row.mac);
 }
 
-void UpgradeReport::handleVersion(const HttpResult& result)
+void UpgradeReport::judge(const Box& box)
 {
-    Watch* watch = watchOf(result.type.mid(versionType().size()));
-    const QString version = result.value.toString().left(longestVersion);
-    if (!watch || version.isEmpty() || result.deviceIp != watch->row().address)
-        return;
-    watch->reported = version;
-    UpgradeRow& row = watch->row();
-    const QString before = row.versionAfter;
-    // A box that has not gone away yet tells the version that it is about to leave.
-    if (version != row.versionBefore || watch->wasDown)
-        row.versionAfter = version;
-    judge(*watch);
-    if (row.settled || row.versionAfter != before)
-        touched(watch->session);
-    emit seen(result.deviceIp, row.mac);
+    UpgradeJudgement::judge(box.row(), signsOf(box), QDateTime::currentDateTime());
 }
 
-/// Has the last word been spoken about this box?
-void UpgradeReport::judge(Watch& watch)
-{
-    UpgradeRow& row = watch.row();
-    const bool tooLate = ticksPassed(watch.sinceEnd, patienceTicks);
-    if (tooLate && row.versionAfter.isEmpty())
-        row.versionAfter = watch.reported;
-    // Without its MAC address nobody can tell whether the box that answers is the same one.
-    const bool certain =
-        row.stage == Stage::UploadFailed || row.reportsNewVersion() ||
-        (row.stage == Stage::Activated &&
-         (row.mac.isEmpty() ? watch.sinceEnd.isValid() : !row.versionAfter.isEmpty()));
-    if ((certain || tooLate) && row.durationMs == 0)
-        row.durationMs = row.started.msecsTo(QDateTime::currentDateTime());
-    if (watch.sinceEnd.isValid())
-        row.settled = tooLate || (certain && row.settings != Settings::Waiting);
-}
-
-void UpgradeReport::poll()
+void UpgradeReport::askAll()
 {
     bool open = false;
-    for (const auto& watch : m_watches) {
-        UpgradeRow& row = watch->row();
+    for (const auto& box : m_boxes) {
+        const UpgradeRow& row = box->row();
         if (row.settled)
             continue;
         open = true;
-        if (row.stage == Stage::Preparing || row.stage == Stage::Uploading)
+        if (isBeforeActivation(row))
             continue;
-        judge(*watch);
+        judge(*box);
         if (row.settled)
-            touched(watch->session);
-        if (watch->asked || row.settled || row.mac.isEmpty() || watchOf(row.mac) != watch.get())
-            continue;
-        watch->asked = true;
-        m_hub.http.get(seenType() + row.mac,
-                       BoxProtocol::readUrl(row.address, BoxProtocol::MACAddress), false);
+            touch(*box);
+        else if (!row.mac.isEmpty() && find(row.mac) == box.get())
+            m_watch.ask(row.mac, row.address);
     }
     if (!open)
-        m_poll.stop();
+        m_watch.rest();
 }
 
-void UpgradeReport::touched(UpgradeSession* session)
+void UpgradeReport::adopt(const QVector<UpgradeSession*>& sessions)
 {
-    if (!m_touched.contains(session))
-        m_touched << session;
-    if (!m_save.isActive())
-        m_save.start();
-    if (!m_poll.isActive())
-        m_poll.start();
+    QMap<QString, QVariantMap> waiting;
+    QDateTime when;
+    int underWay = 0;
+    for (UpgradeSession* session : sessions) {
+        const InterruptedBatch found = markInterrupted(*session, QDateTime::currentDateTime());
+        underWay += found.underWay;
+        for (auto it = found.settings.cbegin(); it != found.settings.cend(); ++it)
+            waiting.insert(it.key(), it.value());
+        if (!found.settings.isEmpty())
+            when = session->started;
+        for (int index = 0; index < session->rows.size(); ++index) {
+            auto box = std::make_unique<Box>();
+            box->session = session;
+            box->index = index;
+            box->sinceOrder.start();
+            box->sinceEnd.start();
+            touch(*box);
+            // Whatever this run has begun meanwhile is later.
+            m_boxes.insert(m_boxes.begin(), std::move(box));
+        }
+    }
+    if (underWay > 0)
+        emit interruptedFound(underWay);
+    if (!waiting.isEmpty())
+        emit settingsFound(waiting, when);
 }
 
-void UpgradeReport::saveTouched()
+void UpgradeReport::touch(const Box& box)
 {
-    for (const UpgradeSession* session : qAsConst(m_touched))
-        m_journal.save(*session, !session->isSettled() || session->hasWaitingSettings());
-    m_touched.clear();
-    emit changed();
+    m_sessions.touch(*box.session);
+    m_watch.wake();
 }

@@ -1,30 +1,32 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ui/hub/hub.h"
-#include "upgrade/upgrade_journal.h"
-#include "upgrade/upgrade_record.h"
+#include "upgrade/upgrade_judgement.h"
+#include "upgrade/upgrade_sessions.h"
 
 #include <QElapsedTimer>
+#include <QObject>
 #include <QPointer>
-#include <QTimer>
 
 #include <memory>
 #include <vector>
 
 class Item;
-struct HttpResult;
+class UpgradeWatch;
 
-/// What really happened in an upgrade, box by box: it watches each box until the box has reported
+/// What really happened in an upgrade, box by box: it follows each box until the box has reported
 /// its version after the change, has its settings back, or has run out of time. Boxes are known by
 /// their MAC address, wherever they come back.
+///
+/// Here it is put together: UpgradeWatch asks the boxes, UpgradeJudgement says what their answers
+/// mean, mayWriteBack() what may be sent to them, UpgradeSessions keeps what is known.
 class UpgradeReport : public QObject
 {
     Q_OBJECT
 
 public:
     /// `tickMs` is the length of the upgrade's second.
-    UpgradeReport(const Hub& hub, int tickMs);
+    UpgradeReport(UpgradeWatch& watch, int tickMs);
     ~UpgradeReport() override;
 
     /// Looks for batches that an earlier run of the program left open.
@@ -40,29 +42,24 @@ public:
     /// All boxes have been told, or were given up; called while their items still live.
     void batchEnded();
 
-    /// Whether settings may be written to the box at `ip`, which makes it restart: not while it
-    /// receives a package or may still be changing over to it.
+    /// Whether settings may be written to the box at `ip` now. One that is not in the report may
+    /// always be written to.
     bool mayWriteBack(const QString& mac, const QString& ip) const;
     void setRestarting(const QString& mac);
     void setRestored(const QString& mac, UpgradeRow::Settings outcome, const QStringList& failed);
     /// The operator does not want the settings of an interrupted batch back.
     void dropSettings(const QStringList& macs);
 
-    /// The box at `ip` has told its MAC address.
-    void noteMac(const QString& ip, const QString& mac);
-    /// Answers to this object's own requests: their types begin with these.
-    static QString seenType() { return QStringLiteral("upgradeSeen"); }
-    static QString versionType() { return QStringLiteral("upgradeVersion"); }
-    void handleSeen(const HttpResult& result);
-    void handleVersion(const HttpResult& result);
+    /// The box at `ip` has told its MAC address; seen() follows, once its version is known too.
+    void macHeard(const QString& ip, const QString& mac);
 
-    bool isEmpty() const { return m_sessions.empty(); }
+    bool isEmpty() const { return m_sessions.isEmpty(); }
     /// Batches, oldest first.
-    QVector<const UpgradeSession*> sessions() const;
+    QVector<const UpgradeSession*> sessions() const { return m_sessions.all(); }
 
 signals:
     void changed();
-    /// A watched box answers at `ip`, and its version has been noted.
+    /// A box answers at `ip`, and what it tells has been noted.
     void seen(const QString& ip, const QString& mac);
     /// Boxes of interrupted batches still miss their settings, saved at `when`.
     void settingsFound(const QMap<QString, QVariantMap>& saved, const QDateTime& when);
@@ -70,39 +67,35 @@ signals:
     void interruptedFound(int boxes);
 
 private:
-    /// One box under watch.
-    struct Watch {
+    /// One box of a batch, and what was seen of it.
+    struct Box {
         UpgradeSession* session = nullptr;
         int index = 0;
         QPointer<Item> item;
-        bool asked = false;       ///< a request is under way
-        int missed = 0;           ///< requests in a row without an answer
-        bool wasDown = false;     ///< it stopped answering since it was last told to restart
-        bool restarting = false;  ///< told to restart with its settings
-        QString reported;         ///< the version it told last
+        int missed = 0; ///< questions in a row without an answer
+        bool wasDown = false;
+        bool restarting = false;
+        QString reported;
         QElapsedTimer sinceOrder; ///< since it was last told to change over or to restart
         QElapsedTimer sinceEnd;   ///< since its batch ended
 
         UpgradeRow& row() const { return session->rows[index]; }
     };
 
-    Watch* watchOf(const QString& mac);
-    const Watch* watchOf(const QString& mac) const;
-    void noteProgress(Watch& watch);
-    void judge(Watch& watch);
-    void poll();
-    void touched(UpgradeSession* session);
-    void saveTouched();
-    void adopt(const QVector<UpgradeSession>& sessions);
-    void adoptRow(UpgradeSession* session, int index);
+    Box* find(const QString& mac) const;
+    UpgradeSigns signsOf(const Box& box) const;
     bool ticksPassed(const QElapsedTimer& since, int ticks) const;
+    void noteProgress(Box& box);
+    void noteMissed(const QString& mac);
+    void noteVersion(const QString& ip, const QString& mac, const QString& version);
+    void judge(const Box& box);
+    void askAll();
+    void adopt(const QVector<UpgradeSession*>& sessions);
+    void touch(const Box& box);
 
-    const Hub m_hub;
+    UpgradeWatch& m_watch;
     const int m_tickMs;
-    UpgradeJournal m_journal;
-    std::vector<std::unique_ptr<UpgradeSession>> m_sessions;
-    std::vector<std::unique_ptr<Watch>> m_watches;
-    QVector<UpgradeSession*> m_touched;
-    QTimer m_poll;
-    QTimer m_save;
+    UpgradeSessions m_sessions;
+    UpgradeSession* m_latest = nullptr;
+    std::vector<std::unique_ptr<Box>> m_boxes; ///< in the order of their batches
 };

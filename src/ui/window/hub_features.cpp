@@ -34,6 +34,14 @@ std::unique_ptr<DeviceRegistry> makeRegistry(Tarn_Hub* window, const Ui::Tarn_Hu
         });
 }
 
+UpgradeWidgets upgradeWidgets(const Ui::Tarn_Hub& form)
+{
+    const Ui::DeviceArea& devices = form.device_list->ui;
+    const Ui::MonitorArea& monitor = form.monitor_top->ui;
+    return {devices.deviceView,     devices.upgradeReport, monitor.upgrade_progress,
+            monitor.upgrade_status, monitor.tip,           monitor.tip_scroll};
+}
+
 } // namespace
 
 Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
@@ -75,7 +83,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
              recordings)
     , selection(hub)
     , monitor(hub, form.monitor_top->ui)
-    , upgrade(hub, form.device_list->ui, form.monitor_top->ui, frame, panel, options.upgradeTickMs)
+    , upgrade(hub, upgradeWidgets(form), dropAreas, options.upgradeTickMs)
     , updateCheck(*Spark_Http::instance(), options.updateServer, applicationVersion())
     , updatePrompt(hub, updateCheck, applicationVersion(), QCoreApplication::applicationDirPath(),
                    [this] { return mustNotEnd(); })
@@ -94,8 +102,10 @@ void Tarn_Hub::Features::connectRooms()
                      &QLabel::setText);
     QObject::connect(&deviceInfo, &DeviceInfo::deviceChanged, &deviceList, &DeviceList::repaint);
     QObject::connect(&deviceInfo, &DeviceInfo::macReported, &upgrade, &UpgradeFeatures::noteMac);
-    QObject::connect(&dropAreas, &DropAreas::filesDropped, &upgrade.batch,
-                     &BatchUpgrade::startBatchUpgrade, Qt::QueuedConnection);
+    QObject::connect(&upgrade, &UpgradeFeatures::waitingWanted, &frame, &WindowFrame::showWaiting);
+    QObject::connect(&upgrade, &UpgradeFeatures::monitorWanted, &frame,
+                     &WindowFrame::showMonitorPage);
+    QObject::connect(&upgrade, &UpgradeFeatures::koraWanted, &frame, &WindowFrame::showKora);
     QObject::connect(&updateCheck, &UpdateCheck::firmwareReady, &upgrade,
                      &UpgradeFeatures::noteFetchedPackage);
 }

@@ -51,7 +51,7 @@ void Tarn_Hub::R_delayAction()
     m->form.device_list->ui.md5->hide();
     m->form.monitor_top->ui.widget_play_progress->hide();
     refreshLocalIP();
-    m->upgrade.report.loadInterrupted();
+    m->upgrade.loadInterrupted();
     m->devices->startSearch();
     refreshDeviceState();
     m->frame.showNothingSelected();
@@ -158,7 +158,7 @@ void Tarn_Hub::on_refreshDevice_clicked()
 
 void Tarn_Hub::on_firmwareUpdate_clicked()
 {
-    m->upgrade.batch.choosePackage();
+    m->upgrade.choosePackage();
 }
 
 void Tarn_Hub::on_HB_clicked(bool checked)
@@ -208,7 +208,7 @@ void Tarn_Hub::on_colsefull_clicked()
 
 void Tarn_Hub::on_md5_clicked()
 {
-    m->upgrade.md5.run();
+    m->upgrade.showMd5();
 }
 
 void Tarn_Hub::on_video_play_clicked(bool checked)
