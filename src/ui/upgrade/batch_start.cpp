@@ -3,8 +3,8 @@
 
 #include "device/item.h"
 #include "device/tree_view.h"
-#include "ui/upgrade/batch_upgrade.h"
 #include "ui/upgrade/package_dialog.h"
+#include "upgrade/batch_upgrade.h"
 #include "widgets/message_box.h"
 
 #include <QPointer>

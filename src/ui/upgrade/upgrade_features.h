@@ -4,8 +4,8 @@
 #include "ui/hub/hub.h"
 #include "ui/upgrade/batch_start.h"
 #include "ui/upgrade/md5_tool.h"
-#include "ui/upgrade/upgrade_engine.h"
 #include "ui/upgrade/window_settings.h"
+#include "upgrade/upgrade_engine.h"
 
 #include <QPointer>
 

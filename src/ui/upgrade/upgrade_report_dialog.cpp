@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/upgrade/upgrade_report_dialog.h"
 
-#include "ui/upgrade/upgrade_report.h"
+#include "upgrade/upgrade_report.h"
 
 #include <QClipboard>
 #include <QDir>

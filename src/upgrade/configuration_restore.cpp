@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/upgrade/configuration_restore.h"
+#include "upgrade/configuration_restore.h"
 
 #include "common/box_protocol.h"
 #include "common/box_reply.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/upgrade/upgrade_engine.h"
+#include "upgrade/upgrade_engine.h"
 
 #include "device/device_registry.h"
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ui/upgrade/batch_upgrade.h"
-#include "ui/upgrade/configuration_restore.h"
-#include "ui/upgrade/upgrade_report.h"
+#include "upgrade/batch_upgrade.h"
+#include "upgrade/configuration_restore.h"
 #include "upgrade/configuration_snapshot.h"
 #include "upgrade/upgrade_countdown.h"
+#include "upgrade/upgrade_report.h"
 #include "upgrade/upgrade_watch.h"
 
 #include <QObject>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "ui/upgrade/batch_upgrade.h"
+#include "upgrade/batch_upgrade.h"
 
 #include "common/package_digest.h"
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
-#include "ui/upgrade/upgrade_report.h"
 #include "upgrade/configuration_snapshot.h"
+#include "upgrade/upgrade_report.h"
 
 #include <QFileInfo>
 

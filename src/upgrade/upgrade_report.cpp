@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/upgrade/upgrade_report.h"
+#include "upgrade/upgrade_report.h"
 
 #include "device/item.h"
 #include "upgrade/interrupted_batch.h"
