@@ -95,9 +95,13 @@ QVector<UpgradeSession> UpgradeJournal::readAll()
         if (info.size() > largestJournal || !file.open(QIODevice::ReadOnly))
             continue;
         UpgradeSession session;
+        QString problem;
         const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
-        if (UpgradeSession::fromJson(json, &session) &&
-            session.baseName() == info.completeBaseName() && claim(session.baseName()))
+        if (!UpgradeSession::fromJson(json, &session, &problem))
+            // Left alone: a newer version of the program may have written it.
+            qWarning("journal %s is not read: %s", qPrintable(info.fileName()),
+                     qPrintable(problem));
+        else if (session.baseName() == info.completeBaseName() && claim(session.baseName()))
             sessions << session;
     }
     return sessions;

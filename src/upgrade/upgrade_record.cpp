@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QJsonArray>
+#include <QMetaEnum>
 
 #include <algorithm>
 
@@ -89,25 +90,49 @@ QByteArray csvLine(const QStringList& texts)
     return quoted.join(QLatin1Char(',')).toUtf8() + "\r\n";
 }
 
-UpgradeRow rowFromJson(const QJsonObject& json)
+/// The format of journals as written here: words. Journals without a format hold numbers.
+constexpr int wordFormat = 2;
+constexpr int numberFormat = 1;
+
+template <class Enum> QString word(Enum value)
 {
-    UpgradeRow row;
+    return QLatin1String(QMetaEnum::fromType<Enum>().valueToKey(int(value)));
+}
+
+/// Reads a word, or a number as journals held it before. False when it means nothing here.
+template <class Enum> bool readEnum(const QJsonValue& json, int format, Enum* value)
+{
+    const QMetaEnum words = QMetaEnum::fromType<Enum>();
+    const QByteArray name = format == numberFormat ? QByteArray(words.valueToKey(json.toInt(-1)))
+                                                   : json.toString().toLatin1();
+    bool known = false;
+    const int number = name.isEmpty() ? 0 : words.keyToValue(name.constData(), &known);
+    if (known)
+        *value = Enum(number);
+    return known;
+}
+
+/// Empty when `row` could be filled.
+QString readRow(const QJsonObject& json, int format, UpgradeRow* row)
+{
     const QString mac = json.value(key("mac")).toString();
-    row.mac = BoxProtocol::isMacAddress(mac) ? mac : QString();
-    row.addressBefore = json.value(key("addressBefore")).toString();
-    row.address = json.value(key("address")).toString();
-    row.versionBefore = json.value(key("versionBefore")).toString();
-    row.versionAfter = json.value(key("versionAfter")).toString();
-    row.stage = Stage(qBound(0, json.value(key("stage")).toInt(), int(Stage::Interrupted)));
-    row.settled = json.value(key("settled")).toBool();
-    row.settings = Settings(qBound(0, json.value(key("settings")).toInt(), int(Settings::Dropped)));
-    row.failedSettings = json.value(key("failedSettings")).toVariant().toStringList();
-    row.saved = json.value(key("saved")).toObject().toVariantMap();
-    row.dhcpForced = json.value(key("dhcpForced")).toBool();
-    row.started = QDateTime::fromString(json.value(key("started")).toString(), Qt::ISODateWithMs);
-    row.durationMs = qint64(json.value(key("durationMs")).toDouble());
-    row.note = json.value(key("note")).toString();
-    return row;
+    row->mac = BoxProtocol::isMacAddress(mac) ? mac : QString();
+    row->addressBefore = json.value(key("addressBefore")).toString();
+    row->address = json.value(key("address")).toString();
+    row->versionBefore = json.value(key("versionBefore")).toString();
+    row->versionAfter = json.value(key("versionAfter")).toString();
+    if (!readEnum(json.value(key("stage")), format, &row->stage))
+        return QStringLiteral("unknown stage");
+    row->settled = json.value(key("settled")).toBool();
+    if (!readEnum(json.value(key("settings")), format, &row->settings))
+        return QStringLiteral("unknown state of settings");
+    row->failedSettings = json.value(key("failedSettings")).toVariant().toStringList();
+    row->saved = json.value(key("saved")).toObject().toVariantMap();
+    row->dhcpForced = json.value(key("dhcpForced")).toBool();
+    row->started = QDateTime::fromString(json.value(key("started")).toString(), Qt::ISODateWithMs);
+    row->durationMs = qint64(json.value(key("durationMs")).toDouble());
+    row->note = json.value(key("note")).toString();
+    return QString();
 }
 
 QJsonObject rowToJson(const UpgradeRow& row)
@@ -117,9 +142,9 @@ QJsonObject rowToJson(const UpgradeRow& row)
             {key("address"), row.address},
             {key("versionBefore"), row.versionBefore},
             {key("versionAfter"), row.versionAfter},
-            {key("stage"), int(row.stage)},
+            {key("stage"), word(row.stage)},
             {key("settled"), row.settled},
-            {key("settings"), int(row.settings)},
+            {key("settings"), word(row.settings)},
             {key("failedSettings"), QJsonArray::fromStringList(row.failedSettings)},
             {key("saved"), QJsonObject::fromVariantMap(row.saved)},
             {key("dhcpForced"), row.dhcpForced},
@@ -169,24 +194,39 @@ QJsonObject UpgradeSession::toJson() const
     QJsonArray array;
     for (const UpgradeRow& row : rows)
         array << rowToJson(row);
-    return {{key("started"), started.toString(Qt::ISODateWithMs)},
-            {key("package"), package},
-            {key("md5"), md5},
-            {key("interrupted"), interrupted},
-            {key("rows"), array}};
+    return {
+        {key("format"), wordFormat},       {key("started"), started.toString(Qt::ISODateWithMs)},
+        {key("package"), package},         {key("md5"), md5},
+        {key("interrupted"), interrupted}, {key("rows"), array}};
 }
 
-bool UpgradeSession::fromJson(const QJsonObject& json, UpgradeSession* session)
+bool UpgradeSession::fromJson(const QJsonObject& json, UpgradeSession* session, QString* problem)
 {
+    const auto refuse = [problem](const QString& reason) {
+        if (problem)
+            *problem = reason;
+        return false;
+    };
+    const QJsonValue format = json.value(key("format"));
+    if (!format.isUndefined() && format.toInt() != wordFormat)
+        return refuse(QStringLiteral("unknown format"));
     session->started =
         QDateTime::fromString(json.value(key("started")).toString(), Qt::ISODateWithMs);
     session->package = json.value(key("package")).toString();
     session->md5 = json.value(key("md5")).toString();
     session->interrupted = json.value(key("interrupted")).toBool();
     const QJsonArray array = json.value(key("rows")).toArray();
-    for (const QJsonValue& value : array)
-        session->rows << rowFromJson(value.toObject());
-    return session->started.isValid() && !session->rows.isEmpty();
+    for (const QJsonValue& value : array) {
+        UpgradeRow row;
+        const QString reason =
+            readRow(value.toObject(), format.isUndefined() ? numberFormat : wordFormat, &row);
+        if (!reason.isEmpty())
+            return refuse(reason);
+        session->rows << row;
+    }
+    if (!session->started.isValid() || session->rows.isEmpty())
+        return refuse(QStringLiteral("no batch"));
+    return true;
 }
 
 QStringList UpgradeText::headers()

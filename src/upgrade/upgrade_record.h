@@ -3,12 +3,17 @@
 
 #include <QDateTime>
 #include <QJsonObject>
+#include <QObject>
 #include <QString>
 #include <QVariantMap>
 #include <QVector>
 
 /// What is known of one box's upgrade. Plain data: UpgradeReport fills it, files keep it.
 struct UpgradeRow {
+    Q_GADGET
+
+public:
+    // The names of both are words in the journals on disk: a changed name makes them unreadable.
     enum class Stage {
         Preparing,    ///< nothing has been sent yet
         Uploading,    ///< the package is on its way, for the first or a later time
@@ -16,6 +21,7 @@ struct UpgradeRow {
         UploadFailed, ///< the batch ended without the box confirming the package
         Interrupted,  ///< the program ended in the middle; what the box did is not known
     };
+    Q_ENUM(Stage)
     enum class Settings {
         NotKept,    ///< nobody asked for it
         NotSaved,   ///< asked for, but they could not be read whole: nothing is written back
@@ -25,6 +31,7 @@ struct UpgradeRow {
         SomeFailed, ///< written back twice; `failedSettings` did not take
         Dropped,    ///< the operator did not want them back
     };
+    Q_ENUM(Settings)
     enum class Verdict { UnderWay, Proved, NotProved, Failed, Interrupted };
 
     /// What the box reports decides; what it was told does not.
@@ -67,8 +74,10 @@ struct UpgradeSession {
     QString baseName() const;
 
     QJsonObject toJson() const;
-    /// False when `json` is not what toJson() writes; texts are taken as they are.
-    static bool fromJson(const QJsonObject& json, UpgradeSession* session);
+    /// False when `json` is not what toJson() writes, or wrote when stages were numbers, or holds a
+    /// word that is not known here; `problem` is why. Other texts are taken as they are.
+    static bool fromJson(const QJsonObject& json, UpgradeSession* session,
+                         QString* problem = nullptr);
 };
 
 namespace UpgradeText
