@@ -17,6 +17,7 @@ public:
     /// `window` is the parent of the dialogs.
     BatchStart(TreeView* deviceView, BatchUpgrade& batch, QWidget* window);
 
+    // Both block and serve events.
     /// Lets the operator choose a package, then starts.
     void choosePackage();
     /// Starts with what was given, after a question; says why not when it cannot.

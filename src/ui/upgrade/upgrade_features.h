@@ -43,6 +43,8 @@ public:
     void noteMac(const QString& ip, const QString& mac) { m_engine.macHeard(ip, mac); }
     /// The update check has fetched a firmware package, which lies at `path`.
     void noteFetchedPackage(const QString& path);
+    /// Lets the operator choose a package for the selected boxes, and upgrades them. Blocks and
+    /// serves events; so does the next.
     void choosePackage() { m_start.choosePackage(); }
     void showMd5() { m_md5.run(); }
 
