@@ -36,7 +36,6 @@ public:
     void boxSeen(const QString& ip, const QString& mac);
     /// One written parameter has been read again; the type begins with checkType().
     void handleCheck(const HttpResult& result);
-    static QString saveType() { return QStringLiteral("saveConfig"); }
     static QString checkType() { return QStringLiteral("checkConfig"); }
 
     /// Settings saved by an earlier run wait for their boxes from now on.

@@ -32,18 +32,14 @@ ParameterPanel::ParameterPanel(const Hub& hub, const ParameterTable& table)
             m_read << row.name;
     }
     hub.exchange.onResult(requestType, [this](const HttpResult& result) { handleReply(result); });
-    connect(&hub.state, &HubState::readingWanted, this,
-            [this] { getConfigDeviceinfo(QString(), QString()); });
+    connect(&hub.state, &HubState::readingWanted, this, &ParameterPanel::getConfigDeviceinfo);
 }
 
-void ParameterPanel::getConfigDeviceinfo(const QString& suffix, const QString& ip)
+void ParameterPanel::getConfigDeviceinfo()
 {
-    const bool snapshot = !suffix.isEmpty();
-    const QString address = snapshot ? ip : m_hub.state.deviceIp();
-    const QString type = snapshot ? QStringLiteral("saveConfig") + suffix : requestType;
-    const QStringList parameters = snapshot ? BoxProtocol::configurationParameters() : m_read;
-    for (const QString& parameter : parameters)
-        m_hub.http.get(type, BoxProtocol::readUrl(address, parameter), false);
+    const QString address = m_hub.state.deviceIp();
+    for (const QString& parameter : m_read)
+        m_hub.http.get(requestType, BoxProtocol::readUrl(address, parameter), false);
 }
 
 void ParameterPanel::handleReply(const HttpResult& result)

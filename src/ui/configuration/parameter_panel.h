@@ -19,9 +19,8 @@ class ParameterPanel : public QObject
 public:
     ParameterPanel(const Hub& hub, const ParameterTable& table);
 
-    /// Reads every parameter of the panels. Empty `suffix`: of the selected box, into the panels.
-    /// Otherwise of the box at `ip`, for a snapshot named by `suffix` (its MAC address).
-    void getConfigDeviceinfo(const QString& suffix, const QString& ip);
+    /// Reads every parameter of the panels from the selected box.
+    void getConfigDeviceinfo();
 
     /// One parameter of a box has arrived.
     void handleReply(const HttpResult& result);
