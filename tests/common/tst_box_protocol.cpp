@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "common/box_protocol.h"
 #include "common/json_map.h"
+#include "tests/support/table.h"
 
 #include <QProcess>
 #include <QTest>
@@ -24,18 +25,18 @@ private slots:
 
 void tst_BoxProtocol::commandKeepsItsArguments_data()
 {
-    QTest::addColumn<QString>("value");
-    QTest::newRow("plain") << "fw.dat";
-    QTest::newRow("blanks") << "my  firmware file.dat";
-    QTest::newRow("quote inside") << "a\"b.dat";
-    QTest::newRow("quote at the start") << "\"b.dat";
-    QTest::newRow("quote at the end") << "b.dat\"";
-    QTest::newRow("only quotes") << "\"\"";
-    QTest::newRow("tries to add an argument") << "x\" -o /tmp/owned \"";
-    QTest::newRow("leading dash") << "-o";
-    QTest::newRow("numbers of the template") << "%1%2%3";
-    QTest::newRow("backslashes") << "C:\\fw\\new.dat\\";
-    QTest::newRow("other alphabets") << QString::fromUtf8("固件 \u200fעברית.dat");
+    columns<QString>("value");
+    row("plain", "fw.dat");
+    row("blanks", "my  firmware file.dat");
+    row("quote inside", "a\"b.dat");
+    row("quote at the start", "\"b.dat");
+    row("quote at the end", "b.dat\"");
+    row("only quotes", "\"\"");
+    row("tries to add an argument", "x\" -o /tmp/owned \"");
+    row("leading dash", "-o");
+    row("numbers of the template", "%1%2%3");
+    row("backslashes", "C:\\fw\\new.dat\\");
+    row("other alphabets", QString::fromUtf8("固件 \u200fעברית.dat"));
 }
 
 void tst_BoxProtocol::commandKeepsItsArguments()
@@ -70,18 +71,17 @@ void tst_BoxProtocol::fillReadsNoValueAgain()
 
 void tst_BoxProtocol::addresses_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("valid");
-    QTest::newRow("usual") << "192.168.1.254" << true;
-    QTest::newRow("zeros") << "0.0.0.0" << true;
-    QTest::newRow("too high") << "192.168.1.256" << false;
-    QTest::newRow("three parts") << "192.168.1" << false;
-    QTest::newRow("five parts") << "1.2.3.4.5" << false;
-    QTest::newRow("blank") << "1.2.3.4 " << false;
-    QTest::newRow("option") << "-f/etc/passwd" << false;
-    QTest::newRow("sign") << "1.2.3.+4" << false;
-    QTest::newRow("other digits") << QString::fromUtf8("١.٢.٣.٤") << false;
-    QTest::newRow("empty") << "" << false;
+    columns<QString, bool>("text", "valid");
+    row("usual", "192.168.1.254", true);
+    row("zeros", "0.0.0.0", true);
+    row("too high", "192.168.1.256", false);
+    row("three parts", "192.168.1", false);
+    row("five parts", "1.2.3.4.5", false);
+    row("blank", "1.2.3.4 ", false);
+    row("option", "-f/etc/passwd", false);
+    row("sign", "1.2.3.+4", false);
+    row("other digits", QString::fromUtf8("١.٢.٣.٤"), false);
+    row("empty", "", false);
 }
 
 void tst_BoxProtocol::addresses()
@@ -93,22 +93,14 @@ void tst_BoxProtocol::addresses()
 
 void tst_BoxProtocol::replies_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("status");
-    QTest::newRow("object") << R"({"status":"success"})"
-                            << "success";
-    QTest::newRow("array") << R"(["status","success"])"
-                           << "";
-    QTest::newRow("text") << R"("success")"
-                          << "";
-    QTest::newRow("torn") << R"({"status":"succ)"
-                          << "";
-    QTest::newRow("two in a row") << R"({"status":"success"}{"status":"x"})"
-                                  << "";
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("error page") << "<html>404</html>"
-                                << "";
+    columns<QString, QString>("text", "status");
+    row("object", R"({"status":"success"})", "success");
+    row("array", R"(["status","success"])", "");
+    row("text", R"("success")", "");
+    row("torn", R"({"status":"succ)", "");
+    row("two in a row", R"({"status":"success"}{"status":"x"})", "");
+    row("empty", "", "");
+    row("error page", "<html>404</html>", "");
 }
 
 void tst_BoxProtocol::replies()

@@ -4,11 +4,12 @@
 #include "common/json_map.h"
 #include "common/platform.h"
 #include "simulator/virtual_box.h"
+#include "tests/support/files.h"
+#include "tests/support/table.h"
 
 #include <QElapsedTimer>
 #include <QPointer>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 
 #include <algorithm>
@@ -17,7 +18,7 @@
 namespace
 {
 
-const QString boxIp = QStringLiteral("127.77.21.1");
+const QString boxIp = TEST_BLOCK ".1";
 
 } // namespace
 
@@ -77,15 +78,15 @@ void tst_CommandRunner::init()
 
 void tst_CommandRunner::textTravelsWhole_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::newRow("blanks") << "My  box name";
-    QTest::newRow("quotes") << R"(a "quoted" name")";
-    QTest::newRow("single quotes") << "it's";
-    QTest::newRow("backslashes") << R"(\\server\share\)";
-    QTest::newRow("placeholders") << "%1 %2 %3";
-    QTest::newRow("other alphabets") << QString::fromUtf8("舞台左 무대 Bühne");
-    QTest::newRow("tries to add arguments") << R"(x" -o /tmp/evil http://127.0.0.1 ")";
-    QTest::newRow("markup") << "<b>&amp;</b>";
+    columns<QString>("text");
+    row("blanks", "My  box name");
+    row("quotes", R"(a "quoted" name")");
+    row("single quotes", "it's");
+    row("backslashes", R"(\\server\share\)");
+    row("placeholders", "%1 %2 %3");
+    row("other alphabets", QString::fromUtf8("舞台左 무대 Bühne"));
+    row("tries to add arguments", R"(x" -o /tmp/evil http://127.0.0.1 ")");
+    row("markup", "<b>&amp;</b>");
 }
 
 void tst_CommandRunner::textTravelsWhole()
@@ -115,11 +116,11 @@ void tst_CommandRunner::asynchronousReply()
 
 void tst_CommandRunner::waitingServesEventsAndEnds_data()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::newRow("silent box") << "silent";
-    QTest::newRow("box hangs up") << "hang-up 0";
-    QTest::newRow("10 MB of garbage") << "huge 10000000";
-    QTest::newRow("closed port") << "refuse";
+    columns<QString>("fault");
+    row("silent box", "silent");
+    row("box hangs up", "hang-up 0");
+    row("10 MB of garbage", "huge 10000000");
+    row("closed port", "refuse");
 }
 
 void tst_CommandRunner::waitingServesEventsAndEnds()
@@ -184,20 +185,13 @@ void tst_CommandRunner::burstStartsOneATurn()
 
 void tst_CommandRunner::everyEventIsLogged()
 {
-    const QString key = "127.77.21.99";
+    const QString key = TEST_BLOCK ".99";
     const QString command = BoxProtocol::controlCommand("hxenc_on", boxIp);
     m_runner->execCurl(key, command, {});
     QTRY_COMPARE(m_ended, 1);
     m_runner->execCurlWait(key, command);
-    const auto log = [&] {
-        QFile file(m_data.path() + "/Tarn Hub/log/" + QDate::currentDate().toString("yyyy-MM-dd") +
-                   "---" + key + "_tarn_hub.txt");
-        return file.open(QIODevice::ReadOnly)
-                   ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
-                   : QStringList();
-    };
-    QTRY_COMPARE(log().size(), 5);
-    const QString all = log().join('\n');
+    QTRY_COMPARE(linesOf(logFile(key)).size(), 5);
+    const QString all = linesOf(logFile(key)).join('\n');
     for (const char* part : {":Tarn_Hub::execCurl]", ":Tarn_Hub::execCurlWait]",
                              ":Tarn_Hub::R_readyReadStandardOutput]", ":Tarn_Hub::R_stateChanged]",
                              "  执行Curl   curl -d \"action=hxenc_on\"", "  执行Curl返回数据   {",

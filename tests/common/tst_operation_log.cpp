@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "common/data_path.h"
 #include "common/operation_log.h"
+#include "tests/support/files.h"
+#include "tests/support/table.h"
 
-#include <QDate>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 
 class tst_OperationLog : public QObject
 {
@@ -25,9 +23,6 @@ private slots:
     void unwritableFolderIsSilent();
 
 private:
-    QString logFile(const QString& key, const QString& ending) const;
-    static QStringList lines(const QString& path);
-
     QTemporaryDir m_root;
 };
 
@@ -36,20 +31,6 @@ void tst_OperationLog::initTestCase()
     QVERIFY(m_root.isValid());
     // As Windows writes it.
     qputenv("APPDATA", QString(m_root.path()).replace('/', '\\').toUtf8());
-}
-
-QString tst_OperationLog::logFile(const QString& key, const QString& ending) const
-{
-    return m_root.path() + "/Tarn Hub/log/" + QDate::currentDate().toString("yyyy-MM-dd") + "---" +
-           key + ending;
-}
-
-QStringList tst_OperationLog::lines(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
 }
 
 void tst_OperationLog::dataFolder()
@@ -63,21 +44,20 @@ void tst_OperationLog::recordHasItsForm()
 {
     writeLog("10.0.0.1",
              logLine("123  执行Curl   curl %1 \"x\"", "src/a.cpp", 7, "Item::execCurl"));
-    const QString path = logFile("10.0.0.1", "_tarn_hub.txt");
-    QTRY_COMPARE(lines(path).size(), 1);
+    const QString path = logFile("10.0.0.1");
+    QTRY_COMPARE(linesOf(path).size(), 1);
     const QRegularExpression form(
         "^\\[ID\\]\\d+ \\[\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d:\\d{3}\\]"
         "\\[123  执行Curl   curl %1 \"x\"\\]\\[src/a\\.cpp:7:Item::execCurl\\]\\[\\]"
         "\\[iThreadCnt\\]\\d+$");
-    QVERIFY2(form.match(lines(path).first()).hasMatch(), qPrintable(lines(path).first()));
+    QVERIFY2(form.match(linesOf(path).first()).hasMatch(), qPrintable(linesOf(path).first()));
 }
 
 void tst_OperationLog::noRecordIsLost_data()
 {
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<int>("count");
-    QTest::newRow("one pool full") << "burst-30" << 30;
-    QTest::newRow("far more than the pool") << "burst-3000" << 3000;
+    columns<QString, int>("key", "count");
+    row("one pool full", "burst-30", 30);
+    row("far more than the pool", "burst-3000", 3000);
 }
 
 void tst_OperationLog::noRecordIsLost()
@@ -89,7 +69,7 @@ void tst_OperationLog::noRecordIsLost()
         writeLog(key, QString("<%1 %2>").arg(i).arg(filler));
 
     const auto records = [&] {
-        return lines(logFile(key, "_tarn_hub.txt")) + lines(logFile(key, "_tarn_hub_overtake.txt"));
+        return linesOf(logFile(key)) + linesOf(logFile(key, "_tarn_hub_overtake.txt"));
     };
     QTRY_COMPARE_WITH_TIMEOUT(records().size(), count, 20000);
     QSet<int> seen;
@@ -113,15 +93,15 @@ void tst_OperationLog::writersWorkAtTheSameTime()
         writeLog("10.0.0.2", QString(200000, 'x'));
     const qint64 elapsed = clock.elapsed();
     QVERIFY2(elapsed < 1000, qPrintable(QString::number(elapsed)));
-    QTRY_COMPARE_WITH_TIMEOUT(lines(logFile("10.0.0.2", "_tarn_hub.txt")).size() +
-                                  lines(logFile("10.0.0.2", "_tarn_hub_overtake.txt")).size(),
+    QTRY_COMPARE_WITH_TIMEOUT(linesOf(logFile("10.0.0.2")).size() +
+                                  linesOf(logFile("10.0.0.2", "_tarn_hub_overtake.txt")).size(),
                               30, 20000);
 }
 
 void tst_OperationLog::keyNamesNoOtherFolder()
 {
     writeLog("http-../../evil", "x");
-    QTRY_COMPARE(lines(logFile("http-.._.._evil", "_tarn_hub.txt")).size(), 1);
+    QTRY_COMPARE(linesOf(logFile("http-.._.._evil")).size(), 1);
 }
 
 void tst_OperationLog::unwritableFolderIsSilent()

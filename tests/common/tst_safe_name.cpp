@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "common/safe_name.h"
+#include "tests/support/table.h"
 
 #include <QDir>
 #include <QTest>
@@ -15,33 +16,20 @@ private slots:
 
 void tst_SafeName::staysInItsFolder_data()
 {
-    QTest::addColumn<QString>("offered");
-    QTest::addColumn<QString>("name");
-    QTest::newRow("usual") << "KORA_1.2.0.623.dat"
-                           << "KORA_1.2.0.623.dat";
-    QTest::newRow("blank") << "my clip.mp4"
-                           << "my clip.mp4";
-    QTest::newRow("other alphabets") << "录像.mp4"
-                                     << "录像.mp4";
-    QTest::newRow("upwards") << "../../x.mp4"
-                             << "x.mp4";
-    QTest::newRow("only upwards") << ".."
-                                  << "download";
-    QTest::newRow("absolute") << "/etc/passwd"
-                              << "passwd";
-    QTest::newRow("windows path") << "C:\\Windows\\x.exe"
-                                  << "x.exe";
-    QTest::newRow("stream of a file") << "a:b?.mp4"
-                                      << "ab.mp4";
-    QTest::newRow("hidden") << ".bashrc"
-                            << "bashrc";
-    QTest::newRow("reserved") << "CON.txt"
-                              << "_CON.txt";
-    QTest::newRow("control characters") << QString("a\n\tb\x7f.mp4") << "ab.mp4";
-    QTest::newRow("trailing dot") << "x.mp4. "
-                                  << "x.mp4";
-    QTest::newRow("nothing left") << "///"
-                                  << "download";
+    columns<QString, QString>("offered", "name");
+    row("usual", "KORA_1.2.0.623.dat", "KORA_1.2.0.623.dat");
+    row("blank", "my clip.mp4", "my clip.mp4");
+    row("other alphabets", "录像.mp4", "录像.mp4");
+    row("upwards", "../../x.mp4", "x.mp4");
+    row("only upwards", "..", "download");
+    row("absolute", "/etc/passwd", "passwd");
+    row("windows path", "C:\\Windows\\x.exe", "x.exe");
+    row("stream of a file", "a:b?.mp4", "ab.mp4");
+    row("hidden", ".bashrc", "bashrc");
+    row("reserved", "CON.txt", "_CON.txt");
+    row("control characters", QString("a\n\tb\x7f.mp4"), "ab.mp4");
+    row("trailing dot", "x.mp4. ", "x.mp4");
+    row("nothing left", "///", "download");
 }
 
 void tst_SafeName::staysInItsFolder()

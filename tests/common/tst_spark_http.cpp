@@ -3,19 +3,14 @@
 #include "common/spark_download.h"
 #include "common/spark_http.h"
 #include "simulator/virtual_box.h"
+#include "tests/support/files.h"
+#include "tests/support/scripted_server.h"
+#include "tests/support/table.h"
 
-#include <QCryptographicHash>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QSslCertificate>
-#include <QSslKey>
-#include <QSslSocket>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 
 #include <memory>
@@ -23,32 +18,8 @@
 namespace
 {
 
-const QString boxIp = QStringLiteral("127.77.20.1");
-
-/// Answers every request with the same bytes and closes: for what no box would ever send.
-class CannedServer : public QTcpServer
-{
-public:
-    explicit CannedServer(const QByteArray& answer)
-    {
-        connect(this, &QTcpServer::newConnection, this, [this, answer] {
-            QTcpSocket* socket = nextPendingConnection();
-            connect(socket, &QTcpSocket::readyRead, socket, [socket, answer] {
-                const QByteArray request = socket->readAll();
-                const int end = answer.indexOf("\r\n\r\n") + 4;
-                socket->write(request.startsWith("HEAD") ? answer.left(end) : answer);
-                socket->disconnectFromHost();
-            });
-            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        });
-        listen(QHostAddress(QStringLiteral("127.77.20.9")));
-    }
-
-    QString url(const QString& path) const
-    {
-        return QStringLiteral("http://127.77.20.9:%1/%2").arg(serverPort()).arg(path);
-    }
-};
+const QString boxIp = TEST_BLOCK ".1";
+const QString serverIp = TEST_BLOCK ".9";
 
 /// Made for these tests and known to nobody: a certificate that no computer trusts, and its key.
 const char* const untrustedCertificate =
@@ -70,49 +41,10 @@ const char* const untrustedKey =
     "8KdpBKA2yfNsJxuufB0QA/YUsGr+McLaYTSl2kTF7xywexufpQ/3nLBe\n"
     "-----END PRIVATE KEY-----\n";
 
-/// Answers every request over TLS with the same bytes.
-class SelfSignedServer : public QTcpServer
-{
-public:
-    explicit SelfSignedServer(const QByteArray& answer) : m_answer(answer)
-    {
-        listen(QHostAddress(QStringLiteral("127.77.20.9")));
-    }
-
-    QString url(const QString& path) const
-    {
-        return QStringLiteral("https://127.77.20.9:%1/%2").arg(serverPort()).arg(path);
-    }
-
-protected:
-    void incomingConnection(qintptr handle) override
-    {
-        auto* socket = new QSslSocket(this);
-        socket->setSocketDescriptor(handle);
-        socket->setLocalCertificate(QSslCertificate(QByteArray(untrustedCertificate)));
-        socket->setPrivateKey(QSslKey(QByteArray(untrustedKey), QSsl::Ec));
-        connect(socket, &QSslSocket::readyRead, socket, [this, socket] {
-            socket->readAll();
-            socket->write(m_answer);
-            socket->disconnectFromHost();
-        });
-        connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
-        socket->startServerEncryption();
-    }
-
-private:
-    const QByteArray m_answer;
-};
-
 QByteArray fileAnswer(const QByteArray& body, const QByteArray& extraHeader = {})
 {
     return "HTTP/1.1 200 OK\r\nConnection: close\r\n" + extraHeader +
            "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
-}
-
-QString md5(const QByteArray& data)
-{
-    return QString::fromLatin1(QCryptographicHash::hash(data, QCryptographicHash::Md5).toHex());
 }
 
 } // namespace
@@ -177,13 +109,13 @@ void tst_SparkHttp::answerCarriesItsTags()
 
 void tst_SparkHttp::failuresGiveAnEmptyBody_data()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::newRow("silent") << "silent";
-    QTest::newRow("closed port") << "refuse";
-    QTest::newRow("hangs up half-way") << "hang-up 50";
-    QTest::newRow("hangs up at once") << "hang-up 0";
-    QTest::newRow("HTTP error") << "http-error 500";
-    QTest::newRow("10 MB") << "huge 10000000";
+    columns<QString>("fault");
+    row("silent", "silent");
+    row("closed port", "refuse");
+    row("hangs up half-way", "hang-up 50");
+    row("hangs up at once", "hang-up 0");
+    row("HTTP error", "http-error 500");
+    row("10 MB", "huge 10000000");
 }
 
 void tst_SparkHttp::failuresGiveAnEmptyBody()
@@ -222,126 +154,117 @@ void tst_SparkHttp::blockingReadsMayNest()
 void tst_SparkHttp::successIsLogged()
 {
     const QString id = m_http->get("x", read("eParam_HardVersion"), false);
-    const QString path = m_data.path() + "/Tarn Hub/log/" +
-                         QDate::currentDate().toString("yyyy-MM-dd") + "---http-" + boxIp +
-                         "_tarn_hub.txt";
-    const auto records = [&] {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly)
-                   ? QString::fromUtf8(file.readAll()).split('\n').filter(id)
-                   : QStringList();
-    };
+    const auto records = [&] { return linesOf(logFile("http-" + boxIp)).filter(id); };
     QTRY_COMPARE(records().size(), 2);
     const QString both = records().join('\n');
-    QVERIFY(both.contains(id + "  http请求 http://127.77.20.1:8081/config"));
+    QVERIFY(both.contains(id + "  http请求 http://" TEST_BLOCK ".1:8081/config"));
     QVERIFY(both.contains(id + "  http请求结果 {"));
     QVERIFY(both.contains(":Spark_Http::R_finished]"));
 }
 
 void tst_SparkHttp::downloadsNeverOverwrite()
 {
-    const CannedServer server(fileAnswer("new"));
+    const ScriptedServer server(serverIp, fileAnswer("new"), ScriptedServer::Closes);
     QTemporaryDir folder;
     const QString base = folder.path() + "/";
-    QCOMPARE(m_http->downloadFile(server.url("set.up.exe"), base), base + "set.up.exe");
-    QCOMPARE(m_http->downloadFile(server.url("set.up.exe"), base), base + "set.up0.exe");
-    QCOMPARE(m_http->downloadFile(server.url("set.up.exe"), base), base + "set.up1.exe");
-    QCOMPARE(m_http->downloadFile(server.url(""), base), base + "download");
-    QFile file(base + "set.up1.exe");
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), QByteArray("new"));
+    QCOMPARE(m_http->downloadFile(server.url("http", "set.up.exe"), base), base + "set.up.exe");
+    QCOMPARE(m_http->downloadFile(server.url("http", "set.up.exe"), base), base + "set.up0.exe");
+    QCOMPARE(m_http->downloadFile(server.url("http", "set.up.exe"), base), base + "set.up1.exe");
+    QCOMPARE(m_http->downloadFile(server.url("http", ""), base), base + "download");
+    QCOMPARE(readFile(base + "set.up1.exe"), QByteArray("new"));
 }
 
 void tst_SparkHttp::brokenDownloadLeavesNothing_data()
 {
-    QTest::addColumn<QByteArray>("answer");
-    QTest::newRow("not found") << QByteArray("HTTP/1.1 404 No\r\nContent-Length: 3\r\n\r\nnot");
-    QTest::newRow("redirect") << QByteArray("HTTP/1.1 302 Go\r\nLocation: /other\r\n"
-                                            "Content-Length: 3\r\n\r\nnot");
-    QTest::newRow("cut off") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\nhalf");
+    columns<QByteArray>("answer");
+    row("not found", QByteArray("HTTP/1.1 404 No\r\nContent-Length: 3\r\n\r\nnot"));
+    row("redirect", QByteArray("HTTP/1.1 302 Go\r\nLocation: /other\r\n"
+                               "Content-Length: 3\r\n\r\nnot"));
+    row("cut off", QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\nhalf"));
 }
 
 void tst_SparkHttp::brokenDownloadLeavesNothing()
 {
     QFETCH(QByteArray, answer);
-    const CannedServer server(answer);
+    const ScriptedServer server(serverIp, answer, ScriptedServer::Closes);
     QTemporaryDir folder;
-    QCOMPARE(m_http->downloadFile(server.url("a.exe"), folder.path() + "/"), QString());
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList());
+    QCOMPARE(m_http->downloadFile(server.url("http", "a.exe"), folder.path() + "/"), QString());
+    QCOMPARE(filesIn(folder.path()), QStringList());
 }
 
 void tst_SparkHttp::tooLongDownloadIsGivenUp_data()
 {
-    QTest::addColumn<QByteArray>("head");
-    QTest::newRow("announced") << QByteArray("Content-Length: 9000000000000\r\n");
-    QTest::newRow("unannounced") << QByteArray();
+    columns<QByteArray>("head");
+    row("announced", QByteArray("Content-Length: 9000000000000\r\n"));
+    row("unannounced", QByteArray());
 }
 
 /// Neither waits for the server, which never ends.
 void tst_SparkHttp::tooLongDownloadIsGivenUp()
 {
     QFETCH(QByteArray, head);
-    QTcpServer server;
-    QVERIFY(server.listen(QHostAddress("127.77.20.9")));
-    connect(&server, &QTcpServer::newConnection, &server, [&] {
-        QTcpSocket* socket = server.nextPendingConnection();
-        socket->write("HTTP/1.1 200 OK\r\nConnection: close\r\n" + head + "\r\n" +
-                      QByteArray(head.isEmpty() ? 300000 : 10, 'x'));
-    });
+    const ScriptedServer server(serverIp,
+                                "HTTP/1.1 200 OK\r\nConnection: close\r\n" + head + "\r\n" +
+                                    QByteArray(head.isEmpty() ? 300000 : 10, 'x'),
+                                ScriptedServer::Unasked);
     QTemporaryDir folder;
-    SparkDownload download(QString("http://127.77.20.9:%1/a.exe").arg(server.serverPort()),
-                           folder.path() + "/");
+    SparkDownload download(server.url("http", "a.exe"), folder.path() + "/");
     if (head.isEmpty())
         download.setSizeLimit(200000);
     QSignalSpy ended(&download, &SparkDownload::finished);
     download.start();
     QTRY_COMPARE(ended.size(), 1);
     QCOMPARE(ended.first().first().toString(), QString());
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList());
+    QCOMPARE(filesIn(folder.path()), QStringList());
 }
 
 /// A box or a closed network may have any certificate, what is to be installed may not.
 void tst_SparkHttp::certificatesOfDownloadsAreChecked()
 {
     QVERIFY(QSslSocket::supportsSsl());
-    const SelfSignedServer server(fileAnswer("new"));
-    QVERIFY(server.isListening());
-    QCOMPARE(m_http->get("x", server.url("a.json"), true), QString("new"));
+    ScriptedServer server(serverIp, fileAnswer("new"), ScriptedServer::Closes);
+    server.encrypt(untrustedCertificate, untrustedKey);
+    QCOMPARE(m_http->get("x", server.url("https", "a.json"), true), QString("new"));
     QTemporaryDir folder;
-    QCOMPARE(m_http->downloadFile(server.url("a.exe"), folder.path() + "/"), QString());
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList());
+    QCOMPARE(m_http->downloadFile(server.url("https", "a.exe"), folder.path() + "/"), QString());
+    QCOMPARE(filesIn(folder.path()), QStringList());
 }
 
 void tst_SparkHttp::checkedDownload()
 {
     const QByteArray body(3000000, 'f');
-    const CannedServer server(
-        fileAnswer(body, "Content-Disposition: attachment; filename=\"fw 1.dat\"; x=y\r\n"));
+    const ScriptedServer server(
+        serverIp,
+        fileAnswer(body, "Content-Disposition: attachment; filename=\"fw 1.dat\"; x=y\r\n"),
+        ScriptedServer::Closes);
     QTemporaryDir folder;
     const QString base = folder.path() + "/";
-    QCOMPARE(m_http->downloadFileChecked(server.url("get"), base, md5(body)), base + "fw 1.dat");
+    QCOMPARE(m_http->downloadFileChecked(server.url("http", "get"), base, md5Of(body)),
+             base + "fw 1.dat");
     // An older file of the same name is replaced; a good one is kept.
-    QFile file(base + "fw 1.dat");
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("old");
-    file.close();
-    QCOMPARE(m_http->downloadFileChecked(server.url("get"), base, md5(body)), base + "fw 1.dat");
-    QCOMPARE(QFileInfo(file).size(), qint64(body.size()));
-    QCOMPARE(m_http->downloadFileChecked(server.url("get"), base, md5("other")), QString());
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList());
-    const CannedServer nameless(fileAnswer(body));
-    QCOMPARE(m_http->downloadFileChecked(nameless.url("fw.dat"), base, md5(body)), QString());
+    writeFile(base + "fw 1.dat", "old");
+    QCOMPARE(m_http->downloadFileChecked(server.url("http", "get"), base, md5Of(body)),
+             base + "fw 1.dat");
+    QCOMPARE(readFile(base + "fw 1.dat"), body);
+    QCOMPARE(m_http->downloadFileChecked(server.url("http", "get"), base, md5Of("other")),
+             QString());
+    QCOMPARE(filesIn(folder.path()), QStringList());
+    const ScriptedServer nameless(serverIp, fileAnswer(body), ScriptedServer::Closes);
+    QCOMPARE(m_http->downloadFileChecked(nameless.url("http", "fw.dat"), base, md5Of(body)),
+             QString());
 }
 
 void tst_SparkHttp::checkedDownloadStaysInItsFolder()
 {
     const QByteArray body("firmware");
-    const CannedServer server(
-        fileAnswer(body, "Content-Disposition: attachment; filename=../../evil.dat\r\n"));
+    const ScriptedServer server(
+        serverIp, fileAnswer(body, "Content-Disposition: attachment; filename=../../evil.dat\r\n"),
+        ScriptedServer::Closes);
     QTemporaryDir folder;
     QVERIFY(QDir(folder.path()).mkpath("a/b"));
     const QString base = folder.path() + "/a/b/";
-    QCOMPARE(m_http->downloadFileChecked(server.url("get"), base, md5(body)), base + "evil.dat");
+    QCOMPARE(m_http->downloadFileChecked(server.url("http", "get"), base, md5Of(body)),
+             base + "evil.dat");
     QVERIFY(!QFileInfo::exists(folder.path() + "/evil.dat"));
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "crash/crash_dumps.h"
 #include "crash/crash_handler_file.h"
+#include "tests/support/table.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -134,31 +135,19 @@ QString tst_CrashHandler::dumpOf(const QStringList& way, int signal)
 
 void tst_CrashHandler::crashes_data()
 {
-    QTest::addColumn<int>("signal");
-    QTest::addColumn<QString>("signalName");
-    QTest::addColumn<QString>("function");
-    QTest::newRow("null") << SIGSEGV << "SIGSEGV"
-                          << "writeToNowhere";
-    QTest::newRow("jump") << SIGSEGV << "SIGSEGV"
-                          << "jumpToNowhere";
-    QTest::newRow("divide") << SIGFPE << "SIGFPE"
-                            << "divideBy";
-    QTest::newRow("overflow") << SIGSEGV << "SIGSEGV"
-                              << "runOutOfStack";
-    QTest::newRow("abort") << SIGABRT << "SIGABRT"
-                           << "giveUp";
+    columns<int, QString, QString>("signal", "signalName", "function");
+    row("null", SIGSEGV, "SIGSEGV", "writeToNowhere");
+    row("jump", SIGSEGV, "SIGSEGV", "jumpToNowhere");
+    row("divide", SIGFPE, "SIGFPE", "divideBy");
+    row("overflow", SIGSEGV, "SIGSEGV", "runOutOfStack");
+    row("abort", SIGABRT, "SIGABRT", "giveUp");
 #ifndef __SANITIZE_ADDRESS__ // which sees this coming
-    QTest::newRow("heap") << SIGABRT << "SIGABRT"
-                          << "freeTwice";
+    row("heap", SIGABRT, "SIGABRT", "freeTwice");
 #endif
-    QTest::newRow("exception") << SIGABRT << "SIGABRT"
-                               << "throwUncaught";
-    QTest::newRow("fatal") << SIGABRT << "SIGABRT"
-                           << "QMessageLogger::fatal";
-    QTest::newRow("thread") << SIGSEGV << "SIGSEGV"
-                            << "writeToNowhere";
-    QTest::newRow("thread-overflow") << SIGSEGV << "SIGSEGV"
-                                     << "runOutOfStack";
+    row("exception", SIGABRT, "SIGABRT", "throwUncaught");
+    row("fatal", SIGABRT, "SIGABRT", "QMessageLogger::fatal");
+    row("thread", SIGSEGV, "SIGSEGV", "writeToNowhere");
+    row("thread-overflow", SIGSEGV, "SIGSEGV", "runOutOfStack");
 }
 
 void tst_CrashHandler::crashes()
@@ -243,13 +232,13 @@ void tst_CrashHandler::showsRegisters()
 
 void tst_CrashHandler::writesWhereTheSystemForbids_data()
 {
-    QTest::addColumn<QStringList>("refused");
-    QTest::newRow("stopping other threads") << QStringList{"no-trace"};
-    QTest::newRow("reading another process") << QStringList{"no-reading"};
-    QTest::newRow("both") << QStringList{"no-trace", "no-reading"};
-    QTest::newRow("a second process") << QStringList{"no-fork"};
-    QTest::newRow("what the writer cannot survive") << QStringList{"writer-faults"};
-    QTest::newRow("everything") << QStringList{"no-trace", "no-reading", "no-fork"};
+    columns<QStringList>("refused");
+    row("stopping other threads", QStringList{"no-trace"});
+    row("reading another process", QStringList{"no-reading"});
+    row("both", QStringList{"no-trace", "no-reading"});
+    row("a second process", QStringList{"no-fork"});
+    row("what the writer cannot survive", QStringList{"writer-faults"});
+    row("everything", QStringList{"no-trace", "no-reading", "no-fork"});
 }
 
 void tst_CrashHandler::writesWhereTheSystemForbids()
@@ -266,11 +255,9 @@ void tst_CrashHandler::writesWhereTheSystemForbids()
 
 void tst_CrashHandler::endsWhenTheHandlerFails_data()
 {
-    QTest::addColumn<QString>("failure");
-    QTest::addColumn<int>("signal");
-    QTest::addColumn<int>("limitMs");
-    QTest::newRow("it faults itself") << "handler-faults" << SIGSYS << 5000;
-    QTest::newRow("the writer hangs") << "writer-hangs" << SIGSEGV << 10000;
+    columns<QString, int, int>("failure", "signal", "limitMs");
+    row("it faults itself", "handler-faults", SIGSYS, 5000);
+    row("the writer hangs", "writer-hangs", SIGSEGV, 10000);
 }
 
 void tst_CrashHandler::endsWhenTheHandlerFails()

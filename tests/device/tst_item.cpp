@@ -2,11 +2,8 @@
 #include "common/box_protocol.h"
 #include "device/item.h"
 #include "simulator/virtual_box.h"
+#include "tests/support/files.h"
 
-#include <QCryptographicHash>
-#include <QElapsedTimer>
-#include <QPointer>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -15,7 +12,7 @@
 namespace
 {
 
-const QString boxIp = QStringLiteral("127.77.22.1");
+const QString boxIp = TEST_BLOCK ".1";
 
 } // namespace
 
@@ -46,12 +43,8 @@ private:
 void tst_Item::initTestCase()
 {
     qputenv("APPDATA", m_data.path().toUtf8());
-    m_file = m_data.path() + "/KORA 1.2.0.623.dat";
-    QFile file(m_file);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    const QByteArray firmware(200000, 'k');
-    file.write(firmware);
-    m_md5 = QCryptographicHash::hash(firmware, QCryptographicHash::Md5).toHex();
+    m_file = writePackage(m_data.path() + "/KORA 1.2.0.623.dat", 200000);
+    m_md5 = md5Of(readFile(m_file));
 }
 
 void tst_Item::init()

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "device/item.h"
 #include "simulator/virtual_box.h"
+#include "tests/support/files.h"
+#include "tests/support/table.h"
 
-#include <QDir>
-#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <memory>
 
 namespace
 {
 
-const QString boxIp = QStringLiteral("127.77.45.1");
+const QString boxIp = TEST_BLOCK ".1";
 
 } // namespace
 
@@ -38,7 +37,7 @@ private slots:
 
 private:
     DownloadResult download(const QString& name);
-    QStringList files() const { return QDir(m_folder->path()).entryList(QDir::Files, QDir::Name); }
+    QStringList files() const { return filesIn(m_folder->path()); }
     std::unique_ptr<Item> recording(const QString& name) const;
 
     QTemporaryDir m_data;
@@ -89,38 +88,22 @@ DownloadResult tst_Recording::download(const QString& name)
 
 void tst_Recording::namesStayInTheirFolder_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("file");
-    QTest::newRow("plain") << "show.mp4"
-                           << "show.mp4";
-    QTest::newRow("blank") << "evening show 2.mp4"
-                           << "evening show 2.mp4";
-    QTest::newRow("way up") << "../../x.mp4"
-                            << "x.mp4";
-    QTest::newRow("absolute") << "/tmp/x.mp4"
-                              << "x.mp4";
-    QTest::newRow("other system's separator") << "a\\b.mp4"
-                                              << "b.mp4";
-    QTest::newRow("drive") << "C:x.mp4"
-                           << "Cx.mp4";
-    QTest::newRow("reserved") << "con.mp4"
-                              << "_con.mp4";
-    QTest::newRow("quotes") << "the \"best\" 'take'.mp4"
-                            << "the best 'take'.mp4";
-    QTest::newRow("fragment") << "take #3.mp4"
-                              << "take #3.mp4";
-    QTest::newRow("query") << "why?.mp4"
-                           << "why.mp4";
-    QTest::newRow("percent") << "100%25.mp4"
-                             << "100%25.mp4";
-    QTest::newRow("braces of curl's own") << "{a,b}[1-3].mp4"
-                                          << "{a,b}[1-3].mp4";
-    QTest::newRow("letters of all kinds")
-        << QString::fromUtf8("晚会 공연 ñ.mp4") << QString::fromUtf8("晚会 공연 ñ.mp4");
-    QTest::newRow("an option of curl") << "-o evil.mp4"
-                                       << "-o evil.mp4";
-    QTest::newRow("hidden") << ".mp4"
-                            << "mp4";
+    columns<QString, QString>("name", "file");
+    row("plain", "show.mp4", "show.mp4");
+    row("blank", "evening show 2.mp4", "evening show 2.mp4");
+    row("way up", "../../x.mp4", "x.mp4");
+    row("absolute", "/tmp/x.mp4", "x.mp4");
+    row("other system's separator", "a\\b.mp4", "b.mp4");
+    row("drive", "C:x.mp4", "Cx.mp4");
+    row("reserved", "con.mp4", "_con.mp4");
+    row("quotes", "the \"best\" 'take'.mp4", "the best 'take'.mp4");
+    row("fragment", "take #3.mp4", "take #3.mp4");
+    row("query", "why?.mp4", "why.mp4");
+    row("percent", "100%25.mp4", "100%25.mp4");
+    row("braces of curl's own", "{a,b}[1-3].mp4", "{a,b}[1-3].mp4");
+    row("letters of all kinds", "晚会 공연 ñ.mp4", "晚会 공연 ñ.mp4");
+    row("an option of curl", "-o evil.mp4", "-o evil.mp4");
+    row("hidden", ".mp4", "mp4");
 }
 
 void tst_Recording::namesStayInTheirFolder()
@@ -132,20 +115,15 @@ void tst_Recording::namesStayInTheirFolder()
     const DownloadResult result = download(name);
     QVERIFY2(result.succeeded, qPrintable(result.reason));
     QCOMPARE(files(), QStringList(file));
-    QFile local(m_folder->path() + "/" + file);
-    QCOMPARE(result.path, local.fileName());
-    QVERIFY(local.open(QIODevice::ReadOnly));
-    QCOMPARE(local.readAll(), content);
+    QCOMPARE(result.path, m_folder->path() + "/" + file);
+    QCOMPARE(readFile(result.path), content);
 }
 
 void tst_Recording::nothingIsOverwritten()
 {
     m_box->addRecording("a.mp4", "new");
-    for (const char* name : {"a.mp4", "a0.mp4"}) {
-        QFile mine(m_folder->path() + "/" + name);
-        QVERIFY(mine.open(QIODevice::WriteOnly));
-        mine.write("mine");
-    }
+    for (const char* name : {"/a.mp4", "/a0.mp4"})
+        writeFile(m_folder->path() + name, "mine");
     // Two at once do not take the same name either.
     const auto other = recording("a.mp4");
     bool ended = false;
@@ -154,22 +132,17 @@ void tst_Recording::nothingIsOverwritten()
     QCOMPARE(download("a.mp4").path, m_folder->path() + "/a2.mp4");
     QTRY_VERIFY(ended);
     QCOMPARE(files(), QStringList({"a.mp4", "a0.mp4", "a1.mp4", "a2.mp4"}));
-    QFile mine(m_folder->path() + "/a.mp4");
-    QVERIFY(mine.open(QIODevice::ReadOnly));
-    QCOMPARE(mine.readAll(), QByteArray("mine"));
+    QCOMPARE(readFile(m_folder->path() + "/a.mp4"), QByteArray("mine"));
 }
 
 void tst_Recording::brokenDownloadsSayWhy_data()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("no such file") << "" << QString::fromUtf8("设备上没有此文件");
-    QTest::newRow("server error") << "http-error 503 on media"
-                                  << QString::fromUtf8("设备回应错误 503");
-    QTest::newRow("fewer bytes") << "hang-up 50 on media"
-                                 << QString::fromUtf8("传输中断,文件不完整");
-    QTest::newRow("nothing") << "hang-up 0 on media" << QString::fromUtf8("传输中断,文件不完整");
-    QTest::newRow("box gone") << "refuse" << QString::fromUtf8("无法连接设备");
+    columns<QString, QString>("fault", "reason");
+    row("no such file", "", "设备上没有此文件");
+    row("server error", "http-error 503 on media", "设备回应错误 503");
+    row("fewer bytes", "hang-up 50 on media", "传输中断,文件不完整");
+    row("nothing", "hang-up 0 on media", "传输中断,文件不完整");
+    row("box gone", "refuse", "无法连接设备");
 }
 
 void tst_Recording::brokenDownloadsSayWhy()
@@ -231,7 +204,7 @@ void tst_Recording::folderThatTakesNoFiles()
     m_folder->remove();
     const DownloadResult result = download("a.mp4");
     QVERIFY(!result.succeeded);
-    QCOMPARE(result.reason, QString::fromUtf8("无法写入文件"));
+    QCOMPARE(result.reason, QString("无法写入文件"));
 }
 
 void tst_Recording::deletion()

@@ -2,6 +2,7 @@
 #include "device/spark_thread.h"
 
 #include "common/platform.h"
+#include "tests/support/files.h"
 
 #include <QElapsedTimer>
 #include <QPointer>
@@ -23,26 +24,18 @@ private slots:
     void stopEndsTheTool();
 
 private:
-    QString script(const QString& text);
+    QString script(const QByteArray& text) const
+    {
+        return writeScript(m_folder.path() + QString("/tool %1").arg(qHash(text)), text);
+    }
 
     QTemporaryDir m_folder;
 };
 
-QString tst_SparkThread::script(const QString& text)
-{
-    const QString path = m_folder.path() + QString("/tool %1").arg(qHash(text));
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("no script");
-    file.write("#!/bin/sh\n" + text.toUtf8());
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    return path;
-}
-
 void tst_SparkThread::sweepStreamsItsResults()
 {
     QPointer<Spark_Thread> thread =
-        new Spark_Thread({Platform::fpingPath(QString()), {"127.77.23.0/24"}});
+        new Spark_Thread({Platform::fpingPath(QString()), {TEST_BLOCK ".0/24"}});
     QStringList found;
     QElapsedTimer clock;
     qint64 first = -1;
@@ -57,8 +50,8 @@ void tst_SparkThread::sweepStreamsItsResults()
     // The tool takes about two and a half seconds for a block; the first address is not held back.
     QVERIFY2(first < 1000, qPrintable(QString::number(first)));
     QVERIFY(clock.elapsed() > 2000);
-    QCOMPARE(found.first(), QString("127.77.23.1"));
-    QCOMPARE(found.last(), QString("127.77.23.254"));
+    QCOMPARE(found.first(), QString(TEST_BLOCK ".1"));
+    QCOMPARE(found.last(), QString(TEST_BLOCK ".254"));
     thread->stop();
     QTRY_VERIFY(!thread);
 }
@@ -67,23 +60,24 @@ void tst_SparkThread::checkReportsOnce()
 {
     QPointer<Spark_Thread> thread = new Spark_Thread({Platform::fpingPath(QString()), {}});
     QSignalSpy answers(thread, &Spark_Thread::S_refreshDeviceIP);
-    thread->startRefreshDevice({"127.77.23.5", "127.77.23.9"});
+    thread->startRefreshDevice({TEST_BLOCK ".5", TEST_BLOCK ".9"});
     QTRY_COMPARE(answers.size(), 1);
-    QCOMPARE(answers.first().first().toStringList(), (QStringList{"127.77.23.5", "127.77.23.9"}));
+    QCOMPARE(answers.first().first().toStringList(),
+             (QStringList{TEST_BLOCK ".5", TEST_BLOCK ".9"}));
     QTRY_VERIFY(!thread);
     QCOMPARE(answers.size(), 1);
 }
 
 void tst_SparkThread::brokenToolReportsNothing()
 {
-    QPointer<Spark_Thread> thread = new Spark_Thread({"/no/such/fping", {"127.77.23.0/24"}});
+    QPointer<Spark_Thread> thread = new Spark_Thread({"/no/such/fping", {TEST_BLOCK ".0/24"}});
     QSignalSpy answers(thread, &Spark_Thread::S_refreshDeviceIP);
-    thread->startRefreshDevice({"127.77.23.5"});
+    thread->startRefreshDevice({TEST_BLOCK ".5"});
     QTRY_COMPARE(answers.size(), 1);
     QCOMPARE(answers.first().first().toStringList(), QStringList());
     QTRY_VERIFY(!thread);
 
-    thread = new Spark_Thread({"/no/such/fping", {"127.77.23.0/24"}});
+    thread = new Spark_Thread({"/no/such/fping", {TEST_BLOCK ".0/24"}});
     QSignalSpy found(thread, &Spark_Thread::S_findDeviceIP);
     thread->startFindDevice();
     QTest::qWait(300);
@@ -96,7 +90,7 @@ void tst_SparkThread::outputMayComeInPieces()
 {
     const QString tool = script("printf '10.0.0'; sleep 0.2; printf '.5\\n\\n10.0.'; sleep 0.2;\n"
                                 "printf '0.19\\n10.0.0.7'; sleep 0.2; echo '%s' \"$*\" >&2\n");
-    QPointer<Spark_Thread> thread = new Spark_Thread({tool, {"127.77.23.0/24"}});
+    QPointer<Spark_Thread> thread = new Spark_Thread({tool, {TEST_BLOCK ".0/24"}});
     QStringList found;
     connect(thread, &Spark_Thread::S_findDeviceIP, this,
             [&](const QStringList& ips) { found << ips; });
@@ -110,19 +104,17 @@ void tst_SparkThread::stopEndsTheTool()
 {
     // A tool that neither prints nor ends, and does not listen to being asked.
     const QString pidFile = m_folder.path() + "/pid";
-    const QString tool = script("trap '' TERM\necho $$ > '" + pidFile +
+    const QString tool = script("trap '' TERM\necho $$ > '" + pidFile.toUtf8() +
                                 "'\nn=0; while [ $n -lt 300 ]; do n=$((n+1)); sleep 0.1; done\n");
     for (const bool search : {true, false}) {
         QFile::remove(pidFile);
-        QPointer<Spark_Thread> thread = new Spark_Thread({tool, {"127.77.23.0/24"}});
+        QPointer<Spark_Thread> thread = new Spark_Thread({tool, {TEST_BLOCK ".0/24"}});
         if (search)
             thread->startFindDevice();
         else
-            thread->startRefreshDevice({"127.77.23.5"});
+            thread->startRefreshDevice({TEST_BLOCK ".5"});
         QTRY_VERIFY(QFileInfo(pidFile).size() > 0);
-        QFile file(pidFile);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QString process = "/proc/" + QString::fromLatin1(file.readAll()).trimmed();
+        const QString process = "/proc/" + linesOf(pidFile).value(0);
         QVERIFY(QFileInfo::exists(process));
         QElapsedTimer clock;
         clock.start();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "device/sweep_plan.h"
+#include "tests/support/table.h"
 
 #include <QTest>
 
@@ -59,18 +60,12 @@ void tst_SweepPlan::oddAddressesGiveNoRun()
 
 void tst_SweepPlan::blocks_data()
 {
-    QTest::addColumn<QString>("block");
-    QTest::addColumn<QString>("address");
-    QTest::newRow("whole") << "127.77.0.0/24"
-                           << "127.77.0.0";
-    QTest::newRow("other size") << "127.77.0.0/16"
-                                << "";
-    QTest::newRow("host") << "127.77.0.5/24"
-                          << "";
-    QTest::newRow("option") << "-f.0/24"
-                            << "";
-    QTest::newRow("empty") << ""
-                           << "";
+    columns<QString, QString>("block", "address");
+    row("whole", "127.77.0.0/24", "127.77.0.0");
+    row("other size", "127.77.0.0/16", "");
+    row("host", "127.77.0.5/24", "");
+    row("option", "-f.0/24", "");
+    row("empty", "", "");
 }
 
 void tst_SweepPlan::blocks()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "device/item.h"
 #include "device/tree_model.h"
+#include "tests/support/table.h"
 
 #include <QAbstractItemModelTester>
 #include <QTest>
@@ -121,23 +122,14 @@ void tst_TreeModel::removingKeepsTheRest()
 
 void tst_TreeModel::newFirmware_data()
 {
-    QTest::addColumn<QString>("own");
-    QTest::addColumn<QString>("package");
-    QTest::addColumn<bool>("marked");
-    QTest::newRow("newer") << "1.2.0.517"
-                           << "1.2.0.623" << true;
-    QTest::newRow("same") << "1.2.0.517"
-                          << "1.2.0.517" << false;
-    QTest::newRow("older") << "1.2.0.623"
-                           << "1.2.0.517" << false;
-    QTest::newRow("in a file name") << "v1.2.0.517"
-                                    << "kora_v1.2.0.623" << true;
-    QTest::newRow("letters in any case") << "1.2.0.51b"
-                                         << "1.2.0.51A" << false;
-    QTest::newRow("no package") << "1.2.0.517"
-                                << "" << false;
-    QTest::newRow("unknown own") << ""
-                                 << "1.2.0.623" << false;
+    columns<QString, QString, bool>("own", "package", "marked");
+    row("newer", "1.2.0.517", "1.2.0.623", true);
+    row("same", "1.2.0.517", "1.2.0.517", false);
+    row("older", "1.2.0.623", "1.2.0.517", false);
+    row("in a file name", "v1.2.0.517", "kora_v1.2.0.623", true);
+    row("letters in any case", "1.2.0.51b", "1.2.0.51A", false);
+    row("no package", "1.2.0.517", "", false);
+    row("unknown own", "", "1.2.0.623", false);
 }
 
 void tst_TreeModel::newFirmware()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/event_sockets.h"
 #include "simulator/virtual_box.h"
+#include "tests/support/table.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -31,22 +32,14 @@ private:
 
 void tst_EventSockets::recordTime_data()
 {
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<QString>("time");
-    QTest::newRow("usual") << R"({"record_ms": 3723004})"
-                           << "01:02:03.004";
-    QTest::newRow("as text") << R"({"record_ms": "1000"})"
-                             << "00:00:01.000";
-    QTest::newRow("over a day") << R"({"record_ms": 90000000})"
-                                << "01:00:00.000";
-    QTest::newRow("enormous") << R"({"record_ms": 9e300})"
-                              << "00:00:00.000";
-    QTest::newRow("none") << R"({"x": 1})"
-                          << "00:00:00.000";
-    QTest::newRow("a list") << R"({"record_ms": [5]})"
-                            << "00:00:00.000";
-    QTest::newRow("no JSON") << "hello"
-                             << "00:00:00.000";
+    columns<QString, QString>("message", "time");
+    row("usual", R"({"record_ms": 3723004})", "01:02:03.004");
+    row("as text", R"({"record_ms": "1000"})", "00:00:01.000");
+    row("over a day", R"({"record_ms": 90000000})", "01:00:00.000");
+    row("enormous", R"({"record_ms": 9e300})", "00:00:00.000");
+    row("none", R"({"x": 1})", "00:00:00.000");
+    row("a list", R"({"record_ms": [5]})", "00:00:00.000");
+    row("no JSON", "hello", "00:00:00.000");
 }
 
 void tst_EventSockets::recordTime()
@@ -62,12 +55,12 @@ void tst_EventSockets::recordTime()
 
 void tst_EventSockets::messagesArriveAndTheClockRuns()
 {
-    const auto one = box("127.77.27.1");
+    const auto one = box(TEST_BLOCK ".1");
     EventSockets sockets;
     QSignalSpy clock(&sockets, &EventSockets::recordTime);
     QSignalSpy stream(&sockets.stream(), &EventSocket::message);
     QSignalSpy media(&sockets.media(), &EventSocket::message);
-    sockets.connectTo("127.77.27.1");
+    sockets.connectTo(TEST_BLOCK ".1");
     QTRY_COMPARE(one->streamListeners(), 1);
     QTRY_COMPARE(one->mediaListeners(), 1);
     stream.clear();
@@ -86,15 +79,15 @@ void tst_EventSockets::messagesArriveAndTheClockRuns()
 
 void tst_EventSockets::lostConnectionComesBack()
 {
-    const auto one = box("127.77.27.1");
+    const auto one = box(TEST_BLOCK ".1");
     EventSockets sockets;
     QSignalSpy clock(&sockets, &EventSockets::recordTime);
     QSignalSpy lost(&sockets.stream(), &EventSocket::reconnecting);
-    sockets.connectTo("127.77.27.1");
+    sockets.connectTo(TEST_BLOCK ".1");
     QTRY_COMPARE(one->streamListeners(), 1);
     one->dropEventClients();
     QTRY_VERIFY(!lost.isEmpty());
-    QCOMPARE(lost.first().first().toString(), QString("ws://127.77.27.1:8001"));
+    QCOMPARE(lost.first().first().toString(), QString("ws://" TEST_BLOCK ".1:8001"));
     QCOMPARE(clock.last().first().toString(), QString("00:00:00.000"));
     QTRY_COMPARE(one->streamListeners(), 1);
     QTRY_COMPARE(one->mediaListeners(), 1);
@@ -104,23 +97,23 @@ void tst_EventSockets::refusingBoxIsAskedAtAPace()
 {
     EventSockets sockets;
     QSignalSpy tries(&sockets.media(), &EventSocket::reconnecting);
-    sockets.connectTo("127.77.27.9");
+    sockets.connectTo(TEST_BLOCK ".9");
     QTest::qWait(2000);
     const int limit = 2000 / EventSocket::AttemptPaceMs + 2;
     QVERIFY2(tries.size() >= 3 && tries.size() <= limit, qPrintable(QString::number(tries.size())));
     // It is found once it is there.
-    const auto late = box("127.77.27.9");
+    const auto late = box(TEST_BLOCK ".9");
     QTRY_COMPARE(late->mediaListeners(), 1);
 }
 
 void tst_EventSockets::anotherBoxTakesOver()
 {
-    const auto one = box("127.77.27.1");
-    const auto two = box("127.77.27.2");
+    const auto one = box(TEST_BLOCK ".1");
+    const auto two = box(TEST_BLOCK ".2");
     EventSockets sockets;
     QSignalSpy lost(&sockets.stream(), &EventSocket::reconnecting);
     for (int n = 0; n < 10; ++n)
-        sockets.connectTo(n % 2 ? "127.77.27.2" : "127.77.27.1");
+        sockets.connectTo(n % 2 ? TEST_BLOCK ".2" : TEST_BLOCK ".1");
     QTRY_COMPARE(two->streamListeners(), 1);
     QTRY_COMPARE(two->mediaListeners(), 1);
     QTRY_COMPARE(one->streamListeners(), 0);

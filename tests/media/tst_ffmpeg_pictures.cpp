@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "media/frame_pool.h"
-#include "tests/media/clips.h"
-#include "tests/media/player.h"
+#include "tests/support/clips.h"
+#include "tests/support/player.h"
+#include "tests/support/table.h"
 
 /// The pictures that a session hands out.
 class tst_FFmpegPictures : public QObject
@@ -21,21 +22,21 @@ private:
 
 void tst_FFmpegPictures::coloursAreThoseOfTheSource_data()
 {
-    QTest::addColumn<QString>("encoding");
+    columns<QString>("encoding");
     const QString h264 = "-c:v libx264 -qp 4 -pix_fmt ";
     const auto tagged = [&](const QString& format, const QString& space, const QString& range) {
         return QStringLiteral("-vf scale=out_color_matrix=%2:out_range=%3,format=%1 -colorspace %4 "
                               "-color_range %3 -c:v libx264 -qp 4")
             .arg(format, space, range, space == "bt601" ? "smpte170m" : space);
     };
-    QTest::newRow("BT.601 limited") << tagged("yuv420p", "bt601", "tv");
-    QTest::newRow("BT.601 full") << tagged("yuv420p", "bt601", "pc");
-    QTest::newRow("BT.709 limited") << tagged("yuv420p", "bt709", "tv");
-    QTest::newRow("BT.709 full") << tagged("yuv420p", "bt709", "pc");
-    QTest::newRow("4:2:2, ten bits") << tagged("yuv422p10le", "bt709", "tv");
-    QTest::newRow("4:4:4 full") << tagged("yuv444p", "bt709", "pc");
-    QTest::newRow("says nothing") << h264 + "yuv420p";
-    QTest::newRow("RGB") << "-c:v ffv1 -pix_fmt bgr0";
+    row("BT.601 limited", tagged("yuv420p", "bt601", "tv"));
+    row("BT.601 full", tagged("yuv420p", "bt601", "pc"));
+    row("BT.709 limited", tagged("yuv420p", "bt709", "tv"));
+    row("BT.709 full", tagged("yuv420p", "bt709", "pc"));
+    row("4:2:2, ten bits", tagged("yuv422p10le", "bt709", "tv"));
+    row("4:4:4 full", tagged("yuv444p", "bt709", "pc"));
+    row("says nothing", h264 + "yuv420p");
+    row("RGB", "-c:v ffv1 -pix_fmt bgr0");
 }
 
 void tst_FFmpegPictures::coloursAreThoseOfTheSource()

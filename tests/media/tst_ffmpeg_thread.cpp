@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "media/pacing.h"
-#include "tests/media/clips.h"
-#include "tests/media/player.h"
-#include "tests/media/servers.h"
+#include "tests/support/clips.h"
+#include "tests/support/player.h"
+#include "tests/support/scripted_server.h"
+#include "tests/support/table.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -105,20 +106,20 @@ void tst_FFmpegThread::playsToTheEndAndStaysThere()
 
 void tst_FFmpegThread::cannotBePlayed_data()
 {
-    QTest::addColumn<QString>("url");
-    QTest::newRow("no file") << m_clips.path("nowhere.mp4");
-    QTest::newRow("no film") << m_clips.write("text.mp4", "no film at all\n");
-    QTest::newRow("nothing") << m_clips.write("empty.mp4", {});
-    QTest::newRow("only sound") << m_clips.make("sound.m4a", "-f lavfi -i sine -t 1 -c:a aac");
-    QTest::newRow("refusing server") << "http://127.77.30.1:9/x";
-    QTest::newRow("no such protocol") << "nosuch://127.77.30.1/x";
-    QTest::newRow("no address") << "rtsp://";
-    QTest::newRow("empty") << "";
+    columns<QString>("url");
+    row("no file", m_clips.path("nowhere.mp4"));
+    row("no film", m_clips.write("text.mp4", "no film at all\n"));
+    row("nothing", m_clips.write("empty.mp4", {}));
+    row("only sound", m_clips.make("sound.m4a", "-f lavfi -i sine -t 1 -c:a aac"));
+    row("refusing server", "http://" TEST_BLOCK ".1:9/x");
+    row("no such protocol", "nosuch://" TEST_BLOCK ".1/x");
+    row("no address", "rtsp://");
+    row("empty", "");
     // A film whose sound nobody can decode: the name of the codec overwritten in the file.
     QByteArray film = m_clips.content(
         m_clips.make("sound.mkv", QString(Small) + " -f lavfi -i sine -t 1 -c:v libx264 -c:a aac"));
     film.replace("A_AAC", "A_XYZ");
-    QTest::newRow("unknown sound") << m_clips.write("unknown.mkv", film);
+    row("unknown sound", m_clips.write("unknown.mkv", film));
 }
 
 void tst_FFmpegThread::cannotBePlayed()
@@ -132,32 +133,31 @@ void tst_FFmpegThread::cannotBePlayed()
 
 void tst_FFmpegThread::unusualSources_data()
 {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<int>("pictures"); // within three seconds, at least
+    // "pictures": within three seconds, at least
+    columns<QString, int>("file", "pictures");
     const QString small(Small);
-    QTest::newRow("no time stamps") << m_clips.make("raw.h264", small + " -t 1 -c:v libx264") << 20;
-    QTest::newRow("late time stamps")
-        << m_clips.make("late.ts", small + " -t 1 -c:v libx264 -output_ts_offset 5000") << 20;
-    QTest::newRow("negative time stamps")
-        << m_clips.make("negative.mp4",
-                        "-ss 0.7 -i " +
-                            m_clips.make("two.mp4", small + " -t 2 -c:v libx264 -bf 3") +
-                            " -c copy")
-        << 20;
+    row("no time stamps", m_clips.make("raw.h264", small + " -t 1 -c:v libx264"), 20);
+    row("late time stamps",
+        m_clips.make("late.ts", small + " -t 1 -c:v libx264 -output_ts_offset 5000"), 20);
+    row("negative time stamps",
+        m_clips.make("negative.mp4",
+                     "-ss 0.7 -i " + m_clips.make("two.mp4", small + " -t 2 -c:v libx264 -bf 3") +
+                         " -c copy"),
+        20);
     const QByteArray film = m_clips.content(m_clips.make("one.ts", small + " -t 1 -c:v libx264"));
-    QTest::newRow("stamps begin again") << m_clips.write("twice.ts", film + film) << 40;
-    QTest::newRow("cover and sound")
-        << m_clips.make("cover.m4a", "-f lavfi -i sine -f lavfi -i testsrc2=size=64x64 -t 1 "
-                                     "-frames:v 1 -c:a aac -c:v mjpeg -disposition:v attached_pic")
-        << 1;
-    QTest::newRow("one picture") << m_clips.make("one.png", small + " -frames:v 1") << 1;
-    QTest::newRow("odd size")
-        << m_clips.make("odd.mkv", "-f lavfi -i testsrc2=size=67x35:rate=25 -t 1 -c:v ffv1") << 20;
+    row("stamps begin again", m_clips.write("twice.ts", film + film), 40);
+    row("cover and sound",
+        m_clips.make("cover.m4a", "-f lavfi -i sine -f lavfi -i testsrc2=size=64x64 -t 1 "
+                                  "-frames:v 1 -c:a aac -c:v mjpeg -disposition:v attached_pic"),
+        1);
+    row("one picture", m_clips.make("one.png", small + " -frames:v 1"), 1);
+    row("odd size",
+        m_clips.make("odd.mkv", "-f lavfi -i testsrc2=size=67x35:rate=25 -t 1 -c:v ffv1"), 20);
     QByteArray damaged = film;
     for (int n = 3000; n < damaged.size(); n += 997)
         damaged[n] = char(n);
-    QTest::newRow("damaged") << m_clips.write("damaged.ts", damaged) << 1;
-    QTest::newRow("cut off") << m_clips.write("cut.ts", film.left(film.size() / 2)) << 5;
+    row("damaged", m_clips.write("damaged.ts", damaged), 1);
+    row("cut off", m_clips.write("cut.ts", film.left(film.size() / 2)), 5);
 }
 
 void tst_FFmpegThread::unusualSources()
@@ -173,16 +173,16 @@ void tst_FFmpegThread::unusualSources()
 
 void tst_FFmpegThread::silentServerIsGivenUp_data()
 {
-    QTest::addColumn<QString>("scheme");
-    QTest::newRow("rtsp") << "rtsp";
-    QTest::newRow("http") << "http";
-    QTest::newRow("rtmp") << "rtmp";
+    columns<QString>("scheme");
+    row("rtsp", "rtsp");
+    row("http", "http");
+    row("rtmp", "rtmp");
 }
 
 void tst_FFmpegThread::silentServerIsGivenUp()
 {
     QFETCH(QString, scheme);
-    const ScriptedServer server("127.77.30.2");
+    const ScriptedServer server(TEST_BLOCK ".2");
     Player player(server.url(scheme));
     QTRY_COMPARE_WITH_TIMEOUT(player.statuses, QList<int>{FFmpegThread::OpenFailed}, 6000);
     QVERIFY2(qAbs(player.clock.elapsed() - 3000) < 700,
@@ -193,12 +193,11 @@ void tst_FFmpegThread::silentServerIsGivenUp()
 
 void tst_FFmpegThread::stopEndsEveryWait_data()
 {
-    QTest::addColumn<QString>("scheme");
-    QTest::addColumn<bool>("afterPictures");
-    QTest::newRow("opening rtsp") << "rtsp" << false;
-    QTest::newRow("opening http") << "http" << false;
-    QTest::newRow("reading http") << "http" << true;
-    QTest::newRow("waiting for a datagram") << "udp" << false;
+    columns<QString, bool>("scheme", "afterPictures");
+    row("opening rtsp", "rtsp", false);
+    row("opening http", "http", false);
+    row("reading http", "http", true);
+    row("waiting for a datagram", "udp", false);
 }
 
 void tst_FFmpegThread::stopEndsEveryWait()
@@ -207,7 +206,7 @@ void tst_FFmpegThread::stopEndsEveryWait()
     QFETCH(bool, afterPictures);
     const QByteArray film = m_clips.content(
         m_clips.make("live.ts", QString(Small) + " -t 4 -c:v libx264 -tune zerolatency"));
-    const ScriptedServer server("127.77.30.3",
+    const ScriptedServer server(TEST_BLOCK ".3",
                                 afterPictures ? httpReply("video/mp2t", film) : QByteArray());
     Player player(server.url(scheme, ""));
     if (afterPictures)
@@ -227,24 +226,13 @@ void tst_FFmpegThread::stopEndsEveryWait()
 
 void tst_FFmpegThread::networkStreamsPlay_data()
 {
-    QTest::addColumn<QString>("format");
-    QTest::addColumn<QString>("target");
-    QTest::addColumn<QString>("source");
-    QTest::newRow("srt") << "mpegts"
-                         << "srt://127.77.30.7:9710?mode=listener"
-                         << "srt://127.77.30.7:9710";
-    QTest::newRow("udp") << "mpegts"
-                         << "udp://127.77.30.7:9711"
-                         << "udp://127.77.30.7:9711";
-    QTest::newRow("tcp") << "mpegts"
-                         << "tcp://127.77.30.7:9712?listen=1"
-                         << "tcp://127.77.30.7:9712";
-    QTest::newRow("rtmp") << "flv"
-                          << "rtmp://127.77.30.7:9713/live/1"
-                          << "";
-    QTest::newRow("http") << "mpegts"
-                          << "http://127.77.30.7:9714/live.ts"
-                          << "";
+    columns<QString, QString, QString>("format", "target", "source");
+    row("srt", "mpegts", "srt://" TEST_BLOCK ".7:9710?mode=listener",
+        "srt://" TEST_BLOCK ".7:9710");
+    row("udp", "mpegts", "udp://" TEST_BLOCK ".7:9711", "udp://" TEST_BLOCK ".7:9711");
+    row("tcp", "mpegts", "tcp://" TEST_BLOCK ".7:9712?listen=1", "tcp://" TEST_BLOCK ".7:9712");
+    row("rtmp", "flv", "rtmp://" TEST_BLOCK ".7:9713/live/1", "");
+    row("http", "mpegts", "http://" TEST_BLOCK ".7:9714/live.ts", "");
 }
 
 void tst_FFmpegThread::networkStreamsPlay()
@@ -277,7 +265,7 @@ void tst_FFmpegThread::pausedStreamGoesOn()
 {
     const QByteArray film = m_clips.content(
         m_clips.make("live.ts", QString(Small) + " -t 4 -c:v libx264 -tune zerolatency"));
-    ScriptedServer server("127.77.30.4", httpReply("video/mp2t", film));
+    ScriptedServer server(TEST_BLOCK ".4", httpReply("video/mp2t", film));
     Player player(server.url("http"));
     // Longer than a read waits: reads fail meanwhile.
     QTRY_VERIFY_WITH_TIMEOUT(player.thread.silentMs() > 3300, 15000);
@@ -321,7 +309,7 @@ void tst_FFmpegThread::networkReachesNoFiles()
     Player local(m_clips.write("list.m3u8", list));
     QTRY_COMPARE_WITH_TIMEOUT(local.statuses, QList<int>{FFmpegThread::Playing}, 5000);
 
-    const ScriptedServer server("127.77.30.5", httpReply("application/vnd.apple.mpegurl", list));
+    const ScriptedServer server(TEST_BLOCK ".5", httpReply("application/vnd.apple.mpegurl", list));
     const QStringList urls = {
         server.url("http", "list.m3u8"),    server.url("tcp", "list.m3u8"), "concat:" + film,
         "subfile,,start,0,end,0,,:" + film, "async:file:" + film,           "crypto:file:" + film};
@@ -335,7 +323,7 @@ void tst_FFmpegThread::networkReachesNoFiles()
 void tst_FFmpegThread::roundsLeaveNothingBehind()
 {
     const QString file = m_clips.make("two.mp4", QString(Small) + " -t 2 -c:v libx264 -bf 3");
-    const ScriptedServer silent("127.77.30.6");
+    const ScriptedServer silent(TEST_BLOCK ".6");
     const auto rounds = [&](int count) {
         for (int n = 0; n < count; ++n) {
             auto player = std::make_unique<Player>(n % 4 == 3 ? silent.url("http") : file);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "box_client.h"
+#include "tests/support/box_client.h"
 
 #include "simulator/virtual_box.h"
+#include "tests/support/table.h"
 
 #include <QJsonArray>
 #include <QTemporaryDir>
@@ -15,7 +16,7 @@ using namespace sim;
 namespace
 {
 
-const char* const home = "127.77.202.1";
+const char* const home = TEST_BLOCK ".1";
 constexpr int hungUp = 18;     // curl: partial file
 constexpr int noAnswer = 52;   // curl: empty reply
 constexpr int timedOut = 28;   // curl
@@ -79,64 +80,39 @@ Q_DECLARE_METATYPE(Check)
 
 void tst_BoxFaults::replies_data()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<Check>("check");
+    columns<QString, QString, Check>("fault", "name", "check");
     const auto value = [](const CurlResult& r) { return r.json().value("value"); };
-    QTest::newRow("garbage") << "garbage"
-                             << "eParam_DeviceName" << Check([](const CurlResult& r) {
-                                    return r.exitCode == 0 && !r.output.isEmpty() &&
-                                           QJsonDocument::fromJson(r.output).isNull();
-                                });
-    QTest::newRow("no object") << "not-an-object"
-                               << "eParam_DeviceName" << Check([](const CurlResult& r) {
-                                      return QJsonDocument::fromJson(r.output).isArray();
-                                  });
-    QTest::newRow("empty") << "empty"
-                           << "eParam_DeviceName" << Check([](const CurlResult& r) {
-                                  return r.exitCode == 0 && r.output.isEmpty();
-                              });
-    QTest::newRow("10 MB") << "huge"
-                           << "eParam_DeviceName" << Check([](const CurlResult& r) {
-                                  return r.output.size() == 10000000 && r.json().contains("value");
-                              });
-    QTest::newRow("other size") << "huge 5000"
-                                << "eParam_DeviceName" << Check([](const CurlResult& r) {
-                                       return r.output.size() == 5000;
-                                   });
-    QTest::newRow("number") << "number"
-                            << "eParam_NDIHXBitRate" << Check([value](const CurlResult& r) {
-                                   return value(r).toInt() == 9000;
-                               });
-    QTest::newRow("array") << "array"
-                           << "eParam_DHCP" << Check([value](const CurlResult& r) {
-                                  return value(r).toArray() == QJsonArray{"1"};
-                              });
-    QTest::newRow("no value") << "no-value"
-                              << "eParam_DHCP" << Check([](const CurlResult& r) {
-                                     return r.json().contains("param_name") &&
-                                            !r.json().contains("value");
-                                 });
-    QTest::newRow("hostile text") << "text"
-                                  << "eParam_DeviceName" << Check([value](const CurlResult& r) {
-                                         return value(r).toString() == hostileText();
-                                     });
-    QTest::newRow("hostile list") << "text as <i>x"
-                                  << "eParam_RecordList" << Check([value](const CurlResult& r) {
-                                         return value(r).toArray() == QJsonArray{"<i>x"};
-                                     });
-    QTest::newRow("half a reply") << "hang-up"
-                                  << "eParam_DeviceName" << Check([](const CurlResult& r) {
-                                         return r.exitCode == hungUp && !r.output.isEmpty();
-                                     });
-    QTest::newRow("not a word") << "hang-up 0"
-                                << "eParam_DeviceName" << Check([](const CurlResult& r) {
-                                       return r.exitCode == noAnswer || r.exitCode == resetByBox;
-                                   });
-    QTest::newRow("HTTP error") << "http-error 503"
-                                << "eParam_DeviceName" << Check([](const CurlResult& r) {
-                                       return r.exitCode == 0 && r.json().isEmpty();
-                                   });
+    row("garbage", "garbage", "eParam_DeviceName", Check([](const CurlResult& r) {
+            return r.exitCode == 0 && !r.output.isEmpty() &&
+                   QJsonDocument::fromJson(r.output).isNull();
+        }));
+    row("no object", "not-an-object", "eParam_DeviceName",
+        Check([](const CurlResult& r) { return QJsonDocument::fromJson(r.output).isArray(); }));
+    row("empty", "empty", "eParam_DeviceName",
+        Check([](const CurlResult& r) { return r.exitCode == 0 && r.output.isEmpty(); }));
+    row("10 MB", "huge", "eParam_DeviceName", Check([](const CurlResult& r) {
+            return r.output.size() == 10000000 && r.json().contains("value");
+        }));
+    row("other size", "huge 5000", "eParam_DeviceName",
+        Check([](const CurlResult& r) { return r.output.size() == 5000; }));
+    row("number", "number", "eParam_NDIHXBitRate",
+        Check([value](const CurlResult& r) { return value(r).toInt() == 9000; }));
+    row("array", "array", "eParam_DHCP",
+        Check([value](const CurlResult& r) { return value(r).toArray() == QJsonArray{"1"}; }));
+    row("no value", "no-value", "eParam_DHCP", Check([](const CurlResult& r) {
+            return r.json().contains("param_name") && !r.json().contains("value");
+        }));
+    row("hostile text", "text", "eParam_DeviceName",
+        Check([value](const CurlResult& r) { return value(r).toString() == hostileText(); }));
+    row("hostile list", "text as <i>x", "eParam_RecordList",
+        Check([value](const CurlResult& r) { return value(r).toArray() == QJsonArray{"<i>x"}; }));
+    row("half a reply", "hang-up", "eParam_DeviceName",
+        Check([](const CurlResult& r) { return r.exitCode == hungUp && !r.output.isEmpty(); }));
+    row("not a word", "hang-up 0", "eParam_DeviceName", Check([](const CurlResult& r) {
+            return r.exitCode == noAnswer || r.exitCode == resetByBox;
+        }));
+    row("HTTP error", "http-error 503", "eParam_DeviceName",
+        Check([](const CurlResult& r) { return r.exitCode == 0 && r.json().isEmpty(); }));
 }
 
 void tst_BoxFaults::replies()
@@ -159,34 +135,15 @@ void tst_BoxFaults::replies()
 
 void tst_BoxFaults::failuresHaveTargets_data()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<QString>("write");   // status of writing eParam_SDIVolume
-    QTest::addColumn<QString>("other");   // of eParam_LineinVolume
-    QTest::addColumn<QString>("command"); // of ndienc_on
-    QTest::newRow("one parameter") << "fail eParam_SDIVolume"
-                                   << "set failed"
-                                   << "set success"
-                                   << "success";
-    QTest::newRow("all writes") << "fail write"
-                                << "set failed"
-                                << "set failed"
-                                << "success";
-    QTest::newRow("one action") << "fail ndienc_on"
-                                << "set success"
-                                << "set success"
-                                << "failed";
-    QTest::newRow("everything") << "fail"
-                                << "set failed"
-                                << "set failed"
-                                << "failed";
-    QTest::newRow("words of its own") << "fail ndienc_on as busy"
-                                      << "set success"
-                                      << "set success"
-                                      << "busy";
-    QTest::newRow("once") << "fail times 1"
-                          << "set failed"
-                          << "set success"
-                          << "success";
+    // "write": status of writing eParam_SDIVolume; "other": of eParam_LineinVolume; "command": of
+    // ndienc_on
+    columns<QString, QString, QString, QString>("fault", "write", "other", "command");
+    row("one parameter", "fail eParam_SDIVolume", "set failed", "set success", "success");
+    row("all writes", "fail write", "set failed", "set failed", "success");
+    row("one action", "fail ndienc_on", "set success", "set success", "failed");
+    row("everything", "fail", "set failed", "set failed", "failed");
+    row("words of its own", "fail ndienc_on as busy", "set success", "set success", "busy");
+    row("once", "fail times 1", "set failed", "set success", "success");
 }
 
 void tst_BoxFaults::failuresHaveTargets()
@@ -221,9 +178,9 @@ void tst_BoxFaults::silentBoxHoldsNobodyElseUp()
             "GET /config?action=get&param_name=eParam_DHCP HTTP/1.1\r\nHost: x\r\n\r\n");
     }
     QTRY_COMPARE(m_box->requests().size(), 100);
-    VirtualBox other("127.77.202.2");
+    VirtualBox other(TEST_BLOCK ".2");
     QVERIFY(other.plugIn());
-    for (const char* address : {home, "127.77.202.2"}) {
+    for (const char* address : {home, TEST_BLOCK ".2"}) {
         const CurlResult quick = readParameter(address, "eParam_NetMask");
         QCOMPARE(quick.exitCode, 0);
         QVERIFY2(quick.ms < 1000, qPrintable(QString::number(quick.ms)));
@@ -315,17 +272,13 @@ void tst_BoxFaults::runOta()
 
 void tst_BoxFaults::otaFaults_data()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<QString>("address"); // where it comes back, empty: nowhere
-    QTest::addColumn<bool>("newVersion");
-    QTest::addColumn<bool>("keepsSettings");
-    QTest::newRow("none") << "" << home << true << true;
-    QTest::newRow("stays away") << "ota-stays-away"
-                                << "" << true << true;
-    QTest::newRow("old version") << "ota-old-version" << home << false << true;
-    QTest::newRow("loses settings") << "ota-loses-settings" << home << true << false;
-    QTest::newRow("moves") << "ota-moves 127.77.202.9"
-                           << "127.77.202.9" << true << true;
+    // "address": where it comes back, empty: nowhere
+    columns<QString, QString, bool, bool>("fault", "address", "newVersion", "keepsSettings");
+    row("none", "", home, true, true);
+    row("stays away", "ota-stays-away", "", true, true);
+    row("old version", "ota-old-version", home, false, true);
+    row("loses settings", "ota-loses-settings", home, true, false);
+    row("moves", "ota-moves " TEST_BLOCK ".9", TEST_BLOCK ".9", true, true);
 }
 
 void tst_BoxFaults::otaFaults()

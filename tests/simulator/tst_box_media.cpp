@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "box_client.h"
+#include "tests/support/box_client.h"
 
 #include "simulator/virtual_box.h"
+#include "tests/support/table.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -13,7 +14,7 @@ using namespace sim;
 namespace
 {
 
-const char* const home = "127.77.203.1";
+const char* const home = TEST_BLOCK ".1";
 
 /// A client of an event feed: what it has been told.
 class Listener
@@ -93,9 +94,9 @@ void tst_BoxMedia::cleanup()
 
 void tst_BoxMedia::recordsARealFilm_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::newRow("mp4") << "Tarn_Hub_Recode20240302090503.mp4";
-    QTest::newRow("mov") << "Tarn_Hub_Recode20240302090503.mov";
+    columns<QString>("name");
+    row("mp4", "Tarn_Hub_Recode20240302090503.mp4");
+    row("mov", "Tarn_Hub_Recode20240302090503.mov");
 }
 
 void tst_BoxMedia::recordsARealFilm()
@@ -150,14 +151,15 @@ void tst_BoxMedia::livePictureCanBeWatched()
     QCOMPARE(started.status(), "success");
     QCOMPARE(m_box->activity().streamTarget, "rtmp://h/app?k=v");
     const QString url = started.json().value("pull_url").toString();
-    QVERIFY(url.startsWith("http://127.77.203.1:"));
+    QVERIFY(url.startsWith("http://" TEST_BLOCK ".1:"));
     QCOMPARE(probe(url), "h264 aac h264 aac N/A");
     QCOMPARE(probe(url), "h264 aac h264 aac N/A"); // for a second viewer just as well
     const CurlResult srt =
         command(home, "stream_on&srt_mode=listener&srt_port=9000&stream_id='cam1'");
-    QCOMPARE(srt.json().value("pull_url").toString(), "srt://127.77.203.1:9000");
+    QCOMPARE(srt.json().value("pull_url").toString(), "srt://" TEST_BLOCK ".1:9000");
     for (int caller = 0; caller < 2; ++caller)
-        QTRY_COMPARE_WITH_TIMEOUT(probe("srt://127.77.203.1:9000"), "h264 aac h264 aac N/A", 20000);
+        QTRY_COMPARE_WITH_TIMEOUT(probe("srt://" TEST_BLOCK ".1:9000"), "h264 aac h264 aac N/A",
+                                  20000);
     QCOMPARE(command(home, "stream_off").status(), "success");
     QTRY_VERIFY(isRefused(home, 8090));
 }

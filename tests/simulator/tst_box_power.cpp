@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "box_client.h"
+#include "tests/support/box_client.h"
 
 #include "simulator/virtual_box.h"
 
@@ -13,7 +13,7 @@ using namespace sim;
 namespace
 {
 constexpr int rebootMs = 400;
-const char* const home = "127.77.201.1";
+const char* const home = TEST_BLOCK ".1";
 } // namespace
 
 /// A box that comes, goes, changes its firmware and moves.
@@ -109,7 +109,7 @@ void tst_BoxPower::restartStaysReachable()
 
 void tst_BoxPower::fixedAddressCountsAfterReboot()
 {
-    const QString fixed = "127.77.201.77";
+    const QString fixed = TEST_BLOCK ".77";
     QCOMPARE(writeParameter(home, "eParam_IPAddress", fixed).status(), "set success");
     QCOMPARE(writeParameter(home, "eParam_DHCP", "0").status(), "set success");
     QCOMPARE(command(home, "restart").status(), "success");
@@ -160,9 +160,9 @@ void tst_BoxPower::unpluggedDuringReboot()
 
 void tst_BoxPower::movesWhileOn()
 {
-    QVERIFY(m_box->moveTo("127.77.201.2"));
+    QVERIFY(m_box->moveTo(TEST_BLOCK ".2"));
     QVERIFY(isRefused(home, 8081));
-    QCOMPARE(valueOf("127.77.201.2", "eParam_IPAddress"), "127.77.201.2");
+    QCOMPARE(valueOf(TEST_BLOCK ".2", "eParam_IPAddress"), TEST_BLOCK ".2");
     QVERIFY(m_box->isOn());
 }
 
@@ -170,7 +170,7 @@ void tst_BoxPower::takenPortIsAnError()
 {
     VirtualBox other(home);
     QVERIFY(!other.plugIn());
-    QVERIFY2(other.errorString().contains("127.77.201.1:8081"), qPrintable(other.errorString()));
+    QVERIFY2(other.errorString().contains(TEST_BLOCK ".1:8081"), qPrintable(other.errorString()));
     QVERIFY(!other.isReachable());
     QCOMPARE(readParameter(home, "eParam_DHCP").exitCode, 0); // the first one is unharmed
 }

@@ -4,6 +4,7 @@
 #include "simulator/kora_api.h"
 #include "simulator/live_buffer.h"
 #include "simulator/parameters.h"
+#include "tests/support/table.h"
 
 #include <QTest>
 
@@ -30,20 +31,18 @@ private slots:
 
 void tst_BoxRules::form_data()
 {
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("value");
-    QTest::newRow("plain") << QByteArray("value=abc") << "abc";
-    QTest::newRow("escaped equals sign") << QByteArray("value=a%3Db") << "a=b";
-    QTest::newRow("raw equals sign") << QByteArray("value=a=b") << "a=b";
-    QTest::newRow("plus is no blank") << QByteArray("value=a+b c") << "a+b c";
-    QTest::newRow("percent without digits")
-        << QByteArray("value=100% of %zz %4") << "100% of %zz %4";
-    QTest::newRow("signs are no digits") << QByteArray("value=%+1%-1% 1") << "%+1%-1% 1";
-    QTest::newRow("UTF-8, raw and escaped")
-        << QByteArray("value=\xe5\x90\x8d%E5%89%8D") << QString::fromUtf8("名前");
-    QTest::newRow("an ampersand ends it") << QByteArray("value=a&b") << "a";
-    QTest::newRow("empty") << QByteArray("value=") << "";
-    QTest::newRow("missing") << QByteArray("x=1&&&=&") << "";
+    columns<QByteArray, QString>("body", "value");
+    row("plain", QByteArray("value=abc"), "abc");
+    row("escaped equals sign", QByteArray("value=a%3Db"), "a=b");
+    row("raw equals sign", QByteArray("value=a=b"), "a=b");
+    row("plus is no blank", QByteArray("value=a+b c"), "a+b c");
+    row("percent without digits", QByteArray("value=100% of %zz %4"), "100% of %zz %4");
+    row("signs are no digits", QByteArray("value=%+1%-1% 1"), "%+1%-1% 1");
+    row("UTF-8, raw and escaped", QByteArray("value=\xe5\x90\x8d%E5%89%8D"),
+        QString::fromUtf8("名前"));
+    row("an ampersand ends it", QByteArray("value=a&b"), "a");
+    row("empty", QByteArray("value="), "");
+    row("missing", QByteArray("x=1&&&=&"), "");
 }
 
 void tst_BoxRules::form()
@@ -55,30 +54,20 @@ void tst_BoxRules::form()
 
 void tst_BoxRules::faultLines_data()
 {
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QString>("normal"); // empty: refused
-    QTest::newRow("word alone") << "silent"
-                                << "silent";
-    QTest::newRow("amount") << "slow 250"
-                            << "slow 250";
-    QTest::newRow("target") << "fail eParam_NDIName"
-                            << "fail on eParam_NDIName";
-    QTest::newRow("everything") << "fail on write+eParam_DHCP times 2 as no such luck"
-                                << "fail on write+eParam_DHCP times 2 as no such luck";
-    QTest::newRow("address") << "ota-moves 127.77.0.9"
-                             << "ota-moves as 127.77.0.9";
-    QTest::newRow("no address") << "ota-moves"
-                                << "";
-    QTest::newRow("unknown word") << "sluggish 3"
-                                  << "";
-    QTest::newRow("nothing") << "  "
-                             << "";
-    QTest::newRow("too many words") << "fail a b"
-                                    << "";
-    QTest::newRow("negative amount") << "slow on reboot -5 6"
-                                     << "";
-    QTest::newRow("no number of times") << "fail times many"
-                                        << "";
+    // "normal": empty: refused
+    columns<QString, QString>("line", "normal");
+    row("word alone", "silent", "silent");
+    row("amount", "slow 250", "slow 250");
+    row("target", "fail eParam_NDIName", "fail on eParam_NDIName");
+    row("everything", "fail on write+eParam_DHCP times 2 as no such luck",
+        "fail on write+eParam_DHCP times 2 as no such luck");
+    row("address", "ota-moves 127.77.0.9", "ota-moves as 127.77.0.9");
+    row("no address", "ota-moves", "");
+    row("unknown word", "sluggish 3", "");
+    row("nothing", "  ", "");
+    row("too many words", "fail a b", "");
+    row("negative amount", "slow on reboot -5 6", "");
+    row("no number of times", "fail times many", "");
 }
 
 void tst_BoxRules::faultLines()
@@ -116,16 +105,11 @@ void tst_BoxRules::targetsMustAllFit()
 
 void tst_BoxRules::firmwareNames_data()
 {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("version");
-    QTest::newRow("version alone") << "1.2.0.623.dat"
-                                   << "1.2.0.623";
-    QTest::newRow("with a name") << "KORA_1.2.0.623.dat"
-                                 << "1.2.0.623";
-    QTest::newRow("no version") << "latest.dat"
-                                << "latest";
-    QTest::newRow("with a path") << "../../x/2.0.dat"
-                                 << "2.0";
+    columns<QString, QString>("file", "version");
+    row("version alone", "1.2.0.623.dat", "1.2.0.623");
+    row("with a name", "KORA_1.2.0.623.dat", "1.2.0.623");
+    row("no version", "latest.dat", "latest");
+    row("with a path", "../../x/2.0.dat", "2.0");
 }
 
 void tst_BoxRules::firmwareNames()
@@ -136,20 +120,17 @@ void tst_BoxRules::firmwareNames()
 
 void tst_BoxRules::acceptedValues_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QStringList>("good");
-    QTest::addColumn<QStringList>("bad");
+    columns<QString, QStringList, QStringList>("name", "good", "bad");
     const QStringList noFlags = {"2", "", "yes", "01"};
-    QTest::newRow("flag") << "eParam_DHCP" << QStringList{"0", "1"} << noFlags;
-    QTest::newRow("range") << "eParam_LineinDelay" << QStringList{"0", "341"}
-                           << QStringList{"342", "-1", "3.5", ""};
-    QTest::newRow("word") << "eParam_HXControlRate" << QStringList{"CBR", "VBR", "CVBR"}
-                          << QStringList{"cbr", ""};
-    QTest::newRow("address") << "eParam_IPAddress" << QStringList{"10.0.0.1"}
-                             << QStringList{"10.1", "10.0.0.256", "::1", ""};
-    QTest::newRow("text") << "eParam_NDIName" << QStringList{"", "a=b"} << QStringList{};
-    QTest::newRow("read only") << "eParam_MACAddress" << QStringList{} << QStringList{"00:00"};
-    QTest::newRow("unknown") << "eParam_Nothing" << QStringList{} << QStringList{"1"};
+    row("flag", "eParam_DHCP", QStringList{"0", "1"}, noFlags);
+    row("range", "eParam_LineinDelay", QStringList{"0", "341"},
+        QStringList{"342", "-1", "3.5", ""});
+    row("word", "eParam_HXControlRate", QStringList{"CBR", "VBR", "CVBR"}, QStringList{"cbr", ""});
+    row("address", "eParam_IPAddress", QStringList{"10.0.0.1"},
+        QStringList{"10.1", "10.0.0.256", "::1", ""});
+    row("text", "eParam_NDIName", QStringList{"", "a=b"}, QStringList{});
+    row("read only", "eParam_MACAddress", QStringList{}, QStringList{"00:00"});
+    row("unknown", "eParam_Nothing", QStringList{}, QStringList{"1"});
 }
 
 void tst_BoxRules::acceptedValues()

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "box_client.h"
+#include "tests/support/box_client.h"
 
 #include "simulator/virtual_box.h"
+#include "tests/support/table.h"
 
 #include <QCryptographicHash>
 #include <QJsonArray>
@@ -15,7 +16,7 @@ using namespace sim;
 
 namespace
 {
-const char* const home = "127.77.200.1";
+const char* const home = TEST_BLOCK ".1";
 } // namespace
 
 /// A healthy box, asked by real clients over real sockets.
@@ -149,39 +150,19 @@ void tst_VirtualBox::lists()
 
 void tst_VirtualBox::commands_data()
 {
-    QTest::addColumn<QString>("body");
-    QTest::addColumn<QString>("status");
-    QTest::addColumn<QString>("decodes"); // afterwards
-    QTest::newRow("ndienc_on") << "ndienc_on"
-                               << "success"
-                               << "";
-    QTest::newRow("hxenc_off") << "hxenc_off"
-                               << "success"
-                               << "";
-    QTest::newRow("decode") << "hxdec_on&ndi_name='STUDIO (Cam 1)'"
-                            << "success"
-                            << "STUDIO (Cam 1)";
-    QTest::newRow("decode, name cut by an ampersand") << "hxdec_on&ndi_name='A & B'"
-                                                      << "success"
-                                                      << "A ";
-    QTest::newRow("decode nothing") << "hxdec_on&ndi_name=''"
-                                    << "failed"
-                                    << "";
-    QTest::newRow("stream nowhere") << "stream_on"
-                                    << "failed"
-                                    << "";
-    QTest::newRow("listener without port") << "stream_on&srt_mode=listener&srt_port=&stream_id='a'"
-                                           << "failed"
-                                           << "";
-    QTest::newRow("stop no recording") << "record_off"
-                                       << "failed"
-                                       << "";
-    QTest::newRow("record outside") << "record_on&file_name=../x.mp4"
-                                    << "failed"
-                                    << "";
-    QTest::newRow("unknown") << "explode"
-                             << "failed"
-                             << "";
+    // "decodes": afterwards
+    columns<QString, QString, QString>("body", "status", "decodes");
+    row("ndienc_on", "ndienc_on", "success", "");
+    row("hxenc_off", "hxenc_off", "success", "");
+    row("decode", "hxdec_on&ndi_name='STUDIO (Cam 1)'", "success", "STUDIO (Cam 1)");
+    row("decode, name cut by an ampersand", "hxdec_on&ndi_name='A & B'", "success", "A ");
+    row("decode nothing", "hxdec_on&ndi_name=''", "failed", "");
+    row("stream nowhere", "stream_on", "failed", "");
+    row("listener without port", "stream_on&srt_mode=listener&srt_port=&stream_id='a'", "failed",
+        "");
+    row("stop no recording", "record_off", "failed", "");
+    row("record outside", "record_on&file_name=../x.mp4", "failed", "");
+    row("unknown", "explode", "failed", "");
 }
 
 void tst_VirtualBox::commands()
@@ -235,18 +216,13 @@ void tst_VirtualBox::uploadOfSomethingElseFails()
 
 void tst_VirtualBox::mediaRanges_data()
 {
-    QTest::addColumn<QString>("range");
-    QTest::addColumn<QString>("answer"); // status and content
-    QTest::newRow("whole") << ""
-                           << "200 0123456789";
-    QTest::newRow("middle") << "2-4"
-                            << "206 234";
-    QTest::newRow("to the end") << "7-"
-                                << "206 789";
-    QTest::newRow("the last") << "-2"
-                              << "206 89";
-    QTest::newRow("beyond the end") << "10-"
-                                    << "416 ";
+    // "answer": status and content
+    columns<QString, QString>("range", "answer");
+    row("whole", "", "200 0123456789");
+    row("middle", "2-4", "206 234");
+    row("to the end", "7-", "206 789");
+    row("the last", "-2", "206 89");
+    row("beyond the end", "10-", "416 ");
 }
 
 void tst_VirtualBox::mediaRanges()
@@ -280,11 +256,10 @@ void tst_VirtualBox::strangersAreSentAway()
 
 void tst_VirtualBox::webModels_data()
 {
-    QTest::addColumn<int>("model");
-    QTest::addColumn<QString>("cell");
-    QTest::newRow("orbit") << int(BoxModel::Orbit) << "<td>ORBIT</td>";
-    QTest::newRow("river") << int(BoxModel::River) << "<td>RIVER</td>";
-    QTest::newRow("lantern") << int(BoxModel::Lantern) << "<td>LANTERN</td>";
+    columns<int, QString>("model", "cell");
+    row("orbit", int(BoxModel::Orbit), "<td>ORBIT</td>");
+    row("river", int(BoxModel::River), "<td>RIVER</td>");
+    row("lantern", int(BoxModel::Lantern), "<td>LANTERN</td>");
 }
 
 void tst_VirtualBox::webModels()
@@ -292,19 +267,19 @@ void tst_VirtualBox::webModels()
     QFETCH(int, model);
     QFETCH(QString, cell);
     BoxSetup setup;
-    setup.address = "127.77.200.30";
+    setup.address = TEST_BLOCK ".30";
     setup.model = BoxModel(model);
     setup.webPort = 8880;
     VirtualBox box(setup);
     QVERIFY2(box.plugIn(), qPrintable(box.errorString()));
-    const QString root = "http://127.77.200.30:8880";
+    const QString root = "http://" TEST_BLOCK ".30:8880";
     const QByteArray page = curl({root + "/cgi-bin/set-dashboard.cgi"}).output;
     QCOMPARE(page.count("<td>ORBIT</td>") + page.count("<td>RIVER</td>") +
                  page.count("<td>LANTERN</td>"),
              1);
     QVERIFY(page.contains(cell.toLatin1()));
     QCOMPARE(curl({"-L", root + "/"}).output, page);
-    QVERIFY(isRefused("127.77.200.30", 8081));
+    QVERIFY(isRefused(TEST_BLOCK ".30", 8081));
 }
 
 void tst_VirtualBox::requestLog()

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "box_client.h"
+#include "tests/support/box_client.h"
 
 #include "simulator/lan_commands.h"
 #include "simulator/scenario.h"

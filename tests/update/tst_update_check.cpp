@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "common/spark_http.h"
 #include "simulator/update_server.h"
+#include "tests/support/files.h"
+#include "tests/support/table.h"
 #include "update/update_check.h"
 #include "update/version.h"
 
-#include <QCryptographicHash>
-#include <QDir>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 
 #include <memory>
@@ -21,12 +20,7 @@ Q_DECLARE_METATYPE(sim::HttpReply)
 namespace
 {
 
-const QString address = QStringLiteral("127.77.36.1");
-
-QString md5(const QByteArray& data)
-{
-    return QString::fromLatin1(QCryptographicHash::hash(data, QCryptographicHash::Md5).toHex());
-}
+const QString address = TEST_BLOCK ".1";
 
 } // namespace
 
@@ -118,19 +112,18 @@ QStringList tst_UpdateCheck::filesBelowData() const
 
 void tst_UpdateCheck::versions_data()
 {
-    QTest::addColumn<QString>("latest");
-    QTest::addColumn<bool>("newer");
-    QTest::newRow("equal") << "1.0.0.10" << false;
-    QTest::newRow("older") << "1.0.0.9" << false;
-    QTest::newRow("newer in the last part") << "1.0.0.11" << true;
-    QTest::newRow("three parts") << "1.0.1" << true;
-    QTest::newRow("three equal parts") << "1.0.0" << false;
-    QTest::newRow("two parts") << "2.0" << false;
-    QTest::newRow("five parts") << "2.0.0.0.0" << false;
-    QTest::newRow("first difference decides") << "0.9.9.99" << false;
-    QTest::newRow("words count as 0") << "1.x.0.11" << true;
-    QTest::newRow("nothing") << "" << false;
-    QTest::newRow("too large for a number") << "99999999999.0.0.0" << false;
+    columns<QString, bool>("latest", "newer");
+    row("equal", "1.0.0.10", false);
+    row("older", "1.0.0.9", false);
+    row("newer in the last part", "1.0.0.11", true);
+    row("three parts", "1.0.1", true);
+    row("three equal parts", "1.0.0", false);
+    row("two parts", "2.0", false);
+    row("five parts", "2.0.0.0.0", false);
+    row("first difference decides", "0.9.9.99", false);
+    row("words count as 0", "1.x.0.11", true);
+    row("nothing", "", false);
+    row("too large for a number", "99999999999.0.0.0", false);
 }
 
 void tst_UpdateCheck::versions()
@@ -146,26 +139,26 @@ void tst_UpdateCheck::badDescriptorsAreIgnored_data()
         reply.body = text;
         return reply;
     };
-    QTest::addColumn<sim::HttpReply>("reply");
-    QTest::newRow("not JSON") << body("<html>");
-    QTest::newRow("an array") << body("[1]");
-    QTest::newRow("empty") << body("{}");
-    QTest::newRow("no windows") << body(R"({"updates": {}})");
-    QTest::newRow("wrong types") << body(
-        R"({"updates": {"MD5": [1], "windows": {"latest-version": 5, "download-url": {}}}})");
-    QTest::newRow("huge") << body(R"({"updates": ")" + QByteArray(6 << 20, 'x') + "\"}");
+    columns<sim::HttpReply>("reply");
+    row("not JSON", body("<html>"));
+    row("an array", body("[1]"));
+    row("empty", body("{}"));
+    row("no windows", body(R"({"updates": {}})"));
+    row("wrong types",
+        body(R"({"updates": {"MD5": [1], "windows": {"latest-version": 5, "download-url": {}}}})"));
+    row("huge", body(R"({"updates": ")" + QByteArray(6 << 20, 'x') + "\"}"));
     sim::HttpReply reply = body(R"({"updates": {"windows": {"latest-version": "9.0.0")");
     reply.percent = 50;
-    QTest::newRow("broken off") << reply;
+    row("broken off", reply);
     reply = {};
     reply.status = 404;
-    QTest::newRow("missing") << reply;
+    row("missing", reply);
     reply = {};
     reply.source = [](QByteArray*) {
         QTest::qSleep(100);
         return true;
     };
-    QTest::newRow("silent") << reply;
+    row("silent", reply);
 }
 
 void tst_UpdateCheck::badDescriptorsAreIgnored()
@@ -187,21 +180,21 @@ void tst_UpdateCheck::installerIsDownloadedOnce()
     QCOMPARE(m_installers.size(), 2);
     QCOMPARE(m_installers.first().version, QString("1.0.1"));
     QCOMPARE(m_installers.first().path, m_data->path() + "/data/Tarn Hub/upgrade/setup 2.exe");
-    QCOMPARE(m_installers.first().digest, md5("installer"));
+    QCOMPARE(m_installers.first().digest, md5Of("installer"));
     QCOMPARE(m_installers.last().path, m_installers.first().path);
     QCOMPARE(m_server->requests().count("GET /a/setup 2.exe"), 1);
 }
 
 void tst_UpdateCheck::installersThatAreNone_data()
 {
-    QTest::addColumn<QString>("url");
-    QTest::newRow("missing") << "/no.exe";
-    QTest::newRow("broken off") << "/half.exe";
-    QTest::newRow("no name") << "/";
-    QTest::newRow("a file of this computer") << "file:///etc/hostname";
-    QTest::newRow("another protocol") << "ftp://127.77.36.1/x.exe";
-    QTest::newRow("no address at all") << "x.exe";
-    QTest::newRow("no host") << "http:///x.exe";
+    columns<QString>("url");
+    row("missing", "/no.exe");
+    row("broken off", "/half.exe");
+    row("no name", "/");
+    row("a file of this computer", "file:///etc/hostname");
+    row("another protocol", "ftp://" TEST_BLOCK ".1/x.exe");
+    row("no address at all", "x.exe");
+    row("no host", "http:///x.exe");
 }
 
 void tst_UpdateCheck::installersThatAreNone()
@@ -220,7 +213,7 @@ void tst_UpdateCheck::firmwareIsCheckedAndKept()
 {
     const QByteArray package(300000, 'k');
     m_server->set("/fw", sim::UpdateServer::file(package, "..\\..//KORA_1.2.0.623.dat"));
-    m_server->offerFirmware(md5(package).toUpper(), m_server->url("/fw"));
+    m_server->offerFirmware(md5Of(package).toUpper(), m_server->url("/fw"));
     check();
     const QString path = m_data->path() + "/data/Tarn Hub/upgradekora/KORA_1.2.0.623.dat";
     QCOMPARE(m_packages, QStringList(path));
@@ -229,10 +222,7 @@ void tst_UpdateCheck::firmwareIsCheckedAndKept()
     QCOMPARE(m_packages.size(), 2);
     QCOMPARE(m_server->requests().count("GET /fw"), 1);
     // One that was spoilt since is fetched again.
-    QFile spoilt(path);
-    QVERIFY(spoilt.open(QIODevice::Append));
-    spoilt.write("x");
-    spoilt.close();
+    writeFile(path, package + "x");
     check();
     QCOMPARE(m_server->requests().count("GET /fw"), 2);
     QCOMPARE(QFileInfo(path).size(), qint64(package.size()));
@@ -241,17 +231,16 @@ void tst_UpdateCheck::firmwareIsCheckedAndKept()
 void tst_UpdateCheck::badPackagesLeaveNothing_data()
 {
     const QByteArray package(300000, 'k');
-    QTest::addColumn<sim::HttpReply>("reply");
-    QTest::addColumn<QString>("digest");
+    columns<sim::HttpReply, QString>("reply", "digest");
     sim::HttpReply reply = sim::UpdateServer::file(package, "fw.dat");
-    QTest::newRow("wrong digest") << reply << md5("other");
-    QTest::newRow("no digest") << reply << "";
-    QTest::newRow("no name") << sim::UpdateServer::file(package) << md5(package);
+    row("wrong digest", reply, md5Of("other"));
+    row("no digest", reply, "");
+    row("no name", sim::UpdateServer::file(package), md5Of(package));
     reply.percent = 60;
-    QTest::newRow("broken off") << reply << md5(package);
+    row("broken off", reply, md5Of(package));
     reply = {};
     reply.location = "/elsewhere";
-    QTest::newRow("led elsewhere") << reply << md5(package);
+    row("led elsewhere", reply, md5Of(package));
 }
 
 void tst_UpdateCheck::badPackagesLeaveNothing()
@@ -267,25 +256,25 @@ void tst_UpdateCheck::badPackagesLeaveNothing()
 
 void tst_UpdateCheck::offeredNamesStayInTheFolder_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::newRow("up") << "../../evil.dat";
-    QTest::newRow("up, the other way") << "..\\..\\evil.dat";
-    QTest::newRow("only up") << "..";
-    QTest::newRow("from the root") << "/tmp/evil.dat";
-    QTest::newRow("on a drive") << "C:\\evil.dat";
-    QTest::newRow("a stream of a file") << "fw.dat:evil";
-    QTest::newRow("a device") << "CON";
-    QTest::newRow("hidden") << ".bashrc";
-    QTest::newRow("very long") << QString(4000, 'x') + ".dat";
-    QTest::newRow("a folder") << "evil/";
-    QTest::newRow("markup and signs") << "<b>%1 $(id) `id` --help.dat";
+    columns<QString>("name");
+    row("up", "../../evil.dat");
+    row("up, the other way", "..\\..\\evil.dat");
+    row("only up", "..");
+    row("from the root", "/tmp/evil.dat");
+    row("on a drive", "C:\\evil.dat");
+    row("a stream of a file", "fw.dat:evil");
+    row("a device", "CON");
+    row("hidden", ".bashrc");
+    row("very long", QString(4000, 'x') + ".dat");
+    row("a folder", "evil/");
+    row("markup and signs", "<b>%1 $(id) `id` --help.dat");
 }
 
 void tst_UpdateCheck::offeredNamesStayInTheFolder()
 {
     QFETCH(QString, name);
     m_server->set("/fw", sim::UpdateServer::file("firmware", name));
-    m_server->offerFirmware(md5("firmware"), m_server->url("/fw"));
+    m_server->offerFirmware(md5Of("firmware"), m_server->url("/fw"));
     check();
     QCOMPARE(m_packages.size(), 1);
     QVERIFY(QFileInfo(m_packages.first()).isFile());
@@ -297,10 +286,10 @@ void tst_UpdateCheck::offeredNamesStayInTheFolder()
 
 void tst_UpdateCheck::installerNamesStayInTheFolder_data()
 {
-    QTest::addColumn<QString>("path");
-    QTest::newRow("encoded separators") << "/a/..%2F..%2Fevil.exe";
-    QTest::newRow("encoded, the other way") << "/a/..%5C..%5Cevil.exe";
-    QTest::newRow("encoded dots") << "/a/%2E%2E%2F%2E%2E%2Fevil.exe";
+    columns<QString>("path");
+    row("encoded separators", "/a/..%2F..%2Fevil.exe");
+    row("encoded, the other way", "/a/..%5C..%5Cevil.exe");
+    row("encoded dots", "/a/%2E%2E%2F%2E%2E%2Fevil.exe");
 }
 
 void tst_UpdateCheck::installerNamesStayInTheFolder()
@@ -345,7 +334,7 @@ void tst_UpdateCheck::slowPackagesHoldNobodyUp()
     slow.bytesPerSecond = 200000;
     m_server->set("/slow", slow);
     m_server->offerProgram("1.0.1", m_server->url("/slow"));
-    m_server->offerFirmware(md5(slow.body), m_server->url("/slow"));
+    m_server->offerFirmware(md5Of(slow.body), m_server->url("/slow"));
     sim::HttpReply box;
     box.body = "{}";
     box.bytesPerSecond = 5;
@@ -376,7 +365,7 @@ void tst_UpdateCheck::givenUpDownloadsLeaveNothing()
     slow.bytesPerSecond = 200000;
     m_server->set("/slow", slow);
     m_server->offerProgram("1.0.1", m_server->url("/slow"));
-    m_server->offerFirmware(md5(slow.body), m_server->url("/slow"));
+    m_server->offerFirmware(md5Of(slow.body), m_server->url("/slow"));
     auto check =
         std::make_unique<UpdateCheck>(*Spark_Http::instance(), m_server->url(), "1.0.0.10");
     connect(Spark_Http::instance(), &Spark_Http::S_finished, check.get(),
@@ -399,12 +388,12 @@ void tst_UpdateCheck::encryptedDescriptorsLeadToNothingPlain()
 {
     m_server->set("/setup.exe", sim::UpdateServer::file("installer", "fw.dat"));
     const QString url = m_server->url("/setup.exe");
-    UpdateCheck check(*Spark_Http::instance(), "https://127.77.36.1", "1.0.0.10");
+    UpdateCheck check(*Spark_Http::instance(), "https://" TEST_BLOCK ".1", "1.0.0.10");
     check.handleProgram(
         QString(R"({"updates":{"windows":{"latest-version":"9.0.0","download-url":"%1"}}})")
             .arg(url));
     check.handleFirmware(
-        QString(R"({"updates":{"MD5":"%1","download-url":"%2"}})").arg(md5("installer"), url));
+        QString(R"({"updates":{"MD5":"%1","download-url":"%2"}})").arg(md5Of("installer"), url));
     QVERIFY(!check.isBusy());
     QTest::qWait(300);
     QCOMPARE(m_server->requests(), QStringList());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/window/window_fixture.h"
+#include "tests/support/window_fixture.h"
 #include "web/browser.h"
 #include "web/download_name.h"
 #include "web/page_dialog.h"
@@ -139,7 +139,7 @@ void TestWebView::initTestCase()
     QVERIFY2(
         browserObstacle() == BrowserObstacle::None,
         "This system gives the engine no sandbox; QTWEBENGINE_DISABLE_SANDBOX=1 does without.");
-    m_lan = std::make_unique<WindowFixture>("127.77.35");
+    m_lan = std::make_unique<WindowFixture>();
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     m_lan->addBox(box, sim::BoxModel::Orbit);
     m_lan->addBox(otherBox, sim::BoxModel::River);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/table.h"
 #include "widgets/input_ui.h"
 
 #include <QAbstractItemView>
@@ -122,11 +123,10 @@ void TestInputui::oneLineIsNoTallerThanItsField()
 
 void TestInputui::clickListsSuggestions_data()
 {
-    QTest::addColumn<QStringList>("list");
-    QTest::addColumn<bool>("shown");
+    columns<QStringList, bool>("list", "shown");
 
-    QTest::newRow("suggestions") << QStringList({"KORA-1", "KORA-2", "other"}) << true;
-    QTest::newRow("none") << QStringList() << false;
+    row("suggestions", QStringList({"KORA-1", "KORA-2", "other"}), true);
+    row("none", QStringList(), false);
 }
 
 void TestInputui::clickListsSuggestions()

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/table.h"
 #include "widgets/ip_address.h"
 
 #include <QClipboard>
@@ -99,40 +100,23 @@ QStringList TestIPAddress::texts() const
 
 void TestIPAddress::typing_data()
 {
-    QTest::addColumn<QString>("keys");
-    QTest::addColumn<QString>("texts");
-    QTest::addColumn<int>("field");
+    columns<QString, QString, int>("keys", "texts", "field");
 
-    QTest::newRow("three digits move on") << "192"
-                                          << "192|||" << 2;
-    QTest::newRow("two digits stay") << "99"
-                                     << "99|||" << 1;
-    QTest::newRow("a dot moves on") << "99."
-                                    << "99|||" << 2;
-    QTest::newRow("a dot in an empty field does not") << "."
-                                                      << "|||" << 1;
-    QTest::newRow("a dot after the third digit is one move") << "192.1"
-                                                             << "192|1||" << 2;
-    QTest::newRow("and two dots are two") << "192.1."
-                                          << "192|1||" << 3;
-    QTest::newRow("256 is refused") << "256"
-                                    << "25|||" << 1;
-    QTest::newRow("260 is refused") << "260"
-                                    << "26|||" << 1;
-    QTest::newRow("300 is refused") << "300"
-                                    << "30|||" << 1;
-    QTest::newRow("255 is the largest") << "255"
-                                        << "255|||" << 2;
-    QTest::newRow("199 and 200") << "199200"
-                                 << "199|200||" << 3;
-    QTest::newRow("letters are refused") << "1a2-3"
-                                         << "123|||" << 2;
-    QTest::newRow("a whole address") << "192.168.1.88"
-                                     << "192|168|1|88" << 4;
-    QTest::newRow("without the dots") << "192168100255"
-                                      << "192|168|100|255" << 4;
-    QTest::newRow("the last field has no next") << "1.2.3.4."
-                                                << "1|2|3|4" << 4;
+    row("three digits move on", "192", "192|||", 2);
+    row("two digits stay", "99", "99|||", 1);
+    row("a dot moves on", "99.", "99|||", 2);
+    row("a dot in an empty field does not", ".", "|||", 1);
+    row("a dot after the third digit is one move", "192.1", "192|1||", 2);
+    row("and two dots are two", "192.1.", "192|1||", 3);
+    row("256 is refused", "256", "25|||", 1);
+    row("260 is refused", "260", "26|||", 1);
+    row("300 is refused", "300", "30|||", 1);
+    row("255 is the largest", "255", "255|||", 2);
+    row("199 and 200", "199200", "199|200||", 3);
+    row("letters are refused", "1a2-3", "123|||", 2);
+    row("a whole address", "192.168.1.88", "192|168|1|88", 4);
+    row("without the dots", "192168100255", "192|168|100|255", 4);
+    row("the last field has no next", "1.2.3.4.", "1|2|3|4", 4);
 }
 
 void TestIPAddress::typing()
@@ -201,24 +185,15 @@ void TestIPAddress::typingReplacesAnOldAddress()
 
 void TestIPAddress::pasting_data()
 {
-    QTest::addColumn<QString>("clipboard");
-    QTest::addColumn<QString>("texts");
-    QTest::addColumn<int>("field");
+    columns<QString, QString, int>("clipboard", "texts", "field");
 
-    QTest::newRow("an address") << "172.16.0.9"
-                                << "172|16|0|9" << 4;
-    QTest::newRow("with blanks") << " \t172.16.0.9\r\n"
-                                 << "172|16|0|9" << 4;
-    QTest::newRow("with leading zeros") << "010.001.000.099"
-                                        << "10|1|0|99" << 4;
-    QTest::newRow("a number") << "77"
-                              << "1|2|77|4" << 3;
-    QTest::newRow("too large") << "1.2.3.256"
-                               << "1|2|3|4" << 3;
-    QTest::newRow("five parts") << "1.2.3.4.5"
-                                << "1|2|3|4" << 3;
-    QTest::newRow("a word") << "camera"
-                            << "1|2|3|4" << 3;
+    row("an address", "172.16.0.9", "172|16|0|9", 4);
+    row("with blanks", " \t172.16.0.9\r\n", "172|16|0|9", 4);
+    row("with leading zeros", "010.001.000.099", "10|1|0|99", 4);
+    row("a number", "77", "1|2|77|4", 3);
+    row("too large", "1.2.3.256", "1|2|3|4", 3);
+    row("five parts", "1.2.3.4.5", "1|2|3|4", 3);
+    row("a word", "camera", "1|2|3|4", 3);
 }
 
 void TestIPAddress::pasting()
@@ -239,21 +214,20 @@ void TestIPAddress::pasting()
 
 void TestIPAddress::validity_data()
 {
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<bool>("valid");
+    columns<QString, bool>("address", "valid");
 
-    QTest::newRow("usual") << "192.168.1.88" << true;
-    QTest::newRow("mask") << "255.255.255.0" << true;
-    QTest::newRow("zeros") << "0.0.0.0" << true;
-    QTest::newRow("empty") << "" << false;
-    QTest::newRow("three parts") << "1.2.3" << false;
-    QTest::newRow("five parts") << "1.2.3.4.5" << false;
-    QTest::newRow("too large") << "1.2.3.256" << false;
-    QTest::newRow("empty part") << "10.1..5" << false;
-    QTest::newRow("blank") << " 1.2.3.4" << false;
-    QTest::newRow("line end") << "1.2.3.4\n" << false;
-    QTest::newRow("other digits") << QString::fromUtf8("１.2.3.4") << false;
-    QTest::newRow("sign") << "1.2.3.-4" << false;
+    row("usual", "192.168.1.88", true);
+    row("mask", "255.255.255.0", true);
+    row("zeros", "0.0.0.0", true);
+    row("empty", "", false);
+    row("three parts", "1.2.3", false);
+    row("five parts", "1.2.3.4.5", false);
+    row("too large", "1.2.3.256", false);
+    row("empty part", "10.1..5", false);
+    row("blank", " 1.2.3.4", false);
+    row("line end", "1.2.3.4\n", false);
+    row("other digits", QString::fromUtf8("１.2.3.4"), false);
+    row("sign", "1.2.3.-4", false);
 }
 
 void TestIPAddress::validity()

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/table.h"
 #include "widgets/input_ui.h"
 #include "widgets/message_box.h"
 
@@ -106,11 +107,7 @@ void TestMessageBox::cleanup()
 
 void TestMessageBox::answers_data()
 {
-    QTest::addColumn<bool>("withRecovery");
-    QTest::addColumn<QString>("focus");
-    QTest::addColumn<int>("key");
-    QTest::addColumn<QString>("click");
-    QTest::addColumn<int>("answer");
+    columns<bool, QString, int, QString, int>("withRecovery", "focus", "key", "click", "answer");
 
     const int none = 0;
     for (bool recovery : {false, true}) {
@@ -129,8 +126,8 @@ void TestMessageBox::answers_data()
         row("click cancel") << "" << none << "cancelpushButton" << 0;
         row("frame") << "" << none << "frame" << 0;
     }
-    QTest::newRow("return on recovery") << true << "Recovery" << int(Qt::Key_Return) << "" << 2;
-    QTest::newRow("click recovery") << true << "" << none << "Recovery" << 2;
+    row("return on recovery", true, "Recovery", int(Qt::Key_Return), "", 2);
+    row("click recovery", true, "", none, "Recovery", 2);
 }
 
 void TestMessageBox::answers()
@@ -194,17 +191,16 @@ void TestMessageBox::looks()
 
 void TestMessageBox::textIsShownAsItStands_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("scrolls");
+    columns<QString, bool>("text", "scrolls");
 
     const QString chinese = QString::fromUtf8("设置参数部分失败,请检查KORA网络状态后重试.");
-    QTest::newRow("short") << chinese << false;
-    QTest::newRow("two lines") << chinese + "\n" + chinese << false;
-    QTest::newRow("long") << chinese.repeated(20) << true;
-    QTest::newRow("address without a break") << "http://h/" + QString(190, 'W') << true;
-    QTest::newRow("longer than the box") << "http://h/" + QString(2000, 'W') << true;
-    QTest::newRow("markup") << "<b>x</b><img src='file:///none.png'><a href='x'>y</a>&lt;" << false;
-    QTest::newRow("empty") << "" << false;
+    row("short", chinese, false);
+    row("two lines", chinese + "\n" + chinese, false);
+    row("long", chinese.repeated(20), true);
+    row("address without a break", "http://h/" + QString(190, 'W'), true);
+    row("longer than the box", "http://h/" + QString(2000, 'W'), true);
+    row("markup", "<b>x</b><img src='file:///none.png'><a href='x'>y</a>&lt;", false);
+    row("empty", "", false);
 }
 
 void TestMessageBox::textIsShownAsItStands()
@@ -366,16 +362,14 @@ void TestMessageBox::noticeDoesNotHideAQuestion()
 
 void TestMessageBox::promptAnswers_data()
 {
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("modifiers");
-    QTest::addColumn<QString>("answer");
+    columns<int, int, QString>("key", "modifiers", "answer");
 
     const QString typed = "rtsp://h/<b>\n live ";
-    QTest::newRow("return") << int(Qt::Key_Return) << int(Qt::NoModifier) << typed;
-    QTest::newRow("enter") << int(Qt::Key_Enter) << int(Qt::KeypadModifier) << typed;
-    QTest::newRow("control return") << int(Qt::Key_Return) << int(Qt::ControlModifier) << typed;
-    QTest::newRow("ok by tab") << int(Qt::Key_Tab) << int(Qt::NoModifier) << typed;
-    QTest::newRow("escape") << int(Qt::Key_Escape) << int(Qt::NoModifier) << QString();
+    row("return", int(Qt::Key_Return), int(Qt::NoModifier), typed);
+    row("enter", int(Qt::Key_Enter), int(Qt::KeypadModifier), typed);
+    row("control return", int(Qt::Key_Return), int(Qt::ControlModifier), typed);
+    row("ok by tab", int(Qt::Key_Tab), int(Qt::NoModifier), typed);
+    row("escape", int(Qt::Key_Escape), int(Qt::NoModifier), QString());
 }
 
 void TestMessageBox::promptAnswers()

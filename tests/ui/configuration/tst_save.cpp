@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/configuration/configuration_fixture.h"
+#include "tests/support/table.h"
+#include "tests/support/window_fixture.h"
 
 #include <QElapsedTimer>
+#include <QLineEdit>
+#include <QSpinBox>
 
 /// Saving the configuration: what is sent, and what it does to the box.
-class tst_Save : public ConfigurationFixture
+class tst_Save : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { StartUp::dress(*qApp); }
-    void init() { prepare("127.77.53"); }
+    void init() { m_fixture = std::make_unique<WindowFixture>(); }
     void cleanup() { m_fixture.reset(); }
     void savesInOrderAndAsTyped();
     void appliesWhatChanged_data();
@@ -22,44 +24,49 @@ private slots:
     void boxThatGoesMeanwhileIsNamedOnce();
     void changedDhcpReallyReboots();
     void closingMeanwhileIsSafe();
+
+private:
+    /// A box with known settings, selected in a window of the test's own.
+    sim::VirtualBox* selectBox();
+    static QStringList told(const sim::VirtualBox* box) { return WindowFixture::told(*box); }
+
+    std::unique_ptr<WindowFixture> m_fixture;
 };
+
+sim::VirtualBox* tst_Save::selectBox()
+{
+    m_fixture->addBox(7);
+    m_fixture->openKnowing({7});
+    return m_fixture->select(7, WindowFixture::settings());
+}
 
 void tst_Save::savesInOrderAndAsTyped()
 {
-    sim::VirtualBox* box = selectBox(7);
+    sim::VirtualBox* box = selectBox();
     const QString name = QString::fromUtf8("a=b \"左\" \\ %1 & it's");
     m_fixture->child<Inputui>("eParam_NDIName")->setText(name);
     m_fixture->child<QSpinBox>("eParam_NDIHXBitRate")->setValue(12);
-    QTest::mouseClick(m_fixture->child<QWidget>("quality_1"), Qt::LeftButton);
+    m_fixture->click("quality_1");
     const DialogAnswerer notices;
-    clickSave();
+    m_fixture->click("save");
     QTRY_COMPARE(notices.texts(), QStringList{"设置参数成功."});
     const QString sent = QString(name).replace('=', "%3D");
-    QCOMPARE(
-        writes(*box),
-        (QStringList{"eParam_DHCP=0", "eParam_HDMIMode=1", "eParam_HXControlRate=CBR",
-                     "eParam_HXEncProfile=main", "eParam_IPAddress=10.1.2.3", "eParam_NDIHDR=0",
-                     "eParam_NDIHXBitRate=12000", "eParam_NDIHXGopLength=60",
-                     "eParam_NDIHXQuality=1", "eParam_NDIName=" + sent,
-                     "eParam_NTPServer=ntp.example", "eParam_NetMask=255.255.255.0"}));
-    QVERIFY(actions(*box).isEmpty());
+    QCOMPARE(told(box),
+             (QStringList{"DHCP=0", "HDMIMode=1", "HXControlRate=CBR", "HXEncProfile=main",
+                          "IPAddress=10.1.2.3", "NDIHDR=0", "NDIHXBitRate=12000",
+                          "NDIHXGopLength=60", "NDIHXQuality=1", "NDIName=" + sent,
+                          "NTPServer=ntp.example", "NetMask=255.255.255.0"}));
 }
 
 void tst_Save::appliesWhatChanged_data()
 {
-    QTest::addColumn<QString>("dhcpBefore");
-    QTest::addColumn<bool>("dhcp");
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QStringList>("actions");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("DHCP on") << "0" << true << "10.1.2.9" << QStringList{"reboot"}
-                             << "设置成功,正在重启KORA软件.";
-    QTest::newRow("DHCP off") << "1" << false << "10.1.2.3" << QStringList{"reboot"}
-                              << "设置成功,正在重启KORA软件.";
-    QTest::newRow("static address")
-        << "0" << false << "10.1.2.9" << QStringList{"restart"} << "设置成功,正在重启KORA设备.";
-    QTest::newRow("address under DHCP")
-        << "1" << true << "10.1.2.9" << QStringList() << "设置参数成功.";
+    columns<QString, bool, QString, QStringList, QString>("dhcpBefore", "dhcp", "address",
+                                                          "actions", "message");
+    row("DHCP on", "0", true, "10.1.2.9", QStringList{"reboot"}, "设置成功,正在重启KORA软件.");
+    row("DHCP off", "1", false, "10.1.2.3", QStringList{"reboot"}, "设置成功,正在重启KORA软件.");
+    row("static address", "0", false, "10.1.2.9", QStringList{"restart"},
+        "设置成功,正在重启KORA设备.");
+    row("address under DHCP", "1", true, "10.1.2.9", QStringList(), "设置参数成功.");
 }
 
 void tst_Save::appliesWhatChanged()
@@ -68,57 +75,51 @@ void tst_Save::appliesWhatChanged()
     QFETCH(bool, dhcp);
     QFETCH(QString, address);
     QFETCH(QString, message);
-    sim::VirtualBox* box = selectBox(7);
-    box->setParameter("eParam_DHCP", dhcpBefore);
-    m_fixture->clickRow(7);
-    QTRY_COMPARE(m_fixture->item(7)->property("eParam_DHCP").toString(), dhcpBefore);
-    QTRY_COMPARE(shown("DHCP"), QString(dhcpBefore == "1" ? "on" : "off"));
-    QTest::qWait(200);
-    if ((shown("DHCP") == "on") != dhcp)
+    sim::VirtualBox* box = selectBox();
+    m_fixture->select(7, {"DHCP=" + dhcpBefore});
+    QCOMPARE(m_fixture->shown("DHCP"), QString(dhcpBefore == "1" ? "on" : "off"));
+    if ((m_fixture->shown("DHCP") == "on") != dhcp)
         m_fixture->child<QAbstractButton>("DHCP")->click();
     m_fixture->child<IPAddress>("eParam_IPAddress")->setIP(address);
-    box->clearRequests();
     const DialogAnswerer notices;
-    clickSave();
+    m_fixture->click("save");
     QTRY_COMPARE(notices.texts(), QStringList{message});
-    QTRY_COMPARE(writes(*box).size(), 12);
-    QTRY_VERIFY([&] {
-        QFETCH(QStringList, actions);
-        return tst_Save::actions(*box) == actions;
-    }());
+    QTRY_COMPARE(told(box).filter("=").size(), 12);
+    QFETCH(QStringList, actions);
+    QTRY_COMPARE(told(box).mid(12), actions);
 }
 
 void tst_Save::oneRefusalIsNamedOnce()
 {
-    sim::VirtualBox* box = selectBox(7);
+    sim::VirtualBox* box = selectBox();
     QVERIFY(box->addFault("fail write+eParam_HDMIMode"));
     QVERIFY(box->addFault("fail write+eParam_NDIName"));
     m_fixture->child<QAbstractButton>("DHCP")->click();
     const DialogAnswerer notices;
-    clickSave();
+    m_fixture->click("save");
     QTRY_COMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
     // The rest was sent all the same, and nothing was restarted.
-    QCOMPARE(writes(*box).size(), 12);
-    QTest::qWait(300);
-    QVERIFY(actions(*box).isEmpty());
+    QTest::qWait(300); // for what must not come
+    QCOMPARE(told(box).size(), 12);
+    QCOMPARE(told(box).filter("=").size(), 12);
     QCOMPARE(notices.texts().size(), 1);
-    QCOMPARE(shown("DHCP"), QString("on"));
+    QCOMPARE(m_fixture->shown("DHCP"), QString("on"));
 }
 
 void tst_Save::nothingIsSentWithoutAWholeAddress()
 {
-    sim::VirtualBox* box = selectBox(7);
+    sim::VirtualBox* box = selectBox();
     m_fixture->child<IPAddress>("eParam_NetMask")->findChild<QLineEdit*>("txtIP2")->clear();
     const DialogAnswerer notices;
-    clickSave();
+    m_fixture->click("save");
     QTRY_COMPARE(notices.texts().size(), 1);
-    QVERIFY(writes(*box).isEmpty());
+    QVERIFY(told(box).isEmpty());
 }
 
 void tst_Save::runKeepsItsBox()
 {
     sim::VirtualBox* other = m_fixture->addBox(8);
-    sim::VirtualBox* box = selectBox(7);
+    sim::VirtualBox* box = selectBox();
     QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(8), 12000);
     QVERIFY(box->addFault("slow 100 on write"));
     other->clearRequests();
@@ -126,35 +127,35 @@ void tst_Save::runKeepsItsBox()
     bool sawBusy = false;
     QTimer::singleShot(500, this, [&] {
         sawBusy = m_fixture->child<QWidget>("busy_config")->isVisible();
-        clickSave();
+        m_fixture->click("save");
         m_fixture->clickRow(8);
-        clickSave();
+        m_fixture->click("save");
     });
     const DialogAnswerer notices;
-    clickSave();
+    m_fixture->click("save");
     QVERIFY(sawBusy);
     QCOMPARE(notices.texts().size(), 1);
-    QCOMPARE(writes(*box).size(), 12);
-    QVERIFY(writes(*other).isEmpty());
+    QCOMPARE(told(box).size(), 12);
+    QVERIFY(told(other).isEmpty());
     QVERIFY(!m_fixture->child<QWidget>("busy_config")->isVisible());
     QVERIFY(m_fixture->child<QWidget>("config_body")->isEnabled());
 }
 
 void tst_Save::boxThatIsOffEndsInTime()
 {
-    sim::VirtualBox* box = selectBox(7);
+    sim::VirtualBox* box = selectBox();
     QVERIFY(box->addFault("silent"));
     QElapsedTimer clock;
     clock.start();
     const DialogAnswerer notices;
-    clickSave();
+    m_fixture->click("save");
     QVERIFY2(clock.elapsed() < 40000, qPrintable(QString::number(clock.elapsed())));
     QCOMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
 }
 
 void tst_Save::boxThatGoesMeanwhileIsNamedOnce()
 {
-    sim::VirtualBox* box = selectBox(7);
+    sim::VirtualBox* box = selectBox();
     QVERIFY(box->addFault("slow 100 on write"));
     QTimer::singleShot(450, this, [&] {
         box->unplug();
@@ -162,39 +163,39 @@ void tst_Save::boxThatGoesMeanwhileIsNamedOnce()
         m_fixture->deviceView()->treeModel()->remove(m_fixture->item(7));
     });
     const DialogAnswerer notices;
-    clickSave();
+    m_fixture->click("save");
     QTRY_COMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
-    QVERIFY(!writes(*box).isEmpty());
-    QCOMPARE(shown("eParam_NDIName"), QString("Stage Left"));
+    QVERIFY(!told(box).isEmpty());
+    QCOMPARE(m_fixture->shown("eParam_NDIName"), QString("Stage Left"));
 }
 
 void tst_Save::changedDhcpReallyReboots()
 {
-    sim::VirtualBox* box = selectBox(7);
+    sim::VirtualBox* box = selectBox();
     m_fixture->child<QAbstractButton>("DHCP")->click();
     const DialogAnswerer notices;
-    clickSave();
+    m_fixture->click("save");
     QTRY_COMPARE(notices.texts(), QStringList{"设置成功,正在重启KORA软件."});
     QTRY_VERIFY(!box->isOn());
     QTRY_VERIFY_WITH_TIMEOUT(box->isOn(), 10000);
     QCOMPARE(box->activity().reboots, 1);
     m_fixture->clickRow(7);
     QTRY_COMPARE(m_fixture->item(7)->property("eParam_DHCP").toString(), QString("1"));
-    QCOMPARE(shown("DHCP"), QString("on"));
+    QCOMPARE(m_fixture->shown("DHCP"), QString("on"));
 }
 
 void tst_Save::closingMeanwhileIsSafe()
 {
-    sim::VirtualBox* box = selectBox(7);
+    sim::VirtualBox* box = selectBox();
     QVERIFY(box->addFault("slow 200 on write"));
     QTimer::singleShot(500, this, [&] { m_fixture->window().close(); });
     const DialogAnswerer notices;
     QElapsedTimer clock;
     clock.start();
-    clickSave();
+    m_fixture->click("save");
     QVERIFY2(clock.elapsed() < 1500, qPrintable(QString::number(clock.elapsed())));
     QVERIFY(notices.texts().isEmpty());
-    const int sent = writes(*box).size();
+    const int sent = told(box).size();
     QVERIFY2(sent > 0 && sent < 12, qPrintable(QString::number(sent)));
     m_fixture->close();
 }

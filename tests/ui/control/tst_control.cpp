@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/control/control_fixture.h"
+#include "tests/support/table.h"
+#include "tests/support/window_fixture.h"
 
 #include <QCheckBox>
-#include <QRadioButton>
+#include <QSlider>
 #include <QSpinBox>
 
 /// The control area: encoder modes and audio levels.
-class tst_Control : public ControlFixture
+class tst_Control : public QObject, WindowFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { openWindow("127.77.26"); }
-    void init() { resetBox(); }
-    void cleanup() { closeDialogs(); }
+    void initTestCase();
+    void init();
     void encoderCommands_data();
     void encoderCommands();
     void encoderFailure_data();
@@ -22,88 +22,60 @@ private slots:
     void onlyDraggingSends();
     void lastDraggedSliderCounts();
     void refusedLevelNamesItsCaption();
+
+private:
+    void select(const QString& mode, const QString& format);
+    QStringList told() const { return WindowFixture::told(*m_box); }
+
+    sim::VirtualBox* m_box = nullptr;
 };
+
+void tst_Control::initTestCase()
+{
+    m_box = addBox(7);
+    openKnowing({7});
+}
+
+void tst_Control::init()
+{
+    m_box->clearFaults();
+    select("0", "1");
+}
+
+void tst_Control::select(const QString& mode, const QString& format)
+{
+    WindowFixture::select(
+        7, {"NDIEncMode=" + mode, "NDIHXFormat=" + format, "SDIVolume=10", "LineinDelay=100"});
+    QCOMPARE(window().property("eParam_NDIHXFormat").toString(), format);
+    QCOMPARE(child<QSlider>("eParam_SDIVolumeSlider")->value(), 10);
+}
 
 void tst_Control::encoderCommands_data()
 {
-    QTest::addColumn<QString>("mode"); // what the box says before
-    QTest::addColumn<QString>("format");
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<QString>("sent");
-    QTest::addColumn<QString>("checked");
-    QTest::newRow("HB over HX3") << "0"
-                                 << "3"
-                                 << "HB"
-                                 << "hxenc_off HDMIMode=1 NDIEncMode=1 ndienc_on"
-                                 << "HB";
-    QTest::newRow("HB from nothing") << "2"
-                                     << "1"
-                                     << "HB"
-                                     << "HDMIMode=1 NDIEncMode=1 ndienc_on"
-                                     << "HB";
-    QTest::newRow("HB off") << "1"
-                            << "1"
-                            << "HB"
-                            << "ndienc_off"
-                            << "";
-    QTest::newRow("HX2 from nothing") << "2"
-                                      << "1"
-                                      << "HX2"
-                                      << "NDIHXFormat=1 HDMIMode=1 NDIEncMode=0 hxenc_on"
-                                      << "HX2";
-    QTest::newRow("HX2 over HB, H.265")
-        << "1"
-        << "2"
-        << "HX2"
-        << "ndienc_off NDIHXFormat=2 HDMIMode=1 NDIEncMode=0 hxenc_on"
-        << "HX2";
-    QTest::newRow("HX2 over HX3, H.265")
-        << "0"
-        << "4"
-        << "HX2"
-        << "hxenc_off NDIHXFormat=2 HDMIMode=1 NDIEncMode=0 hxenc_on"
-        << "HX2";
-    QTest::newRow("HX3 over HX2") << "0"
-                                  << "1"
-                                  << "HX3"
-                                  << "hxenc_off NDIHXFormat=3 HDMIMode=1 NDIEncMode=0 hxenc_on"
-                                  << "HX3";
-    QTest::newRow("HX3 over HB, H.265")
-        << "1"
-        << "4"
-        << "HX3"
-        << "ndienc_off NDIHXFormat=4 HDMIMode=1 NDIEncMode=0 hxenc_on"
-        << "HX3";
-    QTest::newRow("HX3 off") << "0"
-                             << "3"
-                             << "HX3"
-                             << "hxenc_off"
-                             << "";
-    QTest::newRow("H.265 in HX2") << "0"
-                                  << "1"
-                                  << "H265"
-                                  << "hxenc_off NDIHXFormat=2 HDMIMode=1 NDIEncMode=0 hxenc_on"
-                                  << "HX2";
-    QTest::newRow("H.264 in HX3") << "0"
-                                  << "4"
-                                  << "H264"
-                                  << "hxenc_off NDIHXFormat=3 HDMIMode=1 NDIEncMode=0 hxenc_on"
-                                  << "HX3";
-    QTest::newRow("H.265 in HB, format 3") << "1"
-                                           << "3"
-                                           << "H265"
-                                           << "NDIHXFormat=4"
-                                           << "HB";
-    QTest::newRow("H.264 in HB, format 2") << "1"
-                                           << "2"
-                                           << "H264"
-                                           << "NDIHXFormat=1"
-                                           << "HB";
-    QTest::newRow("H.264 again in HB") << "1"
-                                       << "1"
-                                       << "H264"
-                                       << ""
-                                       << "HB";
+    // "mode": what the box says before
+    columns<QString, QString, QString, QString, QString>("mode", "format", "button", "sent",
+                                                         "checked");
+    row("HB over HX3", "0", "3", "HB", "hxenc_off HDMIMode=1 NDIEncMode=1 ndienc_on", "HB");
+    row("HB from nothing", "2", "1", "HB", "HDMIMode=1 NDIEncMode=1 ndienc_on", "HB");
+    row("HB off", "1", "1", "HB", "ndienc_off", "");
+    row("HX2 from nothing", "2", "1", "HX2", "NDIHXFormat=1 HDMIMode=1 NDIEncMode=0 hxenc_on",
+        "HX2");
+    row("HX2 over HB, H.265", "1", "2", "HX2",
+        "ndienc_off NDIHXFormat=2 HDMIMode=1 NDIEncMode=0 hxenc_on", "HX2");
+    row("HX2 over HX3, H.265", "0", "4", "HX2",
+        "hxenc_off NDIHXFormat=2 HDMIMode=1 NDIEncMode=0 hxenc_on", "HX2");
+    row("HX3 over HX2", "0", "1", "HX3", "hxenc_off NDIHXFormat=3 HDMIMode=1 NDIEncMode=0 hxenc_on",
+        "HX3");
+    row("HX3 over HB, H.265", "1", "4", "HX3",
+        "ndienc_off NDIHXFormat=4 HDMIMode=1 NDIEncMode=0 hxenc_on", "HX3");
+    row("HX3 off", "0", "3", "HX3", "hxenc_off", "");
+    row("H.265 in HX2", "0", "1", "H265",
+        "hxenc_off NDIHXFormat=2 HDMIMode=1 NDIEncMode=0 hxenc_on", "HX2");
+    row("H.264 in HX3", "0", "4", "H264",
+        "hxenc_off NDIHXFormat=3 HDMIMode=1 NDIEncMode=0 hxenc_on", "HX3");
+    row("H.265 in HB, format 3", "1", "3", "H265", "NDIHXFormat=4", "HB");
+    row("H.264 in HB, format 2", "1", "2", "H264", "NDIHXFormat=1", "HB");
+    row("H.264 again in HB", "1", "1", "H264", "", "HB");
 }
 
 void tst_Control::encoderCommands()
@@ -113,7 +85,7 @@ void tst_Control::encoderCommands()
     QFETCH(QString, button);
     QFETCH(QString, sent);
     QFETCH(QString, checked);
-    setState(mode, format);
+    select(mode, format);
     const DialogAnswerer notices;
     click(button.toUtf8().constData());
     QTRY_COMPARE(told().join(' '), sent);
@@ -125,23 +97,14 @@ void tst_Control::encoderCommands()
 
 void tst_Control::encoderFailure_data()
 {
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<int>("commands");
-    QTest::addColumn<QString>("message");
+    columns<QString, QString, int, QString>("button", "fault", "commands", "message");
     // Before each: HX2 with H.264 runs.
-    QTest::newRow("HB, action fails") << "HB"
-                                      << "fail ndienc_on" << 4 << "控制 HB 失败,请重试!";
-    QTest::newRow("HB, first fails") << "HB"
-                                     << "fail hxenc_off" << 4 << "控制 HB 失败,请重试!";
-    QTest::newRow("HX3, write fails") << "HX3"
-                                      << "fail write" << 5 << "控制 HX3 失败,请重试!";
-    QTest::newRow("HX2 off, garbage") << "HX2"
-                                      << "garbage" << 1 << "控制 HX2 失败,请重试!";
-    QTest::newRow("H.265") << "H265"
-                           << "fail hxenc_on" << 5 << "控制 H264 失败,请重试!";
-    QTest::newRow("HB, box hangs up") << "HB"
-                                      << "hang-up 0" << 4 << "控制 HB 失败,请重试!";
+    row("HB, action fails", "HB", "fail ndienc_on", 4, "控制 HB 失败,请重试!");
+    row("HB, first fails", "HB", "fail hxenc_off", 4, "控制 HB 失败,请重试!");
+    row("HX3, write fails", "HX3", "fail write", 5, "控制 HX3 失败,请重试!");
+    row("HX2 off, garbage", "HX2", "garbage", 1, "控制 HX2 失败,请重试!");
+    row("H.265", "H265", "fail hxenc_on", 5, "控制 H264 失败,请重试!");
+    row("HB, box hangs up", "HB", "hang-up 0", 4, "控制 HB 失败,请重试!");
 }
 
 void tst_Control::encoderFailure()
@@ -173,7 +136,7 @@ void tst_Control::dragSendsOnce()
     }
     QVERIFY(told().isEmpty());
     QTRY_COMPARE(told(), QStringList{"SDIVolume=20"});
-    QTest::qWait(600);
+    QTest::qWait(600); // longer than a pause in a drag counts
     QCOMPARE(told().size(), 1);
     slider->setSliderDown(false);
     QCOMPARE(child<QSpinBox>("eParam_SDIVolume")->value(), 20);

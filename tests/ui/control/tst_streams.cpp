@@ -1,23 +1,21 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/control/control_fixture.h"
+#include "tests/support/table.h"
+#include "tests/support/window_fixture.h"
 
 #include "ui/control/setui.h"
 
-#include <QCheckBox>
 #include <QLineEdit>
 #include <QTableWidget>
 
-#include <functional>
-
 /// The control area: decoding a source and streaming live.
-class tst_Streams : public ControlFixture
+class tst_Streams : public QObject, WindowFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { openWindow("127.77.48"); }
-    void init() { resetBox(); }
-    void cleanup() { closeDialogs(); }
+    void initTestCase();
+    void init();
+    void cleanup() { m_notices.reset(); }
     void decodingCommands_data();
     void decodingCommands();
     void sourceListIsKept();
@@ -30,24 +28,38 @@ private slots:
     void liveReplies();
 
 private:
+    void select(const QString& mode)
+    {
+        WindowFixture::select(7, {"NDIEncMode=" + mode, "NDIHXFormat=1"});
+    }
+    QStringList told() const { return WindowFixture::told(*m_box); }
     /// Presses the button that opens a dialog; `act` works in it once it is there.
     void withDialog(const char* button, const std::function<void(setui&)>& act);
+
+    sim::VirtualBox* m_box = nullptr;
+    std::unique_ptr<DialogAnswerer> m_notices;
 };
+
+void tst_Streams::initTestCase()
+{
+    m_box = addBox(7);
+    openKnowing({7});
+}
+
+void tst_Streams::init()
+{
+    m_notices = std::make_unique<DialogAnswerer>();
+    m_box->clearFaults();
+    m_box->setDecodeSources({"STUDIO (Cam 1): 10.0.0.1:5961", "STUDIO (Cam 2): 10.0.0.1:5962"});
+    select("0");
+}
 
 void tst_Streams::withDialog(const char* button, const std::function<void(setui&)>& act)
 {
-    bool acted = false;
-    QTimer wait;
-    connect(&wait, &QTimer::timeout, this, [&] {
-        auto* dialog = qobject_cast<setui*>(QApplication::activeModalWidget());
-        if (!dialog || acted || !dialog->findChild<QWidget*>("dec_refresh")->isEnabled())
-            return;
-        acted = true;
-        act(*dialog);
-    });
-    wait.start(150);
+    m_notices->expect<setui>(
+        act, [](setui& dialog) { return dialog.findChild<QWidget*>("dec_refresh")->isEnabled(); });
     click(button);
-    QVERIFY(acted);
+    QVERIFY(m_notices->isDone());
 }
 
 namespace
@@ -75,30 +87,15 @@ QStringList sourceNames(const setui& dialog)
 
 void tst_Streams::decodingCommands_data()
 {
-    QTest::addColumn<QString>("mode");
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<QString>("sent");
-    QTest::addColumn<QString>("message");
+    columns<QString, QString, QString, QString>("mode", "button", "sent", "message");
     const QString on = "hxdec_on&ndi_name='STUDIO (Cam 2)'";
-    QTest::newRow("start while encoding")
-        << "0"
-        << "okpushButton"
-        << "hxenc_off|HDMIMode=2|hxenc_on|" + on << "开启解码成功STUDIO (Cam 2)";
-    QTest::newRow("start alone") << "2"
-                                 << "okpushButton"
-                                 << "HDMIMode=2|" + on << "开启解码成功STUDIO (Cam 2)";
-    QTest::newRow("stop while encoding") << "1"
-                                         << "closepushButton"
-                                         << "HDMIMode=1|hxdec_off|hxenc_on"
-                                         << "关闭解码成功";
-    QTest::newRow("stop alone") << "2"
-                                << "closepushButton"
-                                << "HDMIMode=1|hxdec_off"
-                                << "关闭解码成功";
-    QTest::newRow("cancel") << "2"
-                            << "cancelpushButton"
-                            << ""
-                            << "";
+    row("start while encoding", "0", "okpushButton", "hxenc_off|HDMIMode=2|hxenc_on|" + on,
+        "开启解码成功STUDIO (Cam 2)");
+    row("start alone", "2", "okpushButton", "HDMIMode=2|" + on, "开启解码成功STUDIO (Cam 2)");
+    row("stop while encoding", "1", "closepushButton", "HDMIMode=1|hxdec_off|hxenc_on",
+        "关闭解码成功");
+    row("stop alone", "2", "closepushButton", "HDMIMode=1|hxdec_off", "关闭解码成功");
+    row("cancel", "2", "cancelpushButton", "", "");
 }
 
 void tst_Streams::decodingCommands()
@@ -107,16 +104,15 @@ void tst_Streams::decodingCommands()
     QFETCH(QString, button);
     QFETCH(QString, sent);
     QFETCH(QString, message);
-    setState(mode, "1");
-    const DialogAnswerer notices;
+    select(mode);
     withDialog("pushButton_hxdec_on", [&](setui& dialog) {
         QCOMPARE(sourceNames(dialog), (QStringList{"STUDIO (Cam 1)", "STUDIO (Cam 2)"}));
         sources(dialog)->setCurrentCell(1, 0);
         press(dialog, button.toUtf8().constData());
     });
     QTRY_COMPARE(told().join('|'), sent);
-    QTRY_COMPARE(notices.texts().join('|').left(message.size()), message);
-    QCOMPARE(notices.texts().size(), message.isEmpty() ? 0 : 1);
+    QTRY_COMPARE(m_notices->texts().join('|').left(message.size()), message);
+    QCOMPARE(m_notices->texts().size(), message.isEmpty() ? 0 : 1);
 }
 
 void tst_Streams::sourceListIsKept()
@@ -143,32 +139,29 @@ void tst_Streams::hostileSourceAddsNoArgument()
 {
     const QString name = "-o x\" -o \"/tmp/evil %1 %2 (Cam 'A'";
     m_box->setDecodeSources({name + "): 1.2.3.4:5"});
-    setState("2", "1");
-    const DialogAnswerer notices;
+    select("2");
     withDialog("pushButton_hxdec_on", [&](setui& dialog) {
         sources(dialog)->setCurrentCell(0, 0);
         QTest::keyClick(sources(dialog), Qt::Key_Return);
     });
     QTRY_COMPARE(told(), (QStringList{"HDMIMode=2", "hxdec_on&ndi_name='" + name + ")'"}));
-    QTRY_COMPARE(notices.texts(), QStringList{"开启解码成功" + name + ")"});
+    QTRY_COMPARE(m_notices->texts(), QStringList{"开启解码成功" + name + ")"});
 }
 
 void tst_Streams::decodeFailureIsNamedOnce()
 {
     QVERIFY(m_box->addFault("fail hxdec_on"));
     QVERIFY(m_box->addFault("fail hxenc_off"));
-    const DialogAnswerer notices;
     withDialog("pushButton_hxdec_on", [&](setui& dialog) {
         sources(dialog)->setCurrentCell(0, 0);
         press(dialog, "okpushButton");
     });
-    QTRY_COMPARE(notices.texts(), QStringList{"开启解码失败STUDIO (Cam 1),请重试!"});
+    QTRY_COMPARE(m_notices->texts(), QStringList{"开启解码失败STUDIO (Cam 1),请重试!"});
     QCOMPARE(told().size(), 4);
 }
 
 void tst_Streams::nothingChosenKeepsTheDialog()
 {
-    const DialogAnswerer notices;
     withDialog("pushButton_hxdec_on", [&](setui& dialog) {
         sources(dialog)->setCurrentCell(-1, -1);
         press(dialog, "okpushButton");
@@ -186,34 +179,21 @@ void tst_Streams::nothingChosenKeepsTheDialog()
         QVERIFY(dialog.isVisible());
         QTest::keyClick(&dialog, Qt::Key_Escape);
     });
-    QCOMPARE(notices.texts(),
+    QCOMPARE(m_notices->texts(),
              (QStringList{"请选择您要解码的源", "请输入正确的url", "请输入正确的端口号"}));
     QVERIFY(told().isEmpty());
 }
 
 void tst_Streams::liveCommands_data()
 {
-    QTest::addColumn<QString>("mode");
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QString>("port");
-    QTest::addColumn<QString>("sent");
-    QTest::newRow("RTMP with a key") << "radioButton_rtmp"
-                                     << "rtmp://h/app?k=v"
-                                     << ""
-                                     << "stream_on&stream_url='rtmp://h/app?k%3Dv'";
-    QTest::newRow("SRT caller, odd text")
-        << "radioButton_srt"
-        << "srt://h:9?streamid=\"a b\"&%1 左"
-        << ""
-        << "stream_on&stream_url='srt://h:9?streamid%3D\"a b\"&%1 左'";
-    QTest::newRow("SRT listener") << "radioButton_Listener"
-                                  << "cam1"
-                                  << "9000"
-                                  << "stream_on&srt_mode=listener&srt_port=9000&stream_id='cam1'";
-    QTest::newRow("stop") << ""
-                          << ""
-                          << ""
-                          << "stream_off";
+    columns<QString, QString, QString, QString>("mode", "address", "port", "sent");
+    row("RTMP with a key", "radioButton_rtmp", "rtmp://h/app?k=v", "",
+        "stream_on&stream_url='rtmp://h/app?k%3Dv'");
+    row("SRT caller, odd text", "radioButton_srt", "srt://h:9?streamid=\"a b\"&%1 左", "",
+        "stream_on&stream_url='srt://h:9?streamid%3D\"a b\"&%1 左'");
+    row("SRT listener", "radioButton_Listener", "cam1", "9000",
+        "stream_on&srt_mode=listener&srt_port=9000&stream_id='cam1'");
+    row("stop", "", "", "", "stream_off");
 }
 
 void tst_Streams::liveCommands()
@@ -221,7 +201,6 @@ void tst_Streams::liveCommands()
     QFETCH(QString, mode);
     QFETCH(QString, address);
     QFETCH(QString, port);
-    const DialogAnswerer notices;
     withDialog("pushButton_live_on", [&](setui& dialog) {
         if (mode.isEmpty()) {
             press(dialog, "closelive");
@@ -234,17 +213,14 @@ void tst_Streams::liveCommands()
     });
     QTRY_COMPARE(told().size(), 1);
     QTEST(told().first(), "sent");
-    QTRY_COMPARE_WITH_TIMEOUT(notices.texts().size(), 1, 15000);
+    QTRY_COMPARE_WITH_TIMEOUT(m_notices->texts().size(), 1, 15000);
 }
 
 void tst_Streams::liveReplies_data()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("started") << ""
-                             << "开启直播服务成功http://127.77.48.7:";
-    QTest::newRow("refused") << "fail stream_on"
-                             << "开启直播服务失败";
+    columns<QString, QString>("fault", "message");
+    row("started", "", "开启直播服务成功http://" TEST_BLOCK ".7:");
+    row("refused", "fail stream_on", "开启直播服务失败");
 }
 
 void tst_Streams::liveReplies()
@@ -253,13 +229,13 @@ void tst_Streams::liveReplies()
     QFETCH(QString, message);
     if (!fault.isEmpty())
         QVERIFY(m_box->addFault(fault));
-    const DialogAnswerer notices;
     withDialog("pushButton_live_on", [&](setui& dialog) {
-        dialog.findChild<QLineEdit*>("stream_url")->setText("rtmp://127.77.48.200/live");
+        dialog.findChild<QLineEdit*>("stream_url")->setText("rtmp://" TEST_BLOCK ".200/live");
         press(dialog, "oklive");
     });
-    QTRY_COMPARE_WITH_TIMEOUT(notices.texts().size(), 1, 15000);
-    QVERIFY2(notices.texts().first().startsWith(message), qPrintable(notices.texts().first()));
+    QTRY_COMPARE_WITH_TIMEOUT(m_notices->texts().size(), 1, 15000);
+    QVERIFY2(m_notices->texts().first().startsWith(message),
+             qPrintable(m_notices->texts().first()));
 }
 
 QTEST_MAIN(tst_Streams)

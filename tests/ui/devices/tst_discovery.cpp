@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/window/window_fixture.h"
+#include "tests/support/table.h"
+#include "tests/support/window_fixture.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -12,9 +13,8 @@ class tst_Discovery : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void init() { m_fixture = std::make_unique<WindowFixture>(); }
+    void cleanup() { m_fixture.reset(); }
     void boxesAppearUnderTheirGroups();
     void boxThatAnswersBothWaysIsOneBox();
     void faultyHostsAreNoBoxes_data();
@@ -33,21 +33,6 @@ private:
 
     std::unique_ptr<WindowFixture> m_fixture;
 };
-
-void tst_Discovery::initTestCase()
-{
-    StartUp::dress(*qApp);
-}
-
-void tst_Discovery::init()
-{
-    m_fixture = std::make_unique<WindowFixture>("127.77.24");
-}
-
-void tst_Discovery::cleanup()
-{
-    m_fixture.reset();
-}
 
 QStringList tst_Discovery::groups() const
 {
@@ -109,14 +94,14 @@ void tst_Discovery::boxThatAnswersBothWaysIsOneBox()
 
 void tst_Discovery::faultyHostsAreNoBoxes_data()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::newRow("silent") << "silent";
-    QTest::newRow("closed ports") << "refuse";
-    QTest::newRow("garbage") << "garbage";
-    QTest::newRow("array") << "not-an-object";
-    QTest::newRow("no value") << "no-value";
-    QTest::newRow("10 MB") << "huge 10000000";
-    QTest::newRow("hangs up") << "hang-up 50";
+    columns<QString>("fault");
+    row("silent", "silent");
+    row("closed ports", "refuse");
+    row("garbage", "garbage");
+    row("array", "not-an-object");
+    row("no value", "no-value");
+    row("10 MB", "huge 10000000");
+    row("hangs up", "hang-up 50");
 }
 
 void tst_Discovery::faultyHostsAreNoBoxes()
@@ -134,8 +119,7 @@ void tst_Discovery::unpluggedBoxTurnsOfflineAndReturns()
 {
     sim::VirtualBox* box = m_fixture->addBox(7);
     m_fixture->addBox(8);
-    m_fixture->open();
-    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7) && m_fixture->item(8), 10000);
+    m_fixture->openWith({7, 8});
     m_fixture->clickRow(7);
     QTRY_COMPARE(m_fixture->information().size(), 6);
 
@@ -159,8 +143,7 @@ void tst_Discovery::selectionFillsTheInformation()
     box->setParameter("eParam_DiskSpace", "51200");
     // The replies come in another order than they were asked for.
     QVERIFY(box->addFault("slow 300 on eParam_DeviceName"));
-    m_fixture->open();
-    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7), 10000);
+    m_fixture->openWith({7});
     m_fixture->clickRow(7);
     QTRY_COMPARE(m_fixture->information().size(), 6);
     QStringList captions;
@@ -199,8 +182,7 @@ void tst_Discovery::hostileTextStaysText()
 {
     sim::VirtualBox* box = m_fixture->addBox(7);
     QVERIFY(box->addFault("text"));
-    m_fixture->open();
-    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7), 10000);
+    m_fixture->openWith({7});
     m_fixture->clickRow(7);
     QTRY_COMPARE(m_fixture->information().size(), 6);
     // What is no MAC address is shown, but never serves to find a box.
@@ -213,8 +195,7 @@ void tst_Discovery::webManagedBoxShowsItsPage()
 {
     m_fixture->addBox(7);
     m_fixture->addBox(21, sim::BoxModel::Orbit);
-    m_fixture->open();
-    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7) && m_fixture->item(21), 10000);
+    m_fixture->openWith({7, 21});
     m_fixture->clickRow(21);
     QVERIFY(m_fixture->child<QWidget>("web_widget")->isVisible());
     QVERIFY(m_fixture->child<QWidget>("middle_widget")->isHidden());
@@ -237,7 +218,7 @@ void tst_Discovery::refreshFindsEverythingAgain()
     QTRY_COMPARE_WITH_TIMEOUT(groups(), (QStringList{"KORA:7,8", "LANTERN:20"}), 10000);
     m_fixture->clickRow(7);
     m_fixture->item(8)->setProperty("upgrading", true);
-    QTest::mouseClick(m_fixture->child<QWidget>("refreshDevice"), Qt::LeftButton);
+    m_fixture->click("refreshDevice");
     // The selected row has gone, the box in an upgrade has stayed.
     QCOMPARE(groups(), QStringList{"KORA:8"});
     QVERIFY(m_fixture->child<QWidget>("right_widget")->isHidden());
@@ -248,8 +229,7 @@ void tst_Discovery::refreshFindsEverythingAgain()
 void tst_Discovery::restartAsksFirst()
 {
     sim::VirtualBox* box = m_fixture->addBox(7);
-    m_fixture->open();
-    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7), 10000);
+    m_fixture->openWith({7});
     {
         const DialogAnswerer no(Qt::Key_Escape);
         m_fixture->clickRow(7, 26 - 8);
@@ -272,8 +252,7 @@ void tst_Discovery::restartAsksFirst()
 void tst_Discovery::tooltipsNameTheirZones()
 {
     m_fixture->addBox(7);
-    m_fixture->open();
-    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7), 10000);
+    m_fixture->openWith({7});
     TreeView* view = m_fixture->deviceView();
     const QRect row = view->visualRect(view->treeModel()->indexOf(m_fixture->item(7)));
     const auto tipAt = [&](int x) {

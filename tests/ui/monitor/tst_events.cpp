@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/window/window_fixture.h"
+#include "tests/support/window_fixture.h"
 
 #include "ui/monitor/event_pane.h"
 
@@ -7,7 +7,7 @@
 #include <QPlainTextEdit>
 
 /// The event panes of the monitor.
-class tst_Events : public QObject
+class tst_Events : public QObject, WindowFixture
 {
     Q_OBJECT
 
@@ -17,26 +17,22 @@ private slots:
     void floodKeepsTheWindowQuick();
 
 private:
-    std::unique_ptr<WindowFixture> m_fixture;
     sim::VirtualBox* m_box = nullptr;
 };
 
 void tst_Events::initTestCase()
 {
-    StartUp::dress(*qApp);
-    m_fixture = std::make_unique<WindowFixture>("127.77.28");
-    m_box = m_fixture->addBox(7);
-    m_fixture->open();
-    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7), 10000);
+    m_box = addBox(7);
+    openWith({7});
 }
 
 void tst_Events::panesFollowTheSelectedBox()
 {
-    auto* stream = m_fixture->child<QPlainTextEdit>("plainTextEdit_Stream");
-    auto* media = m_fixture->child<QPlainTextEdit>("plainTextEdit_Media");
-    m_fixture->clickRow(7);
+    auto* stream = child<QPlainTextEdit>("plainTextEdit_Stream");
+    auto* media = child<QPlainTextEdit>("plainTextEdit_Media");
+    clickRow(7);
     QTRY_COMPARE(m_box->mediaListeners(), 1);
-    QTest::mouseClick(m_fixture->child<QWidget>("switch_monitor"), Qt::LeftButton);
+    click("switch_monitor");
     QTRY_VERIFY(stream->isVisible());
     // Often, because the box's own messages without a time set the clock back to zero.
     QTimer recording;
@@ -45,7 +41,7 @@ void tst_Events::panesFollowTheSelectedBox()
     recording.start(10);
     m_box->sendMediaEvent(QString(20000, 'm'));
     QTRY_VERIFY(stream->toPlainText().contains("<i>x</i>"));
-    QTRY_COMPARE(m_fixture->child<QLabel>("recodeTime")->text(), QString("00:01:01.500"));
+    QTRY_COMPARE(child<QLabel>("recodeTime")->text(), QString("00:01:01.500"));
     recording.stop();
     // A message is shown whole up to a bound.
     QTRY_VERIFY(media->toPlainText().contains(QString(EventPane::LengthLimit, 'm')));
@@ -53,8 +49,8 @@ void tst_Events::panesFollowTheSelectedBox()
     QVERIFY(stream->isReadOnly());
 
     m_box->unplug();
-    QTRY_VERIFY(stream->toPlainText().contains("尝试重新连接 ws://127.77.28.7:8001"));
-    QCOMPARE(m_fixture->child<QLabel>("recodeTime")->text(), QString("00:00:00.000"));
+    QTRY_VERIFY(stream->toPlainText().contains("尝试重新连接 ws://" TEST_BLOCK ".7:8001"));
+    QCOMPARE(child<QLabel>("recodeTime")->text(), QString("00:00:00.000"));
     QVERIFY(m_box->plugIn());
     // Connected again: the pane begins afresh.
     QTRY_VERIFY(!stream->toPlainText().contains("尝试重新连接"));
@@ -62,7 +58,7 @@ void tst_Events::panesFollowTheSelectedBox()
 
 void tst_Events::floodKeepsTheWindowQuick()
 {
-    auto* media = m_fixture->child<QPlainTextEdit>("plainTextEdit_Media");
+    auto* media = child<QPlainTextEdit>("plainTextEdit_Media");
     QTRY_COMPARE(m_box->mediaListeners(), 1);
     QVERIFY(m_box->addFault("flood 2000"));
     QElapsedTimer gap;

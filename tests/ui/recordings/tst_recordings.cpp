@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/window/window_fixture.h"
+#include "tests/support/files.h"
+#include "tests/support/table.h"
+#include "tests/support/window_fixture.h"
 
 #include "ui/recordings/list_widget.h"
 
@@ -13,7 +15,7 @@
 #include <QToolButton>
 
 /// The storage list, recording, playing, deleting and downloading.
-class tst_Recordings : public QObject
+class tst_Recordings : public QObject, WindowFixture
 {
     Q_OBJECT
 
@@ -36,30 +38,24 @@ private slots:
     void rowsThatGoDuringAQuestion();
 
 private:
-    template <class T> T* child(const char* name) const { return m_fixture->child<T>(name); }
     ListWidget* list() const { return child<ListWidget>("storageWidget"); }
     QStringList titles() const;
     QStringList playing() const;
     QString address() const { return child<QLabel>("decodeaddress")->text(); }
-    void click(const char* name) { QTest::mouseClick(child<QWidget>(name), Qt::LeftButton); }
     void clickEntry(int row, Qt::KeyboardModifiers modifiers = {});
     void playEntry(int row);
     void selectBox(int host, const QStringList& recordings);
     QStringList told(const QString& action) const;
 
-    std::unique_ptr<WindowFixture> m_fixture;
     sim::VirtualBox* m_box = nullptr;
     sim::VirtualBox* m_other = nullptr;
 };
 
 void tst_Recordings::initTestCase()
 {
-    StartUp::dress(*qApp);
-    m_fixture = std::make_unique<WindowFixture>("127.77.46");
-    m_box = m_fixture->addBox(7);
-    m_other = m_fixture->addBox(8);
-    m_fixture->open();
-    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7) && m_fixture->item(8), 10000);
+    m_box = addBox(7);
+    m_other = addBox(8);
+    openKnowing({7, 8});
 }
 
 void tst_Recordings::init()
@@ -72,8 +68,6 @@ void tst_Recordings::init()
 
 void tst_Recordings::cleanup()
 {
-    if (QWidget* left = QApplication::activeModalWidget())
-        left->close();
     if (child<QToolButton>("video_play")->isChecked())
         click("video_play");
     QTRY_COMPARE(address(), QString());
@@ -119,32 +113,25 @@ void tst_Recordings::selectBox(int host, const QStringList& recordings)
     // The newest is listed first.
     for (int n = recordings.size() - 1; n >= 0; --n)
         box->addRecording(recordings.at(n));
-    m_fixture->clickRow(host);
+    clickRow(host);
     QTRY_COMPARE(titles(), recordings);
     box->clearRequests();
 }
 
 QStringList tst_Recordings::told(const QString& action) const
 {
-    QStringList list;
-    const auto requests = m_box->requests();
-    for (const sim::BoxRequest& request : requests) {
-        const QString body = QString::fromUtf8(request.body);
-        if (body.startsWith("action=" + action))
-            list << body;
-    }
-    return list;
+    return WindowFixture::told(*m_box).filter(QRegularExpression("^" + action));
 }
 
 void tst_Recordings::onlyVideosAreListed()
 {
     for (const char* name : {"c.mov", "b.jpg", "mov", "a.MP4"})
         m_box->addRecording(name, "x");
-    m_fixture->clickRow(7);
+    clickRow(7);
     QTRY_COMPARE(titles(), QStringList({"a.MP4", "c.mov"}));
     const Item& first = *list()->entries().front();
     QCOMPARE(first.property("filepath").toString(), QString("a.MP4"));
-    QCOMPARE(first.address(), m_fixture->ip(7));
+    QCOMPARE(first.address(), ip(7));
     QVERIFY(!first.property("ispaly").toBool() && !first.isGroup());
     QCOMPARE(list()->item(0)->toolTip(), QString("a.MP4"));
 }
@@ -153,7 +140,7 @@ void tst_Recordings::otherBoxClearsTheList()
 {
     selectBox(7, {"a.mp4"});
     QVERIFY(m_other->addFault("silent on eParam_RecordList"));
-    m_fixture->clickRow(8);
+    clickRow(8);
     // Whatever the box does: the other's recordings are not taken for its own.
     QTRY_COMPARE(titles(), QStringList());
     m_other->clearFaults();
@@ -163,13 +150,12 @@ void tst_Recordings::hostileNamesAreShownPlain()
 {
     const QString name = "<b>x</b>\n" + QString(300, 'w') + ".mp4";
     m_box->addRecording(name, "x");
-    m_fixture->clickRow(7);
+    clickRow(7);
     QTRY_COMPARE(titles(), QStringList(name));
     QVERIFY(list()->item(0)->toolTip().startsWith("&lt;b&gt;x"));
     QVERIFY(m_box->addFault("array on eParam_RecordList"));
     QVERIFY(m_box->addFault("garbage on eParam_RecordList"));
-    m_fixture->clickRow(7);
-    QTest::qWait(300);
+    select(7);
     QCOMPARE(titles(), QStringList(name));
 }
 
@@ -181,14 +167,14 @@ void tst_Recordings::recordsUnderItsOwnName()
     auto* recode = child<QCheckBox>("recode");
     QVERIFY(!recode->isEnabled());
     QTRY_VERIFY(recode->isEnabled() && recode->isChecked());
-    const QString name = m_fixture->item(7)->property("recodefilename").toString();
+    const QString name = item(7)->property("recodefilename").toString();
     QVERIFY(QRegularExpression("^Tarn_Hub_Recode\\d{14}\\.mov$").match(name).hasMatch());
-    QCOMPARE(told("record_on"), QStringList("action=record_on&file_name=" + name));
+    QCOMPARE(told("record_on"), QStringList("record_on&file_name=" + name));
 
     // Another box does not record; coming back, this one still does.
-    m_fixture->clickRow(8);
+    clickRow(8);
     QTRY_VERIFY(!recode->isChecked());
-    m_fixture->clickRow(7);
+    clickRow(7);
     QTRY_VERIFY(recode->isChecked());
     QTRY_VERIFY(child<QLabel>("recodeTime")->text() > "00:00:01");
 
@@ -198,20 +184,19 @@ void tst_Recordings::recordsUnderItsOwnName()
                               10000);
     QVERIFY(!recode->isChecked());
     QTRY_COMPARE_WITH_TIMEOUT(playing(), QStringList(name), 10000);
-    QCOMPARE(address(), "http://" + m_fixture->ip(7) + ":8081/media/" + name);
+    QCOMPARE(address(), "http://" + ip(7) + ":8081/media/" + name);
     QTest::mouseClick(child<QRadioButton>("recodemp4"), Qt::LeftButton);
 }
 
 void tst_Recordings::boxDecidesWhatRecordShows_data()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<bool>("recording"); // before the click
-    QTest::addColumn<QStringList>("texts");
+    // "recording": before the click
+    columns<QString, bool, QStringList>("fault", "recording", "texts");
     const QStringList failed{"停止录制失败,请重试."};
-    QTest::newRow("start refused") << "fail on record_on" << false << QStringList();
-    QTest::newRow("start unanswered") << "silent on record_on" << false << QStringList();
-    QTest::newRow("stop refused") << "fail on record_off" << true << failed;
-    QTest::newRow("stop unanswered") << "silent on record_off" << true << failed;
+    row("start refused", "fail on record_on", false, QStringList());
+    row("start unanswered", "silent on record_on", false, QStringList());
+    row("stop refused", "fail on record_off", true, failed);
+    row("stop unanswered", "silent on record_off", true, failed);
 }
 
 void tst_Recordings::boxDecidesWhatRecordShows()
@@ -219,7 +204,7 @@ void tst_Recordings::boxDecidesWhatRecordShows()
     QFETCH(QString, fault);
     QFETCH(bool, recording);
     QFETCH(QStringList, texts);
-    m_fixture->item(7)->setProperty("recodefilename", recording ? "x.mp4" : "");
+    item(7)->setProperty("recodefilename", recording ? "x.mp4" : "");
     selectBox(7, {});
     auto* recode = child<QCheckBox>("recode");
     QCOMPARE(recode->isChecked(), recording);
@@ -229,7 +214,7 @@ void tst_Recordings::boxDecidesWhatRecordShows()
     QTRY_VERIFY(recode->isEnabled());
     QTRY_COMPARE(answers.texts(), texts);
     QCOMPARE(recode->isChecked(), recording);
-    m_fixture->item(7)->setProperty("recodefilename", QString());
+    item(7)->setProperty("recodefilename", QString());
 }
 
 void tst_Recordings::nothingSelectedPlaysNothing()
@@ -247,7 +232,7 @@ void tst_Recordings::stepsToTheNeighbours()
     selectBox(7, {"a b.mp4", "b.mp4"});
     playEntry(0);
     QVERIFY(child<QToolButton>("video_play")->isChecked());
-    QCOMPARE(address(), "http://" + m_fixture->ip(7) + ":8081/media/a%20b.mp4");
+    QCOMPARE(address(), "http://" + ip(7) + ":8081/media/a%20b.mp4");
     // One name ends in the other: the address holds both.
     QCOMPARE(playing(), QStringList({"a b.mp4", "b.mp4"}));
     DialogAnswerer answers;
@@ -259,8 +244,7 @@ void tst_Recordings::stepsToTheNeighbours()
     QTRY_COMPARE(answers.texts().size(), 2);
     QCOMPARE(answers.texts().last(), QString("已经第一个了"));
     // The list is read again: what plays stays marked.
-    m_fixture->clickRow(7);
-    QTest::qWait(300);
+    select(7);
     QCOMPARE(playing(), QStringList("b.mp4"));
     // A second double click on it stops.
     list()->setCurrentRow(1);
@@ -276,7 +260,7 @@ void tst_Recordings::failureIsSaid()
     DialogAnswerer answers;
     clickEntry(0);
     click("video_play");
-    const QString url = "http://" + m_fixture->ip(7) + ":8081/media/a.mp4";
+    const QString url = "http://" + ip(7) + ":8081/media/a.mp4";
     QTRY_COMPARE_WITH_TIMEOUT(answers.texts(), QStringList("播放地址" + url + "异常!"), 10000);
     QVERIFY(!child<QToolButton>("video_play")->isChecked());
     QCOMPARE(address(), QString());
@@ -286,13 +270,12 @@ void tst_Recordings::playingOneIsNotDeleted()
 {
     selectBox(7, {"a.mp4", "b.mp4", "c.mp4"});
     playEntry(1);
-    DialogAnswerer no(Qt::Key_Escape);
+    DialogAnswerer answers(Qt::Key_Escape);
     list()->selectAll();
     QTest::keyClick(list(), Qt::Key_Delete);
-    QTRY_COMPARE(no.texts(), QStringList("确认要删除这些录制文件吗?"));
+    QTRY_COMPARE(answers.texts(), QStringList("确认要删除这些录制文件吗?"));
     QCOMPARE(titles().size(), 3);
-    no.disconnect();
-    DialogAnswerer yes;
+    answers.setKey(Qt::Key_Return);
     QTest::keyClick(list(), Qt::Key_Delete);
     QTRY_COMPARE(titles(), QStringList("b.mp4"));
     QTRY_COMPARE(m_box->recordings(), QStringList("b.mp4"));
@@ -316,44 +299,40 @@ void tst_Recordings::downloadsIntoTheChosenFolder()
     const QTemporaryDir folder;
     m_box->addRecording("slow.mp4", QByteArray(400000, 's'));
     m_box->addRecording("gone.mp4", "x");
-    m_fixture->clickRow(7);
+    clickRow(7);
     QTRY_COMPARE(titles(), QStringList({"gone.mp4", "slow.mp4"}));
     m_box->removeRecording("gone.mp4");
     QVERIFY(m_box->addFault("throttle 150000 on media"));
     list()->selectAll();
 
     // The operator opens the menu, picks the first action and a folder.
-    QTimer::singleShot(300, this, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        QVERIFY(menu);
-        QCOMPARE(menu->actions().first()->text(), QString("下载"));
-        QCOMPARE(menu->actions().last()->text(), QString("删除"));
-        QTimer::singleShot(300, this, [&] {
-            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-            QVERIFY(dialog);
-            QCOMPARE(dialog->windowTitle(), QString("请您选择保存的位置"));
-            QCOMPARE(dialog->labelText(QFileDialog::Accept), QString("选择目录"));
-            dialog->setDirectory(folder.path());
-            dialog->selectFile(folder.path());
-            dialog->findChild<QLineEdit*>("fileNameEdit")->setText(folder.path());
-            QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
-        });
-        QTest::keyClick(menu, Qt::Key_Down);
-        QTest::keyClick(menu, Qt::Key_Return);
+    DialogAnswerer answers(Qt::Key_Escape);
+    answers.expect<QMenu>([](QMenu& menu) {
+        QCOMPARE(menu.actions().first()->text(), QString("下载"));
+        QCOMPARE(menu.actions().last()->text(), QString("删除"));
+        QTest::keyClick(&menu, Qt::Key_Down);
+        QTest::keyClick(&menu, Qt::Key_Return);
+    });
+    answers.expect<QFileDialog>([&](QFileDialog& dialog) {
+        QCOMPARE(dialog.windowTitle(), QString("请您选择保存的位置"));
+        QCOMPARE(dialog.labelText(QFileDialog::Accept), QString("选择目录"));
+        dialog.setDirectory(folder.path());
+        dialog.selectFile(folder.path());
+        dialog.findChild<QLineEdit*>("fileNameEdit")->setText(folder.path());
+        QMetaObject::invokeMethod(&dialog, "accept", Qt::QueuedConnection);
     });
     emit list()->customContextMenuRequested(QPoint(20, 20));
     auto* downloads = child<QWidget>("downloads");
     QTRY_VERIFY(downloads->isVisible());
     // What is under way does not depend on the list or the selection.
-    m_fixture->clickRow(8);
+    clickRow(8);
 
-    DialogAnswerer no(Qt::Key_Escape);
-    QTRY_COMPARE(no.texts(), QStringList("文件[gone.mp4]下载失败: 设备上没有此文件"));
+    QTRY_COMPARE(answers.texts(), QStringList("文件[gone.mp4]下载失败: 设备上没有此文件"));
     QVERIFY(downloads->isVisible());
-    QTRY_COMPARE_WITH_TIMEOUT(no.texts().size(), 2, 10000);
-    QCOMPARE(no.texts().last(), QString("下载完成,是否前往文件所在文件夹?"));
+    QTRY_COMPARE_WITH_TIMEOUT(answers.texts().size(), 2, 10000);
+    QCOMPARE(answers.texts().last(), QString("下载完成,是否前往文件所在文件夹?"));
     QVERIFY(!downloads->isVisible());
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList("slow.mp4"));
+    QCOMPARE(filesIn(folder.path()), QStringList("slow.mp4"));
     QCOMPARE(QFileInfo(folder.path() + "/slow.mp4").size(), qint64(400000));
 }
 
@@ -361,12 +340,12 @@ void tst_Recordings::rowsThatGoDuringAQuestion()
 {
     selectBox(7, {"a.mp4", "b.mp4"});
     clickEntry(0);
-    QTimer::singleShot(200, this, [&] {
+    DialogAnswerer answers;
+    answers.expect<messageBox>([this](messageBox& question) {
         // The list is read again, in another order, while the question is open.
         m_box->addRecording("z.mp4", "x");
-        emit m_fixture->deviceView()->S_ActionClicked(Action::Select, m_fixture->item(7));
-        QTimer::singleShot(
-            500, this, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Return); });
+        readAfter(7, [this] { emit deviceView()->S_ActionClicked(Action::Select, item(7)); });
+        QTest::keyClick(&question, Qt::Key_Return);
     });
     QTest::keyClick(list(), Qt::Key_Delete);
     QTRY_COMPARE(titles(), QStringList({"z.mp4", "b.mp4"}));

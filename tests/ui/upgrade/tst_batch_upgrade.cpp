@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/upgrade/upgrade_fixture.h"
+#include "tests/support/report_look.h"
+#include "tests/support/table.h"
+#include "tests/support/window_fixture.h"
 
+#include <QDebug>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -12,8 +15,12 @@
 namespace
 {
 
-const QString block = "127.77.41";
-constexpr int tickMs = 50;
+Options quickUpgrades()
+{
+    Options options = WindowFixture::options();
+    options.upgradeTickMs = 50;
+    return options;
+}
 
 QString question(int boxes)
 {
@@ -28,7 +35,6 @@ class tst_BatchUpgrade : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
     void cleanup();
     void refusals_data();
@@ -47,9 +53,13 @@ private slots:
 private:
     void addBoxes(int count);
     void select(const QList<int>& hosts);
-    void drop(const QStringList& files) { dropOn(m_fixture->child<QWidget>("device_list"), files); }
+    void drop(const QStringList& files)
+    {
+        WindowFixture::drop(m_fixture->child<QWidget>("device_list"), files);
+    }
+    QStringList told(int host) const { return WindowFixture::told(*m_boxes[host]); }
     /// Types the package's path into the file dialog and accepts it.
-    void choose(QFileDialog* dialog) const;
+    void choose(QFileDialog& dialog) const;
     void deliver(const QString& type, const QString& parameter, const QString& value);
 
     std::unique_ptr<WindowFixture> m_fixture;
@@ -57,15 +67,10 @@ private:
     QString m_package;
 };
 
-void tst_BatchUpgrade::initTestCase()
-{
-    StartUp::dress(*qApp);
-}
-
 void tst_BatchUpgrade::init()
 {
-    m_fixture = std::make_unique<WindowFixture>(block);
-    m_package = makePackage(m_fixture->appData(), "KORA_1.2.0.623.dat", 100000);
+    m_fixture = std::make_unique<WindowFixture>();
+    m_package = writePackage(m_fixture->appData() + "/KORA_1.2.0.623.dat", 100000);
 }
 
 void tst_BatchUpgrade::cleanup()
@@ -78,12 +83,7 @@ void tst_BatchUpgrade::addBoxes(int count)
 {
     for (int host = 1; host <= count; ++host)
         m_boxes[host] = m_fixture->addBox(host);
-    m_fixture->open(tickMs);
-    for (int host = 1; host <= count; ++host) {
-        QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(host), 10000);
-        QTRY_VERIFY(!m_fixture->item(host)->macAddress().isEmpty());
-        QTRY_VERIFY(m_fixture->item(host)->property("FirmVersion").isValid());
-    }
+    m_fixture->openKnowing(m_boxes.keys(), quickUpgrades());
 }
 
 void tst_BatchUpgrade::select(const QList<int>& hosts)
@@ -95,9 +95,9 @@ void tst_BatchUpgrade::select(const QList<int>& hosts)
                                        QItemSelectionModel::Select);
 }
 
-void tst_BatchUpgrade::choose(QFileDialog* dialog) const
+void tst_BatchUpgrade::choose(QFileDialog& dialog) const
 {
-    auto* name = dialog->findChild<QLineEdit*>("fileNameEdit");
+    auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
     QVERIFY(name);
     name->setText(m_package);
     QTest::keyClick(name, Qt::Key_Return);
@@ -114,17 +114,14 @@ void tst_BatchUpgrade::deliver(const QString& type, const QString& parameter, co
 
 void tst_BatchUpgrade::refusals_data()
 {
-    QTest::addColumn<bool>("selected");
-    QTest::addColumn<QStringList>("files");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("nothing selected")
-        << false << QStringList{"/tmp/a.dat"} << "请您在设备列表中选择要升级固件的设备!";
-    QTest::newRow("two files") << true << QStringList{"/tmp/a.dat", "/tmp/b.dat"}
-                               << "请您拖拽一个固件包文件到此处!";
-    QTest::newRow("no file") << true << QStringList{} << "请您拖拽一个固件包文件到此处!";
-    QTest::newRow("capitals") << true << QStringList{"/tmp/fw.DAT"}
-                              << "请您拖拽一个有效的固件升级包到此处";
-    QTest::newRow("cancelled") << true << QStringList{"/tmp/fw.dat"} << question(1);
+    columns<bool, QStringList, QString>("selected", "files", "text");
+    row("nothing selected", false, QStringList{"/tmp/a.dat"},
+        "请您在设备列表中选择要升级固件的设备!");
+    row("two files", true, QStringList{"/tmp/a.dat", "/tmp/b.dat"},
+        "请您拖拽一个固件包文件到此处!");
+    row("no file", true, QStringList{}, "请您拖拽一个固件包文件到此处!");
+    row("capitals", true, QStringList{"/tmp/fw.DAT"}, "请您拖拽一个有效的固件升级包到此处");
+    row("cancelled", true, QStringList{"/tmp/fw.dat"}, question(1));
 }
 
 void tst_BatchUpgrade::refusals()
@@ -136,21 +133,20 @@ void tst_BatchUpgrade::refusals()
     if (selected)
         select({1});
     m_boxes[1]->clearRequests();
-    ButtonAnswerer answers("cancelpushButton");
+    const DialogAnswerer answers("cancelpushButton");
     drop(files);
     QTRY_COMPARE(answers.texts(), QStringList{text});
-    QTest::qWait(200);
-    QVERIFY(!m_fixture->item(1)->property("upgrading").toBool());
+    QTest::qWait(200); // for what must not come
+    QVERIFY(!m_fixture->item(1)->isUpgrading());
     QVERIFY(!m_fixture->deviceView()->isUpgradeTickRunning());
-    for (const sim::BoxRequest& request : m_boxes[1]->requests())
-        QCOMPARE(request.method, QByteArray("GET"));
+    QCOMPARE(told(1), QStringList());
 }
 
 void tst_BatchUpgrade::unreadablePackageStartsNothing()
 {
     addBoxes(2);
     select({1, 2});
-    ButtonAnswerer answers("okpushButton");
+    const DialogAnswerer answers("okpushButton");
     drop({"/nowhere/fw.dat"});
     QTRY_COMPARE(answers.texts(), (QStringList{question(2), "文件打开失败! "}));
     QVERIFY(!m_fixture->item(1)->property("upgrading").toBool());
@@ -163,7 +159,7 @@ void tst_BatchUpgrade::allSucceed()
     addBoxes(2);
     m_fixture->window().setProperty("otaFilepath", m_package);
     select({1, 2});
-    ButtonAnswerer answers("okpushButton");
+    const DialogAnswerer answers("okpushButton");
     // As a click on the new-firmware mark does it.
     m_fixture->window().R_ActionClicked(Action::NewFirmware, m_fixture->item(1));
     QTRY_COMPARE_WITH_TIMEOUT(
@@ -183,7 +179,7 @@ void tst_BatchUpgrade::secondBatchJoins()
     for (sim::VirtualBox* box : qAsConst(m_boxes))
         QVERIFY(box->addFault("throttle 50000 on upload"));
     auto* bar = m_fixture->child<QProgressBar>("upgrade_progress");
-    ButtonAnswerer answers("okpushButton");
+    const DialogAnswerer answers("okpushButton");
     select({1, 2});
     drop({m_package});
     QTRY_VERIFY(m_fixture->deviceView()->isUpgradeTickRunning());
@@ -199,25 +195,19 @@ void tst_BatchUpgrade::secondBatchJoins()
         answers.texts(),
         (QStringList{question(2), question(1), "全部升级完成,KORA即将重启完成固件升级.成功[3]个"}),
         20000);
-    int uploads = 0;
-    for (sim::VirtualBox* box : qAsConst(m_boxes)) {
-        for (const sim::BoxRequest& request : box->requests())
-            uploads += request.path == "/upload";
-    }
-    QCOMPARE(uploads, 3);
+    for (int host = 1; host <= 3; ++host)
+        QCOMPARE(told(host).count("KORA_1.2.0.623.dat"), 1);
 }
 
 void tst_BatchUpgrade::packageDialogSpeaksOfFirmware()
 {
     addBoxes(1);
     select({1});
-    ButtonAnswerer answers("cancelpushButton");
-    QTimer::singleShot(300, this, [this] {
-        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-        QVERIFY(dialog);
-        QCOMPARE(dialog->labelText(QFileDialog::Accept), QString("选择固件"));
-        QCOMPARE(dialog->labelText(QFileDialog::Reject), QString("取消"));
-        QCOMPARE(dialog->nameFilters(), QStringList{"固件包文件 (*.dat)"});
+    DialogAnswerer answers("cancelpushButton");
+    answers.expect<QFileDialog>([this](QFileDialog& dialog) {
+        QCOMPARE(dialog.labelText(QFileDialog::Accept), QString("选择固件"));
+        QCOMPARE(dialog.labelText(QFileDialog::Reject), QString("取消"));
+        QCOMPARE(dialog.nameFilters(), QStringList{"固件包文件 (*.dat)"});
         choose(dialog);
     });
     m_fixture->child<QAbstractButton>("firmwareUpdate")->click();
@@ -228,27 +218,23 @@ void tst_BatchUpgrade::md5ToolShowsTheDigest()
 {
     addBoxes(0);
     QTRY_VERIFY(m_fixture->child<QWidget>("md5")->isHidden());
-    QTimer::singleShot(300, this, [this] {
-        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-        QVERIFY(dialog);
-        choose(dialog);
-    });
+    DialogAnswerer answers;
+    answers.expect<QFileDialog>([this](QFileDialog& dialog) { choose(dialog); });
     m_fixture->child<QAbstractButton>("md5")->click();
-    QTRY_VERIFY(m_fixture->window().findChild<QDialog*>("messageBox"));
-    auto* notice = m_fixture->child<QDialog>("messageBox");
-    QCOMPARE(notice->findChild<QWidget*>("m_tipContent")->property("plainText").toString(),
-             "KORA_1.2.0.623.dat\nMD5: " + md5Of(m_package));
+    QTRY_VERIFY(m_fixture->window().findChild<messageBox*>());
+    QCOMPARE(m_fixture->window().findChild<messageBox*>()->text(),
+             "KORA_1.2.0.623.dat\nMD5: " + md5Of(readFile(m_package)));
 }
 
 void tst_BatchUpgrade::noMacNamesAProperty_data()
 {
-    QTest::addColumn<QString>("mac");
-    QTest::newRow("a property of the window") << "deviceip";
-    QTest::newRow("a property of every widget") << "enabled";
-    QTest::newRow("the list itself") << "needrestore";
-    QTest::newRow("nothing") << "";
-    QTest::newRow("nearly one") << "02:4B:4F:00:00:0G";
-    QTest::newRow("more than one") << "02:4B:4F:00:00:01\nenabled";
+    columns<QString>("mac");
+    row("a property of the window", "deviceip");
+    row("a property of every widget", "enabled");
+    row("the list itself", "needrestore");
+    row("nothing", "");
+    row("nearly one", "02:4B:4F:00:00:0G");
+    row("more than one", "02:4B:4F:00:00:01\nenabled");
 }
 
 void tst_BatchUpgrade::noMacNamesAProperty()
@@ -270,10 +256,9 @@ void tst_BatchUpgrade::noMacNamesAProperty()
     deliver("saveConfig" + mac, "eParam_NDIName", "x");
     deliver("saveConfig" + mac, "eParam_DHCP", "0");
     deliver("getDeviceinfo", "eParam_MACAddress", mac);
-    QTest::qWait(300);
+    QTest::qWait(300); // for what must not come
     QCOMPARE(state(), before);
-    for (const sim::BoxRequest& request : m_boxes[1]->requests())
-        QCOMPARE(request.method, QByteArray("GET"));
+    QCOMPARE(told(1), QStringList());
 }
 
 void tst_BatchUpgrade::snapshotEntersItsBoxOnly()
@@ -307,21 +292,13 @@ void tst_BatchUpgrade::secondFailedWriteBackIsFinal()
     deliver("getDeviceinfo", "eParam_MACAddress", mac);
     QTRY_COMPARE(window.property("needrestore").toStringList(), (QStringList{mac, mac + "1"}));
     QTRY_COMPARE(m_boxes[1]->activity().reboots, 1);
-    QStringList told;
-    for (const sim::BoxRequest& request : m_boxes[1]->requests()) {
-        if (request.method == "POST")
-            told << QString::fromUtf8(request.body);
-    }
-    QCOMPARE(told,
-             (QStringList{"action=set&param_name=eParam_NDIHXGopLength&value=33",
-                          "action=set&param_name=eParam_NDIName&value=a%3Db",
-                          "action=set&param_name=eParam_NTPServer&value=x", "action=reboot"}));
+    QCOMPARE(told(1), (QStringList{"NDIHXGopLength=33", "NDIName=a%3Db", "NTPServer=x", "reboot"}));
     QCOMPARE(m_fixture->item(1)->property("restoreconfig").toMap().size(), 3);
     QTRY_VERIFY_WITH_TIMEOUT(m_boxes[1]->isOn(), 5000);
     deliver("getDeviceinfo", "eParam_MACAddress", mac);
     QTRY_VERIFY(window.property("needrestore").toStringList().isEmpty());
-    QTRY_VERIFY(window.findChild<QDialog*>("messageBox"));
-    QCOMPARE(m_fixture->child<QWidget>("m_tipContent")->property("plainText").toString(),
+    QTRY_VERIFY(window.findChild<messageBox*>());
+    QCOMPARE(window.findChild<messageBox*>()->text(),
              m_fixture->ip(1) + " 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.");
     QTest::qWait(300);
     QCOMPARE(m_boxes[1]->activity().reboots, 1);
@@ -355,8 +332,8 @@ void tst_BatchUpgrade::survivesBeingKilled()
         QCOMPARE(m_boxes[host]->activity().reboots, 0);
     }
 
-    ButtonAnswerer answers("okpushButton");
-    m_fixture->open(tickMs);
+    const DialogAnswerer answers("okpushButton");
+    m_fixture->open(quickUpgrades());
     QTRY_COMPARE_WITH_TIMEOUT(answers.texts().size(), 1, 5000);
     QVERIFY2(answers.texts().first().contains("有3个KORA的设置尚未恢复"),
              qPrintable(answers.texts().first()));
@@ -384,26 +361,22 @@ void tst_BatchUpgrade::survivesBeingKilled()
 static int runAsProgram(QApplication& application, int boxes, const QString& package)
 {
     StartUp::dress(application);
-    Options options;
-    options.sweep.fping = LAN_FPING;
-    options.sweep.subnets = QStringList{block + ".0/24"};
-    options.updateServer = "http://" + block + ".250:9";
-    Tarn_Hub window(options);
+    Tarn_Hub window(WindowFixture::options());
     window.show();
     auto* view = window.findChild<TreeView*>("deviceView");
-    const ButtonAnswerer answers("Recovery");
+    const DialogAnswerer answers("Recovery");
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, &window, [&] {
         const auto items = view->treeModel()->items("KORA");
         for (const Item* box : items) {
-            if (box->macAddress().isEmpty() || !box->property("FirmVersion").isValid())
+            if (!WindowFixture::isKnown(*box))
                 return;
         }
         if (items.size() < boxes)
             return;
         timer.stop();
         view->selectAll();
-        dropOn(window.findChild<QWidget*>("device_list"), {package});
+        WindowFixture::drop(window.findChild<QWidget*>("device_list"), {package});
     });
     timer.start(100);
     QTimer::singleShot(60000, &application, [] { QCoreApplication::exit(1); });

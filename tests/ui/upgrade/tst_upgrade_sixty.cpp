@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/upgrade/upgrade_fixture.h"
+#include "tests/support/report_look.h"
+#include "tests/support/window_fixture.h"
 
 #include <QLabel>
 
@@ -30,7 +31,6 @@ private:
     void checkBox(int host, const QMap<QString, QString>& row);
 
     static constexpr int count = 60;
-    static constexpr int tickMs = 40;
     static const std::array<Kind, 15> kinds;
 
     std::unique_ptr<WindowFixture> m_fixture;
@@ -52,7 +52,7 @@ const std::array<tst_UpgradeSixty::Kind, 15> tst_UpgradeSixty::kinds{{
     {"stays away", 3, "ota-stays-away", true, "未证实", "设备未回应,待恢复", true, false},
     {"old version", 3, "ota-old-version", true, "未证实", "已恢复", false, true},
     {"loses its settings", 4, "ota-loses-settings", true, "已证实", "已恢复", true, true},
-    {"moves", 4, "ota-moves 127.77.40.1@", true, "已证实", "已恢复", true, true},
+    {"moves", 4, "ota-moves " TEST_BLOCK ".1@", true, "已证实", "已恢复", true, true},
     {"takes no name", 2, "fail write+eParam_NDIName", true, "已证实", "1项失败", true, true},
     {"one value unreadable", 2, "garbage on read+eParam_NTPServer", true, "已证实",
      "未能完整读取,不恢复", true, true},
@@ -62,11 +62,12 @@ const std::array<tst_UpgradeSixty::Kind, 15> tst_UpgradeSixty::kinds{{
 
 void tst_UpgradeSixty::initTestCase()
 {
-    StartUp::dress(*qApp);
-    m_fixture = std::make_unique<WindowFixture>("127.77.40");
-    m_package = makePackage(m_fixture->appData(), "KORA 固件_1.2.0.623.dat", 3000000);
+    m_fixture = std::make_unique<WindowFixture>();
+    m_package = writePackage(m_fixture->appData() + "/KORA 固件_1.2.0.623.dat", 3000000);
     addBoxes();
-    m_fixture->open(tickMs);
+    Options options = WindowFixture::options();
+    options.upgradeTickMs = 40;
+    m_fixture->open(options);
 }
 
 void tst_UpgradeSixty::addBoxes()
@@ -100,7 +101,7 @@ void tst_UpgradeSixty::upgradesSixtyBoxes()
         int ready = 0;
         const auto boxes = view->treeModel()->items("KORA");
         for (const Item* box : boxes)
-            ready += !box->macAddress().isEmpty() && box->property("FirmVersion").isValid();
+            ready += WindowFixture::isKnown(*box) ? 1 : 0;
         return ready;
     };
     QTRY_COMPARE_WITH_TIMEOUT(known(), count, 20000);
@@ -116,8 +117,8 @@ void tst_UpgradeSixty::upgradesSixtyBoxes()
     const int shown = 1;
     m_fixture->clickRow(shown);
     view->selectAll();
-    ButtonAnswerer answers("Recovery");
-    dropOn(m_fixture->child<QWidget>("device_list"), {m_package});
+    DialogAnswerer answers("Recovery");
+    WindowFixture::drop(m_fixture->child<QWidget>("device_list"), {m_package});
     QTRY_COMPARE(answers.texts(), QStringList{"即将对您选择的60个KORA进行升级固件操作,是否确认?"});
     answers.setButton("okpushButton");
     answers.clear();
@@ -136,7 +137,7 @@ void tst_UpgradeSixty::upgradesSixtyBoxes()
     answers.clear();
     // A box in the middle of its upgrade is not taken a second time.
     answers.setButton("cancelpushButton");
-    dropOn(m_fixture->child<QWidget>("page_video"), {m_package});
+    WindowFixture::drop(m_fixture->child<QWidget>("page_video"), {m_package});
     QTRY_COMPARE(answers.texts().size(), 1);
     QVERIFY(!answers.texts().first().contains("60"));
     answers.clear();
@@ -181,7 +182,7 @@ void tst_UpgradeSixty::checkBox(int host, const QMap<QString, QString>& row)
     same(row["结果"], kind.verdict, "verdict");
     same(row["设置恢复"], kind.settings, "settings");
     same(row["升级前版本"], m_before[host]["eParam_FirmVersion"], "version before");
-    same(row["固件MD5"], md5Of(m_package), "digest");
+    same(row["固件MD5"], md5Of(readFile(m_package)), "digest");
     same(row["MAC地址"], m_before[host]["eParam_MACAddress"], "MAC address");
     const bool proved = QString(kind.verdict) == "已证实";
     same(QString::number(row["升级后版本"] == "1.2.0.623"), QString::number(proved), "new version");

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/table.h"
 #include "ui/window/options.h"
 
 #include <QTest>
@@ -17,16 +18,14 @@ private slots:
 
 void tst_Options::wrongOptionsAreNamed_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("named");
-    QTest::newRow("unknown") << QStringList{"--colour"} << "colour";
-    QTest::newRow("no value") << QStringList{"--subnet"} << "subnet";
-    QTest::newRow("other mask") << QStringList{"--subnet", "10.0.0.0/16"} << "10.0.0.0/16";
-    QTest::newRow("host") << QStringList{"--subnet", "10.0.0.1"} << "10.0.0.1";
-    QTest::newRow("second is wrong")
-        << QStringList{"--subnet", "127.77.0.0/24", "--subnet", "x"} << "'x'";
-    QTest::newRow("argument") << QStringList{"file.dat"} << "file.dat";
-    QTest::newRow("server") << QStringList{"--update-server", "ftp://x"} << "ftp://x";
+    columns<QStringList, QString>("arguments", "named");
+    row("unknown", QStringList{"--colour"}, "colour");
+    row("no value", QStringList{"--subnet"}, "subnet");
+    row("other mask", QStringList{"--subnet", "10.0.0.0/16"}, "10.0.0.0/16");
+    row("host", QStringList{"--subnet", "10.0.0.1"}, "10.0.0.1");
+    row("second is wrong", QStringList{"--subnet", "127.77.0.0/24", "--subnet", "x"}, "'x'");
+    row("argument", QStringList{"file.dat"}, "file.dat");
+    row("server", QStringList{"--update-server", "ftp://x"}, "ftp://x");
 }
 
 void tst_Options::wrongOptionsAreNamed()

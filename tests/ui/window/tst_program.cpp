@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/table.h"
+
 #include <QProcess>
-#include <QTest>
 
 /// The built program, as a user starts it. Nothing here needs a display.
 class tst_Program : public QObject
@@ -14,18 +15,11 @@ private slots:
 
 void tst_Program::answersWithoutDisplay_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QString>("output");
-    QTest::addColumn<QString>("error");
-    QTest::newRow("help") << QStringList{"--help"} << 0 << "--subnet"
-                          << "";
-    QTest::newRow("version") << QStringList{"--version"} << 0 << "Tarn Hub 1.0.0.10"
-                             << "";
-    QTest::newRow("unknown option") << QStringList{"--sweep"} << 2 << ""
-                                    << "sweep";
-    QTest::newRow("wrong block") << QStringList{"--subnet", "10.0.0.0/8"} << 2 << ""
-                                 << "10.0.0.0/8";
+    columns<QStringList, int, QString, QString>("arguments", "exitCode", "output", "error");
+    row("help", QStringList{"--help"}, 0, "--subnet", "");
+    row("version", QStringList{"--version"}, 0, "Tarn Hub 1.0.0.10", "");
+    row("unknown option", QStringList{"--sweep"}, 2, "", "sweep");
+    row("wrong block", QStringList{"--subnet", "10.0.0.0/8"}, 2, "", "10.0.0.0/8");
 }
 
 void tst_Program::answersWithoutDisplay()

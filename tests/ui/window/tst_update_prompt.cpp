@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/ui/window/window_fixture.h"
+#include "tests/support/window_fixture.h"
 
 #include "common/platform.h"
 #include "common/spark_http.h"
@@ -14,7 +14,6 @@ class tst_UpdatePrompt : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { StartUp::dress(*qApp); }
     void init();
     void cleanup();
     void newerFirmwareIsMarked();
@@ -48,7 +47,7 @@ private:
 
 void tst_UpdatePrompt::init()
 {
-    m_fixture = std::make_unique<WindowFixture>("127.77.37");
+    m_fixture = std::make_unique<WindowFixture>();
     m_fixture->addBox(7);
     m_server = std::make_unique<sim::UpdateServer>(m_fixture->ip(2));
     QVERIFY(m_server->start());
@@ -80,7 +79,9 @@ void tst_UpdatePrompt::open(const QString& latest)
 {
     m_server->furnish(latest);
     m_server->set("/Tarn_Hub_setup.exe", sim::UpdateServer::file("installer"));
-    m_fixture->open(1000, m_server->url());
+    Options options = WindowFixture::options();
+    options.updateServer = m_server->url();
+    m_fixture->open(options);
 }
 
 void tst_UpdatePrompt::newerFirmwareIsMarked()

@@ -1,35 +1,22 @@
 // SPDX-License-Identifier: MIT
-#include "common/platform.h"
-#include "device/item.h"
-#include "device/tree_model.h"
-#include "device/tree_view.h"
-#include "ui/window/options.h"
-#include "ui/window/start_up.h"
-#include "ui/window/tarn_hub.h"
+#include "tests/support/window_fixture.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QComboBox>
 #include <QLabel>
 #include <QMenu>
 #include <QMetaMethod>
-#include <QMimeData>
+#include <QRegularExpression>
 #include <QSlider>
 #include <QSpinBox>
 #include <QSplitter>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
 
 /// The real window on a network without boxes.
-class tst_Window : public QObject
+class tst_Window : public QObject, WindowFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void init() { open(); }
+    void cleanup() { close(); }
     void slotsStandInTheirOrder();
     void startsWithItsPanes();
     void languagesLeaveNothingBehind();
@@ -39,43 +26,9 @@ private slots:
     void closingIsRefusedDuringAnUpgrade();
 
 private:
-    template <class T> T* child(const char* name) const
-    {
-        T* found = m_window->findChild<T*>(name);
-        if (!found)
-            qFatal("no widget %s", name);
-        return found;
-    }
     void chooseLanguage(int row);
-    QStringList visibleTexts() const;
-
-    QTemporaryDir m_data;
-    std::unique_ptr<Tarn_Hub> m_window;
+    QStringList visibleTexts();
 };
-
-void tst_Window::initTestCase()
-{
-    qputenv("APPDATA", m_data.path().toUtf8());
-    StartUp::dress(*qApp);
-}
-
-void tst_Window::init()
-{
-    Options options;
-    options.sweep.fping = Platform::fpingPath(QString());
-    options.sweep.subnets = QStringList{"127.77.10.0/24"};
-    options.updateServer = "http://127.77.10.1:9";
-    m_window = std::make_unique<Tarn_Hub>(options);
-    m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-    // The second stage of the start-up hides what needs a selected box.
-    QTRY_VERIFY(child<QWidget>("right_widget")->isHidden());
-}
-
-void tst_Window::cleanup()
-{
-    m_window.reset();
-}
 
 void tst_Window::slotsStandInTheirOrder()
 {
@@ -132,7 +85,7 @@ void tst_Window::slotsStandInTheirOrder()
 
 void tst_Window::startsWithItsPanes()
 {
-    QCOMPARE(m_window->windowTitle(), QString("Tarn Hub v1.0.0.10"));
+    QCOMPARE(window().windowTitle(), QString("Tarn Hub v1.0.0.10"));
     QCOMPARE(child<QSplitter>("main_splitter")->sizes().first(), 350);
     for (const char* hidden :
          {"expand", "colsefull", "md5", "widget_play_progress", "monitor_bottom", "web_widget"})
@@ -143,20 +96,19 @@ void tst_Window::startsWithItsPanes()
 
 void tst_Window::chooseLanguage(int row)
 {
-    // The menu opens a loop of its own, so the choice is made from inside.
-    QTimer::singleShot(100, this, [row] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        QVERIFY(menu);
-        QTest::mouseClick(menu, Qt::LeftButton, {},
-                          menu->actionGeometry(menu->actions().at(row)).center());
+    DialogAnswerer answers;
+    answers.expect<QMenu>([row](QMenu& menu) {
+        QTest::mouseClick(&menu, Qt::LeftButton, {},
+                          menu.actionGeometry(menu.actions().at(row)).center());
     });
-    QTest::mouseClick(child<QWidget>("language"), Qt::LeftButton);
+    click("language");
+    QVERIFY(answers.isDone());
 }
 
-QStringList tst_Window::visibleTexts() const
+QStringList tst_Window::visibleTexts()
 {
     QStringList texts;
-    const auto widgets = m_window->findChildren<QWidget*>();
+    const auto widgets = window().findChildren<QWidget*>();
     for (const QWidget* widget : widgets) {
         texts << widget->toolTip() << widget->accessibleName();
         for (const char* property : {"text", "placeholderText", "windowTitle"})
@@ -180,7 +132,7 @@ void tst_Window::languagesLeaveNothingBehind()
 void tst_Window::scrollingChangesNoValue()
 {
     child<QWidget>("right_widget")->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowExposed(&window()));
     for (const char* name : {"eParam_NDIHXGopLength", "eParam_NDIHXBitRate", "eParam_SDIVolume",
                              "eParam_LineinVolume", "eParam_LineinDelay"}) {
         auto* spin = child<QSpinBox>(name);
@@ -203,22 +155,22 @@ void tst_Window::fullScreenComesAndGoes()
 {
     auto* video = child<QWidget>("video_widget");
     auto* left = child<QWidget>("left_splitter");
-    const auto isFull = [&] { return m_window->isFullScreen() && left->isHidden(); };
-    const auto isNormal = [&] { return !m_window->isFullScreen() && left->isVisible(); };
+    const auto isFull = [&] { return window().isFullScreen() && left->isHidden(); };
+    const auto isNormal = [&] { return !window().isFullScreen() && left->isVisible(); };
 
     QTest::mouseDClick(video, Qt::LeftButton);
     QTRY_VERIFY(isFull());
     QTest::mouseDClick(video, Qt::LeftButton);
     QTRY_VERIFY(isNormal());
     child<QWidget>("deviceView")->setFocus();
-    QTest::mouseClick(child<QWidget>("full"), Qt::LeftButton);
+    click("full");
     QTRY_VERIFY(isFull());
     QTRY_VERIFY(video->hasFocus());
     QTest::keyClick(video, Qt::Key_Escape);
     QTRY_VERIFY(isNormal());
-    QTest::mouseClick(child<QWidget>("full"), Qt::LeftButton);
+    click("full");
     QTRY_VERIFY(isFull());
-    QTest::mouseClick(child<QWidget>("colsefull"), Qt::LeftButton);
+    click("colsefull");
     QTRY_VERIFY(isNormal());
     // What was hidden before stays so.
     QVERIFY(child<QWidget>("right_widget")->isHidden());
@@ -259,24 +211,16 @@ void tst_Window::closingIsRefusedDuringAnUpgrade()
     group->setProperty("isdir", true);
     model->append(group, model->root(), true);
     auto* box = new Item;
-    box->setProperty("deviceip", "127.77.10.200");
+    box->setProperty("deviceip", ip(200));
     box->setProperty("upgrading", true);
     model->append(box, group, false);
 
-    int notices = 0;
-    QTimer answer;
-    connect(&answer, &QTimer::timeout, this, [&] {
-        if (QWidget* dialog = QApplication::activeModalWidget()) {
-            ++notices;
-            QTest::keyClick(dialog, Qt::Key_Return);
-        }
-    });
-    answer.start(50);
-    QVERIFY(!m_window->close());
-    QCOMPARE(notices, 1);
+    const DialogAnswerer notices;
+    QVERIFY(!window().close());
+    QCOMPARE(notices.texts().size(), 1);
     box->setProperty("upgradtimeout", true);
-    QVERIFY(m_window->close());
-    QCOMPARE(notices, 1);
+    QVERIFY(window().close());
+    QCOMPARE(notices.texts().size(), 1);
 }
 
 QTEST_MAIN(tst_Window)

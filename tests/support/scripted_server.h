@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QSslCertificate>
+#include <QSslKey>
+#include <QSslSocket>
+#include <QTcpServer>
+
+/// A server that takes connections, says `reply` to each request, and no more until told: for what
+/// no box would ever send.
+class ScriptedServer : public QTcpServer
+{
+public:
+    enum Manner {
+        StaysOpen,
+        Closes, ///< after its reply
+        Unasked ///< says its reply without a request, and stays open
+    };
+
+    explicit ScriptedServer(const QString& address, const QByteArray& reply = {},
+                            Manner manner = StaysOpen)
+        : m_reply(reply), m_manner(manner)
+    {
+        if (!listen(QHostAddress(address)))
+            qFatal("cannot listen at %s", qPrintable(address));
+    }
+    /// From now on over TLS.
+    void encrypt(const QByteArray& certificate, const QByteArray& ellipticKey)
+    {
+        m_certificate = QSslCertificate(certificate);
+        m_key = QSslKey(ellipticKey, QSsl::Ec);
+    }
+
+    QString url(const QString& scheme, const QString& path = "1") const
+    {
+        return QString("%1://%2:%3/%4")
+            .arg(scheme, serverAddress().toString())
+            .arg(serverPort())
+            .arg(path);
+    }
+    int connections() const { return m_sockets.size(); }
+    void send(const QByteArray& data)
+    {
+        for (QTcpSocket* socket : qAsConst(m_sockets))
+            socket->write(data);
+    }
+
+protected:
+    void incomingConnection(qintptr handle) override
+    {
+        auto* socket = new QSslSocket(this);
+        socket->setSocketDescriptor(handle);
+        m_sockets << socket;
+        connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
+            m_sockets.removeAll(socket);
+            socket->deleteLater();
+        });
+        if (!m_key.isNull()) {
+            socket->setLocalCertificate(m_certificate);
+            socket->setPrivateKey(m_key);
+            socket->startServerEncryption();
+        }
+        if (m_manner == Unasked)
+            socket->write(m_reply);
+        else if (!m_reply.isEmpty())
+            connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { answer(*socket); });
+    }
+
+private:
+    void answer(QTcpSocket& socket)
+    {
+        const QByteArray request = socket.readAll();
+        if (!request.contains("\r\n\r\n"))
+            return;
+        const int body = m_reply.indexOf("\r\n\r\n") + 4;
+        socket.write(request.startsWith("HEAD") ? m_reply.left(body) : m_reply);
+        if (m_manner == Closes)
+            socket.disconnectFromHost();
+    }
+
+    const QByteArray m_reply;
+    const Manner m_manner;
+    QSslCertificate m_certificate;
+    QSslKey m_key;
+    QList<QTcpSocket*> m_sockets;
+};
+
+inline QByteArray httpReply(const QByteArray& type, const QByteArray& body)
+{
+    return "HTTP/1.1 200 OK\r\nContent-Type: " + type + "\r\nConnection: close\r\n\r\n" + body;
+}
