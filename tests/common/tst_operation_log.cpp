@@ -4,7 +4,6 @@
 #include "tests/support/files.h"
 #include "tests/support/table.h"
 
-#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -18,9 +17,7 @@ private slots:
     void recordHasItsForm();
     void noRecordIsLost_data();
     void noRecordIsLost();
-    void writersWorkAtTheSameTime();
     void keyNamesNoOtherFolder();
-    void unwritableFolderIsSilent();
 
 private:
     QTemporaryDir m_root;
@@ -84,30 +81,10 @@ void tst_OperationLog::noRecordIsLost()
     QCOMPARE(seen.size(), count);
 }
 
-void tst_OperationLog::writersWorkAtTheSameTime()
-{
-    // Thirty writers are held up by one that cannot finish: the caller is not.
-    QElapsedTimer clock;
-    clock.start();
-    for (int i = 0; i < 30; ++i)
-        writeLog("10.0.0.2", QString(200000, 'x'));
-    const qint64 elapsed = clock.elapsed();
-    QVERIFY2(elapsed < 1000, qPrintable(QString::number(elapsed)));
-    QTRY_COMPARE_WITH_TIMEOUT(linesOf(logFile("10.0.0.2")).size() +
-                                  linesOf(logFile("10.0.0.2", "_tarn_hub_overtake.txt")).size(),
-                              30, 20000);
-}
-
 void tst_OperationLog::keyNamesNoOtherFolder()
 {
     writeLog("http-../../evil", "x");
     QTRY_COMPARE(linesOf(logFile("http-.._.._evil")).size(), 1);
-}
-
-void tst_OperationLog::unwritableFolderIsSilent()
-{
-    appendToFile(m_root.path() + "/no/such/folder/log.txt", "x", QIODevice::Append);
-    QVERIFY(!QDir(m_root.path() + "/no").exists());
 }
 
 QTEST_GUILESS_MAIN(tst_OperationLog)

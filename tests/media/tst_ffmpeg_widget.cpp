@@ -3,23 +3,17 @@
 #include "simulator/virtual_box.h"
 #include "tests/support/box_client.h"
 #include "tests/support/clips.h"
+#include "tests/support/dialog_answerer.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/table.h"
 #include "widgets/elided_label.h"
-#include "widgets/message_box.h"
 
-#include <QApplication>
-#include <QDialogButtonBox>
-#include <QFileDialog>
 #include <QLabel>
-#include <QPainter>
+#include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTextEdit>
-#include <QTimer>
 #include <QTranslator>
-
-#include <functional>
 
 using State = PictureState::State;
 
@@ -76,8 +70,8 @@ private:
     }
     QString words() const { return m_widget->findChild<QLabel*>("video_state_title")->text(); }
     bool areWordsShown() const { return m_widget->findChild<QWidget*>("video_state")->isVisible(); }
-    void chooseInMenu(int position);
-    void answer(const std::function<void()>& act) { QTimer::singleShot(0, m_widget.get(), act); }
+    /// Opens the context menu and chooses its action there, then does `act` in the dialog.
+    template <class Dialog> void choose(int position, const std::function<void(Dialog&)>& act);
 
     Clips m_clips;
     std::unique_ptr<FFmpegWidget> m_widget;
@@ -283,55 +277,38 @@ void tst_FFmpegWidget::anotherSourceLeavesNothingOfTheFirst()
     }
 }
 
-/// Opens the context menu and chooses its action there.
-void tst_FFmpegWidget::chooseInMenu(int position)
+template <class Dialog>
+void tst_FFmpegWidget::choose(int position, const std::function<void(Dialog&)>& act)
 {
-    answer([=] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        QVERIFY(menu);
-        QCOMPARE(menu->actions().size(), 2);
-        QCOMPARE(menu->actions().at(position)->data().toInt(), position + 1);
-        menu->setActiveAction(menu->actions().at(position));
-        QTest::keyClick(menu, Qt::Key_Return);
+    DialogAnswerer answers;
+    answers.expect<QMenu>([=](QMenu& menu) {
+        QCOMPARE(menu.actions().size(), 2);
+        QCOMPARE(menu.actions().at(position)->data().toInt(), position + 1);
+        menu.setActiveAction(menu.actions().at(position));
+        QTest::keyClick(&menu, Qt::Key_Return);
     });
+    answers.expect<Dialog>(act);
     emit m_widget->customContextMenuRequested(QPoint(5, 5));
+    QVERIFY(answers.isDone());
 }
 
 void tst_FFmpegWidget::menuPlaysAFile()
 {
-    QStringList filters;
-    QString title;
-    QStringList buttons;
-    const auto inDialog = [&](const QString& file) {
-        answer([&, file] {
-            answer([&, file] {
-                auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-                QVERIFY(dialog);
-                filters = dialog->nameFilters();
-                title = dialog->windowTitle();
-                buttons = QStringList{dialog->labelText(QFileDialog::Accept),
-                                      dialog->labelText(QFileDialog::Reject)};
-                QCOMPARE(dialog->fileMode(), QFileDialog::ExistingFile);
-                if (file.isEmpty())
-                    return dialog->reject();
-                dialog->selectFile(file);
-                auto* box = dialog->findChild<QDialogButtonBox*>();
-                QTest::mouseClick(box->button(QDialogButtonBox::Open), Qt::LeftButton);
-            });
-        });
-    };
     QSignalSpy statuses(m_widget.get(), &FFmpegWidget::playstatus);
-    inDialog(film());
-    chooseInMenu(0);
+    choose<QFileDialog>(0, [this](QFileDialog& dialog) {
+        QCOMPARE(dialog.fileMode(), QFileDialog::ExistingFile);
+        QCOMPARE(dialog.windowTitle(), QString("选择视频文件"));
+        QCOMPARE(dialog.labelText(QFileDialog::Accept), QString("选择视频文件"));
+        QCOMPARE(dialog.labelText(QFileDialog::Reject), QString("取消"));
+        QCOMPARE(dialog.nameFilters(),
+                 QStringList({"视频文件 (*.mov *.mp4 *.m4a *.3gp *.3gp *.3g2 *.mj2)", "*.mov",
+                              "*.mp4", "*.m4a", "*.3gp", "*.3gp", "*.3g2", "*.mj2"}));
+        choosePath(dialog, film());
+    });
     QTRY_COMPARE(m_widget->state(), State::Playing);
     QCOMPARE(statuses.last(), QVariantList({1, film()}));
-    QCOMPARE(title, QStringLiteral("选择视频文件"));
-    QCOMPARE(buttons, QStringList({"选择视频文件", "取消"}));
-    QCOMPARE(filters, QStringList({"视频文件 (*.mov *.mp4 *.m4a *.3gp *.3gp *.3g2 *.mj2)", "*.mov",
-                                   "*.mp4", "*.m4a", "*.3gp", "*.3gp", "*.3g2", "*.mj2"}));
     // Cancelling changes nothing.
-    inDialog(QString());
-    chooseInMenu(0);
+    choose<QFileDialog>(0, [](QFileDialog& dialog) { dialog.reject(); });
     QTest::qWait(20);
     QCOMPARE(m_widget->state(), State::Playing);
     QCOMPARE(statuses.size(), 1);
@@ -339,27 +316,20 @@ void tst_FFmpegWidget::menuPlaysAFile()
 
 void tst_FFmpegWidget::menuPlaysAnAddress()
 {
-    const auto inPrompt = [&](const QString& text) {
-        answer([this, text] {
-            answer([text] {
-                auto* box = qobject_cast<messageBox*>(QApplication::activeModalWidget());
-                QVERIFY(box);
-                box->findChild<QTextEdit*>("contentEdit")->setPlainText(text);
-                box->done(messageBox::Confirmed);
-            });
+    const auto enter = [this](const QString& text) {
+        choose<messageBox>(1, [text](messageBox& box) {
+            box.findChild<QTextEdit*>("contentEdit")->setPlainText(text);
+            box.done(messageBox::Confirmed);
         });
     };
     QSignalSpy statuses(m_widget.get(), &FFmpegWidget::playstatus);
-    inPrompt(film());
-    chooseInMenu(1);
+    enter(film());
     QTRY_COMPARE(m_widget->state(), State::Playing);
-    inPrompt(QString());
-    chooseInMenu(1);
+    enter(QString());
     QTest::qWait(20);
     QCOMPARE(m_widget->state(), State::Playing);
     QCOMPARE(statuses.size(), 1);
-    inPrompt("http://" TEST_BLOCK ".5:9/");
-    chooseInMenu(1);
+    enter("http://" TEST_BLOCK ".5:9/");
     QTRY_COMPARE(m_widget->state(), State::Failed);
     QCOMPARE(statuses.size(), 3);
     QCOMPARE(statuses.at(1).first().toInt(), 2);
@@ -385,11 +355,11 @@ void tst_FFmpegWidget::languageChanges()
     QCoreApplication::processEvents();
     QCOMPARE(words(), "EN " + before);
     QStringList actions;
-    answer([&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        for (const QAction* action : menu->actions())
+    DialogAnswerer answers;
+    answers.expect<QMenu>([&](QMenu& menu) {
+        for (const QAction* action : menu.actions())
             actions << action->text();
-        menu->close();
+        menu.close();
     });
     emit m_widget->customContextMenuRequested(QPoint(5, 5));
     QCOMPARE(actions, QStringList({"EN 播放本地文件", "EN 网络拉流地址"}));

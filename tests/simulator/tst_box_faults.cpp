@@ -69,9 +69,8 @@ void tst_BoxFaults::init()
 QString tst_BoxFaults::firmware(int size)
 {
     QFile file(m_dir.filePath("KORA_3.0.0.1.dat"));
-    if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray(size, 'f')) != size) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray(size, 'f')) != size)
         qFatal("cannot write a firmware file");
-    }
     return file.fileName();
 }
 
@@ -203,9 +202,8 @@ void tst_BoxFaults::clientGivesUpOnSilentBox()
 void tst_BoxFaults::refusesButAnswersPing()
 {
     QVERIFY(m_box->addFault("refuse"));
-    for (const quint16 port : {8081, 8001, 8002}) {
+    for (const quint16 port : {8081, 8001, 8002})
         QVERIFY(isRefused(home, port));
-    }
     QVERIFY(m_box->isReachable());
     m_box->clearFault(FaultKind::Refuse);
     QCOMPARE(readParameter(home, "eParam_DHCP").exitCode, 0);

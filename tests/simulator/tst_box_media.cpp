@@ -23,9 +23,8 @@ public:
     explicit Listener(quint16 port, bool asks = true)
     {
         QObject::connect(&m_socket, &QWebSocket::connected, &m_socket, [this, asks] {
-            if (asks) {
+            if (asks)
                 m_socket.sendTextMessage("hx_meta=on");
-            }
         });
         QObject::connect(&m_socket, &QWebSocket::textMessageReceived, &m_socket,
                          [this](const QString& text) { texts << text; });

@@ -55,9 +55,8 @@ void tst_BoxPower::init()
 QString tst_BoxPower::firmware(const QString& name)
 {
     QFile file(m_dir.filePath(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write("firmware") != 8) {
+    if (!file.open(QIODevice::WriteOnly) || file.write("firmware") != 8)
         qFatal("cannot write a firmware file");
-    }
     return file.fileName();
 }
 
@@ -137,9 +136,8 @@ void tst_BoxPower::unpluggingIsQuickAndFinal()
     clock.start();
     m_box->unplug();
     QVERIFY2(clock.elapsed() < 100, qPrintable(QString::number(clock.elapsed())));
-    for (const quint16 port : {8081, 8001, 8002}) {
+    for (const quint16 port : {8081, 8001, 8002})
         QVERIFY(isRefused(home, port));
-    }
     QTRY_COMPARE(idle.state(), QAbstractSocket::UnconnectedState);
     QTRY_COMPARE(waiting.state(), QAbstractSocket::UnconnectedState);
     QVERIFY(!m_box->isReachable());

@@ -138,12 +138,10 @@ void tst_BoxRules::acceptedValues()
     QFETCH(QString, name);
     QFETCH(QStringList, good);
     QFETCH(QStringList, bad);
-    for (const QString& value : good) {
+    for (const QString& value : good)
         QVERIFY2(isAcceptable(name, value), qPrintable(value));
-    }
-    for (const QString& value : bad) {
+    for (const QString& value : bad)
         QVERIFY2(!isAcceptable(name, value), qPrintable(value));
-    }
 }
 
 namespace

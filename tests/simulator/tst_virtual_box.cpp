@@ -67,12 +67,10 @@ void tst_VirtualBox::cleanup()
 QString tst_VirtualBox::firmware(const QString& name, int size)
 {
     QFile file(m_dir.filePath(name));
-    if (!file.open(QIODevice::WriteOnly)) {
+    if (!file.open(QIODevice::WriteOnly))
         qFatal("cannot write a firmware file");
-    }
-    for (int i = 0; i < size; ++i) {
+    for (int i = 0; i < size; ++i)
         file.putChar(char(i * 7 + i / 251));
-    }
     return file.fileName();
 }
 
@@ -88,9 +86,8 @@ void tst_VirtualBox::everyParameterCanBeRead()
         "eParam_NetMask",      "eParam_NTPServer",      "eParam_SDIVolume",
         "eParam_LineinVolume", "eParam_LineinDelay"};
     QStringList urls;
-    for (const QString& name : names) {
+    for (const QString& name : names)
         urls << apiUrl(home, "/config?action=get&param_name=" + name);
-    }
     const CurlResult result = curl(QStringList{"-w", "\n"} + urls);
     const QList<QByteArray> replies = result.output.trimmed().split('\n');
     QCOMPARE(replies.size(), names.size());
@@ -172,11 +169,10 @@ void tst_VirtualBox::commands()
     QCOMPARE(result.json().value("action").toString(), body.section('&', 0, 0));
     QTEST(result.status(), "status");
     QTEST(m_box->activity().decodeSource, "decodes");
-    if (body == "ndienc_on") {
+    if (body == "ndienc_on")
         QVERIFY(m_box->activity().fullEncoder);
-    } else if (body == "hxenc_off") {
+    else if (body == "hxenc_off")
         QVERIFY(!m_box->activity().compressedEncoder);
-    }
 }
 
 void tst_VirtualBox::deletesRecordings()
@@ -230,9 +226,8 @@ void tst_VirtualBox::mediaRanges()
     QFETCH(QString, range);
     m_box->addRecording("a b.mp4", "0123456789");
     QStringList arguments = {"-w", "\n%{http_code}", apiUrl(home, "/media/a%20b.mp4")};
-    if (!range.isEmpty()) {
+    if (!range.isEmpty())
         arguments << "-r" << range;
-    }
     const QList<QByteArray> parts = curl(arguments).output.split('\n');
     QTEST(QString::fromLatin1(parts.last() + ' ' + parts.first()), "answer");
 }

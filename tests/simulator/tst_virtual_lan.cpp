@@ -42,9 +42,8 @@ QStringList linesOf(const QString& path)
 QString writeFile(const QString& path, const QByteArray& content)
 {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(path));
-    }
     return path;
 }
 
@@ -68,9 +67,8 @@ public:
     /// Everything on standard output so far, until `word` is in it.
     bool says(const QString& word)
     {
-        while (!output.contains(word) && waitForReadyRead(5000)) {
+        while (!output.contains(word) && waitForReadyRead(5000))
             output += QString::fromUtf8(readAllStandardOutput());
-        }
         return output.contains(word);
     }
 

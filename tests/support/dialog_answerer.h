@@ -5,11 +5,22 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QPointer>
 #include <QTest>
 #include <QTimer>
 
 #include <functional>
+
+/// Types a path into a file dialog and confirms it.
+inline void choosePath(QFileDialog& dialog, const QString& path)
+{
+    auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
+    QVERIFY(name);
+    name->setText(path);
+    QTest::keyClick(name, Qt::Key_Return);
+}
 
 /// The operator in front of the dialogs and menus that the program waits in: answers each one that
 /// comes up once, in the order in which they come, and remembers what the message boxes said.

@@ -53,6 +53,7 @@ private slots:
     void closedNetworkIsSilent();
 
 private:
+    std::unique_ptr<UpdateCheck> started();
     /// Runs the check until both answers have been dealt with.
     void check();
     QStringList filesBelowData() const;
@@ -61,6 +62,7 @@ private:
     std::unique_ptr<sim::UpdateServer> m_server;
     QVector<Installer> m_installers;
     QStringList m_packages;
+    int m_answers = 0;
 };
 
 void tst_UpdateCheck::init()
@@ -79,25 +81,33 @@ void tst_UpdateCheck::cleanup()
     m_server.reset();
 }
 
+std::unique_ptr<UpdateCheck> tst_UpdateCheck::started()
+{
+    auto check =
+        std::make_unique<UpdateCheck>(*Spark_Http::instance(), m_server->url(), "1.0.0.10");
+    connect(check.get(), &UpdateCheck::installerReady, this,
+            [this](const Installer& installer) { m_installers << installer; });
+    connect(check.get(), &UpdateCheck::firmwareReady, this,
+            [this](const QString& path) { m_packages << path; });
+    connect(Spark_Http::instance(), &Spark_Http::S_finished, check.get(),
+            [this, it = check.get()](const QVariantMap& map) {
+                if (map.value("type") == "toupgrade")
+                    it->handleProgram(map.value("body").toString());
+                else if (map.value("type") == "toupgradekora")
+                    it->handleFirmware(map.value("body").toString());
+                ++m_answers;
+            });
+    m_answers = 0;
+    check->start();
+    return check;
+}
+
 void tst_UpdateCheck::check()
 {
-    UpdateCheck check(*Spark_Http::instance(), m_server->url(), "1.0.0.10");
-    connect(&check, &UpdateCheck::installerReady, this,
-            [this](const Installer& installer) { m_installers << installer; });
-    connect(&check, &UpdateCheck::firmwareReady, this,
-            [this](const QString& path) { m_packages << path; });
-    int done = 0;
-    connect(Spark_Http::instance(), &Spark_Http::S_finished, &check, [&](const QVariantMap& map) {
-        if (map.value("type") == "toupgrade")
-            check.handleProgram(map.value("body").toString());
-        else if (map.value("type") == "toupgradekora")
-            check.handleFirmware(map.value("body").toString());
-        ++done;
-    });
-    check.start();
-    QTRY_COMPARE_WITH_TIMEOUT(done, 2, 15000);
+    const auto check = started();
+    QTRY_COMPARE_WITH_TIMEOUT(m_answers, 2, 15000);
     // A package comes, or fails, after its descriptor.
-    QTRY_VERIFY_WITH_TIMEOUT(!check.isBusy(), 15000);
+    QTRY_VERIFY_WITH_TIMEOUT(!check->isBusy(), 15000);
 }
 
 QStringList tst_UpdateCheck::filesBelowData() const
@@ -340,22 +350,14 @@ void tst_UpdateCheck::slowPackagesHoldNobodyUp()
     box.bytesPerSecond = 5;
     m_server->set("/box", box);
 
-    UpdateCheck check(*Spark_Http::instance(), m_server->url(), "1.0.0.10");
     QElapsedTimer clock;
-    qint64 answeredMs = 0;
-    connect(Spark_Http::instance(), &Spark_Http::S_finished, &check, [&](const QVariantMap& map) {
-        if (map.value("type") == "toupgrade")
-            check.handleProgram(map.value("body").toString());
-        else
-            check.handleFirmware(map.value("body").toString());
-    });
     clock.start();
-    check.start();
+    const auto check = started();
     QCOMPARE(Spark_Http::instance()->get("x", m_server->url("/box"), true), QString("{}"));
-    answeredMs = clock.elapsed();
+    const qint64 answeredMs = clock.elapsed();
     QVERIFY2(answeredMs < 1500, qPrintable(QString::number(answeredMs)));
-    QVERIFY(check.isBusy());
-    QTRY_VERIFY_WITH_TIMEOUT(!check.isBusy(), 15000);
+    QVERIFY(check->isBusy());
+    QTRY_VERIFY_WITH_TIMEOUT(!check->isBusy(), 15000);
     QVERIFY2(clock.elapsed() > 2500, "the packages were not slow");
 }
 
@@ -366,16 +368,7 @@ void tst_UpdateCheck::givenUpDownloadsLeaveNothing()
     m_server->set("/slow", slow);
     m_server->offerProgram("1.0.1", m_server->url("/slow"));
     m_server->offerFirmware(md5Of(slow.body), m_server->url("/slow"));
-    auto check =
-        std::make_unique<UpdateCheck>(*Spark_Http::instance(), m_server->url(), "1.0.0.10");
-    connect(Spark_Http::instance(), &Spark_Http::S_finished, check.get(),
-            [&](const QVariantMap& map) {
-                if (map.value("type") == "toupgrade")
-                    check->handleProgram(map.value("body").toString());
-                else
-                    check->handleFirmware(map.value("body").toString());
-            });
-    check->start();
+    auto check = started();
     QTRY_COMPARE(m_server->requests().count("GET /slow"), 2);
     QElapsedTimer clock;
     clock.start();

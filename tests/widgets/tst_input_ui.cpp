@@ -59,9 +59,8 @@ void TestInputui::pagesKeepTheirTexts()
     m_panel->show();
     const QList<QLabel*> labels = m_panel->findChildren<QLabel*>();
     QCOMPARE(labels.size(), 3);
-    for (const QLabel* label : labels) {
+    for (const QLabel* label : labels)
         QVERIFY2(label->isHidden(), qPrintable(label->objectName()));
-    }
 }
 
 void TestInputui::markupStaysText()

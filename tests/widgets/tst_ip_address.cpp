@@ -73,28 +73,24 @@ void TestIPAddress::cleanup()
 
 void TestIPAddress::type(const QString& keys)
 {
-    for (const QChar key : keys) {
+    for (const QChar key : keys)
         QTest::keyClick(m_window->windowHandle(), key.toLatin1());
-    }
 }
 
 /// The number of the field with the focus, 1 to 4, else 0.
 int TestIPAddress::focused() const
 {
-    for (QLineEdit* field : m_fields) {
-        if (field->hasFocus()) {
+    for (QLineEdit* field : m_fields)
+        if (field->hasFocus())
             return m_fields.indexOf(field) + 1;
-        }
-    }
     return 0;
 }
 
 QStringList TestIPAddress::texts() const
 {
     QStringList all;
-    for (const QLineEdit* field : m_fields) {
+    for (const QLineEdit* field : m_fields)
         all.append(field->text());
-    }
     return all;
 }
 

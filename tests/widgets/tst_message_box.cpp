@@ -1,20 +1,17 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/dialog_answerer.h"
 #include "tests/support/table.h"
 #include "widgets/input_ui.h"
 #include "widgets/message_box.h"
 
-#include <QApplication>
 #include <QClipboard>
 #include <QLabel>
-#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
-#include <QTest>
 #include <QTextEdit>
-#include <QTimer>
 #include <QTranslator>
-#include <functional>
+
 #include <memory>
 
 namespace
@@ -24,21 +21,13 @@ namespace
 class EnglishButtons : public QTranslator
 {
 public:
+    bool isEmpty() const override { return false; }
     QString translate(const char* context, const char* source, const char*, int) const override
     {
-        const QString text = QString::fromUtf8(source);
-        if (qstrcmp(context, "messageBox") != 0) {
-            return QString();
-        }
-        if (text == QString::fromUtf8("确定")) {
-            return "OK";
-        }
-        if (text == QString::fromUtf8("取消")) {
-            return "Cancel";
-        }
-        return text == QString::fromUtf8("确定并保留配置") ? "OK, keep configuration" : QString();
+        static const QMap<QString, QString> names{
+            {"确定", "OK"}, {"取消", "Cancel"}, {"确定并保留配置", "OK, keep configuration"}};
+        return qstrcmp(context, "messageBox") == 0 ? names.value(source) : QString();
     }
-    bool isEmpty() const override { return false; }
 };
 
 QPushButton* button(const messageBox* box, const char* name)
@@ -51,28 +40,6 @@ void press(messageBox* box, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::N
     QTest::keyClick(box->windowHandle(), key, modifiers);
 }
 
-messageBox* openBox()
-{
-    return qobject_cast<messageBox*>(QApplication::activeModalWidget());
-}
-
-/// Does `act` once the box that is going to wait has the keyboard. Should the box survive it, it is
-/// closed with -1, so that a failing test ends.
-void whenOpen(const std::function<void(messageBox*)>& act)
-{
-    QTimer::singleShot(0, qApp, [act] {
-        messageBox* box = openBox();
-        QVERIFY(box);
-        box->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(box));
-        const QPointer<messageBox> guard(box);
-        act(box);
-        if (!QTest::qWaitFor([&] { return !guard || !guard->isVisible(); }, 500)) {
-            guard->done(-1);
-        }
-    });
-}
-
 } // namespace
 
 class TestMessageBox : public QObject
@@ -81,7 +48,6 @@ class TestMessageBox : public QObject
 
 private slots:
     void cleanup();
-
     void answers_data();
     void answers();
     void looks();
@@ -95,14 +61,25 @@ private slots:
     void noticeDoesNotHideAQuestion();
     void promptAnswers_data();
     void promptAnswers();
+
+private:
+    /// Has `act` answer the box that is going to wait, once it has the keyboard.
+    void whenOpen(const std::function<void(messageBox&)>& act)
+    {
+        m_answerer.reset();
+        m_answerer = std::make_unique<DialogAnswerer>();
+        m_answerer->expect<messageBox>(act);
+    }
+
+    std::unique_ptr<DialogAnswerer> m_answerer;
 };
 
 void TestMessageBox::cleanup()
 {
+    m_answerer.reset();
     const QWidgetList windows = QApplication::topLevelWidgets();
-    for (const QWidget* window : windows) {
+    for (const QWidget* window : windows)
         QVERIFY2(!window->isVisible(), window->metaObject()->className());
-    }
 }
 
 void TestMessageBox::answers_data()
@@ -112,19 +89,20 @@ void TestMessageBox::answers_data()
     const int none = 0;
     for (bool recovery : {false, true}) {
         const QByteArray with = recovery ? " with recovery" : " without recovery";
-        const auto row = [&](const char* name) -> QTestData& {
-            return QTest::newRow(name + with) << recovery;
+        const auto each = [&](const char* name, const char* focus, int key, const char* clicked,
+                              int answer) {
+            row(name + with, recovery, focus, key, clicked, answer);
         };
-        row("return") << "" << int(Qt::Key_Return) << "" << 1;
-        row("enter") << "" << int(Qt::Key_Enter) << "" << 1;
-        row("escape") << "" << int(Qt::Key_Escape) << "" << 0;
-        row("return on the text") << "m_tipContent" << int(Qt::Key_Return) << "" << 1;
-        row("return on cancel") << "cancelpushButton" << int(Qt::Key_Return) << "" << 0;
-        row("space on cancel") << "cancelpushButton" << int(Qt::Key_Space) << "" << 0;
-        row("escape on the text") << "m_tipContent" << int(Qt::Key_Escape) << "" << 0;
-        row("click ok") << "" << none << "okpushButton" << 1;
-        row("click cancel") << "" << none << "cancelpushButton" << 0;
-        row("frame") << "" << none << "frame" << 0;
+        each("return", "", Qt::Key_Return, "", 1);
+        each("enter", "", Qt::Key_Enter, "", 1);
+        each("escape", "", Qt::Key_Escape, "", 0);
+        each("return on the text", "m_tipContent", Qt::Key_Return, "", 1);
+        each("return on cancel", "cancelpushButton", Qt::Key_Return, "", 0);
+        each("space on cancel", "cancelpushButton", Qt::Key_Space, "", 0);
+        each("escape on the text", "m_tipContent", Qt::Key_Escape, "", 0);
+        each("click ok", "", none, "okpushButton", 1);
+        each("click cancel", "", none, "cancelpushButton", 0);
+        each("frame", "", none, "frame", 0);
     }
     row("return on recovery", true, "Recovery", int(Qt::Key_Return), "", 2);
     row("click recovery", true, "", none, "Recovery", 2);
@@ -138,19 +116,17 @@ void TestMessageBox::answers()
     QFETCH(QString, click);
     QFETCH(int, answer);
 
-    whenOpen([&](messageBox* box) {
-        QVERIFY(button(box, "okpushButton")->hasFocus());
-        QCOMPARE(button(box, "Recovery")->isVisible(), withRecovery);
-        if (!focus.isEmpty()) {
-            box->findChild<QWidget*>(focus)->setFocus();
-        }
-        if (key != 0) {
-            press(box, Qt::Key(key));
-        } else if (click == "frame") {
-            box->close();
-        } else {
-            QTest::mouseClick(box->findChild<QPushButton*>(click), Qt::LeftButton);
-        }
+    whenOpen([&](messageBox& box) {
+        QVERIFY(button(&box, "okpushButton")->hasFocus());
+        QCOMPARE(button(&box, "Recovery")->isVisible(), withRecovery);
+        if (!focus.isEmpty())
+            box.findChild<QWidget*>(focus)->setFocus();
+        if (key != 0)
+            press(&box, Qt::Key(key));
+        else if (click == "frame")
+            box.close();
+        else
+            QTest::mouseClick(box.findChild<QPushButton*>(click), Qt::LeftButton);
     });
     const QString text = "question";
     QCOMPARE(withRecovery ? messageBox::askWithRecovery(text, nullptr)
@@ -170,9 +146,8 @@ void TestMessageBox::looks()
     QCOMPARE(box.size(), QSize(450, 160));
     QCOMPARE(box.minimumSize(), box.maximumSize());
     QVERIFY(box.findChild<QWidget*>("tailwidget")->height() >= 45);
-    for (const char* name : {"okpushButton", "cancelpushButton", "Recovery"}) {
+    for (const char* name : {"okpushButton", "cancelpushButton", "Recovery"})
         QVERIFY2(button(&box, name)->height() >= 32, name);
-    }
     const QImage picture = box.grab().toImage();
     QCOMPARE(picture.pixelColor(5, 5), QColor(Qt::white));
     QCOMPARE(picture.pixelColor(5, 155), QColor(Qt::white));
@@ -269,7 +244,7 @@ void TestMessageBox::buttonsFitInTheirLanguages()
         }
     }
     qApp->removeTranslator(&english);
-    QTRY_COMPARE(button(&box, "Recovery")->text(), QString::fromUtf8("确定并保留配置"));
+    QTRY_COMPARE(button(&box, "Recovery")->text(), QString("确定并保留配置"));
     box.close();
 }
 
@@ -286,20 +261,20 @@ void TestMessageBox::renamedButtonsKeepTheirKeys()
     QCOMPARE(button(&box, "Recovery")->shortcut(), QKeySequence(Qt::Key_Return));
     QCOMPARE(box.text(), "text");
     qApp->removeTranslator(&english);
-    QTRY_COMPARE(button(&box, "cancelpushButton")->text(), QString::fromUtf8("取消"));
+    QTRY_COMPARE(button(&box, "cancelpushButton")->text(), QString("取消"));
 }
 
 void TestMessageBox::parentDeletedWhileWaiting()
 {
     auto* parent = new QWidget;
     parent->show();
-    whenOpen([parent](messageBox*) { delete parent; });
+    whenOpen([parent](messageBox&) { delete parent; });
     QCOMPARE(messageBox::ask("question", parent), 0);
 
     parent = new QWidget;
     parent->show();
-    whenOpen([parent](messageBox* box) {
-        box->findChild<Inputui*>("input")->setText("typed");
+    whenOpen([parent](messageBox& box) {
+        box.findChild<Inputui*>("input")->setText("typed");
         delete parent;
     });
     QCOMPARE(promptText("", "prompt", parent), QString());
@@ -317,11 +292,9 @@ void TestMessageBox::noticesDoNotWait()
         QVERIFY(boxes.last()->isVisible());
         QVERIFY(!boxes.last()->isModal());
     }
-    for (int later = 1; later < boxes.size(); ++later) {
-        for (int earlier = 0; earlier < later; ++earlier) {
+    for (int later = 1; later < boxes.size(); ++later)
+        for (int earlier = 0; earlier < later; ++earlier)
             QVERIFY((boxes[later]->pos() - boxes[earlier]->pos()).manhattanLength() > 20);
-        }
-    }
     // A closed one is gone, and its place is used again.
     const QPoint place = boxes[1]->pos();
     QTest::mouseClick(button(boxes[1], "okpushButton"), Qt::LeftButton);
@@ -338,21 +311,19 @@ void TestMessageBox::noticesDoNotWait()
         boxes.append(messageBox::notify("more", &window));
         QVERIFY(screen.contains(boxes.last()->geometry()));
     }
-    for (const QPointer<messageBox>& box : boxes) {
+    for (const QPointer<messageBox>& box : boxes)
         box->close();
-    }
-    for (const QPointer<messageBox>& box : boxes) {
+    for (const QPointer<messageBox>& box : boxes)
         QTRY_VERIFY(!box);
-    }
 }
 
 void TestMessageBox::noticeDoesNotHideAQuestion()
 {
     QPointer<messageBox> notice;
-    whenOpen([&notice](messageBox* question) {
+    whenOpen([&notice](messageBox& question) {
         notice = messageBox::notify("notice", nullptr);
-        QVERIFY(notice->pos() != question->pos());
-        press(question, Qt::Key_Return);
+        QVERIFY(notice->pos() != question.pos());
+        press(&question, Qt::Key_Return);
     });
     QCOMPARE(messageBox::ask("question", nullptr), 1);
     QVERIFY(notice && notice->isVisible());
@@ -379,22 +350,22 @@ void TestMessageBox::promptAnswers()
     QFETCH(QString, answer);
 
     QPointer<messageBox> box;
-    whenOpen([&](messageBox* open) {
-        box = open;
-        QCOMPARE(open->windowTitle(), "title");
-        QVERIFY(open->findChild<QWidget*>("m_tipContent")->isHidden());
-        QVERIFY(open->findChild<QLabel*>("label")->isHidden());
-        QTextEdit* edit = open->findChild<Inputui*>("input")->contentEdit();
+    whenOpen([&](messageBox& open) {
+        box = &open;
+        QCOMPARE(open.windowTitle(), "title");
+        QVERIFY(open.findChild<QWidget*>("m_tipContent")->isHidden());
+        QVERIFY(open.findChild<QLabel*>("label")->isHidden());
+        QTextEdit* edit = open.findChild<Inputui*>("input")->contentEdit();
         QVERIFY(edit->hasFocus());
         QCOMPARE(edit->placeholderText(), "prompt");
         QTest::keyClicks(edit, "rtsp://h/<b>");
-        press(open, Qt::Key_Return, Qt::ShiftModifier);
+        press(&open, Qt::Key_Return, Qt::ShiftModifier);
         QTest::keyClicks(edit, " live ");
-        press(open, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        press(&open, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
         if (key == Qt::Key_Tab) {
-            QVERIFY(button(open, "cancelpushButton")->hasFocus());
-            press(open, Qt::Key_Tab);
-            press(open, Qt::Key_Space);
+            QVERIFY(button(&open, "cancelpushButton")->hasFocus());
+            press(&open, Qt::Key_Tab);
+            press(&open, Qt::Key_Space);
         }
     });
     QCOMPARE(promptText("title", "prompt"), answer);

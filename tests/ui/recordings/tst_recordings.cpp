@@ -6,9 +6,7 @@
 #include "ui/recordings/list_widget.h"
 
 #include <QCheckBox>
-#include <QFileDialog>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QRadioButton>
 #include <QRegularExpression>
@@ -316,10 +314,7 @@ void tst_Recordings::downloadsIntoTheChosenFolder()
     answers.expect<QFileDialog>([&](QFileDialog& dialog) {
         QCOMPARE(dialog.windowTitle(), QString("请您选择保存的位置"));
         QCOMPARE(dialog.labelText(QFileDialog::Accept), QString("选择目录"));
-        dialog.setDirectory(folder.path());
-        dialog.selectFile(folder.path());
-        dialog.findChild<QLineEdit*>("fileNameEdit")->setText(folder.path());
-        QMetaObject::invokeMethod(&dialog, "accept", Qt::QueuedConnection);
+        choosePath(dialog, folder.path());
     });
     emit list()->customContextMenuRequested(QPoint(20, 20));
     auto* downloads = child<QWidget>("downloads");
