@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "device/item.h"
 #include "device/tree_model.h"
+#include "tests/support/table.h"
 #include "upgrade/interrupted_batch.h"
 #include "upgrade/upgrade_countdown.h"
-#include "upgrade/upgrade_journal.h"
 #include "upgrade/write_back_permit.h"
-
-#include <QDir>
-#include <QFile>
-#include <QJsonDocument>
-#include <QTemporaryDir>
-#include <QTest>
 
 namespace
 {
@@ -45,21 +39,12 @@ UpgradeRow rowAt(Stage stage)
     return row;
 }
 
-/// A journal as the program wrote it when stages and settings were numbers.
-const QByteArray numbers = R"({"interrupted":false,"md5":"abc","package":"fw.dat","rows":[
- {"address":"127.0.0.2","addressBefore":"127.0.0.1","dhcpForced":true,"durationMs":0,
-  "failedSettings":["eParam_NDIName"],"mac":"02:4B:4F:00:00:01","note":"n",
-  "saved":{"eParam_DHCP":"0"},"settings":2,"settled":false,"stage":1,
-  "started":"2024-05-01T11:59:55.000","versionAfter":"","versionBefore":"1.0"},
- {"address":"127.0.0.3","mac":"","settings":6,"settled":true,"stage":4}],
- "started":"2024-05-01T11:59:50.000"})";
-
 } // namespace
 
 Q_DECLARE_METATYPE(UpgradeRow::Verdict)
 
-/// The rules of an upgrade that need no box: counting down, judging, permitting, what a journal of
-/// an interrupted batch tells.
+/// The rules of an upgrade that need no box: counting down, judging, permitting, what an
+/// interrupted batch left.
 class tst_UpgradeRules : public QObject
 {
     Q_OBJECT
@@ -74,9 +59,6 @@ private slots:
     void writeBack();
     void interruptedRows_data();
     void interruptedRows();
-    void journalOfNumbers();
-    void journalOfStrangers_data();
-    void journalOfStrangers();
 };
 
 void tst_UpgradeRules::countdownTimesOut()
@@ -131,17 +113,8 @@ void tst_UpgradeRules::countdownAddsBatches()
 
 void tst_UpgradeRules::judge_data()
 {
-    QTest::addColumn<Stage>("stage");
-    QTest::addColumn<QString>("versionAfter");
-    QTest::addColumn<Settings>("settings");
-    QTest::addColumn<QString>("seen");
-    QTest::addColumn<Verdict>("verdict");
-    QTest::addColumn<bool>("settled");
-    const auto row = [](const char* name, Stage stage, const char* after, Settings settings,
-                        const char* seen, Verdict verdict, bool settled) {
-        QTest::newRow(name) << stage << QString(after) << settings << QString(seen) << verdict
-                            << settled;
-    };
+    columns<Stage, QString, Settings, QString, Verdict, bool>("stage", "versionAfter", "settings",
+                                                              "seen", "verdict", "settled");
     const Settings none = Settings::NotKept;
     row("uploading", Stage::Uploading, "", none, "", Verdict::UnderWay, false);
     row("told, batch goes on", Stage::Activated, "2.0", none, "", Verdict::Proved, false);
@@ -190,15 +163,7 @@ void tst_UpgradeRules::versionOfABoxThatHasNotGone()
 
 void tst_UpgradeRules::writeBack_data()
 {
-    QTest::addColumn<Stage>("stage");
-    QTest::addColumn<QString>("seen");
-    QTest::addColumn<QString>("versionAfter");
-    QTest::addColumn<QString>("ip");
-    QTest::addColumn<bool>("may");
-    const auto row = [](const char* name, Stage stage, const char* seen, const char* after,
-                        const char* ip, bool may) {
-        QTest::newRow(name) << stage << QString(seen) << QString(after) << QString(ip) << may;
-    };
+    columns<Stage, QString, QString, QString, bool>("stage", "seen", "versionAfter", "ip", "may");
     const char* here = "127.0.0.1";
     row("preparing", Stage::Preparing, "down quiet", "", here, false);
     row("uploading", Stage::Uploading, "down quiet", "2.0", here, false);
@@ -228,13 +193,10 @@ void tst_UpgradeRules::writeBack()
 
 void tst_UpgradeRules::interruptedRows_data()
 {
-    QTest::addColumn<Stage>("stage");
-    QTest::addColumn<int>("daysAgo");
-    QTest::addColumn<Stage>("stageNow");
-    QTest::addColumn<Settings>("settingsNow");
-    QTest::newRow("uploading") << Stage::Uploading << 0 << Stage::Interrupted << Settings::Waiting;
-    QTest::newRow("failed") << Stage::UploadFailed << 7 << Stage::UploadFailed << Settings::Waiting;
-    QTest::newRow("stale") << Stage::Activated << 8 << Stage::Interrupted << Settings::Dropped;
+    columns<Stage, int, Stage, Settings>("stage", "daysAgo", "stageNow", "settingsNow");
+    row("uploading", Stage::Uploading, 0, Stage::Interrupted, Settings::Waiting);
+    row("failed", Stage::UploadFailed, 7, Stage::UploadFailed, Settings::Waiting);
+    row("stale", Stage::Activated, 8, Stage::Interrupted, Settings::Dropped);
 }
 
 void tst_UpgradeRules::interruptedRows()
@@ -258,81 +220,6 @@ void tst_UpgradeRules::interruptedRows()
     // Nothing but an address is ever asked.
     QVERIFY(!session.rows[0].settled);
     QVERIFY(session.rows[1].settled);
-}
-
-void tst_UpgradeRules::journalOfNumbers()
-{
-    UpgradeSession session;
-    QVERIFY(UpgradeSession::fromJson(QJsonDocument::fromJson(numbers).object(), &session));
-    QCOMPARE(session.rows.size(), 2);
-    const UpgradeRow& row = session.rows.first();
-    QCOMPARE(row.stage, Stage::Uploading);
-    QCOMPARE(row.settings, Settings::Waiting);
-    QCOMPARE(row.saved, (QVariantMap{{"eParam_DHCP", "0"}}));
-    QCOMPARE(row.address, QString("127.0.0.2"));
-    QCOMPARE(session.rows.last().stage, Stage::Interrupted);
-    QCOMPARE(session.rows.last().settings, Settings::Dropped);
-    // What is written now are words.
-    const QByteArray text = QJsonDocument(session.toJson()).toJson(QJsonDocument::Compact);
-    for (const char* word : {"\"format\":2", "\"stage\":\"Uploading\"", "\"settings\":\"Waiting\"",
-                             "\"stage\":\"Interrupted\"", "\"settings\":\"Dropped\""})
-        QVERIFY2(text.contains(word), word);
-    UpgradeSession again;
-    QVERIFY(UpgradeSession::fromJson(QJsonDocument::fromJson(text).object(), &again));
-    QCOMPARE(again.rows.first().stage, Stage::Uploading);
-    QCOMPARE(again.rows.last().settings, Settings::Dropped);
-}
-
-void tst_UpgradeRules::journalOfStrangers_data()
-{
-    QTest::addColumn<QByteArray>("was");
-    QTest::addColumn<QByteArray>("is");
-    QTest::addColumn<QString>("reason");
-    const auto row = [](const char* name, const char* was, const char* is, const char* reason) {
-        QTest::newRow(name) << QByteArray(was) << QByteArray(is) << QString(reason);
-    };
-    row("a later format", "\"md5\"", "\"format\":3,\"md5\"", "unknown format");
-    row("a stage without a meaning", "\"stage\":1", "\"stage\":9", "unknown stage");
-    row("a word among numbers", "\"stage\":1", "\"stage\":\"Uploading\"", "unknown stage");
-    row("a number among words", "\"md5\"", "\"format\":2,\"md5\"", "unknown stage");
-    row("settings without a meaning", "\"settings\":2", "\"settings\":-1",
-        "unknown state of settings");
-    row("no batch at all", "\"rows\"", "\"lines\"", "no batch");
-}
-
-/// It is refused as a whole, told, and left where it lies.
-void tst_UpgradeRules::journalOfStrangers()
-{
-    QFETCH(QByteArray, was);
-    QFETCH(QByteArray, is);
-    QFETCH(QString, reason);
-    QTemporaryDir data;
-    qputenv("APPDATA", data.path().toUtf8());
-    const QString name = "upgrade_20240501_115950_000.json";
-    const QString path = data.path() + "/Tarn Hub/upgrade/" + name;
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QByteArray content = numbers;
-    file.write(content.replace(was, is));
-    file.close();
-    const auto load = [] {
-        UpgradeJournal journal;
-        int sessions = -1;
-        connect(&journal, &UpgradeJournal::loaded, &journal,
-                [&sessions](const QVector<UpgradeSession>& found) { sessions = found.size(); });
-        journal.load();
-        [&sessions] { QTRY_VERIFY(sessions >= 0); }();
-        return sessions;
-    };
-    QTest::ignoreMessage(QtWarningMsg, qPrintable("journal " + name + " is not read: " + reason));
-    QCOMPARE(load(), 0);
-    QVERIFY(QFile::exists(path));
-    // The same file, undisturbed, is taken up.
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(numbers);
-    file.close();
-    QCOMPARE(load(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_UpgradeRules)

@@ -1,0 +1,312 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/files.h"
+#include "tests/support/table.h"
+#include "upgrade/upgrade_journal.h"
+
+#include <QJsonDocument>
+#include <QTemporaryDir>
+
+#include <memory>
+
+using Stage = UpgradeRow::Stage;
+using Settings = UpgradeRow::Settings;
+using Verdict = UpgradeRow::Verdict;
+Q_DECLARE_METATYPE(UpgradeRow)
+Q_DECLARE_METATYPE(Verdict)
+
+namespace
+{
+
+const QString boxMac = "02:4B:4F:00:00:01";
+
+UpgradeRow rowAt(Stage stage, const QString& versionAfter = {})
+{
+    UpgradeRow row;
+    row.mac = boxMac;
+    row.addressBefore = row.address = "10.0.0.5";
+    row.versionBefore = "1.2.0.517";
+    row.versionAfter = versionAfter;
+    row.stage = stage;
+    row.started = QDateTime(QDate(2026, 3, 2), QTime(9, 5, 3, 70));
+    return row;
+}
+
+UpgradeSession sessionOf(const UpgradeRow& row)
+{
+    UpgradeSession session;
+    session.started = row.started;
+    session.package = "KORA_1.2.0.623.dat";
+    session.md5 = "0123456789abcdef0123456789abcdef";
+    session.rows << row;
+    return session;
+}
+
+/// The cells of the only box in its report.
+QStringList cellsOf(const UpgradeRow& row)
+{
+    return UpgradeText::cells(sessionOf(row), row, row.started.addMSecs(1500));
+}
+
+} // namespace
+
+/// What is written down of a batch, and read again.
+class tst_UpgradeRecord : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void verdicts_data();
+    void verdicts();
+    void cellsTellWhatHappened();
+    void csvRunsNoFormula_data();
+    void csvRunsNoFormula();
+    void csvHasOneLineABox();
+    void sessionSurvivesItsJson_data();
+    void sessionSurvivesItsJson();
+    void journalOfNumbers();
+    void journalOfStrangers_data();
+    void journalOfStrangers();
+    void journalIsKeptWhileSomethingIsOpen();
+
+private:
+    static QVector<UpgradeSession> load(UpgradeJournal& journal);
+
+    std::unique_ptr<QTemporaryDir> m_data;
+};
+
+void tst_UpgradeRecord::init()
+{
+    m_data = std::make_unique<QTemporaryDir>();
+    qputenv("APPDATA", m_data->path().toUtf8());
+}
+
+void tst_UpgradeRecord::verdicts_data()
+{
+    columns<UpgradeRow, bool, Verdict>("row", "settled", "verdict");
+    row("nothing sent", rowAt(Stage::Preparing), false, Verdict::UnderWay);
+    row("uploading", rowAt(Stage::Uploading), false, Verdict::UnderWay);
+    row("told to change over", rowAt(Stage::Activated), false, Verdict::UnderWay);
+    row("never came back", rowAt(Stage::Activated), true, Verdict::NotProved);
+    row("same version", rowAt(Stage::Activated, "1.2.0.517"), true, Verdict::NotProved);
+    row("new version", rowAt(Stage::Activated, "1.2.0.623"), false, Verdict::Proved);
+    row("failed", rowAt(Stage::UploadFailed), true, Verdict::Failed);
+    row("failed, and changed all the same", rowAt(Stage::UploadFailed, "1.2"), true,
+        Verdict::Proved);
+    row("cut short", rowAt(Stage::Interrupted), true, Verdict::Interrupted);
+    UpgradeRow unknown = rowAt(Stage::Activated, "1.2.0.623");
+    unknown.mac.clear();
+    row("nobody knows which box", unknown, true, Verdict::NotProved);
+    unknown = rowAt(Stage::Activated, "1.2.0.623");
+    unknown.versionBefore.clear();
+    row("nobody knows the old version", unknown, true, Verdict::NotProved);
+}
+
+void tst_UpgradeRecord::verdicts()
+{
+    QFETCH(UpgradeRow, row);
+    QFETCH(bool, settled);
+    QFETCH(Verdict, verdict);
+    row.settled = settled;
+    QCOMPARE(int(row.verdict()), int(verdict));
+    QCOMPARE(cellsOf(row).at(5), UpgradeText::verdict(verdict));
+}
+
+void tst_UpgradeRecord::cellsTellWhatHappened()
+{
+    UpgradeRow row = rowAt(Stage::Activated, "1.2.0.517");
+    row.address = "10.0.0.9";
+    row.settled = true;
+    row.settings = Settings::SomeFailed;
+    row.failedSettings = QStringList{"eParam_NDIName", "eParam_DHCP"};
+    row.note = "success"; // no evidence, and would pass for it
+    QCOMPARE(
+        cellsOf(row).join('|'),
+        QString("2026-03-02 09:05:03|10.0.0.5 → 10.0.0.9|02:4B:4F:00:00:01|1.2.0.517|1.2.0.517|"
+                "未证实|2项失败|1.5|eParam_NDIName, eParam_DHCP; 版本没有变化|"
+                "KORA_1.2.0.623.dat|0123456789abcdef0123456789abcdef"));
+    row.durationMs = 61500;
+    row.stage = Stage::UploadFailed;
+    row.failedSettings.clear();
+    QCOMPARE(cellsOf(row).mid(7, 2), (QStringList{"61.5", "success"}));
+}
+
+void tst_UpgradeRecord::csvRunsNoFormula_data()
+{
+    columns<QString, QString>("note", "cell");
+    row("plain", "上传固件 失败", "\"上传固件 失败\"");
+    row("equals sign", "=HYPERLINK(\"http://x\")", "\"'=HYPERLINK(\"\"http://x\"\")\"");
+    row("plus", "+1", "\"'+1\"");
+    row("minus", "-1+cmd|' /C calc'!A0", "\"'-1+cmd|' /C calc'!A0\"");
+    row("at", "@SUM(A1)", "\"'@SUM(A1)\"");
+    row("full width", "＝1", "\"'＝1\"");
+    row("behind blanks", "  =1", "\"'  =1\"");
+    row("behind a tab and a line end", "\t\r\n=1", "\"'   =1\"");
+    row("sign inside", "a=b", "\"a=b\"");
+    row("quote and comma", "a\",b", "\"a\"\",b\"");
+    row("lines", "a\r\nb", "\"a  b\"");
+}
+
+void tst_UpgradeRecord::csvRunsNoFormula()
+{
+    QFETCH(QString, note);
+    QFETCH(QString, cell);
+    UpgradeRow row = rowAt(Stage::UploadFailed);
+    row.note = note;
+    const QString csv = QString::fromUtf8(UpgradeText::csv(sessionOf(row), row.started));
+    QVERIFY2(csv.contains("," + cell + ",\"KORA_1.2.0.623.dat\","), qPrintable(csv));
+}
+
+void tst_UpgradeRecord::csvHasOneLineABox()
+{
+    UpgradeSession session = sessionOf(rowAt(Stage::Activated, "1.2.0.623"));
+    session.rows << rowAt(Stage::UploadFailed);
+    const QByteArray plain = UpgradeText::csv(session, session.started);
+    QVERIFY(plain.startsWith("\xEF\xBB\xBF\"批次\",\"设备\","));
+    QCOMPARE(plain.count("\r\n"), 3);
+    session.interrupted = true;
+    QVERIFY(UpgradeText::csv(session, session.started)
+                .startsWith("\xEF\xBB\xBF\"此批次升级曾被中断\"\r\n\"批次\","));
+}
+
+void tst_UpgradeRecord::sessionSurvivesItsJson_data()
+{
+    columns<int, int>("stage", "settings");
+    for (int stage = 0; stage <= int(Stage::Interrupted); ++stage)
+        for (int settings = 0; settings <= int(Settings::Dropped); ++settings)
+            row(qPrintable(QString("%1 %2").arg(stage).arg(settings)), stage, settings);
+}
+
+void tst_UpgradeRecord::sessionSurvivesItsJson()
+{
+    QFETCH(int, stage);
+    QFETCH(int, settings);
+    UpgradeRow row = rowAt(Stage(stage), "1.2.0.623");
+    row.settings = Settings(settings);
+    row.address = "10.0.0.9";
+    row.settled = row.dhcpForced = true;
+    row.failedSettings = QStringList{"eParam_NDIName"};
+    row.saved = {{"eParam_NDIName", "a=b \"名前\"\n"}, {"eParam_NTPServer", ""}};
+    row.durationMs = 123456789012;
+    row.note = "=1";
+    UpgradeSession session = sessionOf(row);
+    session.interrupted = true;
+    UpgradeSession read;
+    QVERIFY(UpgradeSession::fromJson(session.toJson(), &read));
+    QCOMPARE(read.toJson(), session.toJson());
+    QCOMPARE(read.baseName(), session.baseName());
+    QCOMPARE(int(read.rows.first().stage), stage);
+    QCOMPARE(int(read.rows.first().settings), settings);
+    QCOMPARE(read.rows.first().saved, row.saved);
+    QCOMPARE(read.rows.first().failedSettings, row.failedSettings);
+    QVERIFY(read.interrupted && read.isSettled() && read.rows.first().dhcpForced);
+    QCOMPARE(UpgradeText::csv(read, row.started), UpgradeText::csv(session, row.started));
+}
+
+namespace
+{
+
+/// A journal as the program wrote it when stages and settings were numbers.
+const QByteArray numbers = R"({"interrupted":false,"md5":"abc","package":"fw.dat","rows":[
+ {"address":"127.0.0.2","addressBefore":"127.0.0.1","dhcpForced":true,"durationMs":0,
+  "failedSettings":["eParam_NDIName"],"mac":"02:4B:4F:00:00:01","note":"n",
+  "saved":{"eParam_DHCP":"0"},"settings":2,"settled":false,"stage":1,
+  "started":"2024-05-01T11:59:55.000","versionAfter":"","versionBefore":"1.0"},
+ {"address":"127.0.0.3","mac":"","settings":6,"settled":true,"stage":4}],
+ "started":"2024-05-01T11:59:50.000"})";
+
+} // namespace
+
+void tst_UpgradeRecord::journalOfNumbers()
+{
+    UpgradeSession session;
+    QVERIFY(UpgradeSession::fromJson(QJsonDocument::fromJson(numbers).object(), &session));
+    QCOMPARE(session.rows.size(), 2);
+    const UpgradeRow& row = session.rows.first();
+    QCOMPARE(row.stage, Stage::Uploading);
+    QCOMPARE(row.settings, Settings::Waiting);
+    QCOMPARE(row.saved, (QVariantMap{{"eParam_DHCP", "0"}}));
+    QCOMPARE(row.address, QString("127.0.0.2"));
+    QCOMPARE(session.rows.last().stage, Stage::Interrupted);
+    QCOMPARE(session.rows.last().settings, Settings::Dropped);
+    // What is written now are words.
+    const QByteArray text = QJsonDocument(session.toJson()).toJson(QJsonDocument::Compact);
+    for (const char* word : {"\"format\":2", "\"stage\":\"Uploading\"", "\"settings\":\"Waiting\"",
+                             "\"stage\":\"Interrupted\"", "\"settings\":\"Dropped\""})
+        QVERIFY2(text.contains(word), word);
+    UpgradeSession again;
+    QVERIFY(UpgradeSession::fromJson(QJsonDocument::fromJson(text).object(), &again));
+    QCOMPARE(again.rows.first().stage, Stage::Uploading);
+    QCOMPARE(again.rows.last().settings, Settings::Dropped);
+}
+
+void tst_UpgradeRecord::journalOfStrangers_data()
+{
+    columns<QString, QString, QString>("was", "is", "reason");
+    row("a later format", "\"md5\"", "\"format\":3,\"md5\"", "unknown format");
+    row("a stage without a meaning", "\"stage\":1", "\"stage\":9", "unknown stage");
+    row("a word among numbers", "\"stage\":1", "\"stage\":\"Uploading\"", "unknown stage");
+    row("a number among words", "\"md5\"", "\"format\":2,\"md5\"", "unknown stage");
+    row("settings without a meaning", "\"settings\":2", "\"settings\":-1",
+        "unknown state of settings");
+    row("no batch at all", "\"rows\"", "\"lines\"", "no batch");
+}
+
+/// It is refused as a whole, told, and left where it lies.
+void tst_UpgradeRecord::journalOfStrangers()
+{
+    QFETCH(QString, was);
+    QFETCH(QString, is);
+    QFETCH(QString, reason);
+    const QString name = "upgrade_20240501_115950_000.json";
+    const QString path = m_data->path() + "/Tarn Hub/upgrade/" + name;
+    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+    QByteArray content = numbers;
+    writeFile(path, content.replace(was.toUtf8(), is.toUtf8()));
+    QTest::ignoreMessage(QtWarningMsg, qPrintable("journal " + name + " is not read: " + reason));
+    QVERIFY(load(*std::make_unique<UpgradeJournal>()).isEmpty());
+    QVERIFY(QFile::exists(path));
+    // The same file, undisturbed, is taken up.
+    writeFile(path, numbers);
+    QCOMPARE(load(*std::make_unique<UpgradeJournal>()).size(), 1);
+}
+
+QVector<UpgradeSession> tst_UpgradeRecord::load(UpgradeJournal& journal)
+{
+    QVector<UpgradeSession> found;
+    bool loaded = false;
+    connect(&journal, &UpgradeJournal::loaded, &journal, [&](const auto& sessions) {
+        found = sessions;
+        loaded = true;
+    });
+    journal.load();
+    [&] { QTRY_VERIFY(loaded); }();
+    return found;
+}
+
+void tst_UpgradeRecord::journalIsKeptWhileSomethingIsOpen()
+{
+    const QString folder = m_data->path() + "/Tarn Hub/upgrade/";
+    const UpgradeSession session = sessionOf(rowAt(Stage::Uploading));
+    const QString file = folder + session.baseName();
+    UpgradeJournal(nullptr).save(session, true);
+    QVERIFY(QFile::exists(file + ".json"));
+    QCOMPARE(UpgradeJournal::csvPath(session), file + ".csv");
+    QVERIFY(readFile(file + ".csv").contains("10.0.0.5"));
+
+    // The next start finds it, unless the name is another batch's.
+    writeFile(folder + "upgrade_20260303_000000_000.json", readFile(file + ".json"));
+    UpgradeJournal next;
+    const QVector<UpgradeSession> found = load(next);
+    QCOMPARE(found.size(), 1);
+    QCOMPARE(found.first().toJson(), session.toJson());
+    // Another program leaves it alone meanwhile.
+    UpgradeJournal other;
+    QVERIFY(load(other).isEmpty());
+    next.save(found.first(), false);
+    QTRY_VERIFY(!QFile::exists(file + ".json"));
+    QCOMPARE(readFile(file + ".csv").count("\r\n"), 2);
+}
+
+QTEST_GUILESS_MAIN(tst_UpgradeRecord)
+#include "tst_upgrade_record.moc"
