@@ -21,12 +21,29 @@ if(TARN_SANITIZE)
     target_link_options(tarn_flags INTERFACE -fsanitize=${TARN_SANITIZE})
 endif()
 
-# tarn_room(<name> SOURCES ... LINK ...): one folder of src/ as a library, seen from src/ as root. It
+function(tarn_plugin name file)
+    add_library(${name} MODULE ${ARGN})
+    set_target_properties(${name} PROPERTIES
+        PREFIX "" OUTPUT_NAME ${file}
+        LIBRARY_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/plugins)
+    # What it takes from rooms below are copies of its own, which nobody mistakes for the program's.
+    if(UNIX AND NOT APPLE AND NOT TARN_SHARED_ROOMS)
+        target_link_options(${name} PRIVATE -Wl,--exclude-libs,ALL)
+    endif()
+    if(NOT TARN_SANITIZE)
+        target_link_options(${name} PRIVATE $<$<NOT:$<CXX_COMPILER_ID:MSVC>>:-Wl,-z,defs>)
+    endif()
+endfunction()
+
+# tarn_room(<name> [PLUGIN file] SOURCES ... LINK ...): one folder of src/ as a library, seen from src/ as root. It
 # may use what stands in LINK and what that links in turn, and nothing else: with TARN_SHARED_ROOMS
-# every room is a shared library that has to find all of its symbols there.
+# every room is a shared library that has to find all of its symbols there. A PLUGIN is a library that
+# the program loads from the folder plugins beside itself, when it needs it; none links it.
 function(tarn_room name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
-    if(TARN_SHARED_ROOMS)
+    cmake_parse_arguments(ARG "" "PLUGIN" "SOURCES;LINK" ${ARGN})
+    if(ARG_PLUGIN)
+        tarn_plugin(${name} ${ARG_PLUGIN} ${ARG_SOURCES})
+    elseif(TARN_SHARED_ROOMS)
         add_library(${name} SHARED ${ARG_SOURCES})
         # A sanitizer's own symbols come with the program, not with a library.
         if(NOT TARN_SANITIZE)

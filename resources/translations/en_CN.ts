@@ -603,6 +603,10 @@
       <translation>Check the box’s power and network connection.</translation>
     </message>
     <message>
+      <source>内置浏览器不可用：它没有安装。</source>
+      <translation>The built-in browser is not available: it is not installed.</translation>
+    </message>
+    <message>
       <source>内置浏览器不可用：它的安全沙箱不允许以 root 身份运行。</source>
       <translation>The built-in browser is not available: its sandbox does not run as root.</translation>
     </message>

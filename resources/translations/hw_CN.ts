@@ -603,6 +603,10 @@
       <translation>장치의 전원과 네트워크 연결을 확인하세요.</translation>
     </message>
     <message>
+      <source>内置浏览器不可用：它没有安装。</source>
+      <translation>내장 브라우저를 사용할 수 없습니다. 설치되어 있지 않습니다.</translation>
+    </message>
+    <message>
       <source>内置浏览器不可用：它的安全沙箱不允许以 root 身份运行。</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 보안 샌드박스는 root로 실행되지 않습니다.</translation>
     </message>

@@ -3,21 +3,13 @@
 
 #include <QString>
 #include <QWidget>
+#include <QtPlugin>
 
-/// What hinders a browser inside the program.
-enum class BrowserObstacle {
-    None,
-    NotBuilt,      ///< this build has none
-    RunsAsRoot,    ///< the engine's sandbox refuses root
-    NoIsolation,   ///< the system offers no sandbox to this process
-    EngineMissing, ///< the engine's own program is not where it belongs
-};
-
-/// A browser inside the program: the page, what is said while there is none, its downloads.
+/// A browser inside the program: the page, what is said while there is none, its downloads. Known
+/// to the program and to the library that makes it, each with a copy of its own: so nothing here
+/// needs to be the same object in both.
 class Browser : public QWidget
 {
-    Q_OBJECT
-
 public:
     using QWidget::QWidget;
 
@@ -25,12 +17,17 @@ public:
     virtual void setUrl(const QString& url) = 0;
 };
 
-/// Asks without starting anything. The engine ends the process when it meets one of these.
-BrowserObstacle browserObstacle();
+/// What the library of the browser engine offers.
+class BrowserFactory
+{
+public:
+    virtual ~BrowserFactory() = default;
 
-/// Starts the engine, which takes some tenths of a second the first time, and makes a browser that
-/// `parent` owns. Null in a build without the engine. Only when there is no obstacle.
-Browser* createBrowser(QWidget* parent);
+    /// Starts the engine, which takes some tenths of a second the first time, and makes a browser
+    /// that `parent` owns.
+    virtual Browser* createBrowser(QWidget* parent) = 0;
+};
 
-/// What the process needs before the application object is made.
-void prepareBrowserEngine();
+/// Changes with every change of the classes above: a library of another version is not loaded.
+#define TARN_BROWSER_FACTORY "tarn-hub.BrowserFactory/1"
+Q_DECLARE_INTERFACE(BrowserFactory, TARN_BROWSER_FACTORY)

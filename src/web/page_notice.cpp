@@ -18,6 +18,7 @@ PageNotice::PageNotice(QWidget* parent)
     , m_retry(new QPushButton(this))
     , m_open(new QPushButton(this))
 {
+    setObjectName(QStringLiteral("pageNotice"));
     setProperty("area", true);
     setAttribute(Qt::WA_StyledBackground);
     m_message->setObjectName(QStringLiteral("webMessage"));
@@ -111,11 +112,13 @@ QString PageNotice::reason() const
     switch (m_kind) {
     case Failed:
         return tr("请检查设备的电源和网络连接。");
+    case NotInstalled:
+        return tr("内置浏览器不可用：它没有安装。");
     case RunsAsRoot:
         return tr("内置浏览器不可用：它的安全沙箱不允许以 root 身份运行。");
     case NoIsolation:
         return tr("内置浏览器不可用：系统没有为它提供安全沙箱。");
-    case EngineMissing:
+    case Incomplete:
         return tr("内置浏览器不可用：它的程序文件不完整。");
     default:
         return QString();

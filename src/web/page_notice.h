@@ -14,10 +14,10 @@ class PageNotice : public QWidget
 
 public:
     enum Kind {
-        External,      ///< the page opens in the system's browser
-        RunsAsRoot,    ///< ... because the engine's sandbox refuses root
-        NoIsolation,   ///< ... because the system offers no sandbox
-        EngineMissing, ///< ... because the engine is not whole
+        NotInstalled, ///< the page opens in the system's browser, because there is no engine
+        RunsAsRoot,   ///< ... because the engine's sandbox refuses root
+        NoIsolation,  ///< ... because the system offers no sandbox
+        Incomplete,   ///< ... because the engine is not whole
         Loading,
         Failed,  ///< the box does not answer
         NoPage,  ///< it answers, with nothing to show
@@ -43,7 +43,7 @@ private:
     QString message() const;
     QString reason() const;
 
-    Kind m_kind = External;
+    Kind m_kind = Loading;
     QString m_url;
     QLabel* m_message;
     QLabel* m_reason;

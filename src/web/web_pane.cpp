@@ -2,6 +2,7 @@
 #include "web/web_pane.h"
 
 #include "web/browser.h"
+#include "web/browser_engine.h"
 #include "web/page_notice.h"
 
 #include <QStackedLayout>
@@ -10,21 +11,21 @@
 namespace
 {
 
-PageNotice::Kind noticeOf(BrowserObstacle obstacle)
+PageNotice::Kind noticeOf(BrowserEngine::Obstacle obstacle)
 {
     switch (obstacle) {
-    case BrowserObstacle::None:
-        return PageNotice::Loading;
-    case BrowserObstacle::RunsAsRoot:
+    case BrowserEngine::Obstacle::NotInstalled:
+        return PageNotice::NotInstalled;
+    case BrowserEngine::Obstacle::RunsAsRoot:
         return PageNotice::RunsAsRoot;
-    case BrowserObstacle::NoIsolation:
+    case BrowserEngine::Obstacle::NoIsolation:
         return PageNotice::NoIsolation;
-    case BrowserObstacle::EngineMissing:
-        return PageNotice::EngineMissing;
-    case BrowserObstacle::NotBuilt:
+    case BrowserEngine::Obstacle::Incomplete:
+        return PageNotice::Incomplete;
+    case BrowserEngine::Obstacle::None:
         break;
     }
-    return PageNotice::External;
+    return PageNotice::Loading;
 }
 
 /// Enough for the notice to be painted before the engine takes the thread for a moment.
@@ -52,9 +53,9 @@ void WebPane::setUrl(const QString& url)
 
 bool WebPane::mayBrowse()
 {
-    const BrowserObstacle obstacle = browserObstacle();
+    const BrowserEngine::Obstacle obstacle = BrowserEngine::obstacle();
     m_notice->setKind(noticeOf(obstacle));
-    return obstacle == BrowserObstacle::None;
+    return obstacle == BrowserEngine::Obstacle::None;
 }
 
 void WebPane::showInBrowser()
@@ -63,7 +64,11 @@ void WebPane::showInBrowser()
     // The operator may have gone on to a box without a page.
     if (m_url.isEmpty())
         return;
-    m_browser = createBrowser(this);
+    m_browser = BrowserEngine::createBrowser(this);
+    if (!m_browser) {
+        m_notice->setKind(PageNotice::Incomplete);
+        return;
+    }
     m_browser->setUrl(m_url);
     m_pages->addWidget(m_browser);
     m_pages->setCurrentWidget(m_browser);

@@ -5,7 +5,7 @@
 #include "common/platform.h"
 #include "crash/crash_handler.h"
 #include "ui/window/options.h"
-#include "web/browser.h"
+#include "web/browser_engine.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -21,7 +21,7 @@ void setAttributes()
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-    prepareBrowserEngine();
+    BrowserEngine::prepare();
 }
 
 void dress(QApplication& application)

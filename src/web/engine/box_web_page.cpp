@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "web/box_web_page.h"
+#include "web/engine/box_web_page.h"
 
 #include <QAuthenticator>
 #include <QCoreApplication>

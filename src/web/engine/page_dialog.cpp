@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "web/page_dialog.h"
+#include "web/engine/page_dialog.h"
 
 #include "widgets/message_text.h"
 

@@ -16,6 +16,7 @@ class BoxWebPage;
 class WebView : public QWebEngineView
 {
     Q_OBJECT
+    Q_PROPERTY(QString requestedUrl READ requestedUrl)
 
 public:
     explicit WebView(QWidget* parent = nullptr);

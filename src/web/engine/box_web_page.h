@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "web/page_dialog.h"
+#include "web/engine/page_dialog.h"
 
 #include <QPointer>
 #include <QWebEnginePage>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "web/download_line.h"
+#include "web/engine/download_line.h"
 
 #include "widgets/elided_label.h"
 

@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "web/engine_browser.h"
+#include "web/engine/engine_browser.h"
 
-#include "common/platform.h"
-#include "web/download_line.h"
-#include "web/web_view.h"
+#include "web/engine/download_line.h"
+#include "web/engine/web_view.h"
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QFileInfo>
-#include <QLibraryInfo>
 #include <QPointer>
 #include <QProgressBar>
 #include <QStackedLayout>
@@ -31,45 +26,7 @@ bool sameServer(const QUrl& a, const QUrl& b)
     return a.scheme() == b.scheme() && a.host() == b.host() && a.port() == b.port();
 }
 
-/// Where the engine itself looks for its other program.
-bool engineIsWhole()
-{
-    const QString set = qEnvironmentVariable("QTWEBENGINEPROCESS_PATH");
-    if (!set.isEmpty())
-        return QFileInfo::exists(set);
-    const QStringList folders{QLibraryInfo::location(QLibraryInfo::LibraryExecutablesPath),
-                              QCoreApplication::applicationDirPath()};
-    for (const QString& folder : folders) {
-        if (!QDir(folder).entryList({QStringLiteral("QtWebEngineProcess*")}, QDir::Files).isEmpty())
-            return true;
-    }
-    return false;
-}
-
 } // namespace
-
-BrowserObstacle browserObstacle()
-{
-    switch (Platform::browserSandbox()) {
-    case Platform::Sandbox::RefusesRoot:
-        return BrowserObstacle::RunsAsRoot;
-    case Platform::Sandbox::Unavailable:
-        return BrowserObstacle::NoIsolation;
-    case Platform::Sandbox::Ready:
-        break;
-    }
-    return engineIsWhole() ? BrowserObstacle::None : BrowserObstacle::EngineMissing;
-}
-
-Browser* createBrowser(QWidget* parent)
-{
-    return new EngineBrowser(parent);
-}
-
-void prepareBrowserEngine()
-{
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-}
 
 EngineBrowser::EngineBrowser(QWidget* parent)
     : Browser(parent)
@@ -78,6 +35,9 @@ EngineBrowser::EngineBrowser(QWidget* parent)
     , m_notice(new PageNotice(this))
     , m_downloads(new QVBoxLayout)
 {
+    // The window around it cannot show OpenGL.
+    setAttribute(Qt::WA_DontCreateNativeAncestors);
+    setAttribute(Qt::WA_NativeWindow);
     m_view->setObjectName(QStringLiteral("webEngineView"));
     m_progress->setObjectName(QStringLiteral("webProgress"));
     m_progress->setTextVisible(false);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "web/web_view.h"
+#include "web/engine/web_view.h"
 
 #include "common/data_path.h"
 #include "common/platform.h"
-#include "web/box_web_page.h"
 #include "web/download_name.h"
+#include "web/engine/box_web_page.h"
 
 #include <QContextMenuEvent>
 #include <QDebug>
