@@ -43,7 +43,6 @@ void WindowFrame::fixSplitter(QSplitter* splitter)
         splitter->handle(n)->setAttribute(Qt::WA_StyledBackground);
         splitter->handle(n)->setEnabled(false);
     }
-    splitter->setStyleSheet(QStringLiteral("QSplitter::handle { background-color: black }"));
 }
 
 void WindowFrame::sizePanes()
