@@ -1,6 +1,5 @@
 # One place for compiler flags and Qt definitions; every target of ours links tarn_flags.
 add_library(tarn_flags INTERFACE)
-target_compile_features(tarn_flags INTERFACE cxx_std_17)
 target_compile_definitions(tarn_flags INTERFACE
     QT_NO_CAST_FROM_ASCII
     QT_NO_CAST_TO_ASCII
@@ -15,10 +14,45 @@ else()
     target_compile_options(tarn_flags INTERFACE
         -Wall -Wextra -Wpedantic $<$<BOOL:${TARN_WERROR}>:-Werror>)
 endif()
+# A room compiled in one piece is to the compiler a source that includes the others, and what only
+# one of them uses looks like a header's.
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(tarn_flags INTERFACE -Wno-subobject-linkage)
+endif()
 if(TARN_SANITIZE)
+    set(sanitizer -fsanitize=${TARN_SANITIZE})
     target_compile_options(tarn_flags INTERFACE
-        -fsanitize=${TARN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
-    target_link_options(tarn_flags INTERFACE -fsanitize=${TARN_SANITIZE})
+        ${sanitizer} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    # A room that is a shared library has to find the sanitizer's functions too; Clang would keep
+    # them in the program.
+    if(TARN_SHARED_ROOMS AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-runtime-dir
+            OUTPUT_VARIABLE runtime_dir OUTPUT_STRIP_TRAILING_WHITESPACE)
+        list(APPEND sanitizer -shared-libsan -Wl,-rpath,${runtime_dir})
+    endif()
+    target_link_options(tarn_flags INTERFACE ${sanitizer})
+    # What GCC says by itself.
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND TARN_SANITIZE MATCHES "address")
+        target_compile_definitions(tarn_flags INTERFACE __SANITIZE_ADDRESS__)
+    endif()
+endif()
+
+# What the program that users get defends itself with: it reads what strangers on the network send.
+# The rest of it, position independence, is on everywhere, because Qt asks for it.
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+set(hardened $<NOT:$<CONFIG:Debug>>)
+if(NOT MSVC)
+    target_compile_options(tarn_flags INTERFACE
+        $<${hardened}:-fstack-protector-strong>
+        # First undefined, because some compilers come with a level of their own.
+        $<${hardened}:-U_FORTIFY_SOURCE>
+        $<${hardened}:-D_FORTIFY_SOURCE=2>)
+    target_compile_definitions(tarn_flags INTERFACE $<${hardened}:_GLIBCXX_ASSERTIONS>)
+endif()
+if(UNIX)
+    target_link_options(tarn_flags INTERFACE -Wl,-z,relro -Wl,-z,now)
 endif()
 
 function(tarn_plugin name file)
@@ -45,10 +79,7 @@ function(tarn_room name)
         tarn_plugin(${name} ${ARG_PLUGIN} ${ARG_SOURCES})
     elseif(TARN_SHARED_ROOMS)
         add_library(${name} SHARED ${ARG_SOURCES})
-        # A sanitizer's own symbols come with the program, not with a library.
-        if(NOT TARN_SANITIZE)
-            target_link_options(${name} PRIVATE -Wl,-z,defs)
-        endif()
+        target_link_options(${name} PRIVATE -Wl,-z,defs)
     else()
         add_library(${name} STATIC ${ARG_SOURCES})
     endif()

@@ -9,40 +9,46 @@
 namespace BoxProtocol
 {
 
+/// `text` as a constant: measuring a text is none to every compiler, the size of an array is.
+template <int size> constexpr QLatin1String constant(const char (&text)[size])
+{
+    return QLatin1String(text, size - 1);
+}
+
 // Names of parameters that can be read or written under /config.
-constexpr QLatin1String DeviceName("eParam_DeviceName");
-constexpr QLatin1String FirmVersion("eParam_FirmVersion");
-constexpr QLatin1String HardVersion("eParam_HardVersion");
-constexpr QLatin1String SdkVersion("eParam_SdkVersion");
-constexpr QLatin1String DiskSpace("eParam_DiskSpace");
-constexpr QLatin1String MACAddress("eParam_MACAddress");
-constexpr QLatin1String NDIHXFormat("eParam_NDIHXFormat");
-constexpr QLatin1String NDIEncMode("eParam_NDIEncMode");
-constexpr QLatin1String HDMIMode("eParam_HDMIMode");
-constexpr QLatin1String NDIHXQuality("eParam_NDIHXQuality");
-constexpr QLatin1String HXEncProfile("eParam_HXEncProfile");
-constexpr QLatin1String HXControlRate("eParam_HXControlRate");
-constexpr QLatin1String NDIHXBitRate("eParam_NDIHXBitRate");
-constexpr QLatin1String NDIHXGopLength("eParam_NDIHXGopLength");
-constexpr QLatin1String NDIHDR("eParam_NDIHDR");
-constexpr QLatin1String NDIName("eParam_NDIName");
-constexpr QLatin1String DHCP("eParam_DHCP");
-constexpr QLatin1String IPAddress("eParam_IPAddress");
-constexpr QLatin1String NetMask("eParam_NetMask");
-constexpr QLatin1String NTPServer("eParam_NTPServer");
-constexpr QLatin1String SDIVolume("eParam_SDIVolume");
-constexpr QLatin1String LineinVolume("eParam_LineinVolume");
-constexpr QLatin1String LineinDelay("eParam_LineinDelay");
-constexpr QLatin1String NDIDecodeList("eParam_NDIDecodeList");
-constexpr QLatin1String RecordList("eParam_RecordList");
+constexpr QLatin1String DeviceName = constant("eParam_DeviceName");
+constexpr QLatin1String FirmVersion = constant("eParam_FirmVersion");
+constexpr QLatin1String HardVersion = constant("eParam_HardVersion");
+constexpr QLatin1String SdkVersion = constant("eParam_SdkVersion");
+constexpr QLatin1String DiskSpace = constant("eParam_DiskSpace");
+constexpr QLatin1String MACAddress = constant("eParam_MACAddress");
+constexpr QLatin1String NDIHXFormat = constant("eParam_NDIHXFormat");
+constexpr QLatin1String NDIEncMode = constant("eParam_NDIEncMode");
+constexpr QLatin1String HDMIMode = constant("eParam_HDMIMode");
+constexpr QLatin1String NDIHXQuality = constant("eParam_NDIHXQuality");
+constexpr QLatin1String HXEncProfile = constant("eParam_HXEncProfile");
+constexpr QLatin1String HXControlRate = constant("eParam_HXControlRate");
+constexpr QLatin1String NDIHXBitRate = constant("eParam_NDIHXBitRate");
+constexpr QLatin1String NDIHXGopLength = constant("eParam_NDIHXGopLength");
+constexpr QLatin1String NDIHDR = constant("eParam_NDIHDR");
+constexpr QLatin1String NDIName = constant("eParam_NDIName");
+constexpr QLatin1String DHCP = constant("eParam_DHCP");
+constexpr QLatin1String IPAddress = constant("eParam_IPAddress");
+constexpr QLatin1String NetMask = constant("eParam_NetMask");
+constexpr QLatin1String NTPServer = constant("eParam_NTPServer");
+constexpr QLatin1String SDIVolume = constant("eParam_SDIVolume");
+constexpr QLatin1String LineinVolume = constant("eParam_LineinVolume");
+constexpr QLatin1String LineinDelay = constant("eParam_LineinDelay");
+constexpr QLatin1String NDIDecodeList = constant("eParam_NDIDecodeList");
+constexpr QLatin1String RecordList = constant("eParam_RecordList");
 
 // Commands that run on their own; the reply names the one it answers.
-constexpr QLatin1String RecordOn("record_on");
-constexpr QLatin1String RecordOff("record_off");
-constexpr QLatin1String StreamOn("stream_on");
-constexpr QLatin1String StreamOff("stream_off");
-constexpr QLatin1String DecodeOn("hxdec_on");
-constexpr QLatin1String DecodeOff("hxdec_off");
+constexpr QLatin1String RecordOn = constant("record_on");
+constexpr QLatin1String RecordOff = constant("record_off");
+constexpr QLatin1String StreamOn = constant("stream_on");
+constexpr QLatin1String StreamOff = constant("stream_off");
+constexpr QLatin1String DecodeOn = constant("hxdec_on");
+constexpr QLatin1String DecodeOff = constant("hxdec_off");
 
 /// The settings of a box, in the order in which they are read: what the panels show, and what is
 /// kept across an upgrade.

@@ -10,18 +10,6 @@
 namespace
 {
 
-Item* findBelow(Item* item, const QString& key)
-{
-    for (int row = 0; row < item->childCount(); ++row) {
-        Item* child = item->child(row);
-        if (child->address() == key || child->macAddress() == key || child->title() == key)
-            return child;
-        if (Item* found = findBelow(child, key))
-            return found;
-    }
-    return nullptr;
-}
-
 void collect(Item* item, QList<Item*>& into)
 {
     for (int row = 0; row < item->childCount(); ++row) {

@@ -228,7 +228,8 @@ std::optional<qint64> FFmpegSession::stampUs() const
 {
     if (m_packet->dts == AV_NOPTS_VALUE)
         return std::nullopt;
-    return av_rescale_q(m_packet->dts, m_input->streams[m_videoStream]->time_base, AV_TIME_BASE_Q);
+    return av_rescale_q(m_packet->dts, m_input->streams[m_videoStream]->time_base,
+                        AVRational{1, AV_TIME_BASE});
 }
 
 int FFmpegSession::decode()

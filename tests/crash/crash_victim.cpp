@@ -51,7 +51,7 @@ VICTIM int runOutOfStack(int depth)
 {
     volatile char room[512];
     std::memset(const_cast<char*>(room), depth, sizeof room);
-    return runOutOfStack(depth + 1) + room[0];
+    return depth < 0 ? 0 : runOutOfStack(depth + 1) + room[0];
 }
 
 VICTIM void giveUp()
