@@ -18,8 +18,6 @@
 namespace
 {
 
-const QString selectedBox = "127.77.0.11";
-
 ListWidget* list(const Tour& tour)
 {
     return tour.child<ListWidget>("storageWidget");

@@ -21,7 +21,6 @@ namespace
 
 constexpr int koraBoxes = 12;
 const QStringList webModels{"ORBIT·2", "RIVER·2", "LANTERN"};
-const QString selectedBox = "127.77.0.11";
 const QString unsteadyBox = "127.77.0.14";
 const QString webBox = "127.77.0.23";
 

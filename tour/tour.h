@@ -12,6 +12,9 @@ class Item;
 class Tour;
 class TreeView;
 
+/// The box that most stops are about.
+inline const QString selectedBox = "127.77.0.11";
+
 /// One stop: shows one thing that the program does, and looks whether it is there.
 struct Stop {
     const char* name;
