@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // kora-lan: a network of virtual boxes for people and scripts.
 #include "simulator/lan_commands.h"
+#include "simulator/open_files.h"
 #include "simulator/scenario.h"
 #include "simulator/update_server.h"
 #include "simulator/virtual_lan.h"
@@ -16,7 +17,6 @@
 #include <cstdio>
 #include <optional>
 
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -135,16 +135,6 @@ std::optional<Options> readOptions(const QCoreApplication& app)
     return options;
 }
 
-/// 253 boxes need about a thousand sockets, as many as some systems allow at first.
-void allowManySockets()
-{
-    rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
-        limit.rlim_cur = limit.rlim_max;
-        setrlimit(RLIMIT_NOFILE, &limit);
-    }
-}
-
 void quitOnSignals(QCoreApplication* app)
 {
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe) != 0) {
@@ -210,7 +200,7 @@ int main(int argc, char* argv[])
     if (!options) {
         return exitWrongOption;
     }
-    allowManySockets();
+    sim::allowOpenFiles();
     sim::VirtualLan lan(options->runDir);
     sim::Scenario scenario;
     if (!lan.populate(options->plan)) {

@@ -2,6 +2,7 @@
 #include "tests/support/box_client.h"
 
 #include "simulator/lan_commands.h"
+#include "simulator/open_files.h"
 #include "simulator/scenario.h"
 #include "simulator/virtual_lan.h"
 
@@ -13,6 +14,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 
 using namespace sim;
@@ -219,23 +221,26 @@ void tst_VirtualLan::wrongScenarios()
 
 void tst_VirtualLan::aFullSubnet()
 {
-    LanPlan full = plan("127.77.205.0/24", 253);
+    // Each box listens on four ports; six connections to each have both ends and a thread here. A
+    // system that allows less than all of them at once still gets a good part of a subnet.
+    const int boxes = std::min(253, (allowOpenFiles() - 100) / (4 + 6 * 3));
+    LanPlan full = plan("127.77.205.0/24", boxes);
     full.first = 1;
     VirtualLan lan;
     QElapsedTimer clock;
     clock.start();
     QVERIFY(lan.populate(full));
     QVERIFY2(lan.plugInAll(), qPrintable(lan.errorString()));
-    qInfo("253 boxes plugged in after %lld ms", clock.elapsed());
+    qInfo("%d boxes plugged in after %lld ms", boxes, clock.elapsed());
 
     // All of them asked for eight things at once.
     QNetworkAccessManager manager;
     int good = 0;
     int done = 0;
-    const int wanted = 253 * 8;
+    const int wanted = boxes * 8;
     clock.restart();
     for (int i = 0; i < wanted; ++i) {
-        const QString address = QString("127.77.205.%1").arg(1 + i % 253);
+        const QString address = QString("127.77.205.%1").arg(1 + i % boxes);
         const QUrl url(apiUrl(address, "/config?action=get&param_name=eParam_IPAddress"));
         QNetworkReply* const reply = manager.get(QNetworkRequest(url));
         connect(reply, &QNetworkReply::finished, this, [reply, address, &good, &done] {

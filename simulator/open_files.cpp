@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/open_files.h"
+
+#include <algorithm>
+#include <limits>
+
+#include <sys/resource.h>
+
+namespace sim
+{
+
+int allowOpenFiles()
+{
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        return 0;
+    }
+    limit.rlim_cur = limit.rlim_max;
+    if (setrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        getrlimit(RLIMIT_NOFILE, &limit);
+    }
+    return static_cast<int>(std::min<rlim_t>(limit.rlim_cur, std::numeric_limits<int>::max()));
+}
+
+} // namespace sim
