@@ -11,10 +11,11 @@ packages_for() {
             qtbase5-dev qttools5-dev qttools5-dev-tools libqt5websockets5-dev libqt5svg5-dev qtwebengine5-dev \
             libavcodec-dev libavformat-dev libavutil-dev libswscale-dev libcpp-httplib-dev
         ;;
-    running) echo curl ffmpeg fonts-noto-cjk fping ;;
+    running) echo curl ffmpeg fonts-noto-cjk fping iproute2 ;;
     display) echo xauth xvfb ;;
     wayland) echo qtwayland5 ;;
-    checking) echo clang-format g++-mingw-w64-x86-64-posix shellcheck ;;
+    checking) echo clang-format clang-tidy g++-mingw-w64-x86-64-posix shellcheck ;;
+    clang) echo clang libclang-rt-dev llvm ;;
     testing) echo lldb ;;
     *) die "no packages are listed for $1" ;;
     esac
@@ -23,6 +24,7 @@ packages_for() {
 scratch=""
 display_pid=""
 at_exit=()
+as_root=()
 
 say() { printf '%s\n' "$*"; }
 
@@ -147,26 +149,74 @@ quietly() {
     return 1
 }
 
-# Shows progress to who watches; into a log goes only what went wrong.
-compile_all() {
-    if [ -t 1 ]; then
-        cmake --build "$1"
+# 95 -> "1 min 35 s"
+minutes() {
+    if (($1 < 60)); then
+        echo "$1 s"
     else
-        quietly cmake --build "$1" -- --quiet
+        echo "$(($1 / 60)) min $(($1 % 60)) s"
     fi
 }
 
-# build PRESET [CMAKE_OPTION...]
+# Sets weight to about how many tenths of a second a step takes on one processor, from its line.
+weigh() {
+    local unit
+    weight=3
+    case $1 in
+    *Unity/unity_*.cxx.o)
+        unit=$dir/${1##* }
+        weight=$((15 + 4 * $(grep -c '^#include' "${unit%.o}" 2>/dev/null || echo 1)))
+        ;;
+    *mocs_compilation.cpp.o) weight=10 ;;
+    *'Building CXX object'*) weight=18 ;;
+    esac
+}
+
+# Reads what the build of $dir prints, and says now and then how far it is.
+watch_build() {
+    local line weight all=0 done=0 left next=$((SECONDS + 15)) start=$SECONDS
+    while IFS= read -r line; do
+        [[ $line != \[* ]] || { weigh "$line" && ((all += weight)); }
+    done < <(ninja -C "$dir" -n "$@" 2>/dev/null)
+    ((all < 100)) || say "  ${dir#"$root_dir"/}/build.log has the details; about $(
+        minutes $((all / 10 / $(nproc) + 1)))"
+    while IFS= read -r line; do
+        printf '%s\n' "$line" >>"$dir/build.log"
+        [[ $line == \[* ]] || continue
+        weigh "$line"
+        ((done += weight)) || true
+        if ((SECONDS >= next && done < all)); then
+            left=$(((SECONDS - start) * (all - done) / done))
+            say "  $((done * 100 / all)) %, about $(minutes "$left") left"
+            next=$((SECONDS + 15))
+        fi
+    done
+    ((SECONDS - start < 5)) || say "  built in $(minutes $((SECONDS - start)))"
+}
+
+# compile TARGET...: builds in $dir.
+compile() {
+    : >"$dir/build.log"
+    NINJA_STATUS='[%f/%t] ' cmake --build "$dir" --target "$@" 2>&1 | watch_build "$@" ||
+        { sed -n '/^FAILED/,$p' "$dir/build.log" | head -n 80 >&2 && return 1; }
+}
+
+# build PRESET TARGETS [CMAKE_OPTION...]: one build at a time in a folder. TARGETS are words in one argument.
 build() {
-    local preset=$1 dir
-    shift
+    local preset=$1 targets turn dir
+    read -ra targets <<<"$2"
+    shift 2
     dir=$(build_dir "$preset")
-    [ ! -e "$dir" ] || [ -w "$dir" ] ||
+    mkdir -p "$dir" 2>/dev/null || true
+    [ -w "$dir" ] ||
         die "$dir belongs to another user; remove it or set TARN_BUILD_DIR to a folder of yours."
+    exec {turn}>"$dir/lock"
+    flock -n "$turn" || { say "Waiting for another build in $dir" && flock "$turn"; }
     say "Building in $dir"
     (cd "$root_dir" && quietly cmake --preset "$preset" -B "$dir" "$@") ||
         die "the configuration failed."
-    compile_all "$dir" || die "the build failed."
+    compile "${targets[@]}" || die "the build failed."
+    exec {turn}>&-
 }
 
 # --- display and user data ---------------------------------------------------------------------
@@ -205,31 +255,84 @@ may_bind_web_port() {
     ((16#$effective >> net_bind_service & 1))
 }
 
-# Runs the calling script again, as the same user and with the right to serve on port 80.
-run_again_with_web_port() {
-    local name kept=()
-    if [ -n "${TARN_RUN_AGAIN:-}" ] || ! find_root; then
-        die "the virtual boxes serve web pages on port 80 of loopback addresses, and this user may
-not. Run this as root or as a user of sudo, or allow it once with
-  sysctl net.ipv4.ip_unprivileged_port_start=80"
+# A display of this machine is reached through a file, any other one through the network.
+is_display_here() { [[ -z ${DISPLAY:-} || $DISPLAY == :* || $DISPLAY == unix:* ]]; }
+
+# Sets own_network to what stands before a command to give it a network of its own, with loopback
+# up, and as_user to what then makes it user $1 of group $2, with the right to serve on port 80.
+# False when the system allows no such network.
+find_own_network() {
+    local rights=--inh-caps=-all,+net_bind_service
+    as_user=(setpriv "$rights" "--ambient-caps=${rights#*=}")
+    if [ "$(id -u)" -ne 0 ]; then
+        own_network=(unshare --user --map-current-user --keep-caps --net)
+        ! "${own_network[@]}" ip link set lo up 2>/dev/null || return 0
+        find_root || return 1
     fi
+    own_network=("${as_root[@]}" unshare --net)
+    if [ "$1" -eq 0 ]; then
+        as_user=()
+    else
+        as_user=(setpriv --reuid "$1" --regid "$2" --init-groups "${as_user[@]:1}")
+    fi
+    "${own_network[@]}" ip link set lo up 2>/dev/null
+}
+
+# run_in_network KIND ARGUMENT...: goes on as this script with these arguments, in the place that
+# own_network and as_user name.
+run_in_network() {
+    local name kept=() kind=$1
+    shift
     for name in HOME PATH LANG TERM CI DISPLAY WAYLAND_DISPLAY XAUTHORITY XDG_RUNTIME_DIR \
         XDG_SESSION_TYPE DBUS_SESSION_BUS_ADDRESS TARN_BUILD_DIR; do
         [ -z "${!name+set}" ] || kept+=("$name=${!name}")
     done
-    say "Continuing with the right to serve on port 80."
     clean_up
-    exec "${as_root[@]}" setpriv --reuid "$(id -u)" --regid "$(id -g)" --init-groups \
-        --inh-caps +net_bind_service --ambient-caps +net_bind_service \
-        env "${kept[@]}" TARN_RUN_AGAIN=1 bash "$0" "$@"
+    # shellcheck disable=SC2016 # the inner shell expands it
+    exec "${own_network[@]}" bash -c '[ "$1" = shared ] || ip link set lo up; shift; exec "$@"' _ \
+        "$kind" "${as_user[@]}" env "${kept[@]}" TARN_NETWORK="$kind" bash "$0" "$@"
 }
 
-need_web_port() { may_bind_web_port || run_again_with_web_port "$@"; }
+# enter_network ARGUMENT...: the boxes of two runs would take each other's addresses. Each run gets a
+# network of its own, where the system allows that, and the right to port 80; where it does not,
+# runs take turns. Goes on as the same script with the same arguments.
+enter_network() {
+    [ -z "${TARN_NETWORK:-}" ] || return 0
+    if is_display_here && find_own_network "$(id -u)" "$(id -g)"; then
+        run_in_network own "$@"
+    fi
+    ! may_bind_web_port || return 0
+    find_root ||
+        die "the virtual boxes serve web pages on port 80 of loopback addresses, and this user may
+not. Run this as root or as a user of sudo, or allow it once with
+  sysctl net.ipv4.ip_unprivileged_port_start=80"
+    say "Continuing with the right to serve on port 80."
+    own_network=("${as_root[@]}")
+    as_user=(setpriv --reuid "$(id -u)" --regid "$(id -g)" --init-groups
+        --inh-caps +net_bind_service --ambient-caps +net_bind_service)
+    run_in_network shared "$@"
+}
 
-# The web engine's sandbox refuses root. The program then does without the engine; demo and tests
-# show only our own pages to it.
+# In a network that others use too, only one run at a time has the boxes' addresses.
+take_turn() {
+    local turn lock=/tmp/tarn-hub-boxes.lock
+    [ "${TARN_NETWORK:-}" != own ] || return 0
+    [ -e "$lock" ] || (umask 0 && : >"$lock") 2>/dev/null || true
+    # Only read, so that it may belong to another user; held until the script ends.
+    exec {turn}<"$lock"
+    flock -n "$turn" || {
+        say "Waiting for the end of another demo or test run, which has the boxes' addresses."
+        flock "$turn"
+    }
+}
+
+# The web engine's sandbox refuses root, and needs what many containers do not give. The program
+# then does without the engine; demo and tests show only our own pages to it.
 allow_web_engine() {
-    [ "$(id -u)" -ne 0 ] || export QTWEBENGINE_DISABLE_SANDBOX=1
+    if [ "$(id -u)" -eq 0 ] || ! unshare --user --net --pid --fork true 2>/dev/null; then
+        say "The browser engine gets no sandbox here; it goes without, as it sees only our own pages."
+        export QTWEBENGINE_DISABLE_SANDBOX=1
+    fi
 }
 
 # Debian gives fping the right to send pings; some containers take it away again.
