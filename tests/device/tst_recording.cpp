@@ -93,9 +93,6 @@ void tst_Recording::namesStayInTheirFolder_data()
     row("blank", "evening show 2.mp4", "evening show 2.mp4");
     row("way up", "../../x.mp4", "x.mp4");
     row("absolute", "/tmp/x.mp4", "x.mp4");
-    row("other system's separator", "a\\b.mp4", "b.mp4");
-    row("drive", "C:x.mp4", "Cx.mp4");
-    row("reserved", "con.mp4", "_con.mp4");
     row("quotes", "the \"best\" 'take'.mp4", "the best 'take'.mp4");
     row("fragment", "take #3.mp4", "take #3.mp4");
     row("query", "why?.mp4", "why.mp4");
@@ -103,7 +100,6 @@ void tst_Recording::namesStayInTheirFolder_data()
     row("braces of curl's own", "{a,b}[1-3].mp4", "{a,b}[1-3].mp4");
     row("letters of all kinds", "晚会 공연 ñ.mp4", "晚会 공연 ñ.mp4");
     row("an option of curl", "-o evil.mp4", "-o evil.mp4");
-    row("hidden", ".mp4", "mp4");
 }
 
 void tst_Recording::namesStayInTheirFolder()

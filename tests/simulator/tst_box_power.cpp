@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/box_client.h"
-
 #include "simulator/virtual_box.h"
+#include "tests/support/box_client.h"
+#include "tests/support/files.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>
@@ -24,19 +24,15 @@ class tst_BoxPower : public QObject
 private slots:
     void init();
     void firmwareChange();
-    void otaWithoutUploadFails();
     void rebootKeepsSettings();
     void restartStaysReachable();
     void fixedAddressCountsAfterReboot();
     void unpluggingIsQuickAndFinal();
     void unpluggedDuringReboot();
-    void movesWhileOn();
     void takenPortIsAnError();
     void staysOnLoopback();
 
 private:
-    QString firmware(const QString& name);
-
     std::unique_ptr<VirtualBox> m_box;
     QTemporaryDir m_dir;
 };
@@ -52,19 +48,11 @@ void tst_BoxPower::init()
     QCoreApplication::processEvents(); // the signal of that is none of the tests' business
 }
 
-QString tst_BoxPower::firmware(const QString& name)
-{
-    QFile file(m_dir.filePath(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write("firmware") != 8)
-        qFatal("cannot write a firmware file");
-    return file.fileName();
-}
-
 void tst_BoxPower::firmwareChange()
 {
     QSignalSpy reachable(m_box.get(), &VirtualBox::reachableChanged);
     QCOMPARE(writeParameter(home, "eParam_SDIVolume", "31").status(), "set success");
-    QCOMPARE(upload(home, firmware("KORA_9.8.7.6.dat")).status(), "success");
+    QCOMPARE(upload(home, writePackage(m_dir.filePath("KORA_9.8.7.6.dat"), 8)).status(), "success");
     QVERIFY(m_box->parameter("eParam_FirmVersion") != "9.8.7.6"); // only an upload so far
     QElapsedTimer away;
     away.start();
@@ -76,12 +64,6 @@ void tst_BoxPower::firmwareChange()
     QCOMPARE(valueOf(home, "eParam_FirmVersion"), "9.8.7.6");
     QCOMPARE(valueOf(home, "eParam_SDIVolume"), "31");
     QCOMPARE(m_box->activity().reboots, 1);
-}
-
-void tst_BoxPower::otaWithoutUploadFails()
-{
-    QCOMPARE(command(home, "ota").status(), "failed");
-    QVERIFY(m_box->isOn());
 }
 
 void tst_BoxPower::rebootKeepsSettings()
@@ -154,14 +136,6 @@ void tst_BoxPower::unpluggedDuringReboot()
     m_box->unplug();
     QVERIFY(!reachable.wait(rebootMs + 200)); // does not come back by itself
     QVERIFY(!m_box->isReachable());
-}
-
-void tst_BoxPower::movesWhileOn()
-{
-    QVERIFY(m_box->moveTo(TEST_BLOCK ".2"));
-    QVERIFY(isRefused(home, 8081));
-    QCOMPARE(valueOf(TEST_BLOCK ".2", "eParam_IPAddress"), TEST_BLOCK ".2");
-    QVERIFY(m_box->isOn());
 }
 
 void tst_BoxPower::takenPortIsAnError()

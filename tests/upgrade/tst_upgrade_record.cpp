@@ -84,16 +84,10 @@ void tst_UpgradeRecord::init()
 void tst_UpgradeRecord::verdicts_data()
 {
     columns<UpgradeRow, bool, Verdict>("row", "settled", "verdict");
-    row("nothing sent", rowAt(Stage::Preparing), false, Verdict::UnderWay);
-    row("uploading", rowAt(Stage::Uploading), false, Verdict::UnderWay);
-    row("told to change over", rowAt(Stage::Activated), false, Verdict::UnderWay);
-    row("never came back", rowAt(Stage::Activated), true, Verdict::NotProved);
     row("same version", rowAt(Stage::Activated, "1.2.0.517"), true, Verdict::NotProved);
     row("new version", rowAt(Stage::Activated, "1.2.0.623"), false, Verdict::Proved);
-    row("failed", rowAt(Stage::UploadFailed), true, Verdict::Failed);
     row("failed, and changed all the same", rowAt(Stage::UploadFailed, "1.2"), true,
         Verdict::Proved);
-    row("cut short", rowAt(Stage::Interrupted), true, Verdict::Interrupted);
     UpgradeRow unknown = rowAt(Stage::Activated, "1.2.0.623");
     unknown.mac.clear();
     row("nobody knows which box", unknown, true, Verdict::NotProved);

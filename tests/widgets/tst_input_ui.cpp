@@ -123,7 +123,6 @@ void TestInputui::oneLineIsNoTallerThanItsField()
 void TestInputui::clickListsSuggestions_data()
 {
     columns<QStringList, bool>("list", "shown");
-
     row("suggestions", QStringList({"KORA-1", "KORA-2", "other"}), true);
     row("none", QStringList(), false);
 }
@@ -132,7 +131,6 @@ void TestInputui::clickListsSuggestions()
 {
     QFETCH(QStringList, list);
     QFETCH(bool, shown);
-
     QStringListModel model(list);
     QCompleter completer(&model);
     m_panel->setCompleter(&completer);

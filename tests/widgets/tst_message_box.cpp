@@ -85,7 +85,6 @@ void TestMessageBox::cleanup()
 void TestMessageBox::answers_data()
 {
     columns<bool, QString, int, QString, int>("withRecovery", "focus", "key", "click", "answer");
-
     const int none = 0;
     for (bool recovery : {false, true}) {
         const QByteArray with = recovery ? " with recovery" : " without recovery";
@@ -115,7 +114,6 @@ void TestMessageBox::answers()
     QFETCH(int, key);
     QFETCH(QString, click);
     QFETCH(int, answer);
-
     whenOpen([&](messageBox& box) {
         QVERIFY(button(&box, "okpushButton")->hasFocus());
         QCOMPARE(button(&box, "Recovery")->isVisible(), withRecovery);
@@ -167,7 +165,6 @@ void TestMessageBox::looks()
 void TestMessageBox::textIsShownAsItStands_data()
 {
     columns<QString, bool>("text", "scrolls");
-
     const QString chinese = QString::fromUtf8("设置参数部分失败,请检查KORA网络状态后重试.");
     row("short", chinese, false);
     row("two lines", chinese + "\n" + chinese, false);
@@ -182,7 +179,6 @@ void TestMessageBox::textIsShownAsItStands()
 {
     QFETCH(QString, text);
     QFETCH(bool, scrolls);
-
     messageBox box(text);
     box.show();
     QVERIFY(QTest::qWaitForWindowExposed(&box));
@@ -334,7 +330,6 @@ void TestMessageBox::noticeDoesNotHideAQuestion()
 void TestMessageBox::promptAnswers_data()
 {
     columns<int, int, QString>("key", "modifiers", "answer");
-
     const QString typed = "rtsp://h/<b>\n live ";
     row("return", int(Qt::Key_Return), int(Qt::NoModifier), typed);
     row("enter", int(Qt::Key_Enter), int(Qt::KeypadModifier), typed);
@@ -348,7 +343,6 @@ void TestMessageBox::promptAnswers()
     QFETCH(int, key);
     QFETCH(int, modifiers);
     QFETCH(QString, answer);
-
     QPointer<messageBox> box;
     whenOpen([&](messageBox& open) {
         box = &open;

@@ -17,7 +17,6 @@ private slots:
     void cleanup() { m_fixture.reset(); }
     void boxesAppearUnderTheirGroups();
     void boxThatAnswersBothWaysIsOneBox();
-    void faultyHostsAreNoBoxes_data();
     void faultyHostsAreNoBoxes();
     void unpluggedBoxTurnsOfflineAndReturns();
     void selectionFillsTheInformation();
@@ -92,26 +91,15 @@ void tst_Discovery::boxThatAnswersBothWaysIsOneBox()
     QVERIFY(groups().contains("ORBIT·2:6") || groups().contains("ORBIT·2:5,6"));
 }
 
-void tst_Discovery::faultyHostsAreNoBoxes_data()
-{
-    columns<QString>("fault");
-    row("silent", "silent");
-    row("closed ports", "refuse");
-    row("garbage", "garbage");
-    row("array", "not-an-object");
-    row("no value", "no-value");
-    row("10 MB", "huge 10000000");
-    row("hangs up", "hang-up 50");
-}
-
 void tst_Discovery::faultyHostsAreNoBoxes()
 {
-    QFETCH(QString, fault);
     m_fixture->addBox(5);
-    QVERIFY(m_fixture->addBox(6)->addFault(fault));
-    m_fixture->open();
-    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(5), 10000);
-    QTest::qWait(2500);
+    int host = 6;
+    for (const char* fault : {"silent", "refuse", "garbage", "not-an-object", "no-value",
+                              "huge 10000000", "hang-up 50"})
+        QVERIFY2(m_fixture->addBox(host++)->addFault(fault), fault);
+    m_fixture->openWith({5});
+    QTest::qWait(2500); // longer than a read waits
     QCOMPARE(groups(), QStringList{"KORA:5"});
 }
 
@@ -188,7 +176,6 @@ void tst_Discovery::hostileTextStaysText()
     // What is no MAC address is shown, but never serves to find a box.
     QCOMPARE(m_fixture->item(7)->macAddress(), QString());
     QVERIFY(m_fixture->information().last().size() > 20);
-    QVERIFY(!m_fixture->window().grab().isNull());
 }
 
 void tst_Discovery::webManagedBoxShowsItsPage()

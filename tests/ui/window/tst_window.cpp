@@ -38,44 +38,20 @@ void tst_Window::slotsStandInTheirOrder()
         if (meta.method(i).methodType() == QMetaMethod::Slot)
             names << meta.method(i).name();
     }
-    const QStringList expected{"refreshLocalIP",
-                               "refreshDeviceState",
-                               "R_delayAction",
-                               "R_findDeviceIP",
-                               "R_refreshDeviceIP",
-                               "R_finished",
-                               "R_readyReadStandardOutput",
-                               "R_stateChanged",
-                               "R_download",
-                               "R_delete",
-                               "R_ActionClicked",
-                               "R_playstatus",
-                               "R_timerSliderout",
-                               "on_save_clicked",
-                               "on_refreshDevice_clicked",
-                               "on_firmwareUpdate_clicked",
-                               "on_HB_clicked",
-                               "on_HX2_clicked",
-                               "on_HX3_clicked",
-                               "on_language_clicked",
-                               "on_recode_clicked",
-                               "on_collapse_clicked",
-                               "on_expand_clicked",
-                               "on_full_clicked",
-                               "on_colsefull_clicked",
-                               "on_md5_clicked",
-                               "on_video_play_clicked",
-                               "on_video_after_clicked",
-                               "on_video_front_clicked",
-                               "on_switch_monitor_clicked",
-                               "on_eParam_SDIVolumeSlider_valueChanged",
-                               "on_eParam_LineinVolumeSlider_valueChanged",
-                               "on_eParam_LineinDelaySlider_valueChanged",
-                               "on_H264_clicked",
-                               "on_H265_clicked",
-                               "on_pushButton_hxdec_on_clicked",
-                               "on_pushButton_live_on_clicked"};
-    QCOMPARE(names, expected);
+    const QString expected =
+        "refreshLocalIP refreshDeviceState R_delayAction R_findDeviceIP "
+        "R_refreshDeviceIP R_finished R_readyReadStandardOutput R_stateChanged "
+        "R_download R_delete R_ActionClicked R_playstatus R_timerSliderout "
+        "on_save_clicked on_refreshDevice_clicked on_firmwareUpdate_clicked "
+        "on_HB_clicked on_HX2_clicked on_HX3_clicked on_language_clicked "
+        "on_recode_clicked on_collapse_clicked on_expand_clicked on_full_clicked "
+        "on_colsefull_clicked on_md5_clicked on_video_play_clicked "
+        "on_video_after_clicked on_video_front_clicked on_switch_monitor_clicked "
+        "on_eParam_SDIVolumeSlider_valueChanged "
+        "on_eParam_LineinVolumeSlider_valueChanged "
+        "on_eParam_LineinDelaySlider_valueChanged on_H264_clicked on_H265_clicked "
+        "on_pushButton_hxdec_on_clicked on_pushButton_live_on_clicked";
+    QCOMPARE(names, expected.split(' '));
     // Every slot named after a widget finds that widget; a form that renames one loses it.
     for (const QString& name : names) {
         if (name.startsWith("on_"))
