@@ -3,17 +3,17 @@
 
 void Exchange::onResult(const QString& type, ResultHandler handler)
 {
-    m_results.insert(type, std::move(handler));
+    m_results[type] = std::move(handler);
 }
 
 void Exchange::onResultPrefix(const QString& prefix, ResultHandler handler)
 {
-    m_resultPrefixes.insert(prefix, std::move(handler));
+    m_resultPrefixes[prefix] = std::move(handler);
 }
 
 void Exchange::onReply(const QString& command, ReplyHandler handler)
 {
-    m_replies.insert(command, std::move(handler));
+    m_replies[command] = std::move(handler);
 }
 
 void Exchange::onAction(Action action, ActionHandler handler)
