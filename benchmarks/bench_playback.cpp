@@ -24,7 +24,7 @@ namespace
 {
 
 constexpr const char* BoxAddress = "127.77.34.1";
-constexpr int Rounds = 7;
+constexpr int roundCount = 7;
 
 /// A film with moving content, made once and kept in a temporary folder.
 QString film(const QString& name, const QStringList& source)
@@ -171,7 +171,7 @@ struct Waiting {
 double medianFirstPicture(const Waiting& player, const QString& address)
 {
     QVector<double> times;
-    for (int n = 0; n < Rounds; ++n) {
+    for (int n = 0; n < roundCount; ++n) {
         QElapsedTimer clock;
         clock.start();
         player.open(address);
@@ -182,7 +182,7 @@ double medianFirstPicture(const Waiting& player, const QString& address)
         QThread::msleep(100);
     }
     std::sort(times.begin(), times.end());
-    return times.at(Rounds / 2);
+    return times.at(roundCount / 2);
 }
 
 void printFirstPicture(const Waiting& player, const QStringList& addresses)
@@ -260,7 +260,7 @@ void startedFirstPicture(const QStringList& addresses)
 
 void compareFirstPicture(const QString& file)
 {
-    std::printf("\nFrom asking to the first picture on the screen, median of %d\n", Rounds);
+    std::printf("\nFrom asking to the first picture on the screen, median of %d\n", roundCount);
     sim::VirtualBox box(BoxAddress);
     if (!box.plugIn())
         qFatal("no virtual box: %s", qPrintable(box.errorString()));

@@ -15,8 +15,8 @@
 namespace
 {
 
-constexpr int MemoryPeriodMs = 1000;
-constexpr int SettledAfter = 10; // periods
+constexpr int memoryPeriodMs = 1000;
+constexpr int settledAfter = 10; // periods
 
 qint64 residentKb()
 {
@@ -79,16 +79,16 @@ int playOnce(const QString& file, bool report)
     QTimer sampler;
     QObject::connect(&sampler, &QTimer::timeout, [&] { memory << residentKb(); });
     if (report) {
-        sampler.start(MemoryPeriodMs);
+        sampler.start(memoryPeriodMs);
         // Opening the window and the first picture are not playing.
         QTimer::singleShot(1000, [&] { gaps.start(); });
     }
     child.widget.open(file);
     QApplication::exec();
     dropped = child.widget.droppedPictures();
-    if (report && memory.size() > SettledAfter)
+    if (report && memory.size() > settledAfter)
         std::printf("pictures %d dropped %d gaps %d %.1f memory %lld %lld %lld\n", counter.pictures,
-                    dropped, gaps.gapsOver(30), gaps.longestMs(), memory.at(SettledAfter),
+                    dropped, gaps.gapsOver(30), gaps.longestMs(), memory.at(settledAfter),
                     memory.last(), *std::max_element(memory.begin(), memory.end()));
     return counter.pictures > 0 ? 0 : 1;
 }

@@ -15,17 +15,15 @@ constexpr int conflictRetryMs = 1000; // how often a box asks again for an addre
 
 QStringList dashboardModels(const BoxSetup& setup)
 {
-    if (!setup.dashboard.isEmpty() || setup.model == BoxModel::Kora) {
+    if (!setup.dashboard.isEmpty() || setup.model == BoxModel::Kora)
         return setup.dashboard;
-    }
     return {modelWord(setup.model).toUpper()};
 }
 
 BoxSetup complete(BoxSetup setup)
 {
-    if (setup.number == 0) {
+    if (setup.number == 0)
         setup.number = setup.address.section(QLatin1Char('.'), -1).toInt();
-    }
     return setup;
 }
 
@@ -50,9 +48,8 @@ BoxCore::BoxCore(const BoxSetup& setup, Reports reports)
     m_wake.setSingleShot(true);
     connect(&m_wake, &QTimer::timeout, this, &BoxCore::wake);
     connect(&m_recorder, &Recorder::over, this, &BoxCore::keepRecording);
-    if (!m_setup.recordingsDir.isEmpty()) {
+    if (!m_setup.recordingsDir.isEmpty())
         QDir().mkpath(m_setup.recordingsDir);
-    }
 }
 
 BoxCore::~BoxCore()
@@ -110,15 +107,12 @@ void BoxCore::changeFirmware(const QString& version)
 void BoxCore::install(const QString& version)
 {
     const QStringList tags = {QStringLiteral("ota")};
-    if (!m_faults.strike(FaultKind::OtaOldVersion, tags)) {
+    if (!m_faults.strike(FaultKind::OtaOldVersion, tags))
         m_state.setParameter(QStringLiteral("eParam_FirmVersion"), version);
-    }
-    if (m_faults.strike(FaultKind::OtaLosesSettings, tags)) {
+    if (m_faults.strike(FaultKind::OtaLosesSettings, tags))
         m_state.loseSettings();
-    }
-    if (const auto move = m_faults.strike(FaultKind::OtaMoves, tags)) {
+    if (const auto move = m_faults.strike(FaultKind::OtaMoves, tags))
         m_lease = mayUse(move->text) ? move->text : m_lease;
-    }
     m_state.changeActivity([](BoxActivity& activity) { ++activity.reboots; });
     goDown(Power::Rebooting, m_setup.rebootMs);
     if (m_faults.strike(FaultKind::OtaStaysAway, tags)) {
@@ -139,9 +133,8 @@ void BoxCore::goDown(Power meanwhile, int ms)
 
 void BoxCore::wake()
 {
-    if (!powerOn()) {
+    if (!powerOn())
         m_wake.start(conflictRetryMs);
-    }
 }
 
 bool BoxCore::powerOn()
@@ -202,17 +195,15 @@ void BoxCore::setPower(Power power)
     m_isOn = power == Power::On;
     const bool reachable =
         (power == Power::On || power == Power::Restarting) && !m_faults.has(FaultKind::NoPing);
-    if (m_isReachable.exchange(reachable) != reachable) {
+    if (m_isReachable.exchange(reachable) != reachable)
         m_reports.reachable(address(), reachable);
-    }
 }
 
 void BoxCore::applyFaults()
 {
     setPower(m_power); // for ping
-    if (m_power != Power::On) {
+    if (m_power != Power::On)
         return;
-    }
     const bool refuses = m_faults.has(FaultKind::Refuse);
     const bool isOpen = m_apiServer || m_webServer;
     if (refuses && isOpen) {
@@ -224,15 +215,12 @@ void BoxCore::applyFaults()
 
 bool BoxCore::openPorts()
 {
-    if (m_faults.has(FaultKind::Refuse)) {
+    if (m_faults.has(FaultKind::Refuse))
         return true;
-    }
-    if (!openWeb()) {
+    if (!openWeb())
         return false;
-    }
-    if (m_setup.model != BoxModel::Kora) {
+    if (m_setup.model != BoxModel::Kora)
         return true;
-    }
     HttpHandlers handlers;
     handlers.handle = [this](const HttpRequest& request) { return m_api.handle(request); };
     handlers.beforeUpload = [this] { return m_api.beforeUpload(); };
@@ -249,18 +237,16 @@ bool BoxCore::openPorts()
         port = m_setup.mediaEventsPort;
         open = m_mediaEvents.open(address, port);
     }
-    if (!open) {
+    if (!open)
         m_error = QStringLiteral("cannot open %1:%2").arg(address).arg(port);
-    }
     return open;
 }
 
 bool BoxCore::openWeb()
 {
     const QStringList models = dashboardModels(m_setup);
-    if (models.isEmpty()) {
+    if (models.isEmpty())
         return true;
-    }
     const QByteArray page = dashboardPage(models, address(), m_setup.number);
     HttpHandlers handlers;
     handlers.handle = [this, page](const HttpRequest& request) {

@@ -29,9 +29,8 @@ bool BoxCore::doAndWait(HttpWire* wire, int ms, const std::function<void()>& wor
         *begun = true;
     });
     for (int waited = 0; !*begun || !isOver(); waited += pollMs) {
-        if (waited > ms || !wire->wait(pollMs)) {
+        if (waited > ms || !wire->wait(pollMs))
             return false;
-        }
     }
     return true;
 }
@@ -39,22 +38,19 @@ bool BoxCore::doAndWait(HttpWire* wire, int ms, const std::function<void()>& wor
 bool BoxCore::startRecording(const QString& fileName, HttpWire* wire)
 {
     for (const Recording& recording : m_state.recordings()) {
-        if (recording.name == fileName) {
+        if (recording.name == fileName)
             return false;
-        }
     }
     bool isFree = false;
     m_state.changeActivity([&](BoxActivity& activity) {
         isFree = activity.recordingFile.isEmpty();
         activity.recordingFile = isFree ? fileName : activity.recordingFile;
     });
-    if (!isFree) {
+    if (!isFree)
         return false;
-    }
     const auto start = [this, fileName] {
-        if (m_power == Power::On) {
+        if (m_power == Power::On)
             m_recorder.start(recordingPath(fileName), address());
-        }
     };
     doAndWait(wire, startLimitMs, start,
               [this] { return m_recorder.state() != Recorder::State::Starting; });
@@ -63,9 +59,8 @@ bool BoxCore::startRecording(const QString& fileName, HttpWire* wire)
 
 bool BoxCore::stopRecording(HttpWire* wire)
 {
-    if (m_state.activity().recordingFile.isEmpty()) {
+    if (m_state.activity().recordingFile.isEmpty())
         return false;
-    }
     const bool over = doAndWait(
         wire, finishLimitMs, [this] { m_recorder.finish(); },
         [this] { return m_recorder.state() != Recorder::State::Finishing; });
@@ -79,9 +74,8 @@ void BoxCore::keepRecording(bool good)
         name = activity.recordingFile;
         activity.recordingFile.clear();
     });
-    if (good) {
+    if (good)
         m_state.addRecording({name, recordingPath(name)});
-    }
 }
 
 QString BoxCore::startLive(quint16 srtPort, HttpWire* wire)
@@ -95,13 +89,11 @@ QString BoxCore::startLive(quint16 srtPort, HttpWire* wire)
     };
     doAndWait(wire, startLimitMs, start,
               [this] { return m_live.state() != LiveStream::State::Starting; });
-    if (m_live.state() != LiveStream::State::On) {
+    if (m_live.state() != LiveStream::State::On)
         return {};
-    }
     const QString url = QStringLiteral("http://%1:%2/live.ts").arg(address()).arg(m_setup.livePort);
-    if (srtPort == 0) {
+    if (srtPort == 0)
         return url;
-    }
     QMetaObject::invokeMethod(this, [this, url, srtPort] { m_srt.start(url, address(), srtPort); });
     return QStringLiteral("srt://%1:%2").arg(address()).arg(srtPort);
 }
@@ -116,20 +108,17 @@ void BoxCore::stopLive()
 
 void BoxCore::removeFile(const Recording& recording)
 {
-    if (!recording.path.isEmpty()) {
+    if (!recording.path.isEmpty())
         QFile::remove(recording.path);
-    }
 }
 
 QStringList BoxCore::streamMessages(int tick) const
 {
     const qint64 recorded = m_recorder.elapsedMs();
-    if (recorded > 0) {
+    if (recorded > 0)
         return {QStringLiteral("{\"event\":\"record\",\"record_ms\":%1}").arg(recorded)};
-    }
-    if (tick % ticksPerSecond != 0) {
+    if (tick % ticksPerSecond != 0)
         return {};
-    }
     const BoxActivity activity = m_state.activity();
     const auto flag = [](bool on) { return on ? QStringLiteral("true") : QStringLiteral("false"); };
     return {QStringLiteral("{\"event\":\"stream\",\"ndi\":%1,\"ndi_hx\":%2,\"kbps\":%3,\"fps\":50}")
@@ -139,9 +128,8 @@ QStringList BoxCore::streamMessages(int tick) const
 
 QStringList BoxCore::mediaMessages(int tick) const
 {
-    if (tick % ticksPerSecond != 0) {
+    if (tick % ticksPerSecond != 0)
         return {};
-    }
     const int second = tick / ticksPerSecond;
     const auto level = [second](double phase) {
         return QString::number(-18.0 + 6.0 * std::sin(second + phase), 'f', 1);

@@ -56,9 +56,8 @@ void BoxState::loseSettings()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     QMap<QString, QString> settings = m_factory;
-    for (const char* name : {"eParam_FirmVersion", "eParam_MACAddress"}) {
+    for (const char* name : {"eParam_FirmVersion", "eParam_MACAddress"})
         settings.insert(QString::fromLatin1(name), m_parameters.value(QString::fromLatin1(name)));
-    }
     m_parameters = settings;
 }
 
@@ -92,9 +91,8 @@ Recording BoxState::takeRecording(const QString& name)
     const auto found =
         std::find_if(m_recordings.begin(), m_recordings.end(),
                      [&name](const Recording& recording) { return recording.name == name; });
-    if (found == m_recordings.end()) {
+    if (found == m_recordings.end())
         return {};
-    }
     const Recording taken = *found;
     m_recordings.erase(found);
     return taken;

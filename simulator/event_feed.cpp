@@ -39,9 +39,8 @@ bool EventFeed::open(const QString& address, quint16 port)
 
 void EventFeed::close()
 {
-    if (m_server) {
+    if (m_server)
         m_server->close();
-    }
     dropClients();
     m_server.reset();
 }
@@ -60,9 +59,8 @@ void EventFeed::send(const QString& text)
 {
     const QMap<QWebSocket*, bool> clients = m_clients; // a failing send takes its client out
     for (auto it = clients.constBegin(); it != clients.constEnd(); ++it) {
-        if (it.value() && it.key()->bytesToWrite() < maxUnsent) {
+        if (it.value() && it.key()->bytesToWrite() < maxUnsent)
             it.key()->sendTextMessage(text);
-        }
     }
 }
 
@@ -99,9 +97,8 @@ void EventFeed::setListening(QWebSocket* client, bool listens)
 {
     m_clients[client] = listens;
     int count = 0;
-    for (const bool each : qAsConst(m_clients)) {
+    for (const bool each : qAsConst(m_clients))
         count += each ? 1 : 0;
-    }
     m_listeners = count;
     if (count == 0) {
         m_timer.stop();
@@ -117,19 +114,16 @@ void EventFeed::tick()
     if (const auto flood = m_faults->strike(FaultKind::Flood, tags)) {
         m_timer.setInterval(floodTickMs);
         const qint64 count = flood->amountOrDefault() * floodTickMs / 1000;
-        for (qint64 i = 0; i < count; ++i) {
+        for (qint64 i = 0; i < count; ++i)
             send(QStringLiteral("{\"event\":\"flood\",\"number\":%1}").arg(++m_flooded));
-        }
         return;
     }
     m_timer.setInterval(tickMs);
     QStringList messages = m_messages(m_ticks++);
-    if (const auto text = m_faults->strike(FaultKind::Text, tags)) {
+    if (const auto text = m_faults->strike(FaultKind::Text, tags))
         messages << (text->text.isEmpty() ? hostileText() : text->text);
-    }
-    for (const QString& message : qAsConst(messages)) {
+    for (const QString& message : qAsConst(messages))
         send(message);
-    }
 }
 
 } // namespace sim

@@ -56,9 +56,8 @@ bool targetFits(const QString& target, const QStringList& tags)
 
 std::optional<Fault> refuseLine(QString* error, const QString& why)
 {
-    if (error != nullptr) {
+    if (error != nullptr)
         *error = why;
-    }
     return std::nullopt;
 }
 
@@ -77,25 +76,22 @@ QString faultWord(FaultKind kind)
 QStringList faultWords()
 {
     QStringList words;
-    for (const KindRow& row : kindRows) {
+    for (const KindRow& row : kindRows)
         words << QString::fromLatin1(row.word);
-    }
     return words;
 }
 
 std::optional<Fault> parseFault(const QString& line, QString* error)
 {
     QStringList words = line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    if (words.isEmpty()) {
+    if (words.isEmpty())
         return refuseLine(error, QStringLiteral("no fault named"));
-    }
     const QString kindWord = words.takeFirst();
     const auto row = std::find_if(std::begin(kindRows), std::end(kindRows), [&](const KindRow& r) {
         return kindWord == QLatin1String(r.word);
     });
-    if (row == std::end(kindRows)) {
+    if (row == std::end(kindRows))
         return refuseLine(error, QStringLiteral("unknown fault \"%1\"").arg(kindWord));
-    }
     Fault fault;
     fault.kind = row->kind;
     while (!words.isEmpty()) {
@@ -111,9 +107,8 @@ std::optional<Fault> parseFault(const QString& line, QString* error)
             fault.target = words.takeFirst();
         } else if (word == QLatin1String("times") && !words.isEmpty()) {
             fault.strikes = words.takeFirst().toInt(&isNumber);
-            if (!isNumber || fault.strikes < 1) {
+            if (!isNumber || fault.strikes < 1)
                 return refuseLine(error, QStringLiteral("\"times\" needs a number from 1 up"));
-            }
         } else if (fault.kind == FaultKind::OtaMoves) {
             fault.text = word;
         } else if (fault.target.isEmpty()) {
@@ -122,27 +117,22 @@ std::optional<Fault> parseFault(const QString& line, QString* error)
             return refuseLine(error, QStringLiteral("\"%1\" is one word too many").arg(word));
         }
     }
-    if (fault.kind == FaultKind::OtaMoves && fault.text.isEmpty()) {
+    if (fault.kind == FaultKind::OtaMoves && fault.text.isEmpty())
         return refuseLine(error, QStringLiteral("\"ota-moves\" needs an address"));
-    }
     return fault;
 }
 
 QString faultLine(const Fault& fault)
 {
     QString line = faultWord(fault.kind);
-    if (fault.amount >= 0) {
+    if (fault.amount >= 0)
         line += QStringLiteral(" %1").arg(fault.amount);
-    }
-    if (!fault.target.isEmpty()) {
+    if (!fault.target.isEmpty())
         line += QStringLiteral(" on ") + fault.target;
-    }
-    if (fault.strikes > 0) {
+    if (fault.strikes > 0)
         line += QStringLiteral(" times %1").arg(fault.strikes);
-    }
-    if (!fault.text.isEmpty()) {
+    if (!fault.text.isEmpty())
         line += QStringLiteral(" as ") + fault.text;
-    }
     return line;
 }
 
@@ -197,13 +187,11 @@ std::optional<Fault> FaultList::strike(FaultKind kind, const QStringList& tags)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     for (auto it = m_faults.begin(); it != m_faults.end(); ++it) {
-        if (it->kind != kind || !targetFits(it->target, tags)) {
+        if (it->kind != kind || !targetFits(it->target, tags))
             continue;
-        }
         const Fault struck = *it;
-        if (it->strikes > 0 && --it->strikes == 0) {
+        if (it->strikes > 0 && --it->strikes == 0)
             m_faults.erase(it);
-        }
         return struck;
     }
     return std::nullopt;

@@ -39,9 +39,8 @@ HttpReply cutReply()
 bool waitAsFaultsWant(FaultList* faults, const QStringList& tags, HttpWire* wire)
 {
     if (const auto slow = faults->strike(FaultKind::Slow, tags)) {
-        if (!wire->wait(int(slow->amountOrDefault()))) {
+        if (!wire->wait(int(slow->amountOrDefault())))
             return false;
-        }
     }
     if (faults->strike(FaultKind::Silent, tags)) {
         wire->wait(-1);
@@ -58,15 +57,12 @@ void spoilValue(FaultList* faults, const QStringList& tags, QJsonObject* reply)
         reply->insert(key, reply->value(key).isArray() ? QJsonValue(QJsonArray{hostile})
                                                        : QJsonValue(hostile));
     }
-    if (faults->strike(FaultKind::ValueAsNumber, tags)) {
+    if (faults->strike(FaultKind::ValueAsNumber, tags))
         reply->insert(key, reply->value(key).toString().toDouble());
-    }
-    if (faults->strike(FaultKind::ValueAsArray, tags)) {
+    if (faults->strike(FaultKind::ValueAsArray, tags))
         reply->insert(key, QJsonArray{reply->value(key)});
-    }
-    if (faults->strike(FaultKind::ValueMissing, tags)) {
+    if (faults->strike(FaultKind::ValueMissing, tags))
         reply->remove(key);
-    }
 }
 
 void spoilReply(FaultList* faults, const QStringList& tags, HttpReply* reply)
@@ -75,25 +71,22 @@ void spoilReply(FaultList* faults, const QStringList& tags, HttpReply* reply)
         reply->file.clear();
         reply->body = QByteArray("{\"value\": \"half a rep\xff\xfe\0<html>", 29);
     }
-    if (faults->strike(FaultKind::NotAnObject, tags)) {
+    if (faults->strike(FaultKind::NotAnObject, tags))
         reply->body = R"(["set success","success"])";
-    }
     if (faults->strike(FaultKind::EmptyReply, tags)) {
         reply->file.clear();
         reply->body.clear();
     }
-    if (const auto huge = faults->strike(FaultKind::HugeReply, tags)) {
+    if (const auto huge = faults->strike(FaultKind::HugeReply, tags))
         reply->body = hugeBody(huge->amountOrDefault());
-    }
     if (const auto error = faults->strike(FaultKind::HttpError, tags)) {
         reply->file.clear();
         reply->status = int(error->amountOrDefault());
         reply->type = "text/html";
         reply->body = "<html><body><h1>Error</h1></body></html>";
     }
-    if (const auto pace = faults->strike(FaultKind::Throttle, tags)) {
+    if (const auto pace = faults->strike(FaultKind::Throttle, tags))
         reply->bytesPerSecond = pace->amountOrDefault();
-    }
     if (const auto hangUp = faults->strike(FaultKind::HangUp, tags)) {
         reply->percent = int(std::min<qint64>(100, hangUp->amountOrDefault()));
         reply->cut = reply->percent == 0;
@@ -103,9 +96,8 @@ void spoilReply(FaultList* faults, const QStringList& tags, HttpReply* reply)
 QString failureWord(FaultList* faults, const QStringList& tags, const QString& usual)
 {
     const auto fail = faults->strike(FaultKind::Fail, tags);
-    if (!fail) {
+    if (!fail)
         return {};
-    }
     return fail->text.isEmpty() ? usual : fail->text;
 }
 

@@ -33,9 +33,8 @@ QMap<QString, QString> parseForm(const QByteArray& body)
 {
     QMap<QString, QString> fields;
     for (const QByteArray& part : body.split('&')) {
-        if (part.isEmpty()) {
+        if (part.isEmpty())
             continue;
-        }
         const int equals = part.indexOf('=');
         const QByteArray name = equals < 0 ? part : part.left(equals);
         fields.insert(decoded(name), equals < 0 ? QString() : decoded(part.mid(equals + 1)));
@@ -45,12 +44,10 @@ QMap<QString, QString> parseForm(const QByteArray& body)
 
 QString withoutQuotes(QString value)
 {
-    if (value.startsWith(QLatin1Char('\''))) {
+    if (value.startsWith(QLatin1Char('\'')))
         value.remove(0, 1);
-    }
-    if (value.endsWith(QLatin1Char('\''))) {
+    if (value.endsWith(QLatin1Char('\'')))
         value.chop(1);
-    }
     return value;
 }
 

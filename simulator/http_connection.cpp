@@ -52,12 +52,10 @@ bool HttpConnection::wait(int ms)
         const int left = ms < 0 ? -1 : std::max(0, ms - int(clock.elapsed()));
         pollfd watched{m_socket, POLLRDHUP, 0};
         const int events = ::poll(&watched, 1, left);
-        if (events == 0) {
+        if (events == 0)
             return true;
-        }
-        if (events > 0 || errno != EINTR) {
+        if (events > 0 || errno != EINTR)
             return false;
-        }
     }
 }
 
@@ -68,9 +66,8 @@ void HttpConnection::cut()
 
 void HttpConnection::close()
 {
-    if (m_socket == INVALID_SOCKET) {
+    if (m_socket == INVALID_SOCKET)
         return;
-    }
     if (m_isCut) {
         const linger now{1, 0}; // a reset, as when a box loses its power
         setsockopt(m_socket, SOL_SOCKET, SO_LINGER, &now, sizeof now);
@@ -80,9 +77,8 @@ void HttpConnection::close()
     }
     ::close(m_socket);
     m_socket = INVALID_SOCKET;
-    if (m_afterwards) {
+    if (m_afterwards)
         m_afterwards();
-    }
 }
 
 void HttpConnection::setAfterwards(std::function<void()> afterwards)
@@ -113,13 +109,11 @@ bool HttpConnection::is_writable() const
 ssize_t HttpConnection::read(char* data, size_t size)
 {
     if (m_begin == m_end) {
-        if (m_isCut || !ready(POLLIN)) {
+        if (m_isCut || !ready(POLLIN))
             return -1;
-        }
         const ssize_t got = ::recv(m_socket, m_buffer.data(), m_buffer.size(), 0);
-        if (got <= 0) {
+        if (got <= 0)
             return got;
-        }
         m_begin = 0;
         m_end = size_t(got);
     }
@@ -133,14 +127,12 @@ ssize_t HttpConnection::write(const char* data, size_t size)
 {
     size_t sent = 0;
     while (sent < size) {
-        if (!is_writable()) {
+        if (!is_writable())
             return -1;
-        }
         const ssize_t done =
             ::send(m_socket, data + sent, size - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (done < 0 && errno != EAGAIN && errno != EINTR) {
+        if (done < 0 && errno != EAGAIN && errno != EINTR)
             return -1;
-        }
         sent += size_t(std::max<ssize_t>(0, done));
     }
     return ssize_t(sent);

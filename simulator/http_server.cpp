@@ -92,9 +92,8 @@ public:
             setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
         });
         new_task_queue = [] { return new SharedWorkers; };
-        if (!bind_to_port(address, port)) {
+        if (!bind_to_port(address, port))
             return false;
-        }
         ::listen(svr_sock_, listenBacklog);
         m_listener = std::thread([this] { listen_after_bind(); });
         return true;
@@ -102,17 +101,15 @@ public:
 
     void close()
     {
-        if (!m_listener.joinable()) {
+        if (!m_listener.joinable())
             return;
-        }
         const socket_t listening = svr_sock_.exchange(INVALID_SOCKET);
         ::shutdown(listening, SHUT_RDWR); // wakes the accept
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_closing = true;
-            for (const socket_t socket : m_connections) {
+            for (const socket_t socket : m_connections)
                 ::shutdown(socket, SHUT_RDWR);
-            }
         }
         m_listener.join();
         ::close(listening);
@@ -122,9 +119,8 @@ private:
     bool process_and_close_socket(socket_t socket) override
     {
         HttpConnection connection(socket);
-        if (!hold(socket)) {
+        if (!hold(socket))
             return false;
-        }
         HttpConnection::setCurrent(&connection);
         bool closed = false;
         const bool done = process_request(connection, true, closed, nullptr);
@@ -139,9 +135,8 @@ private:
     bool hold(socket_t socket)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (!m_closing) {
+        if (!m_closing)
             m_connections.insert(socket);
-        }
         return !m_closing;
     }
 
@@ -168,9 +163,8 @@ public:
     /// False when the connection has ended meanwhile.
     bool after(qint64 bytes)
     {
-        if (m_bytesPerSecond <= 0) {
+        if (m_bytesPerSecond <= 0)
             return true;
-        }
         const qint64 now = m_clock.nsecsElapsed();
         m_dueNs = std::max(m_dueNs, now - mostCatchUpNs) +
                   qint64(double(bytes) / double(m_bytesPerSecond) * 1e9);
@@ -251,12 +245,10 @@ void sendReply(const HttpReply& reply, const httplib::Request& in, httplib::Resp
         connection->cut();
         return;
     }
-    if (reply.status != 200) {
+    if (reply.status != 200)
         out->status = reply.status;
-    }
-    for (const auto& header : reply.headers) {
+    for (const auto& header : reply.headers)
         out->set_header(header.first.toStdString(), header.second.toStdString());
-    }
     if (!reply.location.isEmpty()) {
         out->set_redirect(reply.location.toStdString());
     } else if (reply.source) {
@@ -331,9 +323,8 @@ public:
         // Before routing, because the library's routes are regular expressions, which would take
         // an endless path from a stranger.
         server->set_pre_routing_handler([this](const httplib::Request& in, httplib::Response& out) {
-            if (in.method != "GET" && in.method != "HEAD") {
+            if (in.method != "GET" && in.method != "HEAD")
                 return httplib::Server::HandlerResponse::Unhandled;
-            }
             sendReply(handlers.handle(requestOf(in)), in, &out);
             return httplib::Server::HandlerResponse::Handled;
         });

@@ -54,9 +54,8 @@ bool isPlainFileName(const QString& name)
 QByteArray mediaType(const QString& name)
 {
     const QString suffix = QFileInfo(name).suffix().toLower();
-    if (suffix == QLatin1String("mp4")) {
+    if (suffix == QLatin1String("mp4"))
         return "video/mp4";
-    }
     return suffix == QLatin1String("mov") ? "video/quicktime" : "application/octet-stream";
 }
 
@@ -92,12 +91,10 @@ UploadLimits KoraApi::beforeUpload()
 {
     const QStringList tags = {QStringLiteral("upload")};
     UploadLimits limits;
-    if (const auto cut = m_faults->strike(FaultKind::CutUpload, tags)) {
+    if (const auto cut = m_faults->strike(FaultKind::CutUpload, tags))
         limits.percent = int(cut->amountOrDefault());
-    }
-    if (const auto pace = m_faults->strike(FaultKind::Throttle, tags)) {
+    if (const auto pace = m_faults->strike(FaultKind::Throttle, tags))
         limits.bytesPerSecond = pace->amountOrDefault();
-    }
     return limits;
 }
 
@@ -106,18 +103,14 @@ HttpReply KoraApi::handle(const HttpRequest& request)
     const BoxRequest entry = logEntry(request);
     m_state->log(entry);
     m_requested(entry);
-    if (request.path == "/config") {
+    if (request.path == "/config")
         return config(request);
-    }
-    if (request.path == "/control" && request.method == "POST") {
+    if (request.path == "/control" && request.method == "POST")
         return control(request);
-    }
-    if (request.path == "/upload" && request.method == "POST") {
+    if (request.path == "/upload" && request.method == "POST")
         return upload(request);
-    }
-    if (request.path.startsWith(mediaPrefix)) {
+    if (request.path.startsWith(mediaPrefix))
         return media(request);
-    }
     return notFound();
 }
 
@@ -127,9 +120,8 @@ HttpReply KoraApi::handleWeb(const HttpRequest& request, const QByteArray& dashb
     m_state->log(entry);
     m_requested(entry);
     const QStringList tags = {QStringLiteral("web")};
-    if (!waitAsFaultsWant(m_faults, tags, request.wire)) {
+    if (!waitAsFaultsWant(m_faults, tags, request.wire))
         return cutReply();
-    }
     HttpReply reply = webReply(request, dashboard);
     spoilReply(m_faults, tags, &reply);
     return reply;
@@ -140,28 +132,24 @@ HttpReply KoraApi::config(const HttpRequest& request)
     const bool isRead = request.method != "POST";
     const QMap<QString, QString> fields = parseForm(isRead ? request.query : request.body);
     const QString action = fields.value(QStringLiteral("action"));
-    if (isRead && action == QLatin1String("get")) {
+    if (isRead && action == QLatin1String("get"))
         return read(fields.value(QStringLiteral("param_name")), request);
-    }
-    if (!isRead && action == QLatin1String("set")) {
+    if (!isRead && action == QLatin1String("set"))
         return write(fields, request);
-    }
     return jsonReply({{QStringLiteral("status"), failed}});
 }
 
 HttpReply KoraApi::read(const QString& name, const HttpRequest& request)
 {
     const QStringList tags = {QStringLiteral("config"), QStringLiteral("read"), name};
-    if (!waitAsFaultsWant(m_faults, tags, request.wire)) {
+    if (!waitAsFaultsWant(m_faults, tags, request.wire))
         return cutReply();
-    }
     QJsonObject object{{QStringLiteral("param_name"), name}};
     const QString key = QStringLiteral("value");
     if (name == QLatin1String("eParam_RecordList")) {
         QJsonArray names;
-        for (const Recording& recording : m_state->recordings()) {
+        for (const Recording& recording : m_state->recordings())
             names.append(recording.name);
-        }
         object.insert(key, names);
     } else if (name == QLatin1String("eParam_NDIDecodeList")) {
         object.insert(key, QJsonArray::fromStringList(m_state->decodeSources()));
@@ -181,15 +169,13 @@ HttpReply KoraApi::write(const QMap<QString, QString>& fields, const HttpRequest
     const QString name = fields.value(QStringLiteral("param_name"));
     const QString value = fields.value(QStringLiteral("value"));
     const QStringList tags = {QStringLiteral("config"), QStringLiteral("write"), name};
-    if (!waitAsFaultsWant(m_faults, tags, request.wire)) {
+    if (!waitAsFaultsWant(m_faults, tags, request.wire))
         return cutReply();
-    }
     QString status = failureWord(m_faults, tags, setFailed);
     if (status.isEmpty()) {
         status = isAcceptable(name, value) ? QStringLiteral("set success") : setFailed;
-        if (status != setFailed) {
+        if (status != setFailed)
             m_state->setParameter(name, value);
-        }
     }
     HttpReply reply = jsonReply({{QStringLiteral("status"), status}});
     spoilReply(m_faults, tags, &reply);
@@ -201,9 +187,8 @@ HttpReply KoraApi::control(const HttpRequest& request)
     const QMap<QString, QString> fields = parseForm(request.body);
     const QString action = fields.value(QStringLiteral("action"));
     const QStringList tags = {QStringLiteral("control"), action};
-    if (!waitAsFaultsWant(m_faults, tags, request.wire)) {
+    if (!waitAsFaultsWant(m_faults, tags, request.wire))
         return cutReply();
-    }
     QJsonObject object{{QStringLiteral("action"), action}};
     QString status = failureWord(m_faults, tags, failed);
     std::function<void()> afterwards;
@@ -277,13 +262,11 @@ bool KoraApi::startStream(const QMap<QString, QString>& fields, QJsonObject* rep
     const int port = fields.value(QStringLiteral("srt_port")).toInt();
     const QString target = withoutQuotes(
         fields.value(listens ? QStringLiteral("stream_id") : QStringLiteral("stream_url")));
-    if (target.isEmpty() || (listens && (port < 1 || port > 65535))) {
+    if (target.isEmpty() || (listens && (port < 1 || port > 65535)))
         return false;
-    }
     const QString url = m_hardware->startLive(listens ? quint16(port) : quint16(0), wire);
-    if (url.isEmpty()) {
+    if (url.isEmpty())
         return false;
-    }
     m_state->changeActivity([&target](BoxActivity& a) { a.streamTarget = target; });
     reply->insert(QStringLiteral("pull_url"), url);
     return true;
@@ -292,9 +275,8 @@ bool KoraApi::startStream(const QMap<QString, QString>& fields, QJsonObject* rep
 bool KoraApi::startOta(std::function<void()>* afterwards)
 {
     const QString version = m_state->uploadedVersion();
-    if (version.isEmpty()) {
+    if (version.isEmpty())
         return false;
-    }
     m_state->setUploadedVersion(QString());
     *afterwards = [this, version] { m_hardware->changeFirmware(version); };
     return true;
@@ -303,9 +285,8 @@ bool KoraApi::startOta(std::function<void()>* afterwards)
 bool KoraApi::deleteRecording(const QString& name)
 {
     const Recording taken = m_state->takeRecording(name);
-    if (taken.name.isEmpty()) {
+    if (taken.name.isEmpty())
         return false;
-    }
     m_hardware->removeFile(taken);
     return true;
 }
@@ -313,9 +294,8 @@ bool KoraApi::deleteRecording(const QString& name)
 HttpReply KoraApi::upload(const HttpRequest& request)
 {
     const QStringList tags = {QStringLiteral("upload")};
-    if (!waitAsFaultsWant(m_faults, tags, request.wire)) {
+    if (!waitAsFaultsWant(m_faults, tags, request.wire))
         return cutReply();
-    }
     QString status = failureWord(m_faults, tags, failed);
     QJsonObject object;
     if (status.isEmpty()) {
@@ -337,13 +317,11 @@ HttpReply KoraApi::upload(const HttpRequest& request)
 HttpReply KoraApi::media(const HttpRequest& request)
 {
     const QStringList tags = {QStringLiteral("media")};
-    if (!waitAsFaultsWant(m_faults, tags, request.wire)) {
+    if (!waitAsFaultsWant(m_faults, tags, request.wire))
         return cutReply();
-    }
     const QString name = QString::fromUtf8(request.path.mid(mediaPrefix.size()));
-    if (!failureWord(m_faults, tags, failed).isEmpty()) {
+    if (!failureWord(m_faults, tags, failed).isEmpty())
         return notFound();
-    }
     for (const Recording& recording : m_state->recordings()) {
         if (recording.name == name) {
             HttpReply reply;

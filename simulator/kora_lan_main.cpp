@@ -104,9 +104,8 @@ std::optional<Options> readOptions(const QCoreApplication& app)
     if (parser.isSet(QStringLiteral("help"))) {
         parser.showHelp(); // ends the program
     }
-    if (parser.isSet(QStringLiteral("version"))) {
+    if (parser.isSet(QStringLiteral("version")))
         parser.showVersion();
-    }
     if (!parser.positionalArguments().isEmpty()) {
         complain(QStringLiteral("unexpected: ") + parser.positionalArguments().first());
         return std::nullopt;
@@ -116,9 +115,8 @@ std::optional<Options> readOptions(const QCoreApplication& app)
     const auto reboot = number(parser, QStringLiteral("reboot-seconds"), 0, 3600);
     const auto parent = number(parser, QStringLiteral("exit-with-parent"), 0, 1 << 30);
     const auto webPort = number(parser, QStringLiteral("web-port"), 1, 65535);
-    if (!boxes || !first || !reboot || !parent || !webPort) {
+    if (!boxes || !first || !reboot || !parent || !webPort)
         return std::nullopt;
-    }
     Options options;
     options.plan.subnet = parser.value(QStringLiteral("subnet"));
     options.plan.boxes = *boxes;
@@ -137,9 +135,8 @@ std::optional<Options> readOptions(const QCoreApplication& app)
 
 void quitOnSignals(QCoreApplication* app)
 {
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe) != 0) {
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe) != 0)
         return;
-    }
     auto* const notifier = new QSocketNotifier(signalPipe[1], QSocketNotifier::Read, app);
     QObject::connect(notifier, &QSocketNotifier::activated, app, &QCoreApplication::quit);
     const auto handler = [](int) {
@@ -155,9 +152,8 @@ void endWith(int parent, QCoreApplication* app)
 {
     auto* const timer = new QTimer(app);
     QObject::connect(timer, &QTimer::timeout, app, [parent, app] {
-        if (kill(parent, 0) != 0) {
+        if (kill(parent, 0) != 0)
             app->quit();
-        }
     });
     timer->start(parentCheckMs);
 }
@@ -178,13 +174,11 @@ void obeyInput(sim::LanCommands* commands, QCoreApplication* app)
         for (int end = pending->indexOf('\n'); end >= 0; end = pending->indexOf('\n')) {
             const auto answer = commands->run(QString::fromUtf8(pending->left(end)).trimmed());
             pending->remove(0, end + 1);
-            if (!answer.text.isEmpty()) {
+            if (!answer.text.isEmpty())
                 say(answer.text);
-            }
             say(answer.ok ? QStringLiteral("ok") : QStringLiteral("error"));
-            if (answer.quit) {
+            if (answer.quit)
                 app->quit();
-            }
         }
     });
 }
@@ -197,9 +191,8 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationName(QStringLiteral("kora-lan"));
     QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
     const auto options = readOptions(app);
-    if (!options) {
+    if (!options)
         return exitWrongOption;
-    }
     sim::allowOpenFiles();
     sim::VirtualLan lan(options->runDir);
     sim::Scenario scenario;
@@ -226,9 +219,8 @@ int main(int argc, char* argv[])
                      [](const QString& text) { say(QStringLiteral("step: ") + text); });
     quitOnSignals(&app);
     obeyInput(&commands, &app);
-    if (options->parent > 0) {
+    if (options->parent > 0)
         endWith(options->parent, &app);
-    }
     say(commands.run(QStringLiteral("list")).text);
     say(QStringLiteral("run directory: ") + options->runDir);
     say(QStringLiteral("ready"));

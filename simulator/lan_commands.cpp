@@ -17,18 +17,16 @@ LanCommands::Answer refuse(const QString& why)
 
 QString stateWord(const VirtualBox& box)
 {
-    if (box.isOn()) {
+    if (box.isOn())
         return QStringLiteral("on");
-    }
     return box.isReachable() ? QStringLiteral("restarting") : QStringLiteral("off");
 }
 
 QString faultText(const VirtualBox& box)
 {
     QStringList lines;
-    for (const Fault& fault : box.faults()) {
+    for (const Fault& fault : box.faults())
         lines << faultLine(fault);
-    }
     return lines.join(QStringLiteral("; "));
 }
 
@@ -69,22 +67,17 @@ QString LanCommands::help()
 LanCommands::Answer LanCommands::run(const QString& line)
 {
     QStringList words = line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    if (words.isEmpty()) {
+    if (words.isEmpty())
         return {};
-    }
     const QString command = words.takeFirst();
-    if (command == QLatin1String("quit")) {
+    if (command == QLatin1String("quit"))
         return {true, true, {}};
-    }
-    if (command == QLatin1String("help")) {
+    if (command == QLatin1String("help"))
         return {true, false, help()};
-    }
-    if (command == QLatin1String("list")) {
+    if (command == QLatin1String("list"))
         return list();
-    }
-    if (words.isEmpty()) {
+    if (words.isEmpty())
         return refuse(QStringLiteral("unknown command or address missing: %1").arg(command));
-    }
     const QString address = words.takeFirst();
     return onBox(command, address, words);
 }
@@ -93,24 +86,21 @@ LanCommands::Answer LanCommands::onBox(const QString& command, const QString& ad
                                        const QStringList& rest)
 {
     VirtualBox* const box = m_lan->find(address);
-    if (box == nullptr) {
+    if (box == nullptr)
         return refuse(QStringLiteral("no box at %1").arg(address));
-    }
     if (command == QLatin1String("unplug")) {
         box->unplug();
         return {};
     }
-    if (command == QLatin1String("plug")) {
+    if (command == QLatin1String("plug"))
         return box->plugIn() ? Answer{} : refuse(box->errorString());
-    }
     if (command == QLatin1String("reboot")) {
         box->reboot();
         return {};
     }
     if (command == QLatin1String("move") && rest.size() == 1) {
-        if (m_lan->find(rest.first()) != nullptr) {
+        if (m_lan->find(rest.first()) != nullptr)
             return refuse(QStringLiteral("%1 is taken").arg(rest.first()));
-        }
         return box->moveTo(rest.first()) ? Answer{} : refuse(box->errorString());
     }
     if (command == QLatin1String("set") && rest.size() >= 2) {
@@ -120,9 +110,8 @@ LanCommands::Answer LanCommands::onBox(const QString& command, const QString& ad
     if (command == QLatin1String("fault")) {
         QString error;
         const auto fault = parseFault(rest.join(QLatin1Char(' ')), &error);
-        if (!fault) {
+        if (!fault)
             return refuse(error);
-        }
         box->addFault(*fault);
         return {};
     }
@@ -130,9 +119,8 @@ LanCommands::Answer LanCommands::onBox(const QString& command, const QString& ad
         box->clearFaults();
         return {};
     }
-    if (command == QLatin1String("log")) {
+    if (command == QLatin1String("log"))
         return {true, false, logText(*box)};
-    }
     return refuse(QStringLiteral("not understood: %1").arg(command));
 }
 

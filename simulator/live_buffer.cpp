@@ -33,12 +33,10 @@ int findKey(const QByteArray& packets)
     int table = -1;
     for (int at = 0; at < packets.size(); at += packetSize) {
         const char* const packet = packets.constData() + at;
-        if (pidOf(packet) == 0) {
+        if (pidOf(packet) == 0)
             table = at;
-        }
-        if (beginsKeyPicture(packet)) {
+        if (beginsKeyPicture(packet))
             return table >= 0 ? table : at;
-        }
     }
     return -1;
 }
@@ -64,9 +62,8 @@ void LiveBuffer::append(const QByteArray& bytes)
 
 void LiveBuffer::push(const QByteArray& piece)
 {
-    if (piece.isEmpty()) {
+    if (piece.isEmpty())
         return;
-    }
     m_pieces.push_back(piece);
     if (m_pieces.size() > maxPieces) {
         m_pieces.pop_front();
@@ -93,9 +90,8 @@ bool LiveBuffer::take(quint64* next, QByteArray* piece)
     piece->clear();
     m_arrived.wait_for(lock, longestWait,
                        [&] { return m_ended || *next < m_first + m_pieces.size(); });
-    if (m_ended) {
+    if (m_ended)
         return false;
-    }
     *next = std::max(*next, m_first);
     if (*next < m_first + m_pieces.size()) {
         *piece = m_pieces[size_t(*next - m_first)];

@@ -43,9 +43,8 @@ void LiveStream::start(const QString& address, quint16 port, std::function<void(
 
 void LiveStream::stop()
 {
-    if (m_buffer) {
+    if (m_buffer)
         m_buffer->end();
-    }
     if (m_server) {
         m_server->stop();
         m_server.reset();

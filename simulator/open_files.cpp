@@ -12,13 +12,11 @@ namespace sim
 int allowOpenFiles()
 {
     rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
         return 0;
-    }
     limit.rlim_cur = limit.rlim_max;
-    if (setrlimit(RLIMIT_NOFILE, &limit) != 0) {
+    if (setrlimit(RLIMIT_NOFILE, &limit) != 0)
         getrlimit(RLIMIT_NOFILE, &limit);
-    }
     return static_cast<int>(std::min<rlim_t>(limit.rlim_cur, std::numeric_limits<int>::max()));
 }
 

@@ -68,9 +68,8 @@ bool isWhole(const QString& value, int min, int max)
 QStringList parameterNames()
 {
     QStringList names;
-    for (const ParameterRow& row : parameterRows) {
+    for (const ParameterRow& row : parameterRows)
         names << QString::fromLatin1(row.name);
-    }
     return names;
 }
 
@@ -78,9 +77,8 @@ bool isAcceptable(const QString& name, const QString& value)
 {
     const auto row = std::find_if(std::begin(parameterRows), std::end(parameterRows),
                                   [&](const auto& r) { return name == QLatin1String(r.name); });
-    if (row == std::end(parameterRows)) {
+    if (row == std::end(parameterRows))
         return false;
-    }
     switch (row->rule) {
     case Rule::ReadOnly:
         return false;

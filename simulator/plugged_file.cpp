@@ -42,17 +42,15 @@ void PluggedFile::release()
 
 void PluggedFile::write()
 {
-    if (m_path.isEmpty() || m_isHeld) {
+    if (m_path.isEmpty() || m_isHeld)
         return;
-    }
     QStringList lines = m_addresses.values();
     std::sort(lines.begin(), lines.end());
     const QString unfinished = m_path + QStringLiteral(".new");
     QFile file(unfinished);
     QByteArray text = lines.join(QLatin1Char('\n')).toUtf8();
-    if (!text.isEmpty()) {
+    if (!text.isEmpty())
         text += '\n';
-    }
     // Not QSaveFile: it waits for the disk each time, and nothing here outlives the run.
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(text) != text.size()) {
         qWarning("cannot write %s", qPrintable(unfinished));

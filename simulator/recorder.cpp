@@ -29,9 +29,8 @@ void Recorder::start(const QString& path, const QString& title)
     connect(m_ffmpeg.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
             &Recorder::ended);
     connect(m_ffmpeg.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart) {
+        if (error == QProcess::FailedToStart)
             conclude(false);
-        }
     });
     m_ffmpeg->startWith(testPictureArguments(title, true)
                         << QStringLiteral("-t") << QString::number(longestSeconds) << path);
@@ -39,9 +38,8 @@ void Recorder::start(const QString& path, const QString& title)
 
 void Recorder::finish()
 {
-    if (m_state != State::Running) {
+    if (m_state != State::Running)
         return;
-    }
     m_state = State::Finishing;
     const qint64 early = qMax<qint64>(0, shortestMs - elapsedMs());
     QTimer::singleShot(int(early), m_ffmpeg.get(), [this] { m_ffmpeg->terminate(); });
@@ -49,9 +47,8 @@ void Recorder::finish()
 
 void Recorder::abort()
 {
-    if (!m_ffmpeg) {
+    if (!m_ffmpeg)
         return;
-    }
     m_ffmpeg->disconnect(this);
     m_ffmpeg.reset();
     m_startedAt = 0;

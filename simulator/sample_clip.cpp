@@ -19,9 +19,8 @@ QString sampleClip(const QString& name)
     const std::lock_guard<std::mutex> lock(mutex);
     const QString path =
         folder.filePath(isMov ? QStringLiteral("sample.mov") : QStringLiteral("sample.mp4"));
-    if (QFileInfo::exists(path)) {
+    if (QFileInfo::exists(path))
         return path;
-    }
     const QString unfinished =
         folder.filePath(QStringLiteral("unfinished.") + QFileInfo(path).suffix());
     FfmpegProcess ffmpeg;

@@ -19,9 +19,8 @@ namespace
 QString strangeKey(const QJsonObject& object, const QStringList& known)
 {
     for (const QString& key : object.keys()) {
-        if (!known.contains(key)) {
+        if (!known.contains(key))
             return key;
-        }
     }
     return {};
 }
@@ -29,9 +28,8 @@ QString strangeKey(const QJsonObject& object, const QStringList& known)
 QStringList textList(const QJsonValue& value)
 {
     QStringList texts;
-    for (const QJsonValue& each : value.toArray()) {
+    for (const QJsonValue& each : value.toArray())
         texts << each.toString();
-    }
     return texts;
 }
 
@@ -61,9 +59,8 @@ bool Scenario::refuse(const QString& why)
 bool Scenario::load(const QString& path, VirtualLan* lan)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly))
         return refuse(QStringLiteral("cannot read %1").arg(path));
-    }
     QJsonParseError parsed;
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &parsed);
     if (!document.isObject()) {
@@ -75,18 +72,15 @@ bool Scenario::load(const QString& path, VirtualLan* lan)
     const QJsonObject root = document.object();
     const QString strange = strangeKey(
         root, {QStringLiteral("boxes"), QStringLiteral("steps"), QStringLiteral("about")});
-    if (!strange.isEmpty()) {
+    if (!strange.isEmpty())
         return refuse(QStringLiteral("unknown key \"%1\"").arg(strange));
-    }
     for (const QJsonValue& box : root.value(QStringLiteral("boxes")).toArray()) {
-        if (!loadBox(box.toObject(), lan)) {
+        if (!loadBox(box.toObject(), lan))
             return false;
-        }
     }
     for (const QJsonValue& step : root.value(QStringLiteral("steps")).toArray()) {
-        if (!loadStep(step.toObject())) {
+        if (!loadStep(step.toObject()))
             return false;
-        }
     }
     return true;
 }
@@ -100,43 +94,35 @@ bool Scenario::loadBox(const QJsonObject& object, VirtualLan* lan)
                  QStringLiteral("parameters"), QStringLiteral("decode_sources"),
                  QStringLiteral("recordings"), QStringLiteral("faults"), QStringLiteral("plugged"),
                  QStringLiteral("reboot_seconds")});
-    if (!strange.isEmpty()) {
+    if (!strange.isEmpty())
         return refuse(QStringLiteral("box %1: unknown key \"%2\"").arg(setup.address, strange));
-    }
-    if (!readModel(value("model").toString(QStringLiteral("kora")), &setup.model)) {
+    if (!readModel(value("model").toString(QStringLiteral("kora")), &setup.model))
         return refuse(QStringLiteral("box %1: unknown model").arg(setup.address));
-    }
     setup.dashboard = textList(value("dashboard"));
     VirtualBox* box = lan->find(setup.address);
     box = box != nullptr ? box : lan->add(setup);
-    if (box == nullptr) {
+    if (box == nullptr)
         return refuse(lan->errorString());
-    }
     if (object.contains(QLatin1String("reboot_seconds"))) {
         const int ms = int(value("reboot_seconds").toDouble() * 1000);
         box->setRebootTime(ms, qMin(ms, 2000));
     }
     const QJsonObject parameters = value("parameters").toObject();
-    for (auto it = parameters.begin(); it != parameters.end(); ++it) {
+    for (auto it = parameters.begin(); it != parameters.end(); ++it)
         box->setParameter(it.key(), it.value().toString());
-    }
-    if (object.contains(QLatin1String("decode_sources"))) {
+    if (object.contains(QLatin1String("decode_sources")))
         box->setDecodeSources(textList(value("decode_sources")));
-    }
-    for (const QString& name : textList(value("recordings"))) {
+    for (const QString& name : textList(value("recordings")))
         box->addRecording(name);
-    }
     for (const QString& line : textList(value("faults"))) {
         QString error;
         const auto fault = parseFault(line, &error);
-        if (!fault) {
+        if (!fault)
             return refuse(QStringLiteral("box %1: %2").arg(setup.address, error));
-        }
         box->addFault(*fault);
     }
-    if (!value("plugged").toBool(true)) {
+    if (!value("plugged").toBool(true))
         m_unplugged << setup.address;
-    }
     return true;
 }
 
@@ -146,9 +132,8 @@ bool Scenario::loadStep(const QJsonObject& object)
         strangeKey(object, {QStringLiteral("after_seconds"), QStringLiteral("command")});
     const double seconds = object.value(QStringLiteral("after_seconds")).toDouble(-1);
     const QString command = object.value(QStringLiteral("command")).toString();
-    if (!strange.isEmpty() || seconds < 0 || command.isEmpty()) {
+    if (!strange.isEmpty() || seconds < 0 || command.isEmpty())
         return refuse(QStringLiteral("a step needs \"after_seconds\", \"command\" and no more"));
-    }
     m_steps.append({int(seconds * 1000), command});
     return true;
 }

@@ -56,9 +56,8 @@ void SimulatorThread::Worker::add(std::packaged_task<void()> task)
 
 bool SimulatorThread::Worker::event(QEvent* event)
 {
-    if (event->type() != QEvent::User) {
+    if (event->type() != QEvent::User)
         return QObject::event(event);
-    }
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_tasks.empty()) {
         std::packaged_task<void()> task = std::move(m_tasks.front());

@@ -44,9 +44,8 @@ void SrtListener::listen()
 {
     m_ffmpeg = std::make_unique<FfmpegProcess>();
     connect(m_ffmpeg.get(), &QProcess::stateChanged, this, [this](QProcess::ProcessState state) {
-        if (state == QProcess::NotRunning) {
+        if (state == QProcess::NotRunning)
             m_again.start();
-        }
     });
     m_ffmpeg->startWith(m_arguments);
 }

@@ -14,9 +14,8 @@ QStringList testPictureArguments(const QString& title, bool realTime)
                              QStringLiteral("-loglevel"), QStringLiteral("error"),
                              QStringLiteral("-y")};
     const auto input = [&arguments, realTime](const QString& source) {
-        if (realTime) {
+        if (realTime)
             arguments << QStringLiteral("-re");
-        }
         arguments << QStringLiteral("-f") << QStringLiteral("lavfi") << QStringLiteral("-i")
                   << source;
     };

@@ -110,9 +110,8 @@ HttpReply UpdateServer::answer(const HttpRequest& request)
 {
     const QString path = QString::fromUtf8(request.path);
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_requests.size() < mostRequests) {
+    if (m_requests.size() < mostRequests)
         m_requests << QString::fromLatin1(request.method) + QLatin1Char(' ') + path;
-    }
     return m_replies.value(path, m_others);
 }
 

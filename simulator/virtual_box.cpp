@@ -64,9 +64,8 @@ VirtualBox::VirtualBox(const BoxSetup& setup, QObject* parent)
     reports.reachable = [this](const QString& at, bool reachable) {
         {
             const std::lock_guard<std::mutex> lock(m_hook->mutex);
-            if (m_hook->reachable) {
+            if (m_hook->reachable)
                 m_hook->reachable(at, reachable);
-            }
         }
         QMetaObject::invokeMethod(
             this, [this, reachable] { emit reachableChanged(reachable); }, Qt::QueuedConnection);
@@ -159,9 +158,8 @@ void VirtualBox::setDecodeSources(const QStringList& sources)
 QStringList VirtualBox::recordings() const
 {
     QStringList names;
-    for (const Recording& recording : m_core->state().recordings()) {
+    for (const Recording& recording : m_core->state().recordings())
         names << recording.name;
-    }
     return names;
 }
 
@@ -171,9 +169,8 @@ void VirtualBox::addRecording(const QString& name, const QByteArray& content)
     if (!content.isEmpty()) {
         recording.path = m_core->recordingPath(QString::number(m_nextContent++));
         QFile file(recording.path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
             qWarning("cannot keep the recording %s", qPrintable(name));
-        }
     }
     m_core->state().addRecording(recording);
 }
@@ -197,9 +194,8 @@ void VirtualBox::addFault(const Fault& fault)
 bool VirtualBox::addFault(const QString& line)
 {
     const std::optional<Fault> fault = parseFault(line);
-    if (fault) {
+    if (fault)
         addFault(*fault);
-    }
     return fault.has_value();
 }
 
@@ -260,9 +256,8 @@ void VirtualBox::dropEventClients()
 
 void VirtualBox::connectNotify(const QMetaMethod& signal)
 {
-    if (signal == QMetaMethod::fromSignal(&VirtualBox::requested)) {
+    if (signal == QMetaMethod::fromSignal(&VirtualBox::requested))
         m_isListened = true;
-    }
 }
 
 void VirtualBox::setReachableHook(ReachableHook hook)

@@ -13,9 +13,8 @@ namespace
 
 QString pluggedPath(const QString& runDir)
 {
-    if (runDir.isEmpty()) {
+    if (runDir.isEmpty())
         return {};
-    }
     QDir().mkpath(runDir);
     return runDir + QStringLiteral("/plugged");
 }
@@ -39,9 +38,8 @@ void furnish(VirtualBox* box, const QString& base, int host)
                                    i % 2 == 0 ? QStringLiteral("mp4") : QStringLiteral("mov")));
     }
     // An operator's own name for one.
-    if (host % 4 == 3) {
+    if (host % 4 == 3)
         box->addRecording(QStringLiteral("Evening show %1.mp4").arg(host));
-    }
 }
 
 } // namespace
@@ -91,15 +89,13 @@ bool VirtualLan::populate(const LanPlan& plan)
     m_plan = plan;
     const QString base = subnet.first.toString().section(QLatin1Char('.'), 0, 2);
     for (int i = 0; i < plan.boxes; ++i) {
-        if (!addPlanned(base, plan.first + i, BoxModel::Kora)) {
+        if (!addPlanned(base, plan.first + i, BoxModel::Kora))
             return false;
-        }
     }
     int host = plan.first + plan.boxes;
     for (const BoxModel model : {BoxModel::Orbit, BoxModel::River, BoxModel::Lantern}) {
-        if (plan.web && !addPlanned(base, host++, model)) {
+        if (plan.web && !addPlanned(base, host++, model))
             return false;
-        }
     }
     return true;
 }
@@ -120,9 +116,8 @@ bool VirtualLan::addPlanned(const QString& base, int host, BoxModel model)
     BoxSetup setup = ordinarySetup(base + QLatin1Char('.') + QString::number(host));
     setup.model = model;
     VirtualBox* const box = add(setup);
-    if (box != nullptr && model == BoxModel::Kora) {
+    if (box != nullptr && model == BoxModel::Kora)
         furnish(box, base, host);
-    }
     return box != nullptr;
 }
 
@@ -144,9 +139,8 @@ bool VirtualLan::plugInAll(const QStringList& except)
 VirtualBox* VirtualLan::find(const QString& address) const
 {
     for (const auto& box : m_boxes) {
-        if (box->address() == address) {
+        if (box->address() == address)
             return box.get();
-        }
     }
     return nullptr;
 }
@@ -154,9 +148,8 @@ VirtualBox* VirtualLan::find(const QString& address) const
 QVector<VirtualBox*> VirtualLan::boxes() const
 {
     QVector<VirtualBox*> boxes;
-    for (const auto& box : m_boxes) {
+    for (const auto& box : m_boxes)
         boxes.append(box.get());
-    }
     return boxes;
 }
 

@@ -56,9 +56,8 @@ QByteArray dashboardPage(const QStringList& models, const QString& address, int 
         return QStringLiteral("<tr><th>%1</th><td>%2</td></tr>\n").arg(caption, value);
     };
     QString rows;
-    for (const QString& model : models) {
+    for (const QString& model : models)
         rows += row(QStringLiteral("Model"), model);
-    }
     rows += row(QStringLiteral("Name"),
                 QStringLiteral("%1-%2").arg(models.value(0).toLower()).arg(number));
     rows += row(QStringLiteral("Address"), address);

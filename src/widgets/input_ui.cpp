@@ -45,9 +45,8 @@ Inputui::~Inputui() = default;
 
 void Inputui::setCurrentIndex(int index)
 {
-    if (index != SingleLine && index != MultiLine) {
+    if (index != SingleLine && index != MultiLine)
         return;
-    }
     m_ui->stackedWidget->setCurrentIndex(index);
     fitPage();
 }
@@ -149,9 +148,8 @@ void Inputui::fitPage()
 void Inputui::showSuggestions()
 {
     QCompleter* completer = m_ui->titleEdit->completer();
-    if (!completer || !completer->model() || completer->model()->rowCount() == 0) {
+    if (!completer || !completer->model() || completer->model()->rowCount() == 0)
         return;
-    }
     // A click asks for the whole list, whatever the field already holds.
     completer->setCompletionPrefix(QString());
     completer->complete();

@@ -71,9 +71,8 @@ IPAddress::IPAddress(QWidget* parent)
 
 QString IPAddress::getIP()
 {
-    if (!isAddress(ip)) {
+    if (!isAddress(ip))
         ip.clear();
-    }
     return ip;
 }
 
@@ -90,15 +89,12 @@ QSize IPAddress::minimumSizeHint() const
 bool IPAddress::eventFilter(QObject* watched, QEvent* event)
 {
     for (int index = 0; index < FieldCount; ++index) {
-        if (watched != m_fields[index]) {
+        if (watched != m_fields[index])
             continue;
-        }
-        if (event->type() == QEvent::KeyPress) {
+        if (event->type() == QEvent::KeyPress)
             return handleKey(index, static_cast<QKeyEvent*>(event));
-        }
-        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::FocusOut) {
+        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::FocusOut)
             m_justMovedOn = false;
-        }
     }
     return QWidget::eventFilter(watched, event);
 }
@@ -121,48 +117,42 @@ void IPAddress::textChanged(const QString& text)
 
 void IPAddress::R_returnPressed()
 {
-    if (isAddress(ip)) {
+    if (isAddress(ip))
         emit returnPressed();
-    }
 }
 
 void IPAddress::setIP(const QString& ip)
 {
-    if (this->ip != ip && isAddress(ip)) {
+    if (this->ip != ip && isAddress(ip))
         fill(ip);
-    }
 }
 
 void IPAddress::clear()
 {
     {
         const QScopedValueRollback<bool> filling(m_filling, true);
-        for (QLineEdit* field : m_fields) {
+        for (QLineEdit* field : m_fields)
             field->clear();
-        }
     }
     txtIP1->setFocus();
 }
 
 void IPAddress::setBgColor(const QString& bgColor)
 {
-    if (this->bgColor != bgColor) {
+    if (this->bgColor != bgColor)
         this->bgColor = bgColor;
-    }
 }
 
 void IPAddress::setBorderColor(const QString& borderColor)
 {
-    if (this->borderColor != borderColor) {
+    if (this->borderColor != borderColor)
         this->borderColor = borderColor;
-    }
 }
 
 void IPAddress::setBorderRadius(int borderRadius)
 {
-    if (this->borderRadius != borderRadius) {
+    if (this->borderRadius != borderRadius)
         this->borderRadius = borderRadius;
-    }
 }
 
 QLineEdit* IPAddress::createField(const QString& name, QFrame* frame)
@@ -202,18 +192,15 @@ bool IPAddress::handleKey(int index, const QKeyEvent* key)
     const bool isLast = index == FieldCount - 1;
     m_justMovedOn = false;
 
-    if (key->matches(QKeySequence::Paste)) {
+    if (key->matches(QKeySequence::Paste))
         return pasteAddress();
-    }
     if (key->text() == QLatin1String(".")) {
         // Whoever types "192.168" over an old address types this dot for the move just made.
-        if (!isLast && !field->text().isEmpty() && !justMovedOn) {
+        if (!isLast && !field->text().isEmpty() && !justMovedOn)
             moveOn(index);
-        }
     } else if (key->key() == Qt::Key_Backspace) {
-        if (!isFirst && field->text().isEmpty()) {
+        if (!isFirst && field->text().isEmpty())
             moveTo(index - 1, true);
-        }
     } else if (plain && !field->hasSelectedText()) {
         if (key->key() == Qt::Key_Left && !isFirst && field->cursorPosition() == 0) {
             moveTo(index - 1, true);
@@ -228,14 +215,12 @@ bool IPAddress::handleKey(int index, const QKeyEvent* key)
 bool IPAddress::pasteAddress()
 {
     const QString text = QGuiApplication::clipboard()->text().trimmed();
-    if (!isAddress(text) || txtIP1->isReadOnly()) {
+    if (!isAddress(text) || txtIP1->isReadOnly())
         return false;
-    }
     // "010" is accepted as an address but not by a field: zeros in front go.
     QStringList parts = text.split(QLatin1Char('.'));
-    for (QString& part : parts) {
+    for (QString& part : parts)
         part = QString::number(part.toInt());
-    }
     fill(parts.join(QLatin1Char('.')));
     moveTo(FieldCount - 1, true);
     return true;
@@ -246,9 +231,8 @@ void IPAddress::fill(const QString& address)
     const QScopedValueRollback<bool> filling(m_filling, true);
     ip = address;
     const QStringList parts = address.split(QLatin1Char('.'));
-    for (int index = 0; index < FieldCount; ++index) {
+    for (int index = 0; index < FieldCount; ++index)
         m_fields[index]->setText(parts.at(index));
-    }
 }
 
 void IPAddress::moveOn(int index)

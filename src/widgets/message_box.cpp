@@ -29,9 +29,8 @@ QList<const messageBox*> otherVisibleBoxes(const messageBox* box)
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (const QWidget* window : windows) {
         const auto* other = qobject_cast<const messageBox*>(window);
-        if (other && other != box && other->isVisible()) {
+        if (other && other != box && other->isVisible())
             boxes.append(other);
-        }
     }
     return boxes;
 }
@@ -39,9 +38,8 @@ QList<const messageBox*> otherVisibleBoxes(const messageBox* box)
 bool isTaken(const QList<const messageBox*>& boxes, QPoint place)
 {
     for (const messageBox* box : boxes) {
-        if ((box->pos() - place).manhattanLength() < CascadeStep) {
+        if ((box->pos() - place).manhattanLength() < CascadeStep)
             return true;
-        }
     }
     return false;
 }
@@ -66,9 +64,8 @@ QPoint cascadePlace(const messageBox* box)
     const QList<const messageBox*> boxes = otherVisibleBoxes(box);
     const QPoint offset(CascadeStep, CascadeStep);
     for (int step = 0; step < steps; ++step) {
-        if (!isTaken(boxes, place.topLeft() + step * offset)) {
+        if (!isTaken(boxes, place.topLeft() + step * offset))
             return place.topLeft() + step * offset;
-        }
     }
     return place.topLeft() + (boxes.count() % steps) * offset;
 }
@@ -124,9 +121,8 @@ messageBox* messageBox::notify(const QString& text, QWidget* parent)
     box->move(cascadePlace(box));
     box->show();
     // A question that waits blocks this notice: it must not vanish behind it.
-    if (QWidget* modal = QApplication::activeModalWidget()) {
+    if (QWidget* modal = QApplication::activeModalWidget())
         modal->raise();
-    }
     return box;
 }
 
@@ -193,9 +189,8 @@ bool messageBox::eventFilter(QObject* watched, QEvent* event)
 void messageBox::changeEvent(QEvent* event)
 {
     QDialog::changeEvent(event);
-    if (event->type() == QEvent::LanguageChange) {
+    if (event->type() == QEvent::LanguageChange)
         applyButtonText();
-    }
 }
 
 void messageBox::on_okpushButton_clicked()

@@ -47,9 +47,8 @@ void MessageText::resizeEvent(QResizeEvent* event)
 void MessageText::changeEvent(QEvent* event)
 {
     QTextEdit::changeEvent(event);
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         fitHeight();
-    }
 }
 
 void MessageText::fitHeight()

@@ -17,9 +17,8 @@ const char* const windowSystemOptions[] = {"-platform", "-style",    "-styleshee
 QStringList withoutWindowSystemOptions(const QStringList& arguments)
 {
     QSet<QString> known;
-    for (const char* name : windowSystemOptions) {
+    for (const char* name : windowSystemOptions)
         known << QLatin1String(name) << QLatin1Char('-') + QLatin1String(name);
-    }
     QStringList rest;
     for (int i = 0; i < arguments.size(); ++i) {
         if (known.contains(arguments.at(i)))
