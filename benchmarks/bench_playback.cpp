@@ -23,7 +23,7 @@
 namespace
 {
 
-constexpr const char* BoxAddress = "127.77.34.1";
+constexpr const char* boxAddress = "127.77.34.1";
 constexpr int roundCount = 7;
 
 /// A film with moving content, made once and kept in a temporary folder.
@@ -261,14 +261,14 @@ void startedFirstPicture(const QStringList& addresses)
 void compareFirstPicture(const QString& file)
 {
     std::printf("\nFrom asking to the first picture on the screen, median of %d\n", roundCount);
-    sim::VirtualBox box(BoxAddress);
+    sim::VirtualBox box(boxAddress);
     if (!box.plugIn())
         qFatal("no virtual box: %s", qPrintable(box.errorString()));
     QFile content(file);
     if (!content.open(QIODevice::ReadOnly))
         qFatal("cannot read %s", qPrintable(file));
     box.addRecording("film.mp4", content.readAll());
-    const QStringList addresses{file, QString("http://%1:8081/media/film.mp4").arg(BoxAddress)};
+    const QStringList addresses{file, QString("http://%1:8081/media/film.mp4").arg(boxAddress)};
     ownFirstPicture(addresses);
     if (!QStandardPaths::findExecutable("mpv").isEmpty())
         mpvFirstPicture(addresses);

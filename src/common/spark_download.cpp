@@ -21,7 +21,7 @@ namespace
 
 /// A transfer may take as long as it likes, but a server silent for this long, in milliseconds,
 /// has gone.
-constexpr int SilenceLimitMs = 60000;
+constexpr int silenceLimitMs = 60000;
 
 using ReplyPointer = std::unique_ptr<QNetworkReply>;
 
@@ -148,7 +148,7 @@ QString SparkDownload::fetchChecked(const QString& md5)
     QString name;
     {
         QNetworkAccessManager manager;
-        manager.setTransferTimeout(SilenceLimitMs);
+        manager.setTransferTimeout(silenceLimitMs);
         const ReplyPointer head(manager.head(requestFor(m_url)));
         if (!waitForSuccess(*head))
             return QString();
@@ -194,7 +194,7 @@ bool SparkDownload::fetchInto(const QString& path)
     }
     const qint64 longest = longestFile();
     QNetworkAccessManager manager;
-    manager.setTransferTimeout(SilenceLimitMs);
+    manager.setTransferTimeout(silenceLimitMs);
     const ReplyPointer reply(manager.get(requestFor(m_url)));
     reply->setReadBufferSize(1 << 20);
     qint64 received = 0;

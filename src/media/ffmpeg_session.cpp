@@ -20,11 +20,11 @@ namespace
 {
 
 /// A source that keeps dripping data without ever becoming playable is given up after this.
-constexpr qint64 OpenLimitUs = 15000000;
+constexpr qint64 openLimitUs = 15000000;
 /// Larger pictures than the largest in use (8192x4608) would only eat memory.
-constexpr qint64 LargestPicture = 8192 * 4608;
+constexpr qint64 largestPicture = 8192 * 4608;
 /// Up to this size one thread is fast enough, and the picture is not late by one per thread.
-constexpr qint64 OneThreadPicture = 1920 * 1088;
+constexpr qint64 oneThreadPicture = 1920 * 1088;
 
 } // namespace
 
@@ -80,7 +80,7 @@ int FFmpegSession::interrupted(void* session)
 
 bool FFmpegSession::open(const QString& url)
 {
-    m_openLimit = av_gettime_relative() + OpenLimitUs;
+    m_openLimit = av_gettime_relative() + openLimitUs;
     if (!openInput(url) || !openVideo() || !openAudio())
         return false;
     m_packet.reset(av_packet_alloc());
@@ -181,8 +181,8 @@ FFmpegSession::Decoder FFmpegSession::openDecoder(const AVStream& stream, const 
     if (isVideo) {
         decoder->lowres = codec.max_lowres;
         decoder->flags2 |= AV_CODEC_FLAG2_FAST;
-        decoder->max_pixels = LargestPicture;
-        if (qint64(decoder->width) * decoder->height > OneThreadPicture)
+        decoder->max_pixels = largestPicture;
+        if (qint64(decoder->width) * decoder->height > oneThreadPicture)
             decoder->thread_count = int(std::clamp(std::thread::hardware_concurrency(), 1U, 4U));
     }
     if (avcodec_open2(decoder.get(), &codec, nullptr) < 0)

@@ -16,13 +16,13 @@ namespace
 
 /// How often a source without data is asked again, at first and later on: each time may be a
 /// connection of its own.
-constexpr qint64 RetryUs = 10000;
-constexpr qint64 LateRetryUs = 40000;
+constexpr qint64 retryUs = 10000;
+constexpr qint64 lateRetryUs = 40000;
 /// How long a source without data may still be about to go on.
-constexpr qint64 EndUs = 500000;
+constexpr qint64 endUs = 500000;
 /// How long a late file's picture waits for room, and how often it looks for it.
-constexpr qint64 RoomUs = 100000;
-constexpr qint64 RoomPollUs = 1000;
+constexpr qint64 roomUs = 100000;
+constexpr qint64 roomPollUs = 1000;
 
 } // namespace
 
@@ -163,9 +163,9 @@ void FFmpegThread::waitUntilDue()
     const qint64 due = now + (stamp ? m_pacing.waitAfter(*stamp, now) : 0);
     // A picture without room may find some until the next one is due. A file that is late loses
     // pictures only to a receiver that does not take them; a live source never becomes late here.
-    const qint64 limit = due == now && m_session->hasEnd() ? now + RoomUs : due;
+    const qint64 limit = due == now && m_session->hasEnd() ? now + roomUs : due;
     while (m_isPending && !m_stopPlay && av_gettime_relative() < limit) {
-        rest(RoomPollUs);
+        rest(roomPollUs);
         showPending();
     }
     rest(due - av_gettime_relative());
@@ -177,9 +177,9 @@ void FFmpegThread::waitForData(int result)
     const qint64 now = av_gettime_relative();
     if (m_noDataSince == 0)
         m_noDataSince = now;
-    if (result == AVERROR_EOF && !m_atEnd && now - m_noDataSince > EndUs && m_session->hasEnd())
+    if (result == AVERROR_EOF && !m_atEnd && now - m_noDataSince > endUs && m_session->hasEnd())
         showHeldBack();
-    rest(now - m_noDataSince > EndUs ? LateRetryUs : RetryUs);
+    rest(now - m_noDataSince > endUs ? lateRetryUs : retryUs);
 }
 
 /// The pictures that the decoder keeps back for reordering, when no more packets follow.

@@ -18,11 +18,11 @@ namespace
 /// What the context menu's actions carry.
 enum MenuChoice { LocalFile = 1, NetworkAddress = 2 };
 
-constexpr int ClearDelayMs = 1;
-constexpr unsigned long CloseLimitMs = 500;
-constexpr int WatchPeriodMs = 200;
+constexpr int clearDelayMs = 1;
+constexpr unsigned long closeLimitMs = 500;
+constexpr int watchPeriodMs = 200;
 /// After this long without a picture an operator has to know.
-constexpr qint64 SilenceMs = 2000;
+constexpr qint64 silenceMs = 2000;
 
 /// Where a picture of this size is shown: as large as fits, centred.
 QRect fitted(const QSize& picture, const QSize& area)
@@ -57,9 +57,9 @@ FFmpegWidget::FFmpegWidget(QWidget* parent)
     m_fileAction->setData(LocalFile);
     m_addressAction->setData(NetworkAddress);
     m_clearTimer.setSingleShot(true);
-    m_clearTimer.setInterval(ClearDelayMs);
+    m_clearTimer.setInterval(clearDelayMs);
     connect(&m_clearTimer, &QTimer::timeout, this, &FFmpegWidget::clear);
-    m_watch.setInterval(WatchPeriodMs);
+    m_watch.setInterval(watchPeriodMs);
     connect(&m_watch, &QTimer::timeout, this, &FFmpegWidget::checkSource);
     retranslate();
 }
@@ -131,7 +131,7 @@ void FFmpegWidget::releaseThread()
     m_ffmpegThread = nullptr;
     thread->requestStop();
     thread->quit();
-    if (thread->wait(CloseLimitMs)) {
+    if (thread->wait(closeLimitMs)) {
         delete thread;
         return;
     }
@@ -176,7 +176,7 @@ void FFmpegWidget::checkSource()
     if (m_ffmpegThread->isAtEnd()) {
         if (state() != PictureState::State::Ended)
             showState(PictureState::State::Ended);
-    } else if (silence > SilenceMs && state() != PictureState::State::Silent) {
+    } else if (silence > silenceMs && state() != PictureState::State::Silent) {
         m_state->show(PictureState::State::Silent, m_url,
                       QTime::currentTime().addMSecs(-int(silence)));
     }

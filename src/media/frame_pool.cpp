@@ -14,7 +14,7 @@ namespace
 {
 
 /// The converter writes whole vectors and may run over the end of the last row by less than one.
-constexpr int Overrun = 64;
+constexpr int overrun = 64;
 
 } // namespace
 
@@ -57,7 +57,7 @@ QImage FramePool::take()
             const int bytes =
                 av_image_get_buffer_size(AV_PIX_FMT_BGRA, size.width(), size.height(), 1);
             slot.buffer =
-                bytes > 0 ? static_cast<uchar*>(av_malloc(size_t(bytes) + Overrun)) : nullptr;
+                bytes > 0 ? static_cast<uchar*>(av_malloc(size_t(bytes) + overrun)) : nullptr;
         }
         if (!slot.buffer)
             return {};

@@ -4,24 +4,24 @@
 namespace
 {
 
-constexpr qint64 Second = 1000000;
+constexpr qint64 second = 1000000;
 /// Stamps are untrusted: differences of smaller ones do not overflow.
-constexpr qint64 LargestStamp = Q_INT64_C(1) << 60;
-constexpr qint64 JumpBack = Second / 5;
+constexpr qint64 largestStamp = Q_INT64_C(1) << 60;
+constexpr qint64 jumpBack = second / 5;
 /// A file may be a slide show; a live source that leaves out more has begun again.
-constexpr qint64 JumpAhead = 60 * Second;
-constexpr qint64 LiveJumpAhead = 2 * Second;
+constexpr qint64 jumpAhead = 60 * second;
+constexpr qint64 liveJumpAhead = 2 * second;
 
 } // namespace
 
 bool Pacing::isJump(qint64 stamp) const
 {
-    return stamp < m_last - JumpBack || stamp > m_last + (m_live ? LiveJumpAhead : JumpAhead);
+    return stamp < m_last - jumpBack || stamp > m_last + (m_live ? liveJumpAhead : jumpAhead);
 }
 
 qint64 Pacing::waitAfter(qint64 stamp, qint64 now)
 {
-    if (stamp < -LargestStamp || stamp > LargestStamp)
+    if (stamp < -largestStamp || stamp > largestStamp)
         return 0;
     if (!m_hasBase) {
         m_hasBase = true;

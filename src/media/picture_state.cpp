@@ -12,7 +12,7 @@
 namespace
 {
 
-constexpr int Margin = 12;
+constexpr int margin = 12;
 
 /// A password in an address is nobody's business who looks at the screen.
 QString withoutPassword(const QString& address)
@@ -37,7 +37,7 @@ PictureState::PictureState(QWidget* area)
     m_detail->setProperty("dim", true);
     m_detail->setAlignment(Qt::AlignCenter);
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(Margin, Margin, Margin, Margin);
+    layout->setContentsMargins(margin, margin, margin, margin);
     layout->addWidget(m_title);
     layout->addWidget(m_detail);
     area->installEventFilter(this);
@@ -109,10 +109,10 @@ void PictureState::retranslate()
 
 void PictureState::place()
 {
-    const QRect area = parentWidget()->rect().adjusted(Margin, Margin, -Margin, -Margin);
+    const QRect area = parentWidget()->rect().adjusted(margin, margin, -margin, -margin);
     ensurePolished();
     // The detail may be as long as an address; the title is always there whole.
-    const int detail = m_detail->fontMetrics().horizontalAdvance(m_detail->text()) + 2 * Margin + 2;
+    const int detail = m_detail->fontMetrics().horizontalAdvance(m_detail->text()) + 2 * margin + 2;
     const int wanted = qMax(minimumSizeHint().width(), detail);
     const QSize size(qMin(wanted, area.width()), sizeHint().height());
     QRect place(QPoint(), size);

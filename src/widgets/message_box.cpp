@@ -11,7 +11,7 @@ namespace
 {
 
 /// How far a notice is set off from the one before it, in pixels to the right and down.
-constexpr int CascadeStep = 28;
+constexpr int cascadeStep = 28;
 
 bool isReturn(const QKeyEvent* key)
 {
@@ -38,7 +38,7 @@ QList<const messageBox*> otherVisibleBoxes(const messageBox* box)
 bool isTaken(const QList<const messageBox*>& boxes, QPoint place)
 {
     for (const messageBox* box : boxes) {
-        if ((box->pos() - place).manhattanLength() < CascadeStep)
+        if ((box->pos() - place).manhattanLength() < cascadeStep)
             return true;
     }
     return false;
@@ -58,11 +58,11 @@ QPoint cascadePlace(const messageBox* box)
     place.moveLeft(qMax(room.left(), qMin(place.left(), room.right() + 1 - place.width())));
     place.moveTop(qMax(room.top(), qMin(place.top(), room.bottom() + 1 - place.height())));
 
-    const int across = (room.right() - place.right()) / CascadeStep;
-    const int down = (room.bottom() - place.bottom()) / CascadeStep;
+    const int across = (room.right() - place.right()) / cascadeStep;
+    const int down = (room.bottom() - place.bottom()) / cascadeStep;
     const int steps = 1 + qMax(0, qMin(across, down));
     const QList<const messageBox*> boxes = otherVisibleBoxes(box);
-    const QPoint offset(CascadeStep, CascadeStep);
+    const QPoint offset(cascadeStep, cascadeStep);
     for (int step = 0; step < steps; ++step) {
         if (!isTaken(boxes, place.topLeft() + step * offset))
             return place.topLeft() + step * offset;
