@@ -58,28 +58,27 @@ bool upgradeAsked(Tour& tour)
             return false;
     }
     selectThree(tour);
-    // Choosing the package leads to the question, which is answered with the third button.
-    bool answered = false;
-    QTimer answer;
-    QObject::connect(&answer, &QTimer::timeout, &answer, [&] {
-        QWidget* dialog = openDialog();
-        auto* keep = dialog ? dialog->findChild<QAbstractButton*>("Recovery") : nullptr;
-        if (!keep || !keep->isVisible() || !dialog->isActiveWindow() || answered)
-            return;
-        answered = true;
-        tour.takePicture();
-        QTest::mouseClick(keep, Qt::LeftButton);
-    });
-    answer.start(50);
-    const bool chosen = tour.inPopup(
-        [&] { tour.click(tour.child<QWidget>("firmwareUpdate")); }, "a package to choose",
-        [](QWidget& dialog) { return qobject_cast<QFileDialog*>(&dialog) != nullptr; },
+    const auto choosePackage = [&] {
+        (void)tour.inPopup(
+            [&] { tour.click(tour.child<QWidget>("firmwareUpdate")); }, "a package to choose",
+            [](QWidget& dialog) { return qobject_cast<QFileDialog*>(&dialog) != nullptr; },
+            [&](QWidget& dialog) {
+                auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
+                edit->setText(package);
+                QTest::keyClick(edit, Qt::Key_Return);
+            });
+    };
+    // That leads to the question, which is answered with the third button.
+    return tour.inPopup(
+        choosePackage, "a package to choose and the question whether to upgrade",
+        [](QWidget& dialog) {
+            const auto* keep = dialog.findChild<QAbstractButton*>("Recovery");
+            return keep && keep->isVisible();
+        },
         [&](QWidget& dialog) {
-            auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
-            edit->setText(package);
-            QTest::keyClick(edit, Qt::Key_Return);
+            tour.takePicture();
+            QTest::mouseClick(dialog.findChild<QWidget*>("Recovery"), Qt::LeftButton);
         });
-    return chosen && (answered || tour.fail("nobody asked whether to upgrade"));
 }
 
 bool upgradeRuns(Tour& tour)

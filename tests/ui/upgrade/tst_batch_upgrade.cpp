@@ -311,7 +311,9 @@ void tst_BatchUpgrade::survivesBeingKilled()
     program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     program.start(QCoreApplication::applicationFilePath(), {"--as-program", "3", m_package});
     QTRY_COMPARE_WITH_TIMEOUT(m_boxes[1]->activity().reboots, 1, 20000);
-    QTest::qWait(800); // the journal follows within a moment
+    const QDir folder(m_fixture->dataFolder() + "upgrade");
+    QTRY_VERIFY(readFile(folder.filePath(folder.entryList({"*.json"}).value(0, "none")))
+                    .contains("\"Activated\""));
     ::kill(pid_t(program.processId()), SIGKILL);
     program.waitForFinished();
     QTRY_VERIFY_WITH_TIMEOUT(m_boxes[1]->isOn(), 5000);

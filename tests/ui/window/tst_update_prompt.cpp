@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/window_fixture.h"
-
 #include "common/platform.h"
-#include "common/spark_http.h"
 #include "simulator/update_server.h"
-#include "widgets/message_box.h"
-
-#include <QDir>
+#include "tests/support/files.h"
+#include "tests/support/table.h"
+#include "tests/support/window_fixture.h"
 
 /// The question about a new version of the program, and the mark of newer firmware.
 class tst_UpdatePrompt : public QObject
@@ -30,7 +27,7 @@ private slots:
 
 private:
     static QString updater() { return QCoreApplication::applicationDirPath() + "/Upgrade.exe"; }
-    QString started() const;
+    QString started() const { return readFile(m_fixture->dataFolder() + "started"); }
     void open(const QString& latest);
     /// Has a newer version offered to the window that is already open.
     void offerNow();
@@ -52,13 +49,9 @@ void tst_UpdatePrompt::init()
     m_server = std::make_unique<sim::UpdateServer>(m_fixture->ip(2));
     QVERIFY(m_server->start());
     // In the place of the real one: it tells what it was started with.
-    QFile script(updater());
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\nprintf '%s\\n' \"$PWD\" \"$@\" >\"" +
-                 m_fixture->dataFolder().toUtf8() + "started.part\"\nmv \"" +
-                 m_fixture->dataFolder().toUtf8() + "started.part\" \"" +
-                 m_fixture->dataFolder().toUtf8() + "started\"\n");
-    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QByteArray told = "\"" + m_fixture->dataFolder().toUtf8() + "started";
+    writeScript(updater(), "printf '%s\\n' \"$PWD\" \"$@\" >" + told + ".part\"\nmv " + told +
+                               ".part\" " + told + "\"\n");
 }
 
 void tst_UpdatePrompt::cleanup()
@@ -67,12 +60,6 @@ void tst_UpdatePrompt::cleanup()
         left->close();
     m_fixture->close();
     QFile::remove(updater());
-}
-
-QString tst_UpdatePrompt::started() const
-{
-    QFile file(m_fixture->dataFolder() + "started");
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
 void tst_UpdatePrompt::open(const QString& latest)
@@ -135,29 +122,23 @@ void tst_UpdatePrompt::missingUpdaterIsTold()
 
 void tst_UpdatePrompt::changedInstallerIsNotStarted_data()
 {
-    QTest::addColumn<QString>("content");
-    QTest::newRow("another of the same length") << "another!!";
-    QTest::newRow("longer") << "installer and more";
-    QTest::newRow("gone") << "";
+    columns<QString>("content");
+    row("another of the same length", "another!!");
+    row("longer", "installer and more");
+    row("gone", "");
 }
 
 void tst_UpdatePrompt::changedInstallerIsNotStarted()
 {
     QFETCH(QString, content);
-    QTimer swap;
-    connect(&swap, &QTimer::timeout, this, [&] {
-        if (!QApplication::activeModalWidget())
-            return;
-        swap.stop();
-        QFile file(m_fixture->dataFolder() + "upgrade/Tarn_Hub_setup.exe");
-        QVERIFY(file.remove());
-        if (content.isEmpty())
-            return;
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content.toUtf8());
-    });
-    swap.start(5);
     DialogAnswerer yes;
+    yes.expect<messageBox>([&](messageBox& question) {
+        const QString installer = m_fixture->dataFolder() + "upgrade/Tarn_Hub_setup.exe";
+        QVERIFY(QFile::remove(installer));
+        if (!content.isEmpty())
+            writeFile(installer, content.toUtf8());
+        QTest::keyClick(&question, Qt::Key_Return);
+    });
     open("1.0.1");
     QTRY_VERIFY(isTold(yes, "安装文件已被更改,未启动升级."));
     QTest::qWait(500);
@@ -176,10 +157,9 @@ void tst_UpdatePrompt::offerNow()
 QStringList tst_UpdatePrompt::questions()
 {
     QStringList texts;
-    for (const QWidget* widget : QApplication::topLevelWidgets()) {
+    for (const QWidget* widget : QApplication::topLevelWidgets())
         if (const auto* box = qobject_cast<const messageBox*>(widget); box && box->isVisible())
             texts << box->text().section('\n', 0, 0);
-    }
     return texts;
 }
 
@@ -213,11 +193,10 @@ void tst_UpdatePrompt::closedWindowStartsNothing()
 
 void tst_UpdatePrompt::runningWorkGoesFirst_data()
 {
-    QTest::addColumn<QVariantMap>("box");
-    QTest::addColumn<QVariantMap>("window");
-    QTest::newRow("an upgrade") << QVariantMap{{"upgrading", true}} << QVariantMap{};
-    QTest::newRow("settings to be written back")
-        << QVariantMap{} << QVariantMap{{"needrestore", QStringList("00:11:22:33:44:55")}};
+    columns<QVariantMap, QVariantMap>("box", "window");
+    row("an upgrade", QVariantMap{{"upgrading", true}}, QVariantMap{});
+    row("settings to be written back", QVariantMap{},
+        QVariantMap{{"needrestore", QStringList("00:11:22:33:44:55")}});
 }
 
 void tst_UpdatePrompt::runningWorkGoesFirst()
