@@ -174,7 +174,7 @@ weigh() {
 
 # Reads what the build of $dir prints, and says now and then how far it is.
 watch_build() {
-    local line weight all=0 done=0 left next=$((SECONDS + 15)) start=$SECONDS
+    local line weight all=0 done=0 left next=$((SECONDS + 20)) start=$SECONDS
     while IFS= read -r line; do
         [[ $line != \[* ]] || { weigh "$line" && ((all += weight)); }
     done < <(ninja -C "$dir" -n "$@" 2>/dev/null)
@@ -188,7 +188,7 @@ watch_build() {
         if ((SECONDS >= next && done < all)); then
             left=$(((SECONDS - start) * (all - done) / done))
             say "  $((done * 100 / all)) %, about $(minutes "$left") left"
-            next=$((SECONDS + 15))
+            next=$((SECONDS + 20))
         fi
     done
     ((SECONDS - start < 5)) || say "  built in $(minutes $((SECONDS - start)))"

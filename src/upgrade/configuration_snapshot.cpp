@@ -61,7 +61,7 @@ void ConfigurationSnapshot::take(const QString& mac, const QString& ip, bool kee
     box.ip = ip;
     box.roundsLeft = keep ? keepRounds : 1;
     if (keep)
-        box.then = std::move(then);
+        box.then = then;
     m_boxes[mac] = std::move(box);
     m_kept.setValues(mac, {});
     if (keep)
