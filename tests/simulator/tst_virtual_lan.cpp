@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/box_client.h"
-
 #include "simulator/lan_commands.h"
 #include "simulator/open_files.h"
 #include "simulator/scenario.h"
 #include "simulator/virtual_lan.h"
+#include "tests/support/box_client.h"
+#include "tests/support/files.h"
+#include "tests/support/table.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <algorithm>
 #include <csignal>
@@ -31,22 +30,6 @@ LanPlan plan(const QString& subnet, int boxes)
     plan.restartMs = 100;
     plan.web = false;
     return plan;
-}
-
-QStringList linesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly)
-               ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
-               : QStringList{"no file"};
-}
-
-QString writeFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(path));
-    return path;
 }
 
 /// kora-lan or lan-fping, as people and scripts start them.
@@ -103,12 +86,11 @@ private slots:
 
 void tst_VirtualLan::plansThatDoNotFit_data()
 {
-    QTest::addColumn<QString>("subnet");
-    QTest::addColumn<int>("boxes");
-    QTest::newRow("too many") << "127.77.204.0/24" << 245;
-    QTest::newRow("no subnet") << "boxes" << 1;
-    QTest::newRow("not a /24") << "127.77.204.0/16" << 1;
-    QTest::newRow("IPv6") << "fe80::/24" << 1;
+    columns<QString, int>("subnet", "boxes");
+    row("too many", TEST_BLOCK ".0/24", 245);
+    row("no subnet", "boxes", 1);
+    row("not a /24", TEST_BLOCK ".0/16", 1);
+    row("IPv6", "fe80::/24", 1);
 }
 
 void tst_VirtualLan::plansThatDoNotFit()
@@ -126,43 +108,46 @@ void tst_VirtualLan::pluggedFileFollowsTheBoxes()
     const QString file = dir.filePath("plugged");
     {
         VirtualLan lan(dir.path());
-        QVERIFY(lan.populate(plan("127.77.204.0/24", 3)));
+        QVERIFY(lan.populate(plan(TEST_BLOCK ".0/24", 3)));
+        QVERIFY(QFile::exists(file));
         QCOMPARE(linesOf(file), QStringList());
-        QVERIFY2(lan.plugInAll({"127.77.204.13"}), qPrintable(lan.errorString()));
-        QCOMPARE(linesOf(file), (QStringList{"127.77.204.11", "127.77.204.12"}));
-        QVERIFY(lan.find("127.77.204.12")->moveTo("127.77.204.99"));
-        QCOMPARE(linesOf(file), (QStringList{"127.77.204.11", "127.77.204.99"}));
-        QVERIFY(lan.find("127.77.204.12") == nullptr);
-        lan.find("127.77.204.11")->reboot();
-        QTRY_COMPARE(linesOf(file), QStringList{"127.77.204.99"});
-        QTRY_COMPARE(linesOf(file), (QStringList{"127.77.204.11", "127.77.204.99"}));
+        QVERIFY2(lan.plugInAll({TEST_BLOCK ".13"}), qPrintable(lan.errorString()));
+        QCOMPARE(linesOf(file), (QStringList{TEST_BLOCK ".11", TEST_BLOCK ".12"}));
+        QVERIFY(lan.find(TEST_BLOCK ".12")->moveTo(TEST_BLOCK ".99"));
+        QCOMPARE(linesOf(file), (QStringList{TEST_BLOCK ".11", TEST_BLOCK ".99"}));
+        QVERIFY(lan.find(TEST_BLOCK ".12") == nullptr);
+        lan.find(TEST_BLOCK ".11")->reboot();
+        QTRY_COMPARE(linesOf(file), QStringList{TEST_BLOCK ".99"});
+        QTRY_COMPARE(linesOf(file), (QStringList{TEST_BLOCK ".11", TEST_BLOCK ".99"}));
     }
+    QVERIFY(QFile::exists(file));
     QCOMPARE(linesOf(file), QStringList());
 }
 
 void tst_VirtualLan::lineCommands()
 {
     VirtualLan lan;
-    QVERIFY(lan.populate(plan("127.77.204.0/24", 2)));
+    QVERIFY(lan.populate(plan(TEST_BLOCK ".0/24", 2)));
     QVERIFY(lan.plugInAll());
     LanCommands commands(&lan);
-    VirtualBox* const box = lan.find("127.77.204.11");
-    QVERIFY(commands.run("unplug 127.77.204.11").ok);
+    VirtualBox* const box = lan.find(TEST_BLOCK ".11");
+    QVERIFY(commands.run("unplug " TEST_BLOCK ".11").ok);
     QVERIFY(!box->isOn());
-    QVERIFY(commands.run("  plug   127.77.204.11 ").ok);
+    QVERIFY(commands.run("  plug   " TEST_BLOCK ".11 ").ok);
     QVERIFY(box->isOn());
-    QVERIFY(commands.run("set 127.77.204.11 eParam_NDIName Two words").ok);
+    QVERIFY(commands.run("set " TEST_BLOCK ".11 eParam_NDIName Two words").ok);
     QCOMPARE(box->parameter("eParam_NDIName"), "Two words");
-    QVERIFY(commands.run("fault 127.77.204.11 fail on reboot").ok);
-    QCOMPARE(command("127.77.204.11", "reboot").status(), "failed");
+    QVERIFY(commands.run("fault " TEST_BLOCK ".11 fail on reboot").ok);
+    QCOMPARE(command(TEST_BLOCK ".11", "reboot").status(), "failed");
     QVERIFY(commands.run("list").text.contains("fail on reboot"));
-    QVERIFY(commands.run("log 127.77.204.11").text.contains("POST /control action=reboot"));
-    QVERIFY(commands.run("clear 127.77.204.11").ok);
+    QVERIFY(commands.run("log " TEST_BLOCK ".11").text.contains("POST /control action=reboot"));
+    QVERIFY(commands.run("clear " TEST_BLOCK ".11").ok);
     QVERIFY(box->faults().isEmpty());
     QVERIFY(commands.run("quit").quit);
     for (const char* wrong :
-         {"unplug", "unplug 127.77.204.200", "move 127.77.204.11 127.77.204.12", "dance",
-          "move 127.77.204.11 8.8.8.8", "fault 127.77.204.11 nonsense", "set 127.77.204.11 x"}) {
+         {"unplug", "unplug " TEST_BLOCK ".200", "move " TEST_BLOCK ".11 " TEST_BLOCK ".12",
+          "dance", "move " TEST_BLOCK ".11 8.8.8.8", "fault " TEST_BLOCK ".11 nonsense",
+          "set " TEST_BLOCK ".11 x"}) {
         const LanCommands::Answer answer = commands.run(wrong);
         QVERIFY2(!answer.ok && !answer.text.isEmpty(), wrong);
     }
@@ -171,51 +156,50 @@ void tst_VirtualLan::lineCommands()
 void tst_VirtualLan::scenario()
 {
     QTemporaryDir dir;
-    const QString path = writeFile(dir.filePath("s.json"), R"({"boxes": [
-        {"address": "127.77.204.11", "faults": ["fail reboot"], "plugged": false},
-        {"address": "127.77.204.50", "parameters": {"eParam_NDIName": "<b>\"x\"</b>"},
+    const QString path = writeFile(dir.filePath("s.json"), QByteArray(R"({"boxes": [
+        {"address": "@.11", "faults": ["fail reboot"], "plugged": false},
+        {"address": "@.50", "parameters": {"eParam_NDIName": "<b>\"x\"</b>"},
          "recordings": ["a.mp4", "b.jpg"], "decode_sources": ["A (B): 1"]}],
-        "steps": [{"after_seconds": 0.1, "command": "plug 127.77.204.11"},
-                  {"after_seconds": 0.2, "command": "unplug 127.77.204.9"}]})");
+        "steps": [{"after_seconds": 0.1, "command": "plug @.11"},
+                  {"after_seconds": 0.2, "command": "unplug @.9"}]})")
+                                                               .replace('@', TEST_BLOCK));
     VirtualLan lan;
     Scenario scenario;
-    QVERIFY(lan.populate(plan("127.77.204.0/24", 1)));
+    QVERIFY(lan.populate(plan(TEST_BLOCK ".0/24", 1)));
     QVERIFY2(scenario.load(path, &lan), qPrintable(scenario.errorString()));
     QVERIFY(lan.plugInAll(scenario.unplugged()));
-    QVERIFY(!lan.find("127.77.204.11")->isOn());
-    QCOMPARE(valueOf("127.77.204.50", "eParam_NDIName"), "<b>\"x\"</b>");
-    QCOMPARE(lan.find("127.77.204.50")->recordings(), (QStringList{"b.jpg", "a.mp4"}));
+    QVERIFY(!lan.find(TEST_BLOCK ".11")->isOn());
+    QCOMPARE(valueOf(TEST_BLOCK ".50", "eParam_NDIName"), "<b>\"x\"</b>");
+    QCOMPARE(lan.find(TEST_BLOCK ".50")->recordings(), (QStringList{"b.jpg", "a.mp4"}));
     LanCommands commands(&lan);
     QSignalSpy steps(&scenario, &Scenario::stepped);
     scenario.start(&commands);
     QTRY_COMPARE(steps.size(), 2);
-    QVERIFY(lan.find("127.77.204.11")->isOn());
-    QCOMPARE(command("127.77.204.11", "reboot").status(), "failed");
+    QVERIFY(lan.find(TEST_BLOCK ".11")->isOn());
+    QCOMPARE(command(TEST_BLOCK ".11", "reboot").status(), "failed");
     QVERIFY(steps[1][0].toString().contains("no box at"));
 }
 
 void tst_VirtualLan::wrongScenarios_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::newRow("no JSON") << QByteArray("{boxes}");
-    QTest::newRow("an array") << QByteArray("[]");
-    QTest::newRow("misspelt key") << QByteArray(R"({"boxs": []})");
-    QTest::newRow("misspelt key of a box")
-        << QByteArray(R"({"boxes": [{"address": "127.77.204.9", "fault": "slow"}]})");
-    QTest::newRow("unknown fault")
-        << QByteArray(R"({"boxes": [{"address": "127.77.204.9", "faults": ["slwo"]}]})");
-    QTest::newRow("unknown model")
-        << QByteArray(R"({"boxes": [{"address": "127.77.204.9", "model": "karo"}]})");
-    QTest::newRow("step without time") << QByteArray(R"({"steps": [{"command": "list"}]})");
+    columns<QString>("content");
+    row("no JSON", "{boxes}");
+    row("an array", "[]");
+    row("misspelt key", R"({"boxs": []})");
+    row("misspelt key of a box", R"({"boxes": [{"address": "@.9", "fault": "slow"}]})");
+    row("unknown fault", R"({"boxes": [{"address": "@.9", "faults": ["slwo"]}]})");
+    row("unknown model", R"({"boxes": [{"address": "@.9", "model": "karo"}]})");
+    row("step without time", R"({"steps": [{"command": "list"}]})");
 }
 
 void tst_VirtualLan::wrongScenarios()
 {
-    QFETCH(QByteArray, content);
+    QFETCH(QString, content);
     QTemporaryDir dir;
     VirtualLan lan;
     Scenario scenario;
-    QVERIFY(!scenario.load(writeFile(dir.filePath("s.json"), content), &lan));
+    QVERIFY(!scenario.load(
+        writeFile(dir.filePath("s.json"), content.replace('@', TEST_BLOCK).toUtf8()), &lan));
     QVERIFY(!scenario.errorString().isEmpty());
 }
 
@@ -224,7 +208,7 @@ void tst_VirtualLan::aFullSubnet()
     // Each box listens on four ports; six connections to each have both ends and a thread here. A
     // system that allows less than all of them at once still gets a good part of a subnet.
     const int boxes = std::min(253, (allowOpenFiles() - 100) / (4 + 6 * 3));
-    LanPlan full = plan("127.77.205.0/24", boxes);
+    LanPlan full = plan(TEST_BLOCK ".0/24", boxes);
     full.first = 1;
     VirtualLan lan;
     QElapsedTimer clock;
@@ -240,7 +224,7 @@ void tst_VirtualLan::aFullSubnet()
     const int wanted = boxes * 8;
     clock.restart();
     for (int i = 0; i < wanted; ++i) {
-        const QString address = QString("127.77.205.%1").arg(1 + i % boxes);
+        const QString address = QString(TEST_BLOCK ".%1").arg(1 + i % boxes);
         const QUrl url(apiUrl(address, "/config?action=get&param_name=eParam_IPAddress"));
         QNetworkReply* const reply = manager.get(QNetworkRequest(url));
         connect(reply, &QNetworkReply::finished, this, [reply, address, &good, &done] {
@@ -259,18 +243,19 @@ void tst_VirtualLan::sweepFindsOnlyPluggedBoxes()
 {
     QTemporaryDir dir;
     VirtualLan lan(dir.path());
-    QVERIFY(lan.populate(plan("127.77.204.0/24", 3)));
-    QVERIFY(lan.plugInAll({"127.77.204.12"}));
-    Program check("lan-fping", {"-a", "-r", "2", "-t", "200", "127.77.204.11", "127.77.204.12"},
+    QVERIFY(lan.populate(plan(TEST_BLOCK ".0/24", 3)));
+    QVERIFY(lan.plugInAll({TEST_BLOCK ".12"}));
+    Program check("lan-fping", {"-a", "-r", "2", "-t", "200", TEST_BLOCK ".11", TEST_BLOCK ".12"},
                   dir.path());
     QVERIFY(check.waitForFinished());
-    QCOMPARE(check.readAllStandardOutput(), QByteArray("127.77.204.11\n"));
+    QCOMPARE(check.readAllStandardOutput(), QByteArray(TEST_BLOCK ".11\n"));
 
-    Program sweep("lan-fping", {"-a", "-r", "0", "-t", "100", "-g", "127.77.204.0/24"}, dir.path());
+    Program sweep("lan-fping", {"-a", "-r", "0", "-t", "100", "-g", TEST_BLOCK ".0/24"},
+                  dir.path());
     QVERIFY(sweep.waitForReadyRead()); // line by line, long before the sweep is over
     QCOMPARE(sweep.state(), QProcess::Running);
     QVERIFY(sweep.waitForFinished());
-    QCOMPARE(sweep.readAllStandardOutput(), QByteArray("127.77.204.11\n127.77.204.13\n"));
+    QCOMPARE(sweep.readAllStandardOutput(), QByteArray(TEST_BLOCK ".11\n" TEST_BLOCK ".13\n"));
 }
 
 void tst_VirtualLan::killedSweepLeavesNoFping()
@@ -279,9 +264,8 @@ void tst_VirtualLan::killedSweepLeavesNoFping()
     VirtualLan lan(dir.path());
     // A stand-in for fping that tells its number and would run for a long time without a word.
     const QString pidFile = dir.filePath("pid");
-    const QString fake = writeFile(
-        dir.filePath("fping"), "#!/bin/sh\necho $$ > " + pidFile.toUtf8() + "\nexec sleep 20\n");
-    QFile::setPermissions(fake, QFile::permissions(fake) | QFile::ExeOwner);
+    const QString fake =
+        writeScript(dir.filePath("fping"), "echo $$ > " + pidFile.toUtf8() + "\nexec sleep 20\n");
     qputenv("KORA_LAN_FPING", fake.toLocal8Bit());
     Program sweep("lan-fping", {"-a"}, dir.path());
     qunsetenv("KORA_LAN_FPING");
@@ -299,38 +283,39 @@ void tst_VirtualLan::koraLanObeys()
 {
     QTemporaryDir dir;
     Program program("kora-lan",
-                    {"--subnet", "127.77.206.0/24", "--boxes", "2", "--web-port", "8880",
+                    {"--subnet", TEST_BLOCK ".0/24", "--boxes", "2", "--web-port", "8880",
                      "--run-dir", dir.path()},
                     dir.path());
     QVERIFY2(program.says("ready\n"), qPrintable(program.output));
-    QCOMPARE(program.output.count("127.77.206."), 5);
+    QCOMPARE(program.output.count(TEST_BLOCK "."), 5);
     QCOMPARE(linesOf(dir.filePath("plugged")).size(), 5);
-    QVERIFY(curl({"http://127.77.206.13:8880/cgi-bin/set-dashboard.cgi"}).output.contains("ORBIT"));
-    program.write("unplug 127.77.206.11\nnonsense\n");
+    QVERIFY(
+        curl({"http://" TEST_BLOCK ".13:8880/cgi-bin/set-dashboard.cgi"}).output.contains("ORBIT"));
+    program.write("unplug " TEST_BLOCK ".11\nnonsense\n");
     QVERIFY(program.says("ok\n"));
     QVERIFY(program.says("error\n"));
     QCOMPARE(linesOf(dir.filePath("plugged")).size(), 4);
     program.closeWriteChannel();
-    QCOMPARE(readParameter("127.77.206.12", "eParam_DHCP").exitCode, 0);
+    QCOMPARE(readParameter(TEST_BLOCK ".12", "eParam_DHCP").exitCode, 0);
     QVERIFY2(!program.waitForFinished(300), "the end of its input is no order to end");
     program.terminate();
     QVERIFY(program.waitForFinished());
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
     QCOMPARE(program.exitCode(), 0);
+    QVERIFY(QFile::exists(dir.filePath("plugged")));
     QCOMPARE(linesOf(dir.filePath("plugged")), QStringList());
 }
 
 void tst_VirtualLan::koraLanOptions_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("exitCode");
-    QTest::newRow("help") << QStringList{"--help"} << 0;
-    QTest::newRow("version") << QStringList{"--version"} << 0;
-    QTest::newRow("unknown option") << QStringList{"--bogus"} << 2;
-    QTest::newRow("no number") << QStringList{"--boxes", "many"} << 2;
-    QTest::newRow("stray word") << QStringList{"127.0.0.1"} << 2;
-    QTest::newRow("no scenario") << QStringList{"--scenario", "/no/such/file"} << 2;
-    QTest::newRow("a real network") << QStringList{"--subnet", "10.0.0.0/24"} << 1;
+    columns<QStringList, int>("arguments", "exitCode");
+    row("help", QStringList{"--help"}, 0);
+    row("version", QStringList{"--version"}, 0);
+    row("unknown option", QStringList{"--bogus"}, 2);
+    row("no number", QStringList{"--boxes", "many"}, 2);
+    row("stray word", QStringList{"127.0.0.1"}, 2);
+    row("no scenario", QStringList{"--scenario", "/no/such/file"}, 2);
+    row("a real network", QStringList{"--subnet", "10.0.0.0/24"}, 1);
 }
 
 void tst_VirtualLan::koraLanOptions()
@@ -350,7 +335,7 @@ void tst_VirtualLan::koraLanEndsWithParent()
     parent.start("sleep", {"20"});
     QVERIFY(parent.waitForStarted());
     Program program("kora-lan",
-                    {"--subnet", "127.77.206.0/24", "--boxes", "1", "--no-web", "--run-dir",
+                    {"--subnet", TEST_BLOCK ".0/24", "--boxes", "1", "--no-web", "--run-dir",
                      dir.path(), "--exit-with-parent", QString::number(parent.processId())},
                     dir.path());
     QVERIFY(program.says("ready\n"));
