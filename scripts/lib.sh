@@ -221,18 +221,33 @@ build() {
 
 # --- display and user data ---------------------------------------------------------------------
 
-# start_display SIZE: a virtual display of its own, ended with the script.
+# has_display NUMBER: whether the server of this script serves it.
+has_display() {
+    local socket=/tmp/.X11-unix/X$1
+    # Who may not make that folder is served by the system's name for it.
+    { [ -S "$socket" ] || grep -q "@$socket\$" /proc/net/unix; } &&
+        [ "$(tr -d ' ' <"/tmp/.X$1-lock" 2>/dev/null)" = "$display_pid" ]
+}
+
+# start_display SIZE: a virtual display of its own, ended with the script. The number is chosen here:
+# left to the server, one in a network of its own would not see who has that number already, and
+# take the socket away from them.
 start_display() {
-    local number=$scratch/display
-    Xvfb -displayfd 3 -screen 0 "$1x24" -dpi 96 -nolisten tcp -noreset 3>"$number" \
-        >"$scratch/xvfb.log" 2>&1 &
-    display_pid=$!
-    if ! wait_until 30 "$display_pid" grep -q . "$number"; then
+    local number
+    for number in {90..189}; do
+        [ ! -e "/tmp/.X11-unix/X$number" ] || continue
+        Xvfb ":$number" -screen 0 "$1x24" -dpi 96 -nolisten tcp -noreset >"$scratch/xvfb.log" 2>&1 &
+        display_pid=$!
+        # Somebody else may have been quicker.
+        ! wait_until 30 "$display_pid" has_display "$number" || break
+        end_process "$display_pid"
+        display_pid=""
+    done
+    if [ -z "$display_pid" ]; then
         cat "$scratch/xvfb.log" >&2
         die "the virtual display did not start."
     fi
-    DISPLAY=":$(cat "$number")"
-    export DISPLAY QT_QPA_PLATFORM=xcb
+    export DISPLAY=":$number" QT_QPA_PLATFORM=xcb
     unset WAYLAND_DISPLAY XAUTHORITY
 }
 
