@@ -4,7 +4,6 @@
 #include "tests/support/table.h"
 
 #include <QProcess>
-#include <QTest>
 
 /// What reaches a child process is decided by the splitting rule of processes, so every command
 /// line here goes through the real one.

@@ -2,9 +2,6 @@
 #include "common/safe_name.h"
 #include "tests/support/table.h"
 
-#include <QDir>
-#include <QTest>
-
 class tst_SafeName : public QObject
 {
     Q_OBJECT

@@ -11,7 +11,6 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <csignal>
 #include <unistd.h>

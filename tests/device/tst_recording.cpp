@@ -22,7 +22,7 @@ class tst_Recording : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() { qputenv("APPDATA", m_data.path().toUtf8()); }
     void init();
     void cleanup();
     void namesStayInTheirFolder_data();
@@ -44,11 +44,6 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<sim::VirtualBox> m_box;
 };
-
-void tst_Recording::initTestCase()
-{
-    qputenv("APPDATA", m_data.path().toUtf8());
-}
 
 void tst_Recording::init()
 {

@@ -2,8 +2,6 @@
 #include "device/sweep_plan.h"
 #include "tests/support/table.h"
 
-#include <QTest>
-
 class tst_SweepPlan : public QObject
 {
     Q_OBJECT

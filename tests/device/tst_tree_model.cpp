@@ -4,7 +4,6 @@
 #include "tests/support/table.h"
 
 #include <QAbstractItemModelTester>
-#include <QTest>
 
 class tst_TreeModel : public QObject
 {

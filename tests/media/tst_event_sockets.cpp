@@ -4,7 +4,6 @@
 #include "tests/support/table.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 #include <memory>
 

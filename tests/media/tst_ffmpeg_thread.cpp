@@ -7,7 +7,6 @@
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QSignalSpy>
 
 #include <ctime>
 #include <memory>

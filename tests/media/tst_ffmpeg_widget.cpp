@@ -10,7 +10,6 @@
 
 #include <QLabel>
 #include <QMenu>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QTextEdit>
 #include <QTranslator>
@@ -46,7 +45,7 @@ class tst_FFmpegWidget : public QObject
 
 private slots:
     void init();
-    void cleanup();
+    void cleanup() { m_widget.reset(); }
     void pictureIsFittedAndCentred_data();
     void pictureIsFittedAndCentred();
     void paintsOncePerPicture();
@@ -87,11 +86,6 @@ void tst_FFmpegWidget::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_widget.get()));
     QCOMPARE(m_widget->state(), State::Idle);
     QVERIFY(areWordsShown());
-}
-
-void tst_FFmpegWidget::cleanup()
-{
-    m_widget.reset();
 }
 
 void tst_FFmpegWidget::pictureIsFittedAndCentred_data()

@@ -6,7 +6,6 @@
 
 #include <QJsonArray>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <vector>
 

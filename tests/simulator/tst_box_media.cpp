@@ -3,9 +3,6 @@
 #include "tests/support/box_client.h"
 #include "tests/support/table.h"
 
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QWebSocket>
 
 using namespace sim;

@@ -6,8 +6,6 @@
 #include "simulator/parameters.h"
 #include "tests/support/table.h"
 
-#include <QTest>
-
 using namespace sim;
 
 /// What needs no network: reading forms, fault lines and firmware names, and finding key pictures.
@@ -20,7 +18,6 @@ private slots:
     void form();
     void faultLines_data();
     void faultLines();
-    void strikesAreCounted();
     void targetsMustAllFit();
     void firmwareNames_data();
     void firmwareNames();
@@ -82,16 +79,6 @@ void tst_BoxRules::faultLines()
         QCOMPARE(faultLine(*fault), normal);
         QCOMPARE(faultLine(*parseFault(normal)), normal);
     }
-}
-
-void tst_BoxRules::strikesAreCounted()
-{
-    FaultList faults;
-    faults.add(*parseFault("fail times 2"));
-    QVERIFY(faults.strike(FaultKind::Fail, {"reboot"}));
-    QVERIFY(!faults.strike(FaultKind::Slow, {"reboot"}));
-    QVERIFY(faults.strike(FaultKind::Fail, {"reboot"}));
-    QVERIFY(!faults.strike(FaultKind::Fail, {"reboot"}));
 }
 
 void tst_BoxRules::targetsMustAllFit()

@@ -31,7 +31,7 @@ class tst_UpdateCheck : public QObject
 
 private slots:
     void init();
-    void cleanup();
+    void cleanup() { m_server.reset(); }
     void versions_data();
     void versions();
     void badDescriptorsAreIgnored_data();
@@ -74,11 +74,6 @@ void tst_UpdateCheck::init()
     QVERIFY(m_server->start());
     m_installers.clear();
     m_packages.clear();
-}
-
-void tst_UpdateCheck::cleanup()
-{
-    m_server.reset();
 }
 
 std::unique_ptr<UpdateCheck> tst_UpdateCheck::started()

@@ -5,7 +5,6 @@
 #include <QDir>
 #include <QLabel>
 #include <QPushButton>
-#include <QTest>
 #include <QUrl>
 
 #include <unistd.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/table.h"
 #include "tests/support/window_fixture.h"
 #include "web/browser_engine.h"
 #include "web/download_name.h"
@@ -9,7 +10,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTest>
 #include <QTextEdit>
 #include <QWebEngineProfile>
 #include <QWebEngineView>
@@ -25,6 +25,9 @@ constexpr int otherBox = 12;
 constexpr int kora = 13;
 constexpr int loadMs = 20000;
 
+/// Known to the library of the engine alone.
+const char* const pageDialog = "PageDialog";
+
 } // namespace
 
 /// Boxes with pages of their own in the real window. The engine lives once per process, so one
@@ -35,7 +38,9 @@ class TestWebView : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
+    void init() { m_answers = std::make_unique<DialogAnswerer>(); }
+    void cleanup() { m_answers.reset(); }
+    void cleanupTestCase() { m_lan.reset(); }
     void startsNoEngineBeforeItIsNeeded();
     void showsTheDashboard();
     void staysInThePaneForNewWindows();
@@ -66,44 +71,15 @@ private:
     void click(const QString& id) const;
     QString title() const { return view()->page()->title(); }
 
-    std::unique_ptr<WindowFixture> m_lan;
-};
-
-/// Known to the library of the engine alone.
-const char* const pageDialog = "PageDialog";
-
-/// Runs `answer` on the next modal dialog of this class, which must close it.
-template <class Dialog, class Answer> class NextDialog : public QObject
-{
-public:
-    NextDialog(const char* className, Answer answer) : m_answer(std::move(answer))
+    /// The next dialog of a page is answered so.
+    void expectPage(const std::function<void(QDialog&)>& act)
     {
-        connect(&m_timer, &QTimer::timeout, this, [this, className] {
-            auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
-            if (!dialog || !dialog->isVisible() || !dialog->inherits(className))
-                return;
-            m_timer.stop();
-            seen = true;
-            m_answer(dialog);
-        });
-        m_timer.start(20);
+        m_answers->expect<QDialog>(act, [](QDialog& it) { return it.inherits(pageDialog); });
     }
-    bool seen = false;
 
-private:
-    QTimer m_timer;
-    Answer m_answer;
+    std::unique_ptr<WindowFixture> m_lan;
+    std::unique_ptr<DialogAnswerer> m_answers;
 };
-
-template <class Answer> NextDialog<QFileDialog, Answer> onNextFileDialog(Answer answer)
-{
-    return {"QFileDialog", std::move(answer)};
-}
-
-template <class Answer> NextDialog<QDialog, Answer> onNextPageDialog(Answer answer)
-{
-    return {pageDialog, std::move(answer)};
-}
 
 QVariant TestWebView::evaluate(const QString& script) const
 {
@@ -163,11 +139,6 @@ void TestWebView::initTestCase()
         QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(host), loadMs);
 }
 
-void TestWebView::cleanupTestCase()
-{
-    m_lan.reset();
-}
-
 void TestWebView::startsNoEngineBeforeItIsNeeded()
 {
     m_lan->clickRow(kora);
@@ -203,25 +174,14 @@ void TestWebView::staysInThePaneForNewWindows()
 
 void TestWebView::namesDownloads_data()
 {
-    QTest::addColumn<QString>("suggested");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("filter");
+    columns<QString, QString, QString>("suggested", "name", "filter");
     const QString all = "All file(*.*)";
-    QTest::newRow("as stated") << "a:b?.mp4"
-                               << "ab.mp4"
-                               << "mp4(*.mp4);;" + all;
-    QTest::newRow("no suffix") << "read*me"
-                               << "readme" << all;
-    QTest::newRow("path") << "..\\..\\etc/pass|wd.bin"
-                          << "etcpasswd.bin"
-                          << "bin(*.bin);;" + all;
-    QTest::newRow("filter in a suffix") << "a.b);;c(*"
-                                        << "a.b);;c(" << all;
-    QTest::newRow("device") << "CON.txt"
-                            << "_CON.txt"
-                            << "txt(*.txt);;" + all;
-    QTest::newRow("nothing left") << "?*/\\"
-                                  << "download" << all;
+    row("as stated", "a:b?.mp4", "ab.mp4", "mp4(*.mp4);;" + all);
+    row("no suffix", "read*me", "readme", all);
+    row("path", "..\\..\\etc/pass|wd.bin", "etcpasswd.bin", "bin(*.bin);;" + all);
+    row("filter in a suffix", "a.b);;c(*", "a.b);;c(", all);
+    row("device", "CON.txt", "_CON.txt", "txt(*.txt);;" + all);
+    row("nothing left", "?*/\\", "download", all);
 }
 
 void TestWebView::namesDownloads()
@@ -239,16 +199,14 @@ void TestWebView::savesADownloadUnderACleanName()
     QTemporaryDir folder;
     QString offered;
     QStringList filters;
-    const auto answer = onNextFileDialog([&](QFileDialog* dialog) {
-        QCOMPARE(dialog->windowTitle(), QString("另存为"));
-        offered = QFileInfo(dialog->selectedFiles().value(0)).fileName();
-        filters = dialog->nameFilters();
-        dialog->setDirectory(folder.path());
-        dialog->findChild<QLineEdit*>()->setText(folder.path() + "/kept.txt");
-        QMetaObject::invokeMethod(dialog, "accept");
+    m_answers->expect<QFileDialog>([&](QFileDialog& dialog) {
+        QCOMPARE(dialog.windowTitle(), QString("另存为"));
+        offered = QFileInfo(dialog.selectedFiles().value(0)).fileName();
+        filters = dialog.nameFilters();
+        choosePath(dialog, folder.path() + "/kept.txt");
     });
     click("log");
-    QTRY_VERIFY_WITH_TIMEOUT(answer.seen, loadMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
     QVERIFY2(!offered.contains(QRegularExpression("[\\\\/:*?\"<>|]")), qPrintable(offered));
     QVERIFY2(offered.endsWith("log_.txt") || offered.endsWith("log.txt"), qPrintable(offered));
     QVERIFY(!offered.startsWith('.'));
@@ -265,9 +223,9 @@ void TestWebView::savesADownloadUnderACleanName()
 void TestWebView::cancelsADownload()
 {
     QSignalSpy requested(view()->page()->profile(), &QWebEngineProfile::downloadRequested);
-    const auto answer = onNextFileDialog([](QFileDialog* dialog) { dialog->reject(); });
+    m_answers->expect<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
     click("log");
-    QTRY_VERIFY_WITH_TIMEOUT(answer.seen, loadMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
     QTRY_COMPARE(requested.size(), 1);
     QVERIFY(!m_lan->window().findChild<QLabel*>("downloadState"));
     // A page that asks again at once gets no second dialog.
@@ -282,49 +240,46 @@ void TestWebView::saysWhoseDialogItIs()
     QString asker;
     QString heading;
     QString text;
-    const auto alert = onNextPageDialog([&](QDialog* dialog) {
-        heading = dialog->windowTitle();
-        asker = dialog->findChild<QLabel*>("pageDialogAsker")->text();
-        text = dialog->findChild<QTextEdit*>("pageDialogText")->toPlainText();
-        QCOMPARE(dialog->windowModality(), Qt::WindowModal);
-        dialog->accept();
+    expectPage([&](QDialog& dialog) {
+        heading = dialog.windowTitle();
+        asker = dialog.findChild<QLabel*>("pageDialogAsker")->text();
+        text = dialog.findChild<QTextEdit*>("pageDialogText")->toPlainText();
+        QCOMPARE(dialog.windowModality(), Qt::WindowModal);
+        dialog.accept();
     });
     click("alert");
-    QTRY_VERIFY_WITH_TIMEOUT(alert.seen, loadMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
     QCOMPARE(asker, m_lan->ip(box) + " 的网页显示");
     QCOMPARE(heading, asker);
     QCOMPARE(text, QString("Input signal lost"));
 
-    const auto prompt = onNextPageDialog([](QDialog* dialog) {
-        dialog->findChild<QLineEdit*>()->setText("<b>42</b>");
-        dialog->accept();
+    expectPage([](QDialog& dialog) {
+        dialog.findChild<QLineEdit*>()->setText("<b>42</b>");
+        dialog.accept();
     });
     QCOMPARE(evaluate("prompt('How many?', '41')").toString(), QString("<b>42</b>"));
-    QVERIFY(prompt.seen);
-    const auto confirm = onNextPageDialog([](QDialog* dialog) { dialog->reject(); });
+    QVERIFY(m_answers->isDone());
+    expectPage([](QDialog& dialog) { dialog.reject(); });
     QCOMPARE(evaluate("confirm('x'.repeat(100000))"), QVariant(false));
-    QVERIFY(confirm.seen);
+    QVERIFY(m_answers->isDone());
 }
 
 void TestWebView::silencesAPage()
 {
     selectAndWait(box);
     int shown = 0;
-    QTimer closer;
-    connect(&closer, &QTimer::timeout, [&shown] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (!dialog || !dialog->inherits(pageDialog))
-            return;
-        auto* silence = dialog->findChild<QAbstractButton*>();
-        const auto boxes = dialog->findChildren<QAbstractButton*>();
-        for (QAbstractButton* button : boxes)
+    const std::function<void(QDialog&)> close = [&](QDialog& dialog) {
+        auto* silence = dialog.findChild<QAbstractButton*>();
+        const auto buttons = dialog.findChildren<QAbstractButton*>();
+        for (QAbstractButton* button : buttons)
             silence = button->isCheckable() ? button : silence;
         ++shown;
         QCOMPARE(silence->isVisible(), shown > 2);
         silence->setChecked(silence->isVisible());
-        dialog->accept();
-    });
-    closer.start(20);
+        expectPage(close);
+        dialog.accept();
+    };
+    expectPage(close);
     evaluate("for (let i = 0; i < 1000; ++i) alert(i); 0");
     QCOMPARE(shown, 3);
     // Another visit starts afresh.
@@ -337,12 +292,12 @@ void TestWebView::silencesAPage()
 void TestWebView::asksForALoginByName()
 {
     QString asker;
-    const auto login = onNextPageDialog([&](QDialog* dialog) {
-        asker = dialog->findChild<QLabel*>("pageDialogAsker")->text();
-        dialog->reject();
+    expectPage([&](QDialog& dialog) {
+        asker = dialog.findChild<QLabel*>("pageDialogAsker")->text();
+        dialog.reject();
     });
     click("login");
-    QTRY_VERIFY_WITH_TIMEOUT(login.seen, loadMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
     QCOMPARE(asker, m_lan->ip(box) + " 要求登录");
     QTRY_COMPARE_WITH_TIMEOUT(title(), QString("401 Unauthorized"), loadMs);
 }
@@ -366,11 +321,11 @@ void TestWebView::leavesAPageThatHoldsOn()
     evaluate("onbeforeunload = e => { e.preventDefault(); e.returnValue = ''; }; 0");
     // Only a page that its user has touched is allowed to ask.
     click("alert");
-    const auto alert = onNextPageDialog([](QDialog* dialog) { dialog->accept(); });
-    QTRY_VERIFY_WITH_TIMEOUT(alert.seen, loadMs);
-    const auto question = onNextPageDialog([](QDialog* dialog) { dialog->reject(); });
+    expectPage([](QDialog& dialog) { dialog.accept(); });
+    QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
+    expectPage([](QDialog& dialog) { dialog.reject(); });
     selectAndWait(otherBox);
-    QVERIFY(!question.seen);
+    QVERIFY(!m_answers->isDone());
 
     view()->page()->runJavaScript("while (true);");
     selectAndWait(box);

@@ -8,7 +8,6 @@
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QStringListModel>
-#include <QTest>
 #include <QTextEdit>
 #include <memory>
 

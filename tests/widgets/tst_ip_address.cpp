@@ -6,7 +6,6 @@
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QSignalSpy>
-#include <QTest>
 #include <QVBoxLayout>
 #include <memory>
 

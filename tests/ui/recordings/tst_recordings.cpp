@@ -43,7 +43,10 @@ private:
     void clickEntry(int row, Qt::KeyboardModifiers modifiers = {});
     void playEntry(int row);
     void selectBox(int host, const QStringList& recordings);
-    QStringList told(const QString& action) const;
+    QStringList told(const QString& action) const
+    {
+        return WindowFixture::told(*m_box).filter(QRegularExpression("^" + action));
+    }
 
     sim::VirtualBox* m_box = nullptr;
     sim::VirtualBox* m_other = nullptr;
@@ -114,11 +117,6 @@ void tst_Recordings::selectBox(int host, const QStringList& recordings)
     clickRow(host);
     QTRY_COMPARE(titles(), recordings);
     box->clearRequests();
-}
-
-QStringList tst_Recordings::told(const QString& action) const
-{
-    return WindowFixture::told(*m_box).filter(QRegularExpression("^" + action));
 }
 
 void tst_Recordings::onlyVideosAreListed()

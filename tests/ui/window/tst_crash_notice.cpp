@@ -4,7 +4,6 @@
 
 #include "crash/crash_handler.h"
 
-#include <QAbstractButton>
 #include <QDesktopServices>
 #include <QDir>
 #include <QLabel>

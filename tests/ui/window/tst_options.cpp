@@ -2,8 +2,6 @@
 #include "tests/support/table.h"
 #include "ui/window/options.h"
 
-#include <QTest>
-
 class tst_Options : public QObject
 {
     Q_OBJECT
