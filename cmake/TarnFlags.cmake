@@ -44,7 +44,7 @@ endif()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
-set(hardened $<NOT:$<CONFIG:Debug>>)
+set(hardened $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
 if(NOT MSVC)
     target_compile_options(tarn_flags INTERFACE
         $<${hardened}:-fstack-protector-strong>
@@ -71,8 +71,8 @@ function(tarn_plugin name file)
     endif()
 endfunction()
 
-# tarn_room(<name> [PLUGIN file] SOURCES ... LINK ...): one folder of src/ as a library, seen from src/ as root. It
-# may use what stands in LINK and what that links in turn, and nothing else: with TARN_SHARED_ROOMS
+# tarn_room(<name> [PLUGIN file] SOURCES ... LINK ...): one folder of src/ as a library, seen from
+# src/ as root. It may use what stands in LINK and what that links in turn, and nothing else: with TARN_SHARED_ROOMS
 # every room is a shared library that has to find all of its symbols there. A PLUGIN is a library that
 # the program loads from the folder plugins beside itself, when it needs it; none links it.
 function(tarn_room name)

@@ -234,6 +234,7 @@ has_display() {
 # take the socket away from them.
 start_display() {
     local number
+    echo "no display number is free" >"$scratch/xvfb.log"
     for number in {90..189}; do
         [ ! -e "/tmp/.X11-unix/X$number" ] || continue
         Xvfb ":$number" -screen 0 "$1x24" -dpi 96 -nolisten tcp -noreset >"$scratch/xvfb.log" 2>&1 &

@@ -42,11 +42,15 @@ constexpr QLatin1String LineinDelay = constant("eParam_LineinDelay");
 constexpr QLatin1String NDIDecodeList = constant("eParam_NDIDecodeList");
 constexpr QLatin1String RecordList = constant("eParam_RecordList");
 
-// Commands that run on their own; the reply names the one it answers.
+// Commands under /control; the reply names the one it answers.
 constexpr QLatin1String RecordOn = constant("record_on");
 constexpr QLatin1String RecordOff = constant("record_off");
 constexpr QLatin1String StreamOn = constant("stream_on");
 constexpr QLatin1String StreamOff = constant("stream_off");
+constexpr QLatin1String FullEncoderOn = constant("ndienc_on");
+constexpr QLatin1String FullEncoderOff = constant("ndienc_off");
+constexpr QLatin1String HxEncoderOn = constant("hxenc_on");
+constexpr QLatin1String HxEncoderOff = constant("hxenc_off");
 constexpr QLatin1String DecodeOn = constant("hxdec_on");
 constexpr QLatin1String DecodeOff = constant("hxdec_off");
 

@@ -18,6 +18,11 @@ constexpr int uploadRetryPauseMs = 400;
 /// What is shown of a reply that is none; the log has all of it.
 constexpr int longestReason = 400;
 
+// What a command is for, kept with it.
+const QString uploadKind = QStringLiteral("upgrade_ota_file");
+const QString activationKind = QStringLiteral("upgrade_ota");
+const QString deletionKind = QStringLiteral("record_del");
+
 } // namespace
 
 void Item::reserveForUpgrade()
@@ -50,11 +55,10 @@ void Item::endUpgrade()
 
 void Item::upload(const QString& file, const QString& md5)
 {
-    execCurl(BoxProtocol::uploadCommand(file, address()),
-             {{QStringLiteral("exectype"), QStringLiteral("upgrade_ota_file")},
-              {QStringLiteral("ota_file"), file},
-              {QStringLiteral("md5"), md5},
-              {QStringLiteral("run"), m_upgradeRun}});
+    execCurl(BoxProtocol::uploadCommand(file, address()), {{QStringLiteral("exectype"), uploadKind},
+                                                           {QStringLiteral("ota_file"), file},
+                                                           {QStringLiteral("md5"), md5},
+                                                           {QStringLiteral("run"), m_upgradeRun}});
 }
 
 void Item::execCurl(const QString& str, const QVariantMap& map)
@@ -69,13 +73,13 @@ void Item::R_readyReadStandardOutput()
         return;
     const QString type = process->property("exectype").toString();
     const QString reply = m_runner.takeReply(process);
-    if (type == QLatin1String("upgrade_ota_file")) {
+    if (type == uploadKind) {
         if (process->property("run").toInt() == m_upgradeRun)
             handleUploadReply(*process, reply);
-    } else if (type == QLatin1String("upgrade_ota")) {
+    } else if (type == activationKind) {
         if (process->property("run").toInt() == m_upgradeRun)
             handleActivationReply(reply);
-    } else if (type == QLatin1String("record_del")) {
+    } else if (type == deletionKind) {
         process->setProperty("deleted", BoxReply(reply).isSuccess());
     }
 }
@@ -99,8 +103,7 @@ void Item::handleUploadReply(const QProcess& process, const QString& reply)
     addTip(tr("上传固件 成功"));
     addTip(tr("开始更新固件"));
     execCurl(BoxProtocol::otaCommand(address()),
-             {{QStringLiteral("exectype"), QStringLiteral("upgrade_ota")},
-              {QStringLiteral("run"), m_upgradeRun}});
+             {{QStringLiteral("exectype"), activationKind}, {QStringLiteral("run"), m_upgradeRun}});
     emit upgradeChanged();
 }
 
@@ -133,14 +136,13 @@ void Item::R_stateChanged(QProcess::ProcessState state)
     const QString type = process->property("exectype").toString();
     if (type == QLatin1String("download")) {
         endDownload(*process);
-    } else if (type == QLatin1String("record_del")) {
+    } else if (type == deletionKind) {
         emit deleteEnded(process->property("deleted").toBool());
-    } else if (type == QLatin1String("upgrade_ota") &&
-               process->property("run").toInt() == m_upgradeRun) {
+    } else if (type == activationKind && process->property("run").toInt() == m_upgradeRun) {
         // The box restarts to apply the firmware, so that its reply often never arrives.
         markActivated();
-    } else if (type == QLatin1String("upgrade_ota_file") &&
-               process->property("run").toInt() == m_upgradeRun && !isUploaded()) {
+    } else if (type == uploadKind && process->property("run").toInt() == m_upgradeRun &&
+               !isUploaded()) {
         const QString file = process->property("ota_file").toString();
         const QString md5 = process->property("md5").toString();
         QTimer::singleShot(uploadRetryPauseMs, this, [this, file, md5, run = m_upgradeRun] {
@@ -157,8 +159,7 @@ void Item::record_del()
 {
     const QString filename = fileName();
     execCurl(BoxProtocol::recordDeleteCommand(filename, address()),
-             {{QStringLiteral("exectype"), QStringLiteral("record_del")},
-              {QStringLiteral("filename"), filename}});
+             {{QStringLiteral("exectype"), deletionKind}, {QStringLiteral("filename"), filename}});
 }
 
 void Item::download(const QString& folder)

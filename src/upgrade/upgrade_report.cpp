@@ -13,7 +13,7 @@ using Stage = UpgradeRow::Stage;
 using Settings = UpgradeRow::Settings;
 
 /// How long a box may stay away, from its activation or the end of the batch.
-constexpr int patienceTicks = 600;
+constexpr int patienceTicks = Item::UpgradeAllowance;
 /// A box that was told to change over and neither went away nor changed may still be busy with it
 /// for so long; then it has ignored the order.
 constexpr int quietTicks = 60;
@@ -229,15 +229,16 @@ void UpgradeReport::noteVersion(const QString& ip, const QString& mac, const QSt
     // It may have moved on meanwhile; then it is asked there.
     if (!box || ip != box->row().address)
         return;
+    // One that fell silent again is not ready for anything; it is asked once more.
+    if (version.isEmpty())
+        return;
     UpgradeRow& row = box->row();
-    if (!version.isEmpty()) {
-        box->reported = version.left(UpgradeJudgement::longestVersion);
-        const QString before = row.versionAfter;
-        UpgradeJudgement::noteVersion(row, signsOf(*box));
-        judge(*box);
-        if (row.settled || row.versionAfter != before)
-            touch(*box);
-    }
+    box->reported = version.left(UpgradeJudgement::longestVersion);
+    const QString before = row.versionAfter;
+    UpgradeJudgement::noteVersion(row, signsOf(*box));
+    judge(*box);
+    if (row.settled || row.versionAfter != before)
+        touch(*box);
     emit seen(ip, row.mac);
 }
 

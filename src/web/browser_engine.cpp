@@ -8,6 +8,7 @@
 #include <QDebug>
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonObject>
 #include <QLibraryInfo>
 #include <QOpenGLContext>
 #include <QPluginLoader>
@@ -92,6 +93,13 @@ Browser* createBrowser(QWidget* parent)
 {
     allowOpenGl();
     QPluginLoader library(engineLibrary());
+    // Asked before anything of it runs: what it was built for must be what is called here.
+    const QString kind = library.metaData().value(QStringLiteral("IID")).toString();
+    if (kind != QLatin1String(TARN_BROWSER_FACTORY)) {
+        qWarning().noquote() << library.fileName() << "offers" << kind << "and not"
+                             << TARN_BROWSER_FACTORY;
+        return nullptr;
+    }
     auto* factory = qobject_cast<BrowserFactory*>(library.instance());
     if (!factory) {
         qWarning().noquote() << library.errorString();

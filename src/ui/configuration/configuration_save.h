@@ -7,7 +7,6 @@
 #include <QMap>
 #include <QObject>
 
-class Item;
 class ParameterPanel;
 namespace Ui
 {

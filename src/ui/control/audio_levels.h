@@ -7,7 +7,6 @@
 #include <QTimer>
 
 class Busy;
-class QLabel;
 class QSlider;
 namespace Ui
 {

@@ -21,10 +21,10 @@ QStringList startCommands(const QString& ip, bool encoding, const QString& sourc
 {
     QStringList commands;
     if (encoding)
-        commands << Box::controlCommand(QStringLiteral("hxenc_off"), ip);
+        commands << Box::controlCommand(Box::HxEncoderOff, ip);
     commands << Box::setCommand(Box::HDMIMode, QString::number(Decode), ip);
     if (encoding)
-        commands << Box::controlCommand(QStringLiteral("hxenc_on"), ip);
+        commands << Box::controlCommand(Box::HxEncoderOn, ip);
     return commands << Box::decodeOnCommand(ip, source);
 }
 
@@ -33,7 +33,7 @@ QStringList stopCommands(const QString& ip, bool encoding)
     QStringList commands{Box::setCommand(Box::HDMIMode, QString::number(Encode), ip),
                          Box::controlCommand(Box::DecodeOff, ip)};
     if (encoding)
-        commands << Box::controlCommand(QStringLiteral("hxenc_on"), ip);
+        commands << Box::controlCommand(Box::HxEncoderOn, ip);
     return commands;
 }
 

@@ -22,12 +22,12 @@ class CommandList
 public:
     explicit CommandList(QString ip) : m_ip(std::move(ip)) {}
 
-    CommandList& control(const char* action)
+    CommandList& control(QLatin1String action)
     {
-        m_commands << BoxProtocol::controlCommand(QLatin1String(action), m_ip);
+        m_commands << BoxProtocol::controlCommand(action, m_ip);
         return *this;
     }
-    CommandList& controlIf(bool wanted, const char* action)
+    CommandList& controlIf(bool wanted, QLatin1String action)
     {
         return wanted ? control(action) : *this;
     }
@@ -41,7 +41,7 @@ public:
         return set(BoxProtocol::NDIHXFormat, format)
             .set(BoxProtocol::HDMIMode, 1)
             .set(BoxProtocol::NDIEncMode, 0)
-            .control("hxenc_on");
+            .control(BoxProtocol::HxEncoderOn);
     }
 
     const QString& ip() const { return m_ip; }
@@ -68,12 +68,15 @@ void EncoderControl::setHb(bool on)
 {
     CommandList list(m_hub.state.deviceIp());
     if (on) {
-        list.controlIf(m_area.HX2->isChecked() || m_area.HX3->isChecked(), "hxenc_off");
+        list.controlIf(m_area.HX2->isChecked() || m_area.HX3->isChecked(),
+                       BoxProtocol::HxEncoderOff);
         m_area.HX2->setChecked(false);
         m_area.HX3->setChecked(false);
-        list.set(BoxProtocol::HDMIMode, 1).set(BoxProtocol::NDIEncMode, 1).control("ndienc_on");
+        list.set(BoxProtocol::HDMIMode, 1)
+            .set(BoxProtocol::NDIEncMode, 1)
+            .control(BoxProtocol::FullEncoderOn);
     } else {
-        list.control("ndienc_off");
+        list.control(BoxProtocol::FullEncoderOff);
     }
     switchMode(m_area.HB, list.ip(), list.commands(), tr("控制 HB 失败,请重试!"));
 }
@@ -93,13 +96,13 @@ void EncoderControl::setHx(QCheckBox* button, QCheckBox* other, int h264Format, 
 {
     CommandList list(m_hub.state.deviceIp());
     if (on) {
-        list.controlIf(m_area.HB->isChecked(), "ndienc_off");
-        list.controlIf(other->isChecked(), "hxenc_off");
+        list.controlIf(m_area.HB->isChecked(), BoxProtocol::FullEncoderOff);
+        list.controlIf(other->isChecked(), BoxProtocol::HxEncoderOff);
         m_area.HB->setChecked(false);
         other->setChecked(false);
         list.startHx(h264Format + (m_area.H264->isChecked() ? H264 : H265));
     } else {
-        list.control("hxenc_off");
+        list.control(BoxProtocol::HxEncoderOff);
     }
     switchMode(button, list.ip(), list.commands(), failure);
 }
@@ -137,7 +140,7 @@ void EncoderControl::setCodec(int codec)
     CommandList list(m_hub.state.deviceIp());
     if (m_area.HX2->isChecked() || m_area.HX3->isChecked()) {
         const int format = m_area.HX2->isChecked() ? hx2Format : hx3Format;
-        list.control("hxenc_off").startHx(format + codec);
+        list.control(BoxProtocol::HxEncoderOff).startHx(format + codec);
     } else {
         // The encoder does not run compressed: only the stored format changes, to the same mode
         // with the other codec.

@@ -34,6 +34,7 @@ public:
     void onReply(const QString& command, ReplyHandler handler);
     void onAction(Action action, ActionHandler handler);
 
+    // A handler may block, serving events: what is delivered is not touched afterwards.
     /// `map` is what Spark_Http::S_finished carries.
     void deliverResult(const QVariantMap& map) const;
     /// `text` is one reply as received; one that is no JSON object is ignored.

@@ -4,7 +4,6 @@
 #include <QObject>
 #include <QVector>
 
-class QDropEvent;
 class QWidget;
 class TreeView;
 

@@ -17,6 +17,8 @@ public:
     explicit Md5Tool(QWidget* window);
     ~Md5Tool() override;
 
+    /// Asks for a file, then shows its MD5 once it has been read. The question blocks, serving
+    /// events.
     void run();
 
 private:

@@ -139,7 +139,7 @@ void UpgradeFeatures::showEnd(const UpgradeCounts& counts)
 void UpgradeFeatures::tellUnreadable()
 {
     const Item* shown = m_hub.findSelectedDevice();
-    if (shown && !shown->isUpgrading())
+    if (shown && shown->isKora() && !shown->isUpgrading())
         emit koraWanted(*shown);
     m_widgets.deviceView->refresh();
     messageBox::ask(tr("文件打开失败! "), m_hub.window);

@@ -12,7 +12,6 @@
 
 class Item;
 class QListWidgetItem;
-class TreeView;
 struct Options;
 
 /// The main window. It builds the form, connects, and forwards: each slot is one call into the
