@@ -31,14 +31,21 @@ QString waitFor(SparkDownload& download, const std::function<void()>& start)
 
 } // namespace
 
-Spark_Http::Spark_Http() : m_manager(new QNetworkAccessManager(this))
+Spark_Http::Spark_Http() = default;
+
+/// Made for the first request: it starts threads of its own, which the window need not wait for.
+QNetworkAccessManager& Spark_Http::manager()
 {
-    m_manager->setTransferTimeout(TransferLimitMs);
+    if (!m_manager) {
+        m_manager = new QNetworkAccessManager(this);
+        m_manager->setTransferTimeout(TransferLimitMs);
+    }
+    return *m_manager;
 }
 
 QString Spark_Http::get(const QString& type, const QString& url, bool isblocking)
 {
-    QNetworkReply* reply = m_manager->get(httpRequest(url));
+    QNetworkReply* reply = manager().get(httpRequest(url));
     reply->setProperty("type", type);
     reply->setProperty("isblocking", isblocking);
     connect(reply, &QNetworkReply::finished, this, &Spark_Http::R_finished);

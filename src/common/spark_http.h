@@ -45,6 +45,7 @@ private slots:
 private:
     friend class UISingleton<Spark_Http>;
     Spark_Http();
+    QNetworkAccessManager& manager();
 
-    QNetworkAccessManager* m_manager;
+    QNetworkAccessManager* m_manager = nullptr;
 };
