@@ -3,12 +3,33 @@
 
 #include "common/json_map.h"
 
+namespace
+{
+
+const QString typeKey = QStringLiteral("type");
+const QString idKey = QStringLiteral("id");
+const QString deviceIpKey = QStringLiteral("deviceip");
+const QString bodyKey = QStringLiteral("body");
+
+} // namespace
+
+QVariantMap HttpResult::toMap(const QString& type, const QString& id, const QString& deviceIp,
+                              const QString& body)
+{
+    return {{typeKey, type}, {idKey, id}, {deviceIpKey, deviceIp}, {bodyKey, body}};
+}
+
+QString HttpResult::typeOf(const QVariantMap& map)
+{
+    return map.value(typeKey).toString();
+}
+
 HttpResult HttpResult::fromMap(const QVariantMap& map)
 {
     HttpResult result;
-    result.type = map.value(QStringLiteral("type")).toString();
-    result.deviceIp = map.value(QStringLiteral("deviceip")).toString();
-    result.body = map.value(QStringLiteral("body")).toString();
+    result.type = typeOf(map);
+    result.deviceIp = map.value(deviceIpKey).toString();
+    result.body = map.value(bodyKey).toString();
     const QVariantMap reply = jsonToMap(result.body);
     result.parameterName = reply.value(QStringLiteral("param_name")).toString();
     result.value = reply.value(QStringLiteral("value"));

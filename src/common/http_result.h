@@ -12,6 +12,10 @@ struct HttpResult {
     QString parameterName; ///< "param_name" of the reply, empty when it has none
     QVariant value;        ///< "value" of the reply, invalid when it has none
 
-    /// `map` is what Spark_Http::S_finished carries.
+    /// What Spark_Http::S_finished carries; `id` tells one request from another.
+    static QVariantMap toMap(const QString& type, const QString& id, const QString& deviceIp,
+                             const QString& body);
     static HttpResult fromMap(const QVariantMap& map);
+    /// The routing word alone, without decoding the body.
+    static QString typeOf(const QVariantMap& map);
 };

@@ -2,6 +2,7 @@
 #include "common/spark_http.h"
 
 #include "common/http_request.h"
+#include "common/http_result.h"
 #include "common/operation_log.h"
 #include "common/spark_download.h"
 
@@ -97,10 +98,7 @@ void Spark_Http::R_finished()
             static_cast<QEventLoop*>(loop.data())->quit();
         }
     } else {
-        emit S_finished({{QStringLiteral("type"), reply->property("type").toString()},
-                         {QStringLiteral("id"), id},
-                         {QStringLiteral("deviceip"), host},
-                         {QStringLiteral("body"), body}});
+        emit S_finished(HttpResult::toMap(reply->property("type").toString(), id, host, body));
     }
 
     if (!body.isEmpty()) {

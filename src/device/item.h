@@ -107,13 +107,14 @@ public:
     bool isUpgrading() const;
     /// The upload was refused or the time has run out; a later try may still succeed.
     bool hasTimedOut() const;
-    void setTimedOut(bool timedOut);
     bool hasSucceeded() const;
     /// The box has the whole package.
     bool isUploaded() const;
     /// What is left of the allowance, in its seconds.
     int secondsLeft() const;
-    void setSecondsLeft(int seconds);
+    /// One of its seconds has passed: one less is left, or, when none was, it has timed out. False
+    /// when the box is not under way, so that nothing changed.
+    bool countDown();
     /// Progress messages, oldest first.
     QStringList tips() const;
     /// Why the last upload failed, as the box put it; empty when none did.
@@ -169,6 +170,8 @@ private:
     void setDefaults();
     void setLevel(int level);
     void setUpgrading(bool upgrading);
+    void setTimedOut(bool timedOut);
+    void setSecondsLeft(int seconds);
     void setSucceeded(bool succeeded);
     void setUploaded(bool uploaded);
     void setActivated(bool activated);

@@ -45,6 +45,18 @@ void Item::startUpgrade(const QString& file, const QString& md5)
     emit upgradeChanged();
 }
 
+bool Item::countDown()
+{
+    if (!isUpgrading() || hasSucceeded())
+        return false;
+    const int left = secondsLeft();
+    if (left < 1)
+        setTimedOut(true);
+    else
+        setSecondsLeft(left - 1);
+    return true;
+}
+
 void Item::endUpgrade()
 {
     ++m_upgradeRun;

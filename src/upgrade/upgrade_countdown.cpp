@@ -26,16 +26,8 @@ void UpgradeCountdown::tick()
 {
     bool touched = false;
     const QList<Item*> items = m_devices.items();
-    for (Item* item : items) {
-        if (!item->isUpgrading() || item->hasSucceeded())
-            continue;
-        touched = true;
-        const int left = item->secondsLeft();
-        if (left < 1)
-            item->setTimedOut(true);
-        else
-            item->setSecondsLeft(left - 1);
-    }
+    for (Item* item : items)
+        touched = item->countDown() || touched;
     m_progress = qMin(m_progress + 1, m_maximum);
     if (touched)
         m_devices.announceLayout();

@@ -14,8 +14,8 @@ struct UpgradeCounts {
     bool allEnded() const { return upgrading == timedOut + successful; }
 };
 
-/// The upgrades in progress: how long each box still has, how many have come how far, and what of
-/// the allowance of all batches has gone. Whoever has the clock calls tick() once a second.
+/// The upgrades in progress: lets their boxes count down, says how many have come how far, and what
+/// of the allowance of all batches has gone. Whoever has the clock calls tick() once a second.
 class UpgradeCountdown
 {
 public:

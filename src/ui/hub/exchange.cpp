@@ -35,7 +35,7 @@ Exchange::ResultHandler Exchange::resultHandler(const QString& type) const
 
 void Exchange::deliverResult(const QVariantMap& map) const
 {
-    const ResultHandler handler = resultHandler(map.value(QStringLiteral("type")).toString());
+    const ResultHandler handler = resultHandler(HttpResult::typeOf(map));
     if (handler)
         handler(HttpResult::fromMap(map));
 }

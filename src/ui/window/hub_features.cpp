@@ -2,6 +2,7 @@
 #include "ui/window/hub_features.h"
 
 #include "common/spark_http.h"
+#include "crash/crash_handler.h"
 #include "device/item.h"
 #include "device/tree_view.h"
 #include "ui/configuration/configuration_parameters.h"
@@ -108,6 +109,20 @@ void Tarn_Hub::Features::connectRooms()
     QObject::connect(&upgrade, &UpgradeFeatures::koraWanted, &frame, &WindowFrame::showKora);
     QObject::connect(&updateCheck, &UpdateCheck::firmwareReady, &upgrade,
                      &UpgradeFeatures::noteFetchedPackage);
+}
+
+void Tarn_Hub::Features::start()
+{
+    frame.sizePanes();
+    frame.showStart();
+    language.chooseSystemLanguage();
+    updateCheck.start();
+    crashNotice->start(CrashHandler::instance().dumpFolder());
+    localAddresses.refresh();
+    upgrade.loadInterrupted();
+    devices->startSearch();
+    devices->checkStates();
+    frame.showNothingSelected();
 }
 
 bool Tarn_Hub::Features::mustNotEnd() const

@@ -39,6 +39,8 @@ struct Tarn_Hub::Features {
 
     /// What is between the rooms: who of one hears news of another.
     void connectRooms();
+    /// What the features begin with, once the window has its size.
+    void start();
 
     /// Boxes are being upgraded or get their settings back, or recordings are being downloaded.
     bool mustNotEnd() const;

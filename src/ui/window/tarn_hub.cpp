@@ -3,7 +3,6 @@
 
 #include "common/box_protocol.h"
 #include "common/spark_http.h"
-#include "crash/crash_handler.h"
 #include "device/item.h"
 #include "device/tree_view.h"
 #include "media/ffmpeg_widget.h"
@@ -43,18 +42,7 @@ Tarn_Hub::~Tarn_Hub()
 
 void Tarn_Hub::R_delayAction()
 {
-    m->frame.sizePanes();
-    m->frame.showStart();
-    m->language.chooseSystemLanguage();
-    m->updateCheck.start();
-    m->crashNotice->start(CrashHandler::instance().dumpFolder());
-    m->form.device_list->ui.md5->hide();
-    m->form.monitor_top->ui.widget_play_progress->hide();
-    refreshLocalIP();
-    m->upgrade.loadInterrupted();
-    m->devices->startSearch();
-    refreshDeviceState();
-    m->frame.showNothingSelected();
+    m->start();
 }
 
 void Tarn_Hub::retranslate()

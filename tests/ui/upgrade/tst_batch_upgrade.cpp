@@ -312,8 +312,10 @@ void tst_BatchUpgrade::survivesBeingKilled()
     program.start(QCoreApplication::applicationFilePath(), {"--as-program", "3", m_package});
     QTRY_COMPARE_WITH_TIMEOUT(m_boxes[1]->activity().reboots, 1, 20000);
     const QDir folder(m_fixture->dataFolder() + "upgrade");
-    QTRY_VERIFY(readFile(folder.filePath(folder.entryList({"*.json"}).value(0, "none")))
-                    .contains("\"Activated\""));
+    const auto journal = [&folder] {
+        return readFile(folder.filePath(folder.entryList({"*.json"}).value(0, "none")));
+    };
+    QTRY_VERIFY(journal().contains("\"Activated\"") && journal().count("\"Waiting\"") == 3);
     ::kill(pid_t(program.processId()), SIGKILL);
     program.waitForFinished();
     QTRY_VERIFY_WITH_TIMEOUT(m_boxes[1]->isOn(), 5000);
