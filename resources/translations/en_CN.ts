@@ -399,6 +399,10 @@
       <source>请您在设备列表中选择要操作的设备!</source>
       <translation>Please select the device to operate in the device list!</translation>
     </message>
+    <message>
+      <source>KORA %1 正在升级固件或恢复设置,请等待完成后再操作.</source>
+      <translation>The firmware of KORA %1 is being upgraded or its settings restored. Please wait until it is done.</translation>
+    </message>
   </context>
   <context>
     <name>InfoArea</name>

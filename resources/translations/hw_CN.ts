@@ -399,6 +399,10 @@
       <source>请您在设备列表中选择要操作的设备!</source>
       <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
     </message>
+    <message>
+      <source>KORA %1 正在升级固件或恢复设置,请等待完成后再操作.</source>
+      <translation>KORA %1의 펌웨어를 업그레이드하거나 설정을 복원하는 중입니다. 완료된 후 다시 시도하십시오.</translation>
+    </message>
   </context>
   <context>
     <name>InfoArea</name>

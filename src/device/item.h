@@ -105,6 +105,9 @@ public:
     // --- an upgrade of a box -------------------------------------------------------------------
 
     bool isUpgrading() const;
+    /// An upgrade has this box, until its story ends: nobody else may write to it or restart it.
+    bool isOwned() const { return m_owned || isUpgrading(); }
+    void setOwned(bool owned) { m_owned = owned; }
     /// The upload was refused or the time has run out; a later try may still succeed.
     bool hasTimedOut() const;
     bool hasSucceeded() const;
@@ -197,6 +200,7 @@ private:
     QPointer<QProcess> m_upload;
     QString m_uploadProblem;
     int m_place = 0;
+    bool m_owned = false;
 };
 
 /// The name of the family whose boxes the program configures.

@@ -5,6 +5,7 @@
 #include "common/command_runner.h"
 #include "device/device_registry.h"
 #include "device/item.h"
+#include "device/tree_model.h"
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
 #include "widgets/message_box.h"
@@ -37,12 +38,16 @@ void DeviceSelection::select(Item* item)
 
 void DeviceSelection::restart(Item* item)
 {
-    if (!item)
+    if (!item || !m_hub.isFree(*item))
         return;
     // Taken now: the box may leave the list while the question is open.
     const QString ip = item->address();
     const int answer = messageBox::ask(tr("确认要重启KORA设备吗? ") + ip, m_hub.window);
-    if (answer == messageBox::Confirmed)
+    if (answer != messageBox::Confirmed)
+        return;
+    // An upgrade may have begun while the question was open.
+    const Item* box = m_hub.devices.model().find(ip);
+    if (!box || m_hub.isFree(*box))
         m_hub.runner.execCurl(ip, BoxProtocol::rebootCommand(ip), {});
 }
 

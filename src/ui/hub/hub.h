@@ -22,6 +22,11 @@ public:
     /// The same, but when there is none the operator is asked to select one. That message blocks
     /// and serves events.
     Item* selectedDevice() const;
+    /// The same for what writes to the box or restarts it: null, after a message, too while an
+    /// upgrade has the box.
+    Item* freeDevice() const;
+    /// False, after a message, while an upgrade has `device`. It blocks and serves events.
+    bool isFree(const Item& device) const;
 
     HubState& state;
     DeviceRegistry& devices;
