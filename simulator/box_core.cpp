@@ -42,11 +42,14 @@ BoxCore::BoxCore(const BoxSetup& setup, Reports reports)
     , m_live(this)
     , m_srt(this)
     , m_wake(this)
+    , m_change(this)
     , m_lease(m_setup.address)
     , m_address(m_setup.address)
 {
     m_wake.setSingleShot(true);
     connect(&m_wake, &QTimer::timeout, this, &BoxCore::wake);
+    m_change.setSingleShot(true);
+    connect(&m_change, &QTimer::timeout, this, [this] { install(m_nextVersion); });
     connect(&m_recorder, &Recorder::over, this, &BoxCore::keepRecording);
     if (!m_setup.recordingsDir.isEmpty())
         QDir().mkpath(m_setup.recordingsDir);
@@ -65,6 +68,7 @@ bool BoxCore::plugIn()
 void BoxCore::unplug()
 {
     m_wake.stop();
+    breakChange();
     closePorts();
     setPower(Power::Off);
 }
@@ -81,6 +85,18 @@ bool BoxCore::moveTo(const QString& address)
     m_state.setParameter(QStringLiteral("eParam_IPAddress"), address);
     setAddress(address);
     return !wasOn || powerOn();
+}
+
+bool BoxCore::rebootTo(const QString& address)
+{
+    if (!mayUse(address)) {
+        m_error = QStringLiteral("%1 is no loopback address").arg(address);
+        return false;
+    }
+    m_lease = address;
+    m_state.setParameter(QStringLiteral("eParam_IPAddress"), address);
+    reboot();
+    return true;
 }
 
 void BoxCore::reboot()
@@ -101,19 +117,50 @@ void BoxCore::restartSoftware()
 
 void BoxCore::changeFirmware(const QString& version)
 {
-    QMetaObject::invokeMethod(this, [this, version] { install(version); });
+    QMetaObject::invokeMethod(this, [this, version] { beginChange(version); });
+}
+
+void BoxCore::beginChange(const QString& version)
+{
+    breakChange();
+    const auto slow = m_faults.strike(FaultKind::OtaSlow, {QStringLiteral("ota")});
+    if (!slow) {
+        install(version);
+        return;
+    }
+    m_nextVersion = version;
+    m_state.changeActivity([](BoxActivity& activity) { activity.changingFirmware = true; });
+    m_change.start(int(slow->amountOrDefault()));
+}
+
+void BoxCore::breakChange()
+{
+    if (!m_change.isActive())
+        return;
+    m_change.stop();
+    m_state.changeActivity([](BoxActivity& activity) {
+        activity.changingFirmware = false;
+        ++activity.brokenChanges;
+    });
 }
 
 void BoxCore::install(const QString& version)
 {
     const QStringList tags = {QStringLiteral("ota")};
-    if (!m_faults.strike(FaultKind::OtaOldVersion, tags))
-        m_state.setParameter(QStringLiteral("eParam_FirmVersion"), version);
+    const auto older = m_faults.strike(FaultKind::OtaFallsBack, tags);
+    if (!m_faults.strike(FaultKind::OtaOldVersion, tags)) {
+        m_state.setParameter(QStringLiteral("eParam_FirmVersion"), older ? older->text : version);
+    }
     if (m_faults.strike(FaultKind::OtaLosesSettings, tags))
         m_state.loseSettings();
+    if (const auto reset = m_faults.strike(FaultKind::OtaResets, tags))
+        m_state.resetSettings(reset->text.split(QLatin1Char(' ')));
     if (const auto move = m_faults.strike(FaultKind::OtaMoves, tags))
         m_lease = mayUse(move->text) ? move->text : m_lease;
-    m_state.changeActivity([](BoxActivity& activity) { ++activity.reboots; });
+    m_state.changeActivity([](BoxActivity& activity) {
+        activity.changingFirmware = false;
+        ++activity.reboots;
+    });
     goDown(Power::Rebooting, m_setup.rebootMs);
     if (m_faults.strike(FaultKind::OtaStaysAway, tags)) {
         m_wake.stop();
@@ -126,6 +173,7 @@ void BoxCore::goDown(Power meanwhile, int ms)
     if (m_power == Power::Off) {
         return; // the plug was pulled first
     }
+    breakChange();
     closePorts(); // first: who hears that the box is gone finds it gone
     setPower(meanwhile);
     m_wake.start(ms);

@@ -40,6 +40,8 @@ public:
     bool plugIn();
     void unplug();
     bool moveTo(const QString& address);
+    /// Reboots and comes back there; a box that is off comes back there when it is plugged in.
+    bool rebootTo(const QString& address);
     void reboot() override; // any thread
     /// Opens or closes what the present faults ask for.
     void applyFaults();
@@ -76,6 +78,8 @@ private:
     bool powerOn();
     void goDown(Power meanwhile, int ms);
     void wake();
+    void beginChange(const QString& version);
+    void breakChange();
     void install(const QString& version);
     bool openPorts();
     void closePorts();
@@ -100,6 +104,8 @@ private:
     std::unique_ptr<HttpServer> m_apiServer;
     std::unique_ptr<HttpServer> m_webServer;
     QTimer m_wake;
+    QTimer m_change; // runs while a slow change of firmware goes on
+    QString m_nextVersion;
     Power m_power = Power::Off;
     QString m_lease; // the address that the network gives it
     QString m_error;

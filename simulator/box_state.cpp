@@ -61,6 +61,13 @@ void BoxState::loseSettings()
     m_parameters = settings;
 }
 
+void BoxState::resetSettings(const QStringList& names)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    for (const QString& name : names)
+        m_parameters.insert(name, m_factory.value(name));
+}
+
 QStringList BoxState::decodeSources() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);

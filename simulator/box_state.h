@@ -31,6 +31,8 @@ struct BoxActivity {
     QString recordingFile;          ///< file being recorded, empty: none
     int reboots = 0;                ///< since it was made, by command, firmware change or reboot()
     int restarts = 0;               ///< of its software only
+    bool changingFirmware = false;  ///< took the order and has not gone yet ("ota-slow")
+    int brokenChanges = 0;          ///< changes of firmware that a restart or power cut ended
 };
 
 /// A recording on a box.
@@ -52,6 +54,8 @@ public:
     QMap<QString, QString> parameters() const;
     /// Forgets every change made since the box left the factory; version and MAC address stay.
     void loseSettings();
+    /// Forgets the changes of these settings only.
+    void resetSettings(const QStringList& names);
 
     QStringList decodeSources() const;
     void setDecodeSources(const QStringList& sources);

@@ -9,10 +9,14 @@ namespace sim
 namespace
 {
 
+/// What a bare word of a line is.
+enum class Bare { Target, Text, Texts };
+
 struct KindRow {
     FaultKind kind;
     const char* word;
     qint64 amount; // default; -1: the kind has none
+    Bare bare = Bare::Target;
 };
 
 constexpr KindRow kindRows[] = {
@@ -28,15 +32,21 @@ constexpr KindRow kindRows[] = {
     {FaultKind::ValueAsNumber, "number", -1},
     {FaultKind::ValueAsArray, "array", -1},
     {FaultKind::ValueMissing, "no-value", -1},
+    {FaultKind::Unknown, "unknown", -1},
     {FaultKind::Text, "text", -1},
     {FaultKind::Fail, "fail", -1},
+    {FaultKind::LateAnswer, "late", 5000},
+    {FaultKind::NoAnswer, "unanswered", -1},
     {FaultKind::WrongMd5, "wrong-md5", -1},
     {FaultKind::CutUpload, "cut-upload", 60},
     {FaultKind::Throttle, "throttle", 100 * 1000},
+    {FaultKind::OtaSlow, "ota-slow", 30 * 1000},
     {FaultKind::OtaStaysAway, "ota-stays-away", -1},
     {FaultKind::OtaOldVersion, "ota-old-version", -1},
+    {FaultKind::OtaFallsBack, "ota-falls-back", -1, Bare::Text},
     {FaultKind::OtaLosesSettings, "ota-loses-settings", -1},
-    {FaultKind::OtaMoves, "ota-moves", -1},
+    {FaultKind::OtaResets, "ota-resets", -1, Bare::Texts},
+    {FaultKind::OtaMoves, "ota-moves", -1, Bare::Text},
     {FaultKind::Flood, "flood", 2000},
     {FaultKind::NoPing, "no-ping", -1},
 };
@@ -109,16 +119,16 @@ std::optional<Fault> parseFault(const QString& line, QString* error)
             fault.strikes = words.takeFirst().toInt(&isNumber);
             if (!isNumber || fault.strikes < 1)
                 return refuseLine(error, QStringLiteral("\"times\" needs a number from 1 up"));
-        } else if (fault.kind == FaultKind::OtaMoves) {
-            fault.text = word;
-        } else if (fault.target.isEmpty()) {
+        } else if (row->bare == Bare::Texts || (row->bare == Bare::Text && fault.text.isEmpty())) {
+            fault.text += (fault.text.isEmpty() ? QString() : QStringLiteral(" ")) + word;
+        } else if (row->bare == Bare::Target && fault.target.isEmpty()) {
             fault.target = word;
         } else {
             return refuseLine(error, QStringLiteral("\"%1\" is one word too many").arg(word));
         }
     }
-    if (fault.kind == FaultKind::OtaMoves && fault.text.isEmpty())
-        return refuseLine(error, QStringLiteral("\"ota-moves\" needs an address"));
+    if (row->bare != Bare::Target && fault.text.isEmpty())
+        return refuseLine(error, QStringLiteral("\"%1\" needs a word").arg(kindWord));
     return fault;
 }
 

@@ -25,14 +25,20 @@ enum class FaultKind {
     ValueAsNumber, ///< "number": "value" is a JSON number
     ValueAsArray,  ///< "array": "value" is a JSON array
     ValueMissing,  ///< "no-value": "value" is left out
+    Unknown,       ///< "unknown": has no such parameter, neither to read nor to write
     Text,          ///< "text": "value", and what feeds and lists carry, is `text` (hostile text)
     Fail,          ///< "fail": writes and actions end in the status `text` ("failed")
-    WrongMd5,      ///< "wrong-md5": the upload's digest is a wrong one
-    CutUpload,     ///< "cut-upload": closes after `amount` percent of the upload (60)
-    Throttle,      ///< "throttle": uploads and downloads run at `amount` bytes/s (100,000)
-    OtaStaysAway,  ///< "ota-stays-away": never comes back from the firmware change
-    OtaOldVersion, ///< "ota-old-version": comes back with the version it had
+    LateAnswer, ///< "late": writes and actions are done at once, answered after `amount` ms (5000)
+    NoAnswer,   ///< "unanswered": writes and actions are done at once, but never answered
+    WrongMd5,   ///< "wrong-md5": the upload's digest is a wrong one
+    CutUpload,  ///< "cut-upload": closes after `amount` percent of the upload (60)
+    Throttle,   ///< "throttle": uploads and downloads run at `amount` bytes/s (100,000)
+    OtaSlow,    ///< "ota-slow": answers on, unchanged, for `amount` ms (30,000) before it goes
+    OtaStaysAway,     ///< "ota-stays-away": never comes back from the firmware change
+    OtaOldVersion,    ///< "ota-old-version": comes back with the version it had
+    OtaFallsBack,     ///< "ota-falls-back": comes back with the version `text`
     OtaLosesSettings, ///< "ota-loses-settings": comes back with the settings of the factory
+    OtaResets,        ///< "ota-resets": the settings named in `text` come back as from the factory
     OtaMoves,         ///< "ota-moves": comes back under the address `text`
     Flood,            ///< "flood": both event feeds send `amount` messages a second (2000)
     NoPing,           ///< "no-ping": does not answer ping, though everything else works
@@ -60,7 +66,8 @@ QStringList faultWords();
 
 /// Reads "slow 3000 on reboot times 2", "fail eParam_NDIName", "ota-moves 127.77.0.99". After the
 /// kind a number is the amount, "on" names the target, "times" the number of strikes and "as"
-/// begins a text that runs to the end. A bare word is the text for "ota-moves", else the target.
+/// begins a text that runs to the end. A bare word is the text for "ota-moves", "ota-falls-back"
+/// and, any number of them, "ota-resets", which must have one; else it is the target.
 /// No value when the line is not understood; `error` then tells why.
 std::optional<Fault> parseFault(const QString& line, QString* error = nullptr);
 /// The line that parseFault() reads back as `fault`.

@@ -93,6 +93,19 @@ void spoilReply(FaultList* faults, const QStringList& tags, HttpReply* reply)
     }
 }
 
+void holdReply(FaultList* faults, const QStringList& tags, HttpWire* wire, HttpReply* reply)
+{
+    const auto late = faults->strike(FaultKind::LateAnswer, tags);
+    const bool never = faults->strike(FaultKind::NoAnswer, tags).has_value();
+    if (!late && !never)
+        return;
+    if (reply->afterwards)
+        reply->afterwards();
+    reply->afterwards = nullptr;
+    if (!wire->wait(never ? -1 : int(late->amountOrDefault())) || never)
+        *reply = cutReply();
+}
+
 QString failureWord(FaultList* faults, const QStringList& tags, const QString& usual)
 {
     const auto fail = faults->strike(FaultKind::Fail, tags);

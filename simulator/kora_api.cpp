@@ -153,7 +153,7 @@ HttpReply KoraApi::read(const QString& name, const HttpRequest& request)
         object.insert(key, names);
     } else if (name == QLatin1String("eParam_NDIDecodeList")) {
         object.insert(key, QJsonArray::fromStringList(m_state->decodeSources()));
-    } else if (m_state->hasParameter(name)) {
+    } else if (m_state->hasParameter(name) && !m_faults->strike(FaultKind::Unknown, tags)) {
         object.insert(key, m_state->parameter(name));
     } else {
         object.insert(QStringLiteral("status"), failed);
@@ -173,12 +173,14 @@ HttpReply KoraApi::write(const QMap<QString, QString>& fields, const HttpRequest
         return cutReply();
     QString status = failureWord(m_faults, tags, setFailed);
     if (status.isEmpty()) {
-        status = isAcceptable(name, value) ? QStringLiteral("set success") : setFailed;
+        const bool takes = isAcceptable(name, value) && !m_faults->strike(FaultKind::Unknown, tags);
+        status = takes ? QStringLiteral("set success") : setFailed;
         if (status != setFailed)
             m_state->setParameter(name, value);
     }
     HttpReply reply = jsonReply({{QStringLiteral("status"), status}});
     spoilReply(m_faults, tags, &reply);
+    holdReply(m_faults, tags, request.wire, &reply);
     return reply;
 }
 
@@ -200,6 +202,7 @@ HttpReply KoraApi::control(const HttpRequest& request)
     HttpReply reply = jsonReply(object);
     reply.afterwards = afterwards;
     spoilReply(m_faults, tags, &reply);
+    holdReply(m_faults, tags, request.wire, &reply);
     return reply;
 }
 
@@ -311,6 +314,7 @@ HttpReply KoraApi::upload(const HttpRequest& request)
     object.insert(QStringLiteral("status"), status);
     HttpReply reply = jsonReply(object);
     spoilReply(m_faults, tags, &reply);
+    holdReply(m_faults, tags, request.wire, &reply);
     return reply;
 }
 

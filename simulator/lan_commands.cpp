@@ -55,7 +55,8 @@ QString LanCommands::help()
                           "plug IP                 power on\n"
                           "reboot IP               reboot without being told by a client\n"
                           "move IP NEWIP           another address, as from a DHCP server\n"
-                          "set IP NAME VALUE       change a parameter on the box\n"
+                          "swap IP IP2             two reboot and exchange addresses\n"
+                          "set IP NAME VALUE       change any parameter on the box\n"
                           "fault IP FAULT [AMOUNT] [on TARGET] [times N] [as TEXT]\n"
                           "clear IP                take all faults away\n"
                           "log IP                  the requests it got\n"
@@ -102,6 +103,14 @@ LanCommands::Answer LanCommands::onBox(const QString& command, const QString& ad
         if (m_lan->find(rest.first()) != nullptr)
             return refuse(QStringLiteral("%1 is taken").arg(rest.first()));
         return box->moveTo(rest.first()) ? Answer{} : refuse(box->errorString());
+    }
+    if (command == QLatin1String("swap") && rest.size() == 1) {
+        VirtualBox* const other = m_lan->find(rest.first());
+        if (other == nullptr || other == box)
+            return refuse(QStringLiteral("no other box at %1").arg(rest.first()));
+        box->rebootTo(other->address());
+        other->rebootTo(address);
+        return {};
     }
     if (command == QLatin1String("set") && rest.size() >= 2) {
         box->setParameter(rest.first(), rest.mid(1).join(QLatin1Char(' ')));

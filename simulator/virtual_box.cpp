@@ -98,6 +98,13 @@ bool VirtualBox::moveTo(const QString& address)
     return done;
 }
 
+bool VirtualBox::rebootTo(const QString& address)
+{
+    bool done = false;
+    m_thread->run([&] { done = m_core->rebootTo(address); });
+    return done;
+}
+
 void VirtualBox::reboot()
 {
     m_thread->run([this] { m_core->reboot(); });

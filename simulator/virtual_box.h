@@ -65,6 +65,9 @@ public:
     /// Takes another address, as if a DHCP server had given it; a box that is on is on there when
     /// this returns. False: the address is not free or not allowed, and the box is off.
     bool moveTo(const QString& address);
+    /// Reboots, and comes back under another address, which may still be another's now. False when
+    /// that one is not allowed.
+    bool rebootTo(const QString& address);
     /// As the command "reboot" does it, but without a command.
     void reboot();
 

@@ -38,6 +38,8 @@ private slots:
     void noPing();
     void uploadIsCut();
     void throttledDownload();
+    void ordersDoneButNotAnswered();
+    void slowChangeOver();
     void otaFaults_data();
     void otaFaults();
 
@@ -96,6 +98,7 @@ void tst_BoxFaults::replies_data()
     row("hostile list", "text as <i>x", "eParam_RecordList", "list of <i>x");
     row("half a reply", "hang-up", "eParam_DeviceName", "broken off: 18");
     row("not a word", "hang-up 0", "eParam_DeviceName", "no answer");
+    row("not there", "unknown", "eParam_NDIHDR", "no value");
     row("HTTP error", "http-error 503", "eParam_DeviceName", "no JSON");
 }
 
@@ -221,22 +224,54 @@ void tst_BoxFaults::runOta()
     QTRY_VERIFY(!m_box->isReachable());
 }
 
+void tst_BoxFaults::ordersDoneButNotAnswered()
+{
+    QVERIFY(m_box->addFault("late 300 on eParam_SDIVolume"));
+    QVERIFY(m_box->addFault("unanswered on ota"));
+    const CurlResult late = writeParameter(home, "eParam_SDIVolume", "9");
+    QCOMPARE(late.status(), "set success");
+    QVERIFY2(late.ms >= 300, qPrintable(QString::number(late.ms)));
+    QCOMPARE(upload(home, firmware(1000)).status(), "success");
+    QVERIFY(command(home, "ota").exitCode != 0);
+    QTRY_COMPARE(valueOf(home, "eParam_FirmVersion"), "3.0.0.1");
+}
+
+void tst_BoxFaults::slowChangeOver()
+{
+    const QString before = m_box->parameter("eParam_FirmVersion");
+    QVERIFY(m_box->addFault("ota-slow 400 times 2"));
+    for (const char* order : {"reboot", "hxdec_off"}) { // the first ends it, the other does not
+        QCOMPARE(upload(home, firmware(1000)).status(), "success");
+        QCOMPARE(command(home, "ota").status(), "success");
+        QTRY_VERIFY(m_box->activity().changingFirmware);
+        QCOMPARE(valueOf(home, "eParam_FirmVersion"), before);
+        QCOMPARE(command(home, order).status(), "success");
+        QTRY_VERIFY(!m_box->isReachable());
+        QTRY_VERIFY(m_box->isOn());
+        QVERIFY(!m_box->activity().changingFirmware);
+        QCOMPARE(valueOf(home, "eParam_FirmVersion") == before, QString("reboot") == order);
+    }
+    QCOMPARE(m_box->activity().brokenChanges, 1);
+}
+
 void tst_BoxFaults::otaFaults_data()
 {
     // "address": where it comes back, empty: nowhere
-    columns<QString, QString, bool, bool>("fault", "address", "newVersion", "keepsSettings");
-    row("none", "", home, true, true);
-    row("stays away", "ota-stays-away", "", true, true);
-    row("old version", "ota-old-version", home, false, true);
-    row("loses settings", "ota-loses-settings", home, true, false);
-    row("moves", "ota-moves " TEST_BLOCK ".9", TEST_BLOCK ".9", true, true);
+    columns<QString, QString, QString, bool>("fault", "address", "version", "keepsSettings");
+    row("none", "", home, "3.0.0.1", true);
+    row("stays away", "ota-stays-away", "", "3.0.0.1", true);
+    row("old version", "ota-old-version", home, "1.2.0.517", true);
+    row("falls back", "ota-falls-back 1.1.0.9", home, "1.1.0.9", true);
+    row("loses settings", "ota-loses-settings", home, "3.0.0.1", false);
+    row("resets one", "ota-resets eParam_DHCP eParam_NTPServer", home, "3.0.0.1", false);
+    row("resets another", "ota-resets eParam_DHCP", home, "3.0.0.1", true);
+    row("moves", "ota-moves " TEST_BLOCK ".9", TEST_BLOCK ".9", "3.0.0.1", true);
 }
 
 void tst_BoxFaults::otaFaults()
 {
     QFETCH(QString, fault);
     QFETCH(QString, address);
-    QFETCH(bool, newVersion);
     QFETCH(bool, keepsSettings);
     QVERIFY(fault.isEmpty() || m_box->addFault(fault));
     const QString mac = m_box->parameter("eParam_MACAddress");
@@ -247,7 +282,7 @@ void tst_BoxFaults::otaFaults()
         return;
     }
     QTRY_VERIFY(m_box->isOn());
-    QCOMPARE(valueOf(address, "eParam_FirmVersion") == "3.0.0.1", newVersion);
+    QTEST(valueOf(address, "eParam_FirmVersion"), "version");
     QCOMPARE(valueOf(address, "eParam_NTPServer") == "time.example", keepsSettings);
     QCOMPARE(valueOf(address, "eParam_MACAddress"), mac);
 }

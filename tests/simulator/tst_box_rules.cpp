@@ -60,6 +60,10 @@ void tst_BoxRules::faultLines_data()
         "fail on write+eParam_DHCP times 2 as no such luck");
     row("address", "ota-moves 127.77.0.9", "ota-moves as 127.77.0.9");
     row("no address", "ota-moves", "");
+    row("version", "ota-falls-back 1.1.0.9 times 1", "ota-falls-back times 1 as 1.1.0.9");
+    row("two versions", "ota-falls-back 1.1.0.9 1.1.0.8", "");
+    row("names", "ota-resets eParam_DHCP eParam_IPAddress",
+        "ota-resets as eParam_DHCP eParam_IPAddress");
     row("unknown word", "sluggish 3", "");
     row("nothing", "  ", "");
     row("too many words", "fail a b", "");

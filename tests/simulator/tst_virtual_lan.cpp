@@ -72,6 +72,7 @@ private slots:
     void plansThatDoNotFit();
     void pluggedFileFollowsTheBoxes();
     void lineCommands();
+    void boxesSwapAddresses();
     void scenario();
     void wrongScenarios_data();
     void wrongScenarios();
@@ -151,6 +152,28 @@ void tst_VirtualLan::lineCommands()
         const LanCommands::Answer answer = commands.run(wrong);
         QVERIFY2(!answer.ok && !answer.text.isEmpty(), wrong);
     }
+}
+
+void tst_VirtualLan::boxesSwapAddresses()
+{
+    VirtualLan lan;
+    QVERIFY(lan.populate(plan(TEST_BLOCK ".0/24", 2)));
+    QVERIFY(lan.plugInAll());
+    LanCommands commands(&lan);
+    VirtualBox* const box = lan.find(TEST_BLOCK ".11");
+    VirtualBox* const other = lan.find(TEST_BLOCK ".12");
+    const QString mac = box->parameter("eParam_MACAddress");
+    other->setRebootTime(400, 400); // one is back while the other is still away
+    QVERIFY(commands.run("swap " TEST_BLOCK ".11 " TEST_BLOCK ".12").ok);
+    QVERIFY(!box->isReachable() && !other->isReachable());
+    QTRY_VERIFY(box->isOn() && other->isOn());
+    QCOMPARE(valueOf(TEST_BLOCK ".12", "eParam_MACAddress"), mac);
+    QVERIFY(valueOf(TEST_BLOCK ".11", "eParam_MACAddress") != mac);
+    // Twins, and a version that somebody else changed.
+    QVERIFY(commands.run("set " TEST_BLOCK ".11 eParam_MACAddress " + mac).ok);
+    QVERIFY(commands.run("set " TEST_BLOCK ".11 eParam_FirmVersion 9.9").ok);
+    QCOMPARE(valueOf(TEST_BLOCK ".11", "eParam_MACAddress"), mac);
+    QCOMPARE(valueOf(TEST_BLOCK ".11", "eParam_FirmVersion"), "9.9");
 }
 
 void tst_VirtualLan::scenario()
