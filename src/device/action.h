@@ -25,5 +25,8 @@ enum class Action : int {
 
 Q_DECLARE_METATYPE(Action)
 
-/// The last code that is reported as it is; a click on any zone above selects the row.
-constexpr int lastOwnActionCode = 55;
+/// A click on a zone with such a code is reported as it is; on any other it selects the row.
+constexpr bool isOwnAction(Action zone)
+{
+    return static_cast<int>(zone) <= 55;
+}

@@ -15,10 +15,13 @@ namespace
 const char* const frameColour = "#303030";
 const char* const selectedColour = "#32ffffff";
 const char* const hoverColour = "#656565";
+const char* const markColour = "#4fb4c6";
 const char* const goodColour = "#3200ff00";
 const char* const badColour = "#32ff0000";
 const char* const textColour = "#e8eaed";
 const char* const dimTextColour = "#a9b0b8";
+
+constexpr int markWidth = 4;
 
 QColor colour(const char* name)
 {
@@ -67,7 +70,9 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const Item& item = *TreeModel::itemAt(index);
     const QRect row = option.rect;
     const bool selected = option.state & QStyle::State_Selected;
-    const bool hovered = option.state & QStyle::State_MouseOver;
+    // A group is never highlighted: the keys would leave no trace on it.
+    const bool hasKeys = item.isGroup() && option.state & QStyle::State_HasFocus;
+    const bool hovered = option.state & QStyle::State_MouseOver || hasKeys;
 
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
@@ -81,6 +86,8 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->drawRect(row);
 
     paintUpgrade(*painter, row, item);
+    if (&item == m_marked && item.isDevice())
+        painter->fillRect(QRect(row.topLeft(), QSize(markWidth, row.height())), colour(markColour));
     const RowZones zones(row, item, m_view->isExpanded(index));
     paintIcons(*painter, zones, selected || hovered);
     painter->setFont(option.font);
@@ -149,7 +156,6 @@ bool TreeDelegate::editorEvent(QEvent* event, QAbstractItemModel*, const QStyleO
     if (mouse->button() != Qt::LeftButton)
         return false;
     const Action zone = zones(index).at(mouse->pos());
-    const bool own = static_cast<int>(zone) <= lastOwnActionCode;
-    emit S_ActionClicked(own ? zone : Action::Select, TreeModel::itemAt(index));
+    emit S_ActionClicked(isOwnAction(zone) ? zone : Action::Select, TreeModel::itemAt(index));
     return false;
 }

@@ -20,6 +20,8 @@ public:
     /// `view` is the view it paints for; it stays alive as long as the delegate.
     explicit TreeDelegate(QTreeView* view);
 
+    /// The box whose row is marked among the highlighted ones; null: none.
+    void setMarked(const Item* box) { m_marked = box; }
     /// Where everything stands in the visible row of `index`.
     RowZones zones(const QModelIndex& index) const;
 
@@ -41,5 +43,6 @@ private:
     void paintIcon(QPainter& painter, const QRect& rect, const QString& name) const;
 
     QTreeView* m_view;
+    const Item* m_marked = nullptr; // compared, never followed
     mutable QHash<QString, QIcon> m_icons;
 };

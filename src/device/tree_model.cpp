@@ -178,7 +178,9 @@ QVariant TreeModel::data(const QModelIndex& index, int role) const
 
 Qt::ItemFlags TreeModel::flags(const QModelIndex& index) const
 {
-    return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags;
+    if (!index.isValid())
+        return Qt::NoItemFlags;
+    return itemAt(index)->isGroup() ? Qt::ItemIsEnabled : Qt::ItemIsEnabled | Qt::ItemIsSelectable;
 }
 
 QStringList TreeModel::mimeTypes() const

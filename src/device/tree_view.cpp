@@ -24,6 +24,13 @@ TreeView::TreeView(QWidget* parent)
     m_autoExTimer.setInterval(300);
     m_autoExTimer.setSingleShot(true);
     m_scrollTimer.setInterval(200);
+    // When all of a change has arrived, several rows taken out one by one included.
+    m_settleTimer.setInterval(0);
+    m_settleTimer.setSingleShot(true);
+    connect(&m_settleTimer, &QTimer::timeout, this, [this] {
+        if (state() != DragSelectingState)
+            settle();
+    });
     connect(&m_upgradeTimer, &QTimer::timeout, this, &TreeView::tickUpgrades);
     connect(&m_autoExTimer, &QTimer::timeout, this, &TreeView::R_autoExTimer);
     connect(&m_scrollTimer, &QTimer::timeout, this, &TreeView::R_scrollTimer);
@@ -145,6 +152,10 @@ void TreeView::R_customContextMenuRequested(QPoint pos)
 
 void TreeView::R_ActionClicked(Action type, Item* itemObj)
 {
+    if (m_isReleasing) {
+        m_click = {type, itemObj};
+        return;
+    }
     const QModelIndex index = m_model->indexOf(itemObj);
     if (type == Action::GroupExpanded)
         collapse(index);
@@ -162,8 +173,82 @@ void TreeView::R_clicked(QModelIndex)
 void TreeView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
 {
     QTreeView::selectionChanged(selected, deselected);
-    if (selectionModel()->selection().isEmpty() && !deselected.isEmpty())
-        emit S_ActionClicked(Action::Select, nullptr);
+    if (selectionModel()->selection().isEmpty())
+        settle();
+    else
+        m_settleTimer.start();
+}
+
+void TreeView::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QTreeView::currentChanged(current, previous);
+    m_settleTimer.start();
+}
+
+QItemSelectionModel::SelectionFlags TreeView::selectionCommand(const QModelIndex& index,
+                                                               const QEvent* event) const
+{
+    // Opening a group, or passing it by key, is about no box: those highlighted stay.
+    if (index.isValid() && TreeModel::itemAt(index)->isGroup())
+        return QItemSelectionModel::NoUpdate;
+    // Neither does a click on a row's icon end the selection that the row is part of.
+    if (event && event->type() == QEvent::MouseButtonRelease && index.isValid() &&
+        isOwnAction(m_delegate->zones(index).at(static_cast<const QMouseEvent*>(event)->pos())))
+        return QItemSelectionModel::NoUpdate;
+    return QTreeView::selectionCommand(index, event);
+}
+
+Item* TreeView::boxToAddress() const
+{
+    const QModelIndex current = currentIndex();
+    const QList<Item*> boxes = selectedBoxes();
+    if (current.isValid() && boxes.contains(TreeModel::itemAt(current)))
+        return TreeModel::itemAt(current);
+    return boxes.contains(m_addressed) ? m_addressed.data() : boxes.value(0);
+}
+
+void TreeView::settle()
+{
+    m_settleTimer.stop();
+    Item* const box = boxToAddress();
+    if (box == m_addressed && (box != nullptr) == m_isAddressing)
+        return;
+    m_addressed = box;
+    m_isAddressing = box != nullptr;
+    m_isTold = true;
+    m_delegate->setMarked(box);
+    viewport()->update();
+    emit S_ActionClicked(Action::Select, box);
+}
+
+void TreeView::mousePressEvent(QMouseEvent* event)
+{
+    m_isTold = false;
+    QTreeView::mousePressEvent(event);
+    // Of the left button the release decides, which may come after a drag; at the press of the
+    // right one a menu opens.
+    if (event->button() == Qt::RightButton)
+        settle();
+}
+
+void TreeView::mouseReleaseEvent(QMouseEvent* event)
+{
+    m_click = {};
+    m_isReleasing = true;
+    QTreeView::mouseReleaseEvent(event);
+    m_isReleasing = false;
+    settle();
+    act(m_click);
+}
+
+void TreeView::act(const Click& click)
+{
+    // A second click on the addressed box reads it again; one that only took a highlight away is
+    // no wish to see that box.
+    const bool wanted = click.type != Action::Select || (click.item && click.item->isGroup()) ||
+                        (click.item == m_addressed && !m_isTold);
+    if (click.item && wanted)
+        R_ActionClicked(click.type, click.item);
 }
 
 void TreeView::keyPressEvent(QKeyEvent* event)
@@ -175,11 +260,7 @@ void TreeView::keyPressEvent(QKeyEvent* event)
         return;
     }
     QTreeView::keyPressEvent(event);
-    // The box that the keys have moved to is shown, as after a click: what is highlighted and what
-    // the panels show must not differ.
-    const QModelIndex now = currentIndex();
-    if (now.isValid() && now != before && selectionModel()->isSelected(now))
-        R_ActionClicked(Action::Select, TreeModel::itemAt(now));
+    settle();
 }
 
 void TreeView::mouseMoveEvent(QMouseEvent* event)

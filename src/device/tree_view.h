@@ -12,7 +12,8 @@ class TreeDelegate;
 class TreeModel;
 
 /// A list of boxes under their groups, or of information rows. Owns its model and its delegate.
-/// Reports what the operator does; it changes no box.
+/// Reports what the operator does; it changes no box. One of the highlighted boxes is always the
+/// addressed one, which a mark shows: every change of it is reported, however it came about.
 class TreeView : public QTreeView
 {
     Q_OBJECT
@@ -39,8 +40,9 @@ public:
     void dragEnds();
 
 signals:
-    /// What a click or key asked for; `itemObj` is null when the selection became empty and for the
-    /// upgrade tick.
+    /// What a click or key asked for. `Action::Select` with a box: that one is addressed now, or
+    /// was clicked again; with null: none is, as none is highlighted. Null for the upgrade tick
+    /// too.
     void S_ActionClicked(Action type, Item* itemObj);
 
 public slots:
@@ -53,24 +55,45 @@ public slots:
 protected slots:
     void selectionChanged(const QItemSelection& selected,
                           const QItemSelection& deselected) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
 protected:
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
     bool viewportEvent(QEvent* event) override;
 
 private:
+    /// What the delegate says was clicked, kept until the click has had its effect.
+    struct Click {
+        Action type = Action::None;
+        QPointer<Item> item;
+    };
+
     void setUpView();
+    Item* boxToAddress() const;
+    /// Makes the box addressed that is to be; tells it when it is another.
+    void settle();
+    void act(const Click& click);
     void tickUpgrades();
     void showTip(const QModelIndex& index, const QPoint& globalPos);
 
     TreeModel* m_model;
     TreeDelegate* m_delegate;
     QTimer m_upgradeTimer;
+    QTimer m_settleTimer;
     QTimer m_autoExTimer;
     QTimer m_scrollTimer;
     QPoint m_dragPos;
     Action m_hoverZone = Action::None;
     QPersistentModelIndex m_hoverRow;
+    QPointer<Item> m_addressed;
+    bool m_isAddressing = false; ///< the last box told has not been taken back
+    bool m_isTold = false;       ///< since the mouse was pressed
+    bool m_isReleasing = false;
+    Click m_click;
 };

@@ -21,6 +21,7 @@ void DeviceSelection::select(Item* item)
 {
     if (!item) {
         m_pageShown = false;
+        m_hub.state.setDeviceIp(QString());
         emit nothingSelected();
         return;
     }

@@ -19,7 +19,7 @@ public:
     /// `window` carries the properties and outlives this object.
     explicit HubState(QObject* window) : m_window(window) {}
 
-    /// The selected box, the target of every operation; empty before the first selection.
+    /// The selected box, the target of every operation; empty while none is selected.
     QString deviceIp() const { return text("deviceip"); }
     void setDeviceIp(const QString& ip) { m_window->setProperty("deviceip", ip); }
 
