@@ -71,8 +71,11 @@ void DeviceRegistry::checkStates()
     const QList<Item*> boxes = devices();
     for (const Item* box : boxes)
         ips << box->address();
-    if (!ips.isEmpty())
-        newThread()->startRefreshDevice(ips);
+    if (!ips.isEmpty()) {
+        Spark_Thread* check = newThread();
+        check->setOrder(++m_checks);
+        check->startRefreshDevice(ips);
+    }
     QTimer::singleShot(checkPauseMs, this, &DeviceRegistry::checkStates);
 }
 
@@ -97,8 +100,11 @@ void DeviceRegistry::probe(const QStringList& ips)
     }
 }
 
-void DeviceRegistry::setReachable(const QStringList& ips)
+void DeviceRegistry::setReachable(const QStringList& ips, const Spark_Thread* check)
 {
+    const QStringList known = check ? check->asked() : QStringList();
+    const QSet<QString> asked(known.begin(), known.end());
+    const int order = check ? check->order() : ++m_checks;
     QSet<QString> alive;
     for (const QString& line : ips)
         alive << line.trimmed();
@@ -106,6 +112,11 @@ void DeviceRegistry::setReachable(const QStringList& ips)
     bool anyChange = false;
     const QList<Item*> boxes = devices();
     for (Item* box : boxes) {
+        // A long check overlaps the next, and boxes are filed meanwhile.
+        int& newest = m_newest[box->address()];
+        if ((check && !asked.contains(box->address())) || newest >= order)
+            continue;
+        newest = order;
         const bool online = alive.contains(box->address());
         if (box->isOnline() == online)
             continue;
@@ -142,6 +153,7 @@ void DeviceRegistry::addDevice(const QString& ip, const QString& name)
     }
     Item* box = Item::makeBox(ip).release();
     box->setPackageName(m_firmwareBaseName);
+    m_newest[ip] = m_checks; // it has just answered: what began before that is out of date
     m_model.append(box, group, false);
     emit changed();
     emit deviceAdded(box);

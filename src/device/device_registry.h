@@ -3,6 +3,7 @@
 
 #include "device/spark_thread.h"
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -37,8 +38,9 @@ public:
 
     /// Addresses that answered a ping: those not yet in the tree are probed for a box.
     void probe(const QStringList& ips);
-    /// Addresses that answered the check of all known boxes.
-    void setReachable(const QStringList& ips);
+    /// Addresses that answered a check. Only boxes that `check` asked are judged, and none by an
+    /// older check than one that judged it before; without `check` all were asked just now.
+    void setReachable(const QStringList& ips, const Spark_Thread* check = nullptr);
 
     /// The routing words of the two probes.
     static QString nameProbe() { return QStringLiteral("findDevice"); }
@@ -74,5 +76,7 @@ private:
     const SweepSettings m_settings;
     const Wire m_wire;
     QString m_firmwareBaseName;
+    int m_checks = 0;             // begun so far
+    QHash<QString, int> m_newest; // by address: this check and older ones say nothing new of it
     QList<QPointer<Spark_Thread>> m_threads;
 };

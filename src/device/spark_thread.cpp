@@ -152,6 +152,11 @@ void Spark_Thread::startRefreshDevice(const QStringList& ips)
     start(QThread::LowPriority);
 }
 
+QStringList Spark_Thread::asked() const
+{
+    return property("ips").toStringList();
+}
+
 void Spark_Thread::stop()
 {
     quit();
@@ -185,7 +190,7 @@ void Spark_Thread::refreshDevice()
                 quit();
             });
     QTimer::singleShot(checkLimitMs, &process, [&process] { process.kill(); });
-    startTool(process, m_settings.fping, checkArguments(property("ips").toStringList()));
+    startTool(process, m_settings.fping, checkArguments(asked()));
     // A tool that cannot start has already been reported, and quit() before exec() is honoured.
     exec();
     endTool(process);

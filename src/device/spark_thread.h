@@ -26,6 +26,10 @@ public:
     void startFindDevice();
     /// Asks `ips` once, then ends.
     void startRefreshDevice(const QStringList& ips);
+    /// The addresses of the check, and its place in the order in which checks began: 1, 2, ….
+    QStringList asked() const;
+    int order() const { return m_order; }
+    void setOrder(int order) { m_order = order; }
     /// Ends the run and its child processes and waits for that; takes a few milliseconds.
     void stop();
 
@@ -42,6 +46,7 @@ private:
     void refreshDevice();
 
     const SweepSettings m_settings;
+    int m_order = 0;
 };
 
 /// The computer's own IPv4 addresses, without 127.0.0.1, in the system's order.

@@ -88,7 +88,7 @@ void Tarn_Hub::R_findDeviceIP(QStringList ips)
 
 void Tarn_Hub::R_refreshDeviceIP(QStringList ips)
 {
-    m->devices->setReachable(ips);
+    m->devices->setReachable(ips, qobject_cast<Spark_Thread*>(sender()));
 }
 
 void Tarn_Hub::R_finished(QVariantMap map)
