@@ -14,6 +14,10 @@ namespace
 {
 
 const QString requestType = QStringLiteral("getDeviceinfo");
+/// A box answers ping some time before its interface does, so who it is may take more than one
+/// question: at most so many, with so long between them.
+constexpr int mostQuestions = 24;
+constexpr int questionPauseMs = 5000;
 
 /// In the order in which they are read and shown.
 constexpr QLatin1String informationParameters[] = {
@@ -57,18 +61,58 @@ DeviceInfo::DeviceInfo(const Hub& hub, TreeView* infoView)
 {
     hub.exchange.onResult(requestType, [this](const HttpResult& result) { handleReply(result); });
     connect(&hub.devices, &DeviceRegistry::deviceAdded, this, [this](const Item* item) {
-        if (item->isKora())
-            getDeviceinfo(item->address());
+        if (!item->isKora())
+            return;
+        expectAnswers(item->address());
+        getDeviceinfo(item->address());
     });
+    connect(&hub.devices, &DeviceRegistry::cameOnline, this, [this](const QString& ip) {
+        // Another box may have this address now, or another firmware.
+        const Item* item = m_hub.devices.model().find(ip);
+        if (!item || !item->isKora())
+            return;
+        expectAnswers(ip);
+        if (ip != m_hub.state.deviceIp()) // the selected one is read as a whole
+            getDeviceinfo(ip);
+    });
+    m_again.setInterval(questionPauseMs);
+    connect(&m_again, &QTimer::timeout, this, &DeviceInfo::askAgain);
     connect(&hub.state, &HubState::readingWanted, this, [this] { getDeviceinfo(QString()); });
+}
+
+void DeviceInfo::read(const QString& ip, const QString& parameter)
+{
+    m_hub.http.get(requestType, BoxProtocol::readUrl(ip, parameter), false);
+}
+
+void DeviceInfo::expectAnswers(const QString& ip)
+{
+    m_unknown[ip] = {};
+    if (!m_again.isActive())
+        m_again.start();
+}
+
+void DeviceInfo::askAgain()
+{
+    for (auto it = m_unknown.begin(); it != m_unknown.end();) {
+        const Item* box = m_hub.devices.model().find(it.key());
+        if (!box || it->unanswered.isEmpty() || ++it->questions >= mostQuestions) {
+            it = m_unknown.erase(it);
+            continue;
+        }
+        for (const QString& parameter : qAsConst(it->unanswered)) {
+            if (box->isOnline())
+                read(it.key(), parameter);
+        }
+        ++it;
+    }
+    if (m_unknown.isEmpty())
+        m_again.stop();
 }
 
 void DeviceInfo::getDeviceinfo(const QString& ip)
 {
     const QString selected = m_hub.state.deviceIp();
-    const auto read = [this](const QString& address, QLatin1String parameter) {
-        m_hub.http.get(requestType, BoxProtocol::readUrl(address, parameter), false);
-    };
     if (!ip.isEmpty() && ip != selected) {
         read(ip, BoxProtocol::FirmVersion);
         read(ip, BoxProtocol::MACAddress);
@@ -84,6 +128,9 @@ void DeviceInfo::handleReply(const HttpResult& result)
     if (placeOf(result.parameterName) < 0 || !result.value.isValid())
         return;
     const QString value = result.value.toString();
+    const auto unknown = m_unknown.find(result.deviceIp);
+    if (unknown != m_unknown.end())
+        unknown->unanswered.removeAll(result.parameterName);
     updateDevice(result, value);
     if (result.deviceIp == m_hub.state.deviceIp())
         showRow(result.parameterName, value);

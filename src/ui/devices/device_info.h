@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/box_protocol.h"
 #include "ui/hub/hub.h"
 
+#include <QHash>
 #include <QObject>
+#include <QStringList>
+#include <QTimer>
 
 class TreeView;
 struct HttpResult;
@@ -31,9 +35,20 @@ signals:
     void macReported(const QString& ip, const QString& mac);
 
 private:
+    /// What a box has still to tell of who it is.
+    struct Unknown {
+        QStringList unanswered{BoxProtocol::FirmVersion, BoxProtocol::MACAddress};
+        int questions = 1;
+    };
+
+    void expectAnswers(const QString& ip);
+    void askAgain();
+    void read(const QString& ip, const QString& parameter);
     void showRow(const QString& parameter, const QString& value);
     void updateDevice(const HttpResult& result, const QString& value);
 
     const Hub m_hub;
     TreeView* m_view;
+    QHash<QString, Unknown> m_unknown; // by address
+    QTimer m_again;
 };

@@ -106,23 +106,33 @@ void tst_Discovery::faultyHostsAreNoBoxes()
 void tst_Discovery::unpluggedBoxTurnsOfflineAndReturns()
 {
     sim::VirtualBox* box = m_fixture->addBox(7);
-    m_fixture->addBox(8);
-    m_fixture->openWith({7, 8});
+    sim::VirtualBox* other = m_fixture->addBox(8);
+    m_fixture->addBox(9);
+    m_fixture->openKnowing({7, 8, 9});
     m_fixture->clickRow(7);
     QTRY_COMPARE(m_fixture->information().size(), 6);
 
     box->unplug();
+    other->unplug();
     QElapsedTimer clock;
     clock.start();
     QTRY_VERIFY_WITH_TIMEOUT(!m_fixture->item(7)->property("online").toBool(), 15000);
     QVERIFY2(clock.elapsed() < 10500, qPrintable(QString::number(clock.elapsed())));
-    QVERIFY(m_fixture->item(8)->property("online").toBool());
+    QVERIFY(m_fixture->item(9)->property("online").toBool());
 
+    // Another box at the second address, which answers ping before its own interface does.
+    other->setParameter("eParam_MACAddress", "02:4B:4F:00:00:99");
+    other->setParameter("eParam_FirmVersion", "1.3.0.1");
+    QVERIFY(other->addFault("refuse") && other->plugIn());
     box->setParameter("eParam_DeviceName", "Renamed while away");
     QVERIFY(box->plugIn());
     QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7)->property("online").toBool(), 15000);
     // It is the selected one: what is shown of it is read again.
     QTRY_VERIFY(m_fixture->information().contains("设备名称=Renamed while away"));
+    QTRY_VERIFY(m_fixture->item(8)->isOnline());
+    other->clearFaults();
+    QTRY_COMPARE_WITH_TIMEOUT(m_fixture->item(8)->macAddress(), QString("02:4B:4F:00:00:99"), 9000);
+    QTRY_COMPARE(m_fixture->item(8)->firmwareVersion(), QString("1.3.0.1"));
 }
 
 void tst_Discovery::selectionFillsTheInformation()
