@@ -3,12 +3,14 @@
 
 #include <QCryptographicHash>
 #include <QFile>
+#include <QFileInfo>
 
-QString fileMd5(const QString& path, const std::atomic<bool>* stop)
+QString fileMd5(const QString& path, const std::atomic<bool>* stop, std::atomic<int>* pieces)
 {
     constexpr qint64 pieceSize = 1048576;
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    // Opening a pipe that nobody writes to would wait for ever.
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return QString();
     QCryptographicHash hash(QCryptographicHash::Md5);
     while (!file.atEnd()) {
@@ -16,6 +18,8 @@ QString fileMd5(const QString& path, const std::atomic<bool>* stop)
         if (piece.isEmpty() || (stop && *stop))
             return QString();
         hash.addData(piece);
+        if (pieces)
+            ++*pieces;
     }
     return QString::fromLatin1(hash.result().toHex());
 }

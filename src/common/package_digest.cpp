@@ -2,32 +2,44 @@
 #include "common/package_digest.h"
 
 #include "common/file_digest.h"
-#include "crash/crash_handler.h"
-
-#include <QThread>
+#include "common/loose_thread.h"
 
 PackageDigest::PackageDigest(QString path, QObject* parent)
-    : QObject(parent), m_path(std::move(path))
+    : QObject(parent), m_path(std::move(path)), m_pieces(std::make_shared<std::atomic<int>>(0))
 {
+    constexpr int patienceMs = 20000;
+    setPatience(patienceMs);
+    connect(&m_patience, &QTimer::timeout, this, &PackageDigest::checkProgress);
 }
 
-PackageDigest::~PackageDigest()
-{
-    m_stop = true;
-    if (m_thread)
-        m_thread->wait();
-}
+PackageDigest::~PackageDigest() = default;
 
 void PackageDigest::start()
 {
-    m_thread.reset(QThread::create([this] {
-        CrashHandler::coverThread();
-        const QString md5 = fileMd5(m_path, &m_stop);
-        QMetaObject::invokeMethod(this, [this, md5] {
-            m_md5 = md5;
-            emit ready();
+    m_thread = std::make_unique<LooseThread>(
+        QStringLiteral("digest"),
+        [path = m_path, pieces = m_pieces](const std::atomic<bool>& stop) {
+            return fileMd5(path, &stop, pieces.get());
         });
-    }));
-    m_thread->setObjectName(QStringLiteral("digest"));
+    connect(m_thread.get(), &LooseThread::done, this, &PackageDigest::finish);
     m_thread->start();
+    m_patience.start();
+}
+
+void PackageDigest::checkProgress()
+{
+    const int pieces = *m_pieces;
+    if (pieces != m_seen) {
+        m_seen = pieces;
+        return;
+    }
+    m_thread.reset();
+    finish(QString());
+}
+
+void PackageDigest::finish(const QString& md5)
+{
+    m_patience.stop();
+    m_md5 = md5;
+    emit ready();
 }

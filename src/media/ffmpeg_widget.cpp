@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "media/ffmpeg_widget.h"
 
+#include "common/living_folder.h"
 #include "media/ffmpeg_session.h"
 #include "media/ffmpeg_thread.h"
 #include "widgets/message_box.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QPaintEvent>
 #include <QPainter>
@@ -234,10 +236,12 @@ void FFmpegWidget::R_customContextMenuRequested(const QPoint&)
 
 void FFmpegWidget::playChosenFile()
 {
-    const QPointer<QFileDialog> dialog(new QFileDialog(this));
     const QStringList folders = QStandardPaths::standardLocations(QStandardPaths::PicturesLocation);
-    if (!folders.isEmpty())
-        dialog->setDirectory(folders.last());
+    const QPointer<FFmpegWidget> self(this);
+    const QString folder = livingFolder(folders.value(folders.size() - 1));
+    if (!self)
+        return;
+    const QPointer<QFileDialog> dialog(new QFileDialog(this, QString(), folder));
     dialog->setWindowTitle(tr("选择视频文件"));
     dialog->setFileMode(QFileDialog::ExistingFile);
     const QStringList patterns = filePatterns();
@@ -250,6 +254,7 @@ void FFmpegWidget::playChosenFile()
     if (!dialog)
         return;
     const QStringList files = dialog->selectedFiles();
+    dialog->setDirectory(QDir::homePath());
     delete dialog;
     if (!isAccepted || files.isEmpty())
         return;

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "common/package_digest.h"
+
+#include "common/living_folder.h"
+#include "tests/support/files.h"
+#include "tests/support/table.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+/// Files that cannot be read, or hang.
+class tst_PackageDigest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void digests_data();
+    void digests();
+    void hangingFileHoldsNobodyUp();
+    void dialogsBeginWhereThereIsAFolder();
+
+private:
+    QTemporaryDir m_folder;
+};
+
+void tst_PackageDigest::digests_data()
+{
+    columns<QString, QString>("name", "md5");
+    row("file", "a.dat", md5Of("abc"));
+    row("pipe", "pipe.dat", "");
+    row("folder", "folder.dat", "");
+    row("nothing", "none.dat", "");
+}
+
+void tst_PackageDigest::digests()
+{
+    QFETCH(QString, name);
+    writeFile(m_folder.filePath("a.dat"), "abc");
+    QDir(m_folder.path()).mkdir("folder.dat");
+    ::mkfifo(m_folder.filePath("pipe.dat").toLocal8Bit().constData(), 0600);
+    PackageDigest digest(m_folder.filePath(name));
+    QSignalSpy ready(&digest, &PackageDigest::ready);
+    digest.start();
+    QTRY_COMPARE(ready.size(), 1);
+    QTEST(digest.md5(), "md5");
+}
+
+/// A lease on a file holds everybody who opens it up, as a share does that is gone.
+void tst_PackageDigest::hangingFileHoldsNobodyUp()
+{
+    const QString path = writeFile(m_folder.filePath("leased.dat"), "abc");
+    std::signal(SIGIO, SIG_IGN); // somebody wants the lease back
+    const int file = ::open(path.toLocal8Bit().constData(), O_RDWR | O_CLOEXEC);
+    QVERIFY(::fcntl(file, F_SETLEASE, F_WRLCK) == 0);
+    QElapsedTimer clock;
+    clock.start();
+    {
+        PackageDigest given(path);
+        PackageDigest left(path);
+        given.setPatience(300);
+        QSignalSpy ready(&given, &PackageDigest::ready);
+        given.start();
+        left.start();
+        QTRY_COMPARE(ready.size(), 1);
+        QCOMPARE(given.md5(), QString());
+    }
+    QVERIFY2(clock.elapsed() < 3000, qPrintable(QString::number(clock.elapsed())));
+    ::close(file);
+}
+
+void tst_PackageDigest::dialogsBeginWhereThereIsAFolder()
+{
+    QCOMPARE(livingFolder(m_folder.path()), m_folder.path());
+    for (const QString& gone : {QString(), m_folder.filePath("none"), m_folder.filePath("a.dat")})
+        QCOMPARE(livingFolder(gone), QDir::homePath());
+}
+
+QTEST_GUILESS_MAIN(tst_PackageDigest)
+#include "tst_package_digest.moc"
