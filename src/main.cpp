@@ -40,5 +40,7 @@ int main(int argc, char* argv[])
     Tarn_Hub window(options);
     StartUp::installCrashHandler();
     window.show();
-    return QApplication::exec();
+    const int exitCode = QApplication::exec();
+    StartUp::limitEnd(exitCode);
+    return exitCode;
 }

@@ -12,6 +12,10 @@
 #include <QIcon>
 #include <QNetworkProxyFactory>
 
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
 namespace StartUp
 {
 
@@ -46,6 +50,14 @@ void installCrashHandler()
 {
     CrashHandler::instance().setDumpFolder(dataPath(QStringLiteral("Dump")));
     CrashHandler::instance().install(applicationVersion());
+}
+
+void limitEnd(int exitCode, int ms)
+{
+    std::thread([exitCode, ms] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+        std::_Exit(exitCode);
+    }).detach();
 }
 
 } // namespace StartUp

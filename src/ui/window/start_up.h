@@ -13,5 +13,8 @@ void setAttributes();
 void dress(QApplication& application);
 /// Makes the crash handler, gives it its folder and lets it watch the process.
 void installCrashHandler();
+/// The event loop has ended: what is left may take so long, then the process ends all the same. A
+/// thread that hangs in a file on a share that is gone would keep it for ever.
+void limitEnd(int exitCode, int ms = 20000);
 
 } // namespace StartUp

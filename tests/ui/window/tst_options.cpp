@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/table.h"
 #include "ui/window/options.h"
+#include "ui/window/start_up.h"
+
+#include <QProcess>
+#include <QThread>
 
 class tst_Options : public QObject
 {
@@ -12,6 +16,7 @@ private slots:
     void everythingSet();
     void helpAndVersion();
     void windowSystemOptionsAreLeftAlone();
+    void hangingEndEnds();
 };
 
 void tst_Options::wrongOptionsAreNamed_data()
@@ -61,5 +66,24 @@ void tst_Options::windowSystemOptionsAreLeftAlone()
     QCOMPARE(readOptions({"tarn-hub", "-platform", "offscreen"}).outcome, OptionsResult::Run);
 }
 
-QTEST_GUILESS_MAIN(tst_Options)
+void tst_Options::hangingEndEnds()
+{
+    QProcess program;
+    program.start(QCoreApplication::applicationFilePath(), {"hang"});
+    QVERIFY(program.waitForFinished(10000));
+    QCOMPARE(program.exitCode(), 7);
+}
+
+int main(int argc, char* argv[])
+{
+    if (argc == 2 && QString("hang") == argv[1]) {
+        StartUp::limitEnd(7, 100);
+        for (;;)
+            QThread::sleep(60);
+    }
+    const QCoreApplication application(argc, argv);
+    tst_Options test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_options.moc"
