@@ -2,6 +2,10 @@
 #include "device/spark_thread.h"
 
 #include "common/platform.h"
+#include "common/spark_http.h"
+#include "device/device_registry.h"
+#include "device/item.h"
+#include "device/tree_model.h"
 #include "tests/support/files.h"
 
 #include <QElapsedTimer>
@@ -22,6 +26,7 @@ private slots:
     void brokenToolReportsNothing();
     void outputMayComeInPieces();
     void stopEndsTheTool();
+    void onlyTheNewestAnswerOfWhomWasAskedCounts();
 
 private:
     QString script(const QByteArray& text) const
@@ -123,6 +128,49 @@ void tst_SparkThread::stopEndsTheTool()
         QVERIFY(!QFileInfo::exists(process));
         QTRY_VERIFY(!thread);
     }
+}
+
+void tst_SparkThread::onlyTheNewestAnswerOfWhomWasAskedCounts()
+{
+    // A check of n addresses waits for the file "n" and prints what is in it.
+    const QString tool = script("shift 5; f='" + m_folder.path().toUtf8() +
+                                "'/$#; while [ ! -e $f ]; do sleep 0.02; done; cat $f\n");
+    TreeModel model;
+    int answers = 0;
+    DeviceRegistry registry(model, *Spark_Http::instance(), {tool, {}}, [&](Spark_Thread* check) {
+        const auto judge = [&, check](const QStringList& ips) {
+            registry.setReachable(ips, check);
+            ++answers;
+        };
+        connect(check, &Spark_Thread::S_refreshDeviceIP, this, judge, Qt::QueuedConnection);
+    });
+    const auto shown = [&] {
+        QStringList hosts;
+        const auto boxes = model.items(koraFamily());
+        for (const Item* box : boxes)
+            hosts << box->address().section('.', 3) + (box->isOnline() ? "+" : "-");
+        return hosts.join(' ');
+    };
+    const auto answer = [&](int asked, const QByteArray& lines) {
+        const int before = answers;
+        writeFile(m_folder.filePath("part"), lines);
+        QFile::rename(m_folder.filePath("part"), m_folder.filePath(QString::number(asked)));
+        QTRY_COMPARE(answers, before + 1);
+    };
+    for (const char* ip : {"127.9.9.1", "127.9.9.2", "127.9.9.3"}) {
+        registry.addDevice(ip, koraFamily());
+        registry.checkStates();
+    }
+    registry.addDevice("127.9.9.4", koraFamily());
+    answer(2, "127.9.9.1\n");
+    QCOMPARE(shown(), QString("1+ 2- 3+ 4+")); // neither 3 nor 4 was asked
+    answer(1, "");
+    QCOMPARE(shown(), QString("1+ 2- 3+ 4+")); // older than the one before
+    registry.forgetIdleDevices();
+    registry.addDevice("127.9.9.3", koraFamily());
+    answer(3, "");
+    QCOMPARE(shown(), QString("3+")); // filed again, so seen, after that check had begun
+    registry.stop();
 }
 
 QTEST_GUILESS_MAIN(tst_SparkThread)

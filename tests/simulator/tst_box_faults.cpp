@@ -34,8 +34,7 @@ private slots:
     void failuresHaveTargets();
     void slowBoxAnswersLate();
     void silentBoxHoldsNobodyElseUp();
-    void refusesButAnswersPing();
-    void noPing();
+    void portsAndPing();
     void uploadIsCut();
     void throttledDownload();
     void ordersDoneButNotAnswered();
@@ -176,18 +175,13 @@ void tst_BoxFaults::silentBoxHoldsNobodyElseUp()
     }
 }
 
-void tst_BoxFaults::refusesButAnswersPing()
+void tst_BoxFaults::portsAndPing()
 {
     QVERIFY(m_box->addFault("refuse"));
     for (const quint16 port : {8081, 8001, 8002})
         QVERIFY(isRefused(home, port));
     QVERIFY(m_box->isReachable());
     m_box->clearFault(FaultKind::Refuse);
-    QCOMPARE(readParameter(home, "eParam_DHCP").exitCode, 0);
-}
-
-void tst_BoxFaults::noPing()
-{
     QVERIFY(m_box->addFault("no-ping"));
     QVERIFY(!m_box->isReachable());
     QCOMPARE(readParameter(home, "eParam_DHCP").exitCode, 0);

@@ -5,13 +5,13 @@
 #include "simulator/virtual_lan.h"
 #include "tests/support/box_client.h"
 #include "tests/support/files.h"
-#include "tests/support/table.h"
 
 #include <QElapsedTimer>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <algorithm>
 #include <csignal>
@@ -68,39 +68,26 @@ class tst_VirtualLan : public QObject
     Q_OBJECT
 
 private slots:
-    void plansThatDoNotFit_data();
     void plansThatDoNotFit();
     void pluggedFileFollowsTheBoxes();
     void lineCommands();
     void boxesSwapAddresses();
     void scenario();
-    void wrongScenarios_data();
     void wrongScenarios();
     void aFullSubnet();
     void sweepFindsOnlyPluggedBoxes();
     void killedSweepLeavesNoFping();
     void koraLanObeys();
-    void koraLanOptions_data();
     void koraLanOptions();
     void koraLanEndsWithParent();
 };
 
-void tst_VirtualLan::plansThatDoNotFit_data()
-{
-    columns<QString, int>("subnet", "boxes");
-    row("too many", TEST_BLOCK ".0/24", 245);
-    row("no subnet", "boxes", 1);
-    row("not a /24", TEST_BLOCK ".0/16", 1);
-    row("IPv6", "fe80::/24", 1);
-}
-
 void tst_VirtualLan::plansThatDoNotFit()
 {
-    QFETCH(QString, subnet);
-    QFETCH(int, boxes);
     VirtualLan lan;
-    QVERIFY(!lan.populate(plan(subnet, boxes)));
-    QVERIFY(!lan.errorString().isEmpty());
+    QVERIFY(!lan.populate(plan(TEST_BLOCK ".0/24", 245)));
+    for (const char* subnet : {"boxes", TEST_BLOCK ".0/16", "fe80::/24"})
+        QVERIFY2(!lan.populate(plan(subnet, 1)) && !lan.errorString().isEmpty(), subnet);
 }
 
 void tst_VirtualLan::pluggedFileFollowsTheBoxes()
@@ -203,27 +190,20 @@ void tst_VirtualLan::scenario()
     QVERIFY(steps[1][0].toString().contains("no box at"));
 }
 
-void tst_VirtualLan::wrongScenarios_data()
-{
-    columns<QString>("content");
-    row("no JSON", "{boxes}");
-    row("an array", "[]");
-    row("misspelt key", R"({"boxs": []})");
-    row("misspelt key of a box", R"({"boxes": [{"address": "@.9", "fault": "slow"}]})");
-    row("unknown fault", R"({"boxes": [{"address": "@.9", "faults": ["slwo"]}]})");
-    row("unknown model", R"({"boxes": [{"address": "@.9", "model": "karo"}]})");
-    row("step without time", R"({"steps": [{"command": "list"}]})");
-}
-
 void tst_VirtualLan::wrongScenarios()
 {
-    QFETCH(QString, content);
     QTemporaryDir dir;
-    VirtualLan lan;
-    Scenario scenario;
-    QVERIFY(!scenario.load(
-        writeFile(dir.filePath("s.json"), content.replace('@', TEST_BLOCK).toUtf8()), &lan));
-    QVERIFY(!scenario.errorString().isEmpty());
+    for (const char* content :
+         {"{boxes}", "[]", R"({"boxs": []})", R"({"steps": [{"command": "list"}]})",
+          R"({"boxes": [{"address": "@.9", "fault": "slow"}]})",
+          R"({"boxes": [{"address": "@.9", "faults": ["slwo"]}]})",
+          R"({"boxes": [{"address": "@.9", "model": "karo"}]})"}) {
+        VirtualLan lan;
+        Scenario scenario;
+        const QByteArray json = QByteArray(content).replace('@', TEST_BLOCK);
+        QVERIFY2(!scenario.load(writeFile(dir.filePath("s.json"), json), &lan), content);
+        QVERIFY(!scenario.errorString().isEmpty());
+    }
 }
 
 void tst_VirtualLan::aFullSubnet()
@@ -329,26 +309,18 @@ void tst_VirtualLan::koraLanObeys()
     QCOMPARE(linesOf(dir.filePath("plugged")), QStringList());
 }
 
-void tst_VirtualLan::koraLanOptions_data()
-{
-    columns<QStringList, int>("arguments", "exitCode");
-    row("help", QStringList{"--help"}, 0);
-    row("version", QStringList{"--version"}, 0);
-    row("unknown option", QStringList{"--bogus"}, 2);
-    row("no number", QStringList{"--boxes", "many"}, 2);
-    row("stray word", QStringList{"127.0.0.1"}, 2);
-    row("no scenario", QStringList{"--scenario", "/no/such/file"}, 2);
-    row("a real network", QStringList{"--subnet", "10.0.0.0/24"}, 1);
-}
-
 void tst_VirtualLan::koraLanOptions()
 {
-    QFETCH(QStringList, arguments);
     QTemporaryDir dir;
-    Program program("kora-lan", QStringList{"--run-dir", dir.path()} + arguments, dir.path());
-    QVERIFY(program.waitForFinished());
-    QTEST(program.exitCode(), "exitCode");
-    QCOMPARE(program.readAllStandardError().isEmpty(), program.exitCode() == 0);
+    for (const char* line :
+         {"--help 0", "--version 0", "--bogus 2", "--boxes many 2", "127.0.0.1 2",
+          "--scenario /no/such/file 2", "--subnet 10.0.0.0/24 1"}) {
+        QStringList words = QString(line).split(' ');
+        const int exitCode = words.takeLast().toInt();
+        Program program("kora-lan", QStringList{"--run-dir", dir.path()} + words, dir.path());
+        QVERIFY2(program.waitForFinished() && program.exitCode() == exitCode, line);
+        QCOMPARE(program.readAllStandardError().isEmpty(), exitCode == 0);
+    }
 }
 
 void tst_VirtualLan::koraLanEndsWithParent()

@@ -16,8 +16,7 @@ private slots:
     void cleanupTestCase() { m_fixture.reset(); }
     void gestures_data();
     void gestures();
-    void marksTheAddressedRow();
-    void saveWritesToTheHighlightedBox();
+    void addressedRowIsMarkedAndSaved();
     void goneRowsAddressNothing();
 
 private:
@@ -125,27 +124,23 @@ void tst_Selection::gestures()
     QTEST(told.size(), "told");
 }
 
-void tst_Selection::marksTheAddressedRow()
-{
-    gesture("left 1");
-    gesture("shift 3");
-    const QImage look = m_fixture->deviceView()->viewport()->grab().toImage();
-    const auto edge = [&](int host) { return look.pixel(1, rowOf(host).center().y()); };
-    QCOMPARE(edge(1), edge(2));
-    QVERIFY(edge(3) != edge(2));
-}
-
-void tst_Selection::saveWritesToTheHighlightedBox()
+void tst_Selection::addressedRowIsMarkedAndSaved()
 {
     gesture("left 1");
     gesture("right 3");
+    gesture("shift 4");
+    gesture("right 3");
+    const QImage look = m_fixture->deviceView()->viewport()->grab().toImage();
+    const auto edge = [&](int host) { return look.pixel(1, rowOf(host).center().y()); };
+    QVERIFY(edge(3) != edge(4));
     sim::VirtualBox* box = m_fixture->lan().find(m_fixture->ip(3));
     QTRY_COMPARE(m_fixture->shown("eParam_NDIName"), box->parameter("eParam_NDIName"));
     m_fixture->child<Inputui>("eParam_NDIName")->setText("Stage");
     const DialogAnswerer anything;
     m_fixture->click("save");
     QTRY_VERIFY_WITH_TIMEOUT(WindowFixture::told(*box).contains("NDIName=Stage"), 10000);
-    QCOMPARE(WindowFixture::told(*m_fixture->lan().find(m_fixture->ip(1))), QStringList());
+    for (const int other : {1, 4})
+        QCOMPARE(WindowFixture::told(*m_fixture->lan().find(m_fixture->ip(other))), QStringList());
 }
 
 void tst_Selection::goneRowsAddressNothing()
