@@ -8,7 +8,7 @@
 
 #include <QEventLoop>
 #include <QNetworkReply>
-#include <QPointer>
+#include <QTimer>
 #include <QUuid>
 
 #include <functional>
@@ -30,6 +30,12 @@ QString waitFor(SparkDownload& download, const std::function<void()>& start)
     return path;
 }
 
+/// Requests to one of these share its connections.
+QString serverKey(const QUrl& url)
+{
+    return url.scheme() + QLatin1Char(' ') + url.authority();
+}
+
 } // namespace
 
 Spark_Http::Spark_Http() = default;
@@ -46,25 +52,89 @@ QNetworkAccessManager& Spark_Http::manager()
 
 QString Spark_Http::get(const QString& type, const QString& url, bool isblocking)
 {
-    QNetworkReply* reply = manager().get(httpRequest(url));
-    reply->setProperty("type", type);
-    reply->setProperty("isblocking", isblocking);
+    Request request{type, url, isblocking, {}, nullptr};
+    if (!isblocking) {
+        const QString id = QUuid::createUuid().toString(QUuid::Id128);
+        request.ids << id;
+        enqueue(request);
+        return id;
+    }
+    QEventLoop loop;
+    request.loop = &loop;
+    enqueue(request);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    return loop.property("body").toString();
+}
+
+/// True when `request` need not wait in a place of its own.
+bool Spark_Http::joinWaiting(Server& server, const Request& request)
+{
+    for (Request& waiting : server.waiting) {
+        if (waiting.isblocking || waiting.type != request.type || waiting.url != request.url)
+            continue;
+        waiting.ids << request.ids;
+        return true;
+    }
+    return false;
+}
+
+void Spark_Http::enqueue(const Request& request)
+{
+    const QString key = serverKey(httpRequest(request.url).url());
+    Server& server = m_servers[key];
+    if (request.isblocking) {
+        server.waiting.prepend(request);
+    } else if (joinWaiting(server, request)) {
+        return;
+    } else if (server.waiting.size() < MostWaiting) {
+        server.waiting << request;
+    } else {
+        failSoon(request);
+        return;
+    }
+    sendNext(key);
+}
+
+void Spark_Http::failSoon(const Request& request)
+{
+    const QString host = httpRequest(request.url).url().host();
+    QTimer::singleShot(0, this, [this, request, host] { answer(request, host, QString()); });
+}
+
+/// Nobody is there: each of them would only wait for its own limit.
+void Spark_Http::giveUpWaiting(Server& server)
+{
+    for (const Request& request : qAsConst(server.waiting))
+        failSoon(request);
+    server.waiting.clear();
+    server.unanswered = 0;
+}
+
+void Spark_Http::sendNext(const QString& serverKey)
+{
+    Server& server = m_servers[serverKey];
+    // Fewer while it does not answer, so that it has six tries in all to show that it is there.
+    while (server.sent.size() + server.unanswered < MostAtOnce && !server.waiting.isEmpty()) {
+        const Request request = server.waiting.takeFirst();
+        if (!request.isblocking || request.loop)
+            send(server, request);
+    }
+    if (server.sent.isEmpty())
+        m_servers.remove(serverKey);
+}
+
+void Spark_Http::send(Server& server, const Request& request)
+{
+    QNetworkReply* reply = manager().get(httpRequest(request.url));
+    reply->setProperty("type", request.type);
+    reply->setProperty("isblocking", request.isblocking);
+    reply->setProperty("id", request.ids.value(0));
+    server.sent.insert(reply, request);
     connect(reply, &QNetworkReply::finished, this, &Spark_Http::R_finished);
     connect(reply, &QNetworkReply::readyRead, reply, [reply] {
         if (reply->bytesAvailable() > BodyLimit)
             reply->abort();
     });
-
-    if (!isblocking) {
-        const QString id = QUuid::createUuid().toString(QUuid::Id128);
-        reply->setProperty("id", id);
-        return id;
-    }
-    QEventLoop loop;
-    // Guarded: the program may close, and the loop with it, before the reply has finished.
-    reply->setProperty("eventLoop", QVariant::fromValue(QPointer<QObject>(&loop)));
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
-    return loop.property("body").toString();
 }
 
 QString Spark_Http::downloadFile(const QString& url, const QString& savePath)
@@ -85,30 +155,39 @@ void Spark_Http::R_finished()
     auto* reply = qobject_cast<QNetworkReply*>(sender());
     if (!reply)
         return;
+    reply->deleteLater();
     QString body;
     if (reply->error() == QNetworkReply::NoError && reply->bytesAvailable() <= BodyLimit)
         body = QString::fromUtf8(reply->readAll());
 
     const QString id = reply->property("id").toString();
-    const QString host = reply->request().url().host();
-    if (reply->property("isblocking").toBool()) {
-        const auto loop = reply->property("eventLoop").value<QPointer<QObject>>();
-        if (loop) {
-            loop->setProperty("body", body);
-            static_cast<QEventLoop*>(loop.data())->quit();
-        }
-    } else {
-        emit S_finished(HttpResult::toMap(reply->property("type").toString(), id, host, body));
-    }
-
+    const QUrl url = reply->request().url();
+    // Before anybody hears of it, as they may wait.
+    const QString key = serverKey(url);
+    Server& server = m_servers[key];
+    const Request request = server.sent.take(reply);
+    const bool answered = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
+    server.unanswered = answered ? 0 : server.unanswered + 1;
+    if (server.unanswered >= MostAtOnce)
+        giveUpWaiting(server);
+    sendNext(key);
     if (!body.isEmpty()) {
         const QString function = QStringLiteral("Spark_Http::R_finished");
-        const QString key = QStringLiteral("http-") + host;
-        const QString url = reply->request().url().toString();
-        writeLog(key, logLine(id + QStringLiteral("  http请求 ") + url, "src/common/spark_http.cpp",
-                              __LINE__, function));
-        writeLog(key, logLine(id + QStringLiteral("  http请求结果 ") + body,
+        const QString log = QStringLiteral("http-") + url.host();
+        writeLog(log, logLine(id + QStringLiteral("  http请求 ") + url.toString(),
+                              "src/common/spark_http.cpp", __LINE__, function));
+        writeLog(log, logLine(id + QStringLiteral("  http请求结果 ") + body,
                               "src/common/spark_http.cpp", __LINE__, function));
     }
-    reply->deleteLater();
+    answer(request, url.host(), body);
+}
+
+void Spark_Http::answer(const Request& request, const QString& host, const QString& body)
+{
+    if (request.loop) {
+        request.loop->setProperty("body", body);
+        request.loop->quit();
+    }
+    for (const QString& id : request.ids)
+        emit S_finished(HttpResult::toMap(request.type, id, host, body));
 }

@@ -3,28 +3,43 @@
 
 #include "common/uisingleton.h"
 
+#include <QHash>
+#include <QList>
 #include <QNetworkAccessManager>
 #include <QObject>
+#include <QPointer>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
+
+class QEventLoop;
+class QNetworkReply;
 
 /// Every plain GET of the program: parameter reads from boxes, the web page probe, update
 /// descriptors and downloads. GUI thread only.
 ///
-/// A request that fails in any way ends with an empty body.
+/// A request that fails in any way ends with an empty body. A server is asked a few things at a
+/// time, in the order of asking; what waits for its turn is asked once, however often it was asked
+/// for meanwhile, and fails with what was sent before it when that all stays without an answer.
 class Spark_Http : public QObject, public UISingleton<Spark_Http>
 {
     Q_OBJECT
 
 public:
-    /// The longest time without data, in milliseconds, before a request counts as failed.
+    /// The longest time without data, in milliseconds, before a request counts as failed. It begins
+    /// when the request is sent.
     static constexpr int TransferLimitMs = 2000;
+    /// The most requests that one server is sent at a time. As many as QNetworkAccessManager has
+    /// connections for: it would count the wait for one of them as time without data.
+    static constexpr int MostAtOnce = 6;
+    /// The most that wait for one server; what comes on top fails at once.
+    static constexpr int MostWaiting = 400;
     /// A body longer than this, in bytes, is not one of a box: the request is given up.
     static constexpr qint64 BodyLimit = 4 * 1024 * 1024;
 
     /// Requests `url` (already encoded). Non-blocking: returns the request's id at once, and the
-    /// answer comes by S_finished. Blocking: waits, serving events other than user input, and
-    /// returns the body. `type` is the routing word of the answer.
+    /// answer comes by S_finished. Blocking: goes before what waits, serves events other than user
+    /// input, and returns the body. `type` is the routing word of the answer.
     QString get(const QString& type, const QString& url, bool isblocking);
 
     /// Blocking, serving events: SparkDownload::start(). Returns the path written, empty on
@@ -47,5 +62,28 @@ private:
     Spark_Http();
     QNetworkAccessManager& manager();
 
+    /// What is asked once for all who wait for it: those with these ids, or the one with a loop.
+    struct Request {
+        QString type;
+        QString url;
+        bool isblocking = false;
+        QStringList ids;
+        QPointer<QEventLoop> loop; // guarded: the program may close, and the loop with it
+    };
+    struct Server {
+        QList<Request> waiting;
+        QHash<const QNetworkReply*, Request> sent;
+        int unanswered = 0; ///< of those sent last, one after the other
+    };
+
+    bool joinWaiting(Server& server, const Request& request);
+    void enqueue(const Request& request);
+    void sendNext(const QString& serverKey);
+    void send(Server& server, const Request& request);
+    void giveUpWaiting(Server& server);
+    void failSoon(const Request& request);
+    void answer(const Request& request, const QString& host, const QString& body);
+
     QNetworkAccessManager* m_manager = nullptr;
+    QHash<QString, Server> m_servers;
 };

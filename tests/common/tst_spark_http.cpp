@@ -59,6 +59,8 @@ private slots:
     void answerCarriesItsTags();
     void failuresGiveAnEmptyBody_data();
     void failuresGiveAnEmptyBody();
+    void slowReadsAllArrive();
+    void whatWaitsIsAskedOnce();
     void blockingReadEndsByItself();
     void blockingReadsMayNest();
     void successIsLogged();
@@ -122,9 +124,49 @@ void tst_SparkHttp::failuresGiveAnEmptyBody()
     QFETCH(QString, fault);
     QVERIFY(m_box->addFault(fault));
     QSignalSpy answers(m_http, &Spark_Http::S_finished);
-    m_http->get("x", read("eParam_DeviceName"), false);
-    QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 1, Spark_Http::TransferLimitMs + 2000);
-    QCOMPARE(answers.first().first().toMap().value("body").toString(), QString());
+    // Many of them fail as soon as one.
+    for (int n = 0; n < 30; ++n)
+        m_http->get(QString::number(n), read("eParam_DeviceName"), false);
+    QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 30, Spark_Http::TransferLimitMs + 2000);
+    for (const QVariantList& answer : qAsConst(answers))
+        QCOMPARE(answer.first().toMap().value("body").toString(), QString());
+}
+
+/// More reads than HTTP allows connections: the time in which one waits for its turn is not the
+/// box's.
+void tst_SparkHttp::slowReadsAllArrive()
+{
+    QVERIFY(m_box->addFault("slow 1500"));
+    QSignalSpy answers(m_http, &Spark_Http::S_finished);
+    for (int n = 0; n < 24; ++n)
+        m_http->get(QString::number(n), read("eParam_DeviceName"), false);
+    // Who waits for an answer does not wait for all of them.
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(m_http->get("x", read("eParam_SdkVersion"), true).contains("value"));
+    QVERIFY2(clock.elapsed() < 3900, qPrintable(QString::number(clock.elapsed())));
+    QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 24, 12000);
+    for (const QVariantList& answer : qAsConst(answers))
+        QVERIFY(answer.first().toMap().value("body").toString().contains("value"));
+}
+
+void tst_SparkHttp::whatWaitsIsAskedOnce()
+{
+    QVERIFY(m_box->addFault("slow 50"));
+    QSignalSpy answers(m_http, &Spark_Http::S_finished);
+    QSet<QString> ids;
+    for (int n = 0; n < 600; ++n)
+        ids << m_http->get("x", read("eParam_DeviceName"), false);
+    QTRY_COMPARE(answers.size(), 600);
+    for (const QVariantList& answer : qAsConst(answers))
+        QVERIFY(ids.remove(answer.first().toMap().value("id").toString()));
+    QCOMPARE(m_box->requests().size(), 7);
+    // A caller gone wild fills no memory: what is too much has failed.
+    for (int n = 0; n < 600; ++n)
+        m_http->get(QString::number(n), read("eParam_DeviceName"), false);
+    QTRY_VERIFY(answers.size() > 600);
+    QCOMPARE(answers.last().first().toMap().value("body").toString(), QString());
+    QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 1200, 20000);
 }
 
 void tst_SparkHttp::blockingReadEndsByItself()
