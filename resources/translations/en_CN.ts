@@ -155,6 +155,18 @@
       <source>设置参数成功.</source>
       <translation>Parameters set.</translation>
     </message>
+    <message>
+      <source>%1 项参数未从设备读到,没有保存.</source>
+      <translation>%1 parameters were not read from the box and have not been saved.</translation>
+    </message>
+    <message>
+      <source>尚未读到设备的参数,没有可保存的内容.</source>
+      <translation>No parameters of the box have been read: there is nothing to save.</translation>
+    </message>
+    <message>
+      <source>未读到设备的静态IP地址和子网掩码,不能关闭DHCP.</source>
+      <translation>DHCP cannot be switched off: the static IP address and subnet mask of the box are unknown.</translation>
+    </message>
   </context>
   <context>
     <name>ControlArea</name>
@@ -394,6 +406,25 @@
     </message>
   </context>
   <context>
+    <name>FieldMark</name>
+    <message>
+      <source>已修改,尚未保存</source>
+      <translation>Changed, not saved yet</translation>
+    </message>
+    <message>
+      <source>设备没有此参数</source>
+      <translation>The box has no such parameter</translation>
+    </message>
+    <message>
+      <source>尚未从设备读到,不能修改,也不会保存</source>
+      <translation>Not read from the box yet: it cannot be changed and will not be saved</translation>
+    </message>
+    <message>
+      <source>未知</source>
+      <translation>Unknown</translation>
+    </message>
+  </context>
+  <context>
     <name>Hub</name>
     <message>
       <source>请您在设备列表中选择要操作的设备!</source>
@@ -621,6 +652,25 @@
     <message>
       <source>内置浏览器不可用：它的程序文件不完整。</source>
       <translation>The built-in browser is not available: its program files are incomplete.</translation>
+    </message>
+  </context>
+  <context>
+    <name>ParameterPanel</name>
+    <message>
+      <source>正在读取…</source>
+      <translation>Reading…</translation>
+    </message>
+    <message>
+      <source>%1 项未读到</source>
+      <translation>%1 not read</translation>
+    </message>
+    <message>
+      <source>%1 项设备没有</source>
+      <translation>%1 not on this box</translation>
+    </message>
+    <message>
+      <source>%1 项未保存</source>
+      <translation>%1 unsaved</translation>
     </message>
   </context>
   <context>

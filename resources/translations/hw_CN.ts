@@ -155,6 +155,18 @@
       <source>设置参数成功.</source>
       <translation>매개변수를 설정했습니다.</translation>
     </message>
+    <message>
+      <source>%1 项参数未从设备读到,没有保存.</source>
+      <translation>%1개 매개변수는 장치에서 읽지 못하여 저장하지 않았습니다.</translation>
+    </message>
+    <message>
+      <source>尚未读到设备的参数,没有可保存的内容.</source>
+      <translation>장치의 매개변수를 아직 읽지 못하여 저장할 내용이 없습니다.</translation>
+    </message>
+    <message>
+      <source>未读到设备的静态IP地址和子网掩码,不能关闭DHCP.</source>
+      <translation>장치의 고정 IP 주소와 서브넷 마스크를 읽지 못하여 DHCP를 끌 수 없습니다.</translation>
+    </message>
   </context>
   <context>
     <name>ControlArea</name>
@@ -394,6 +406,25 @@
     </message>
   </context>
   <context>
+    <name>FieldMark</name>
+    <message>
+      <source>已修改,尚未保存</source>
+      <translation>변경됨, 아직 저장되지 않음</translation>
+    </message>
+    <message>
+      <source>设备没有此参数</source>
+      <translation>장치에 없는 매개변수</translation>
+    </message>
+    <message>
+      <source>尚未从设备读到,不能修改,也不会保存</source>
+      <translation>아직 장치에서 읽지 못해 변경할 수 없으며 저장되지 않습니다</translation>
+    </message>
+    <message>
+      <source>未知</source>
+      <translation>알 수 없음</translation>
+    </message>
+  </context>
+  <context>
     <name>Hub</name>
     <message>
       <source>请您在设备列表中选择要操作的设备!</source>
@@ -621,6 +652,25 @@
     <message>
       <source>内置浏览器不可用：它的程序文件不完整。</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 프로그램 파일이 완전하지 않습니다.</translation>
+    </message>
+  </context>
+  <context>
+    <name>ParameterPanel</name>
+    <message>
+      <source>正在读取…</source>
+      <translation>읽는 중…</translation>
+    </message>
+    <message>
+      <source>%1 项未读到</source>
+      <translation>%1개 읽지 못함</translation>
+    </message>
+    <message>
+      <source>%1 项设备没有</source>
+      <translation>%1개 장치에 없음</translation>
+    </message>
+    <message>
+      <source>%1 项未保存</source>
+      <translation>%1개 저장 안 됨</translation>
     </message>
   </context>
   <context>

@@ -28,10 +28,19 @@ HttpResult HttpResult::fromMap(const QVariantMap& map)
 {
     HttpResult result;
     result.type = typeOf(map);
+    result.id = map.value(idKey).toString();
     result.deviceIp = map.value(deviceIpKey).toString();
     result.body = map.value(bodyKey).toString();
     const QVariantMap reply = jsonToMap(result.body);
     result.parameterName = reply.value(QStringLiteral("param_name")).toString();
     result.value = reply.value(QStringLiteral("value"));
+    result.status = reply.value(QStringLiteral("status")).toString();
     return result;
+}
+
+bool HttpResult::isRefusal() const
+{
+    if (!status.isEmpty() && !status.contains(QLatin1String("success")))
+        return true;
+    return !parameterName.isEmpty() && (!value.isValid() || value.isNull());
 }

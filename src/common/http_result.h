@@ -7,10 +7,15 @@
 /// The answer to one non-blocking request, decoded.
 struct HttpResult {
     QString type; ///< the routing word of the request
+    QString id;   ///< of the request, as Spark_Http::get() returned it
     QString deviceIp;
     QString body;          ///< as received; empty when the request failed
     QString parameterName; ///< "param_name" of the reply, empty when it has none
     QVariant value;        ///< "value" of the reply, invalid when it has none
+    QString status;        ///< "status" of the reply, empty when it has none
+
+    /// The box has answered, and says that it has nothing of that name.
+    bool isRefusal() const;
 
     /// What Spark_Http::S_finished carries; `id` tells one request from another.
     static QVariantMap toMap(const QString& type, const QString& id, const QString& deviceIp,

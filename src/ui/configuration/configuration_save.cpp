@@ -3,7 +3,9 @@
 
 #include "common/box_protocol.h"
 #include "common/command_runner.h"
+#include "device/device_registry.h"
 #include "device/item.h"
+#include "device/tree_model.h"
 #include "ui/configuration/configuration_area.h"
 #include "ui/configuration/parameter_panel.h"
 #include "ui/hub/command_sequence.h"
@@ -20,10 +22,9 @@ QString lastReported(const Item& device, QLatin1String parameter)
 } // namespace
 
 ConfigurationSave::ConfigurationSave(const Hub& hub, Ui::ConfigurationArea& area,
-                                     const ParameterPanel& panel)
+                                     ParameterPanel& panel)
     : QObject(nullptr)
     , m_hub(hub)
-    , m_area(area)
     , m_panel(panel)
     , m_busy(area.busy_config, {area.config_body, area.save})
 {
@@ -31,24 +32,24 @@ ConfigurationSave::ConfigurationSave(const Hub& hub, Ui::ConfigurationArea& area
 
 void ConfigurationSave::save()
 {
-    const Item* device = m_hub.selectedDevice();
+    const Item* device = m_hub.freeDevice();
     if (!device)
-        return;
-    // An incomplete static address would leave the box where nobody finds it.
-    if (m_area.eParam_IPAddress->getIP().isEmpty() || m_area.eParam_NetMask->getIP().isEmpty()) {
-        messageBox::ask(tr("请输入正确的IP地址和子网掩码"), m_hub.window);
-        return;
-    }
-    Busy::Run run(m_busy);
-    if (!run)
         return;
     // All taken before the first wait: another box may be selected, or this one gone, meanwhile.
     const QString ip = device->address();
     const Network before{lastReported(*device, BoxProtocol::DHCP),
                          lastReported(*device, BoxProtocol::IPAddress),
                          lastReported(*device, BoxProtocol::NetMask)};
-    const QMap<QString, QString> values = m_panel.valuesToSave();
-
+    const QMap<QString, QString> values = m_panel.valuesToSave(ip);
+    const int unread = m_panel.unreadCount(ip);
+    const QString problem = objection(values, before);
+    if (!problem.isEmpty()) {
+        messageBox::ask(problem, m_hub.window);
+        return;
+    }
+    Busy::Run run(m_busy);
+    if (!run)
+        return;
     QStringList commands;
     for (auto it = values.cbegin(); it != values.cend(); ++it)
         commands << BoxProtocol::setCommand(it.key(), it.value(), ip);
@@ -56,22 +57,55 @@ void ConfigurationSave::save()
     run.end();
     if (result == SequenceResult::WindowClosed)
         return;
-    const QString message = result == SequenceResult::AllSucceeded
-                                ? apply(ip, values, before)
-                                : tr("设置参数部分失败,请检查KORA网络状态后重试.");
+    QString message = tr("设置参数部分失败,请检查KORA网络状态后重试.");
+    if (result == SequenceResult::AllSucceeded) {
+        m_panel.noteSaved(ip, values);
+        message = apply(ip, values, before);
+    }
+    if (unread > 0)
+        message += QLatin1Char('\n') + tr("%1 项参数未从设备读到,没有保存.").arg(unread);
     messageBox::ask(message, m_hub.window);
+}
+
+/// Why these values must not be sent; empty when they may.
+QString ConfigurationSave::objection(const QMap<QString, QString>& values,
+                                     const Network& before) const
+{
+    if (values.isEmpty())
+        return tr("尚未读到设备的参数,没有可保存的内容.");
+    const auto isEmpty = [&values](QLatin1String name) {
+        return values.contains(name) && values.value(name).isEmpty();
+    };
+    // An incomplete static address would leave the box where nobody finds it, and so would one that
+    // nobody knows.
+    if (isEmpty(BoxProtocol::IPAddress) || isEmpty(BoxProtocol::NetMask))
+        return tr("请输入正确的IP地址和子网掩码");
+    const bool endsDhcp =
+        values.value(BoxProtocol::DHCP) == QLatin1String("0") && before.dhcp != QLatin1String("0");
+    if (endsDhcp &&
+        !(values.contains(BoxProtocol::IPAddress) && values.contains(BoxProtocol::NetMask)))
+        return tr("未读到设备的静态IP地址和子网掩码,不能关闭DHCP.");
+    return QString();
 }
 
 QString ConfigurationSave::apply(const QString& ip, const QMap<QString, QString>& sent,
                                  const Network& before)
 {
-    if (sent.value(BoxProtocol::DHCP) != before.dhcp) {
+    // An upgrade has taken it meanwhile, and restarts it in its own time.
+    const Item* box = m_hub.devices.model().find(ip);
+    if (box && box->isOwned())
+        return tr("设置参数成功.");
+    // What was not sent cannot differ.
+    const auto differs = [&sent](QLatin1String name, const QString& was) {
+        return sent.value(name, was) != was;
+    };
+    if (differs(BoxProtocol::DHCP, before.dhcp)) {
         m_hub.runner.execCurl(ip, BoxProtocol::rebootCommand(ip), {});
         return tr("设置成功,正在重启KORA软件.");
     }
     if (sent.value(BoxProtocol::DHCP) == QLatin1String("0") &&
-        (sent.value(BoxProtocol::IPAddress) != before.ip ||
-         sent.value(BoxProtocol::NetMask) != before.mask)) {
+        (differs(BoxProtocol::IPAddress, before.ip) ||
+         differs(BoxProtocol::NetMask, before.mask))) {
         m_hub.runner.execCurl(ip, BoxProtocol::restartCommand(ip), {});
         return tr("设置成功,正在重启KORA设备.");
     }

@@ -20,9 +20,10 @@ class ConfigurationSave : public QObject
     Q_OBJECT
 
 public:
-    ConfigurationSave(const Hub& hub, Ui::ConfigurationArea& area, const ParameterPanel& panel);
+    ConfigurationSave(const Hub& hub, Ui::ConfigurationArea& area, ParameterPanel& panel);
 
-    /// Saves the selected box's settings and says how it went. Blocks, serving events.
+    /// Saves what is known of the selected box's settings and what the operator changed, and says
+    /// how it went. Blocks, serving events.
     void save();
 
 private:
@@ -33,10 +34,10 @@ private:
         QString mask;
     };
 
+    QString objection(const QMap<QString, QString>& values, const Network& before) const;
     QString apply(const QString& ip, const QMap<QString, QString>& sent, const Network& before);
 
     const Hub m_hub;
-    Ui::ConfigurationArea& m_area;
-    const ParameterPanel& m_panel;
+    ParameterPanel& m_panel;
     Busy m_busy;
 };

@@ -2,12 +2,16 @@
 #include "ui/configuration/parameter_panel.h"
 
 #include "common/box_protocol.h"
+#include "common/http_result.h"
 #include "common/spark_http.h"
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
+
+#include <QLabel>
+#include <QTimer>
 
 namespace
 {
@@ -21,63 +25,210 @@ bool isScalar(const QVariant& value)
            value.type() == QVariant::LongLong;
 }
 
+bool fits(const ParameterBinding& binding, const QVariant& value)
+{
+    return binding.showList ? value.type() == QVariant::List : isScalar(value);
+}
+
+bool isOther(const QString& mac, const QString& known)
+{
+    return !mac.isEmpty() && !known.isEmpty() && mac.compare(known, Qt::CaseInsensitive) != 0;
+}
+
 } // namespace
 
-ParameterPanel::ParameterPanel(const Hub& hub, const ParameterTable& table)
-    : QObject(nullptr), m_hub(hub), m_table(table), m_read(BoxProtocol::configurationParameters())
+ParameterPanel::ParameterPanel(const Hub& hub, const ParameterTable& table, QLabel& summary)
+    : QObject(nullptr)
+    , m_hub(hub)
+    , m_summary(summary)
+    , m_read(BoxProtocol::configurationParameters())
 {
-    for (const ParameterRow& row : m_table) {
-        const bool shown = row.binding.show || row.binding.showList;
-        if (shown && !m_read.contains(row.name))
+    for (const ParameterRow& row : table) {
+        m_parameters.emplace_back(row);
+        if (row.isRead() && !m_read.contains(row.name))
             m_read << row.name;
     }
+    watch();
     hub.exchange.onResult(requestType, [this](const HttpResult& result) { handleReply(result); });
+    connect(&hub.state, &HubState::koraSelected, this, [this] { m_selectedAnew = true; });
     connect(&hub.state, &HubState::readingWanted, this, &ParameterPanel::getConfigDeviceinfo);
+    showStates();
+}
+
+void ParameterPanel::watch()
+{
+    for (ShownParameter& parameter : m_parameters) {
+        if (!parameter.row().binding.watch)
+            continue;
+        parameter.row().binding.watch(this, [this, &parameter] {
+            if (parameter.look())
+                showStates();
+        });
+    }
 }
 
 void ParameterPanel::getConfigDeviceinfo()
 {
-    const QString address = m_hub.state.deviceIp();
-    for (const QString& parameter : m_read)
-        m_hub.http.get(requestType, BoxProtocol::readUrl(address, parameter), false);
+    const QString ip = m_hub.state.deviceIp();
+    const Item* device = m_hub.findSelectedDevice();
+    const QString mac = device ? device->macAddress() : QString();
+    const bool again = ip == m_ip && !isOther(mac, m_mac);
+    m_ip = ip;
+    m_mac = again && mac.isEmpty() ? m_mac : mac;
+    m_sameBox = false;
+    m_asked.clear();
+    for (ShownParameter& parameter : m_parameters) {
+        if (!parameter.row().isRead())
+            continue;
+        if (again)
+            // Disabling a field would send its focus, and the keys, to another one.
+            parameter.expect(!m_selectedAnew);
+        else
+            parameter.forget();
+    }
+    m_selectedAnew = false;
+    for (const QString& name : qAsConst(m_read))
+        m_asked[m_hub.http.get(requestType, BoxProtocol::readUrl(ip, name), false)] = name;
+    showStates();
+}
+
+void ParameterPanel::noteMac(const QString& ip, const QString& mac)
+{
+    if (ip != m_ip || ip != m_hub.state.deviceIp())
+        return;
+    if (isOther(mac, m_mac)) {
+        m_ip.clear();
+        getConfigDeviceinfo();
+    }
+    m_mac = mac;
+    m_sameBox = true;
+}
+
+/// For the box that it belongs to, selected or not.
+void ParameterPanel::rememberValue(const HttpResult& result) const
+{
+    if (Item* device = m_hub.devices.model().find(result.deviceIp))
+        device->setParameter(result.parameterName, result.value);
 }
 
 void ParameterPanel::handleReply(const HttpResult& result)
 {
+    const QString asked = m_asked.take(result.id);
     // The name becomes the name of a property: only names of ours may.
-    if (!m_read.contains(result.parameterName))
+    const bool known = m_read.contains(result.parameterName);
+    ShownParameter* answered = known ? find(result.parameterName) : nullptr;
+    const bool isValue =
+        known && !result.isRefusal() &&
+        (answered ? fits(answered->row().binding, result.value) : isScalar(result.value));
+    if (isValue)
+        rememberValue(result);
+    // What was asked before the box was selected comes too late for the panels.
+    ShownParameter* parameter = asked.isEmpty() ? nullptr : find(asked);
+    if (!parameter || result.deviceIp != m_hub.state.deviceIp())
         return;
-    const ParameterRow* row = find(result.parameterName);
-    const bool list = row && row->binding.showList;
-    if (list ? result.value.type() != QVariant::List : !isScalar(result.value))
-        return;
-    if (Item* device = m_hub.devices.model().find(result.deviceIp))
-        device->setParameter(result.parameterName, result.value);
-    // The answer of a box that was selected before comes too late for the panels.
-    if (!row || result.deviceIp != m_hub.state.deviceIp())
-        return;
-    if (list)
-        row->binding.showList(result.value);
-    else if (row->binding.show)
-        row->binding.show(result.value.toString());
+    const bool other = known && result.parameterName != asked;
+    if (isValue && !other)
+        parameter->tell(result.value);
+    else if (result.isRefusal() && !other)
+        parameter->refuse();
+    else
+        parameter->fail();
+    showStates();
 }
 
-QMap<QString, QString> ParameterPanel::valuesToSave() const
+QMap<QString, QString> ParameterPanel::valuesToSave(const QString& ip) const
 {
     QMap<QString, QString> values;
-    for (const ParameterRow& row : m_table) {
-        const auto value = row.binding.read ? row.binding.read() : std::nullopt;
+    bool any = false;
+    for (const ShownParameter& parameter : m_parameters) {
+        const auto value = parameter.toSave(m_sameBox);
         if (value)
-            values.insert(row.name, *value);
+            values.insert(parameter.row().name, *value);
+        any |= value && parameter.row().isRead();
     }
-    return values;
+    return any && ip == m_ip ? values : QMap<QString, QString>();
 }
 
-const ParameterRow* ParameterPanel::find(const QString& parameter) const
+int ParameterPanel::unreadCount(const QString& ip) const
 {
-    for (const ParameterRow& row : m_table) {
-        if (row.name == parameter)
-            return &row;
+    int count = 0;
+    const QMap<QString, QString> sent = valuesToSave(ip);
+    for (const ShownParameter& parameter : m_parameters) {
+        const ParameterRow& row = parameter.row();
+        count += row.binding.read && parameter.isUnread() && !sent.contains(row.name) ? 1 : 0;
+    }
+    return count;
+}
+
+void ParameterPanel::noteSaved(const QString& ip, const QMap<QString, QString>& values)
+{
+    if (ip != m_ip)
+        return;
+    for (ShownParameter& parameter : m_parameters) {
+        const auto value = values.constFind(parameter.row().name);
+        if (value != values.constEnd())
+            parameter.noteSaved(*value);
+    }
+    showStates();
+}
+
+void ParameterPanel::showStates()
+{
+    QHash<QWidget*, FieldState> states;
+    for (const ShownParameter& parameter : m_parameters) {
+        const ParameterRow& row = parameter.row();
+        QVector<QWidget*> widgets = row.binding.fields;
+        for (QLabel* caption : row.captions)
+            widgets << caption;
+        for (QWidget* widget : qAsConst(widgets))
+            states[widget] = qMax(states.value(widget), parameter.state());
+    }
+    for (auto it = states.cbegin(); it != states.cend(); ++it)
+        FieldMark::show(it.key(), it.value());
+    m_summary.setText(summaryText());
+}
+
+QString ParameterPanel::summaryText() const
+{
+    int awaited = 0;
+    int unread = 0;
+    int missing = 0;
+    int changed = 0;
+    for (const ShownParameter& parameter : m_parameters) {
+        if (parameter.row().binding.fields.isEmpty())
+            continue;
+        awaited += parameter.isAwaited() ? 1 : 0;
+        unread += parameter.isUnread() ? 1 : 0;
+        missing += parameter.state() == FieldState::Missing ? 1 : 0;
+        changed += parameter.state() == FieldState::Changed ? 1 : 0;
+    }
+    QStringList parts;
+    if (awaited > 0)
+        parts << tr("正在读取…");
+    else if (unread > 0)
+        parts << tr("%1 项未读到").arg(unread);
+    if (missing > 0)
+        parts << tr("%1 项设备没有").arg(missing);
+    if (changed > 0)
+        parts << tr("%1 项未保存").arg(changed);
+    return parts.join(QStringLiteral(" · "));
+}
+
+void ParameterPanel::retranslate()
+{
+    showStates();
+    // The fields take up their own hints again only after this.
+    QTimer::singleShot(0, this, [this] {
+        for (ShownParameter& parameter : m_parameters)
+            parameter.retranslate();
+    });
+}
+
+ShownParameter* ParameterPanel::find(const QString& parameter)
+{
+    for (ShownParameter& shown : m_parameters) {
+        if (shown.row().name == parameter)
+            return &shown;
     }
     return nullptr;
 }

@@ -8,17 +8,20 @@
 namespace
 {
 
-/// The mode's buttons follow two parameters; nothing is shown before both are known.
+/// The mode's buttons follow two parameters; none is chosen before both are known.
 void showEncoder(const Ui::ControlArea& area, const HubState& state)
 {
-    if (state.encoderMode().isEmpty() || state.encoderFormat().isEmpty())
-        return;
-    const int mode = state.encoderMode().toInt();
+    const bool known = !state.encoderMode().isEmpty() && !state.encoderFormat().isEmpty();
+    const int mode = known ? state.encoderMode().toInt() : -1;
     const int format = state.encoderFormat().toInt();
     area.HB->setChecked(mode == 1);
     area.HX2->setChecked(mode == 0 && format < 3);
     area.HX3->setChecked(mode == 0 && format >= 3);
-    (format % 2 != 0 ? area.H264 : area.H265)->setChecked(true);
+    // Two buttons of a group cannot both be off while each keeps the other from it.
+    area.H264->setAutoExclusive(known);
+    area.H265->setAutoExclusive(known);
+    area.H264->setChecked(known && format % 2 != 0);
+    area.H265->setChecked(known && format % 2 == 0);
 }
 
 } // namespace
@@ -36,13 +39,21 @@ ParameterTable controlParameters(const Ui::ControlArea& area, HubState& state)
         state.setEncoderFormat(format);
         showEncoder(area, state);
     };
+    const QVector<QWidget*> buttons{area.HB, area.HX2, area.HX3, area.H264, area.H265};
     return {
-        {Box::NDIEncMode, shownBy(encoderMode)},
-        {Box::NDIHXFormat, shownBy(encoderFormat)},
-        // The slider follows its spin box.
-        {Box::SDIVolume, notSaved(number(area.eParam_SDIVolume))},
-        {Box::LineinVolume, notSaved(number(area.eParam_LineinVolume))},
-        {Box::LineinDelay, notSaved(number(area.eParam_LineinDelay))},
+        {Box::NDIEncMode,
+         shownBy(encoderMode, buttons),
+         {area.caption_HB, area.caption_HX2, area.caption_HX3}},
+        {Box::NDIHXFormat, shownBy(encoderFormat, buttons), {area.caption_codec}},
+        {Box::SDIVolume,
+         notSaved(number(area.eParam_SDIVolume, area.eParam_SDIVolumeSlider)),
+         {area.label_eParam_SDIVolume}},
+        {Box::LineinVolume,
+         notSaved(number(area.eParam_LineinVolume, area.eParam_LineinVolumeSlider)),
+         {area.label_eParam_LineinVolume}},
+        {Box::LineinDelay,
+         notSaved(number(area.eParam_LineinDelay, area.eParam_LineinDelaySlider)),
+         {area.label_eParam_LineinDelay}},
         {Box::NDIDecodeList,
          listShownBy([&state](const QVariant& list) { state.setDecodeList(list); })},
     };

@@ -125,15 +125,23 @@ void DeviceInfo::getDeviceinfo(const QString& ip)
 
 void DeviceInfo::handleReply(const HttpResult& result)
 {
-    if (placeOf(result.parameterName) < 0 || !result.value.isValid())
+    if (placeOf(result.parameterName) < 0)
         return;
+    const bool shown = result.deviceIp == m_hub.state.deviceIp();
+    if (result.isRefusal()) {
+        if (shown)
+            showRow(result.parameterName, QStringLiteral("–"));
+        return;
+    }
     const QString value = result.value.toString();
     const auto unknown = m_unknown.find(result.deviceIp);
     if (unknown != m_unknown.end())
         unknown->unanswered.removeAll(result.parameterName);
     updateDevice(result, value);
-    if (result.deviceIp == m_hub.state.deviceIp())
-        showRow(result.parameterName, value);
+    if (shown)
+        showRow(result.parameterName, result.parameterName == BoxProtocol::DiskSpace
+                                          ? value + QStringLiteral(" MB")
+                                          : value);
 }
 
 void DeviceInfo::updateDevice(const HttpResult& result, const QString& value)
@@ -151,12 +159,10 @@ void DeviceInfo::updateDevice(const HttpResult& result, const QString& value)
     }
 }
 
-void DeviceInfo::showRow(const QString& parameter, const QString& value)
+void DeviceInfo::showRow(const QString& parameter, const QString& content)
 {
     TreeModel* model = m_view->treeModel();
     const int place = placeOf(parameter);
-    const QString content =
-        parameter == BoxProtocol::DiskSpace ? value + QStringLiteral(" MB") : value;
     int row = 0;
     // Replies arrive in any order, and twice when the box was selected twice: a row has its place.
     for (; row < model->root()->childCount(); ++row) {

@@ -12,7 +12,8 @@
 class TreeView;
 struct HttpResult;
 
-/// The information list: what the selected box says about itself, one row per parameter.
+/// The information list: what the selected box says about itself, one row per parameter; a dash for
+/// one that it says it does not have.
 class DeviceInfo : public QObject
 {
     Q_OBJECT
@@ -44,7 +45,7 @@ private:
     void expectAnswers(const QString& ip);
     void askAgain();
     void read(const QString& ip, const QString& parameter);
-    void showRow(const QString& parameter, const QString& value);
+    void showRow(const QString& parameter, const QString& content);
     void updateDevice(const HttpResult& result, const QString& value);
 
     const Hub m_hub;

@@ -6,17 +6,117 @@
 #include "widgets/ip_address.h"
 
 #include <QAbstractButton>
+#include <QLabel>
 #include <QLineEdit>
+#include <QSlider>
 #include <QSpinBox>
 
 namespace
 {
 
-template <class Edit> ParameterBinding freeText(Edit* edit)
+using Buttons = QVector<QAbstractButton*>;
+
+template <class Edit> ParameterBinding freeText(Edit* edit, std::function<QString()> hint)
 {
     ParameterBinding binding;
-    binding.show = [edit](const QString& value) { edit->setText(value); };
+    binding.meaning = [](const QString& value) { return BoxProtocol::escapeEquals(value); };
+    binding.show = [edit, hint](const QString& value) {
+        edit->setPlaceholderText(hint());
+        // The cursor of whoever looks at the same text stays where it is.
+        if (edit->text() != value)
+            edit->setText(value);
+    };
+    binding.blank = [edit](const QString& word) {
+        edit->setPlaceholderText(word);
+        edit->setText(QString());
+    };
     binding.read = [edit] { return BoxProtocol::escapeEquals(edit->text()); };
+    binding.watch = [edit](QObject* context, const std::function<void()>& changed) {
+        QObject::connect(edit, &Edit::textChanged, context, [changed] { changed(); });
+    };
+    binding.fields = {edit};
+    return binding;
+}
+
+/// Buttons of a group cannot all be off while each keeps the others from it.
+void uncheckAll(const Buttons& buttons)
+{
+    for (QAbstractButton* button : buttons)
+        button->setAutoExclusive(false);
+    for (QAbstractButton* button : buttons)
+        button->setChecked(false);
+    for (QAbstractButton* button : buttons)
+        button->setAutoExclusive(true);
+}
+
+void watchButtons(const Buttons& buttons, QObject* context, const std::function<void()>& changed)
+{
+    for (const QAbstractButton* button : buttons)
+        QObject::connect(button, &QAbstractButton::toggled, context, [changed] { changed(); });
+}
+
+/// One of `values`, each with the button of its place; `otherwise` is the place for all others, -1
+/// when there is none.
+ParameterBinding oneOf(const Buttons& buttons, const QStringList& values, int otherwise)
+{
+    const auto placeOf = [values, otherwise](const QString& value) {
+        const int place = values.indexOf(value);
+        return place < 0 ? otherwise : place;
+    };
+    ParameterBinding binding;
+    binding.meaning = [values, placeOf](const QString& value) -> std::optional<QString> {
+        const int place = placeOf(value);
+        return place < 0 ? std::nullopt : std::make_optional(values.at(place));
+    };
+    binding.show = [buttons, placeOf](const QString& value) {
+        buttons.at(placeOf(value))->setChecked(true);
+    };
+    binding.blank = [buttons](const QString&) { uncheckAll(buttons); };
+    binding.read = [buttons, values]() -> std::optional<QString> {
+        for (int place = 0; place < buttons.size(); ++place) {
+            if (buttons.at(place)->isChecked())
+                return values.at(place);
+        }
+        return std::nullopt;
+    };
+    binding.watch = [buttons](QObject* context, const std::function<void()>& changed) {
+        watchButtons(buttons, context, changed);
+    };
+    for (QAbstractButton* button : buttons)
+        binding.fields << button;
+    return binding;
+}
+
+/// A number that the panel shows divided by `unit`.
+ParameterBinding scaled(QSpinBox* box, QSlider* slider, int unit)
+{
+    const auto shown = [box, unit](const QString& value) -> std::optional<int> {
+        bool isNumber = false;
+        const qint64 number = value.toLongLong(&isNumber);
+        if (!isNumber)
+            return std::nullopt;
+        return int(qBound(qint64(box->minimum()), number / unit, qint64(box->maximum())));
+    };
+    ParameterBinding binding;
+    binding.meaning = [shown, unit](const QString& value) -> std::optional<QString> {
+        const std::optional<int> number = shown(value);
+        return number ? std::make_optional(QString::number(qint64(*number) * unit)) : std::nullopt;
+    };
+    binding.show = [box, shown](const QString& value) {
+        box->setSpecialValueText(QString());
+        box->setValue(*shown(value));
+    };
+    binding.blank = [box](const QString&) {
+        // Wide enough for no word: that it is no number says enough.
+        box->setSpecialValueText(QStringLiteral("–"));
+        box->setValue(box->minimum());
+    };
+    binding.read = [box, unit] { return QString::number(qint64(box->value()) * unit); };
+    binding.watch = [box](QObject* context, const std::function<void()>& changed) {
+        QObject::connect(box, QOverload<int>::of(&QSpinBox::valueChanged), context,
+                         [changed] { changed(); });
+    };
+    binding.fields = {box, slider};
     return binding;
 }
 
@@ -27,110 +127,118 @@ namespace Bind
 
 ParameterBinding text(Inputui* input)
 {
-    return freeText(input);
+    // The form's own hint, which it takes up again with each language.
+    return freeText(input, [] { return Inputui::tr("请输入"); });
 }
 
 ParameterBinding text(QLineEdit* edit)
 {
-    return freeText(edit);
+    return freeText(edit, [] { return QString(); });
 }
 
 ParameterBinding address(IPAddress* editor, std::function<void(const QString&)> shown)
 {
+    const QList<QLineEdit*> parts = editor->findChildren<QLineEdit*>();
     ParameterBinding binding;
-    binding.show = [editor, shown = std::move(shown)](const QString& value) {
+    binding.meaning = [](const QString& value) {
+        return BoxProtocol::isIpv4Address(value) ? std::make_optional(value) : std::nullopt;
+    };
+    binding.show = [editor, shown](const QString& value) {
         editor->setIP(value);
         shown(editor->getIP());
     };
+    binding.blank = [parts, shown](const QString&) {
+        // Not by the editor's own clear(), which moves the focus there.
+        for (QLineEdit* part : parts)
+            part->clear();
+        shown(QString());
+    };
     binding.read = [editor] { return editor->getIP(); };
+    binding.watch = [parts](QObject* context, const std::function<void()>& changed) {
+        for (const QLineEdit* part : parts)
+            QObject::connect(part, &QLineEdit::textChanged, context, [changed] { changed(); });
+    };
+    binding.fields = {editor};
     return binding;
 }
 
 ParameterBinding flag(QAbstractButton* button, std::function<void(bool)> shown)
 {
     ParameterBinding binding;
-    binding.show = [button, shown = std::move(shown)](const QString& value) {
-        if (value == QLatin1String("0") || value == QLatin1String("1"))
-            button->setChecked(value == QLatin1String("1"));
+    binding.meaning = [](const QString& value) {
+        const bool isFlag = value == QLatin1String("0") || value == QLatin1String("1");
+        return isFlag ? std::make_optional(value) : std::nullopt;
+    };
+    binding.show = [button, shown](const QString& value) {
+        button->setChecked(value == QLatin1String("1"));
         shown(button->isChecked());
     };
+    binding.blank = [button, shown](const QString&) {
+        button->setChecked(false);
+        shown(false);
+    };
     binding.read = [button] { return QString::number(button->isChecked() ? 1 : 0); };
+    binding.watch = [button](QObject* context, const std::function<void()>& changed) {
+        watchButtons({button}, context, changed);
+    };
+    binding.fields = {button};
     return binding;
 }
 
 ParameterBinding choice(std::initializer_list<Choice> choices, QAbstractButton* other)
 {
-    const QVector<Choice> all(choices);
-    ParameterBinding binding;
-    binding.show = [all, other](const QString& value) {
-        QAbstractButton* chosen = other;
-        for (const Choice& choice : all) {
-            if (value == QLatin1String(choice.value))
-                chosen = choice.button;
-        }
-        if (chosen)
-            chosen->setChecked(true);
-    };
-    binding.read = [all]() -> std::optional<QString> {
-        for (const Choice& choice : all) {
-            if (choice.button->isChecked())
-                return QString(QLatin1String(choice.value));
-        }
-        return std::nullopt;
-    };
-    return binding;
+    Buttons buttons;
+    QStringList values;
+    for (const Choice& choice : choices) {
+        buttons << choice.button;
+        values << QLatin1String(choice.value);
+    }
+    return oneOf(buttons, values, buttons.indexOf(other));
 }
 
 ParameterBinding numberedChoice(std::initializer_list<QAbstractButton*> buttons)
 {
-    const QVector<QAbstractButton*> all(buttons);
-    ParameterBinding binding;
-    binding.show = [all](const QString& value) {
-        if (QAbstractButton* chosen = all.value(value.toInt()))
-            chosen->setChecked(true);
-    };
-    binding.read = [all]() -> std::optional<QString> {
-        for (int number = 0; number < all.size(); ++number) {
-            if (all.at(number)->isChecked())
-                return QString::number(number);
-        }
-        return std::nullopt;
-    };
-    return binding;
+    QStringList values;
+    for (size_t number = 0; number < buttons.size(); ++number)
+        values << QString::number(number);
+    return oneOf(buttons, values, -1);
 }
 
-ParameterBinding number(QSpinBox* box)
+ParameterBinding number(QSpinBox* box, QSlider* slider)
 {
-    ParameterBinding binding;
-    binding.show = [box](const QString& value) { box->setValue(value.toInt()); };
-    binding.read = [box] { return QString::number(box->value()); };
-    return binding;
+    return scaled(box, slider, 1);
 }
 
-ParameterBinding kiloAsMega(QSpinBox* box)
+ParameterBinding kiloAsMega(QSpinBox* box, QSlider* slider)
 {
-    ParameterBinding binding;
-    binding.show = [box](const QString& value) {
-        const double mega = double(value.toLongLong()) / 1000.0;
-        box->setValue(int(qBound(0.0, mega, double(box->maximum()))));
-    };
-    binding.read = [box] { return QString::number(box->value() * 1000); };
-    return binding;
+    return scaled(box, slider, 1000);
 }
 
 ParameterBinding constant(const QString& value)
 {
-    return {{}, {}, [value] { return value; }};
+    ParameterBinding binding;
+    binding.read = [value] { return value; };
+    return binding;
 }
 
-ParameterBinding shownBy(std::function<void(const QString&)> show)
+ParameterBinding shownBy(std::function<void(const QString&)> show, QVector<QWidget*> fields)
 {
-    return {std::move(show), {}, {}};
+    ParameterBinding binding;
+    binding.meaning = [](const QString& value) {
+        return value.isEmpty() ? std::nullopt : std::make_optional(value);
+    };
+    binding.show = show;
+    binding.blank = [show](const QString&) { show(QString()); };
+    binding.fields = std::move(fields);
+    return binding;
 }
 
 ParameterBinding listShownBy(std::function<void(const QVariant&)> show)
 {
-    return {{}, std::move(show), {}};
+    ParameterBinding binding;
+    binding.showList = show;
+    binding.blank = [show](const QString&) { show(QVariant()); };
+    return binding;
 }
 
 ParameterBinding notSaved(ParameterBinding binding)

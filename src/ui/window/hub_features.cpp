@@ -66,8 +66,10 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , wheelGuard({form.config_area, form.control_area})
     , deviceList(hub, form.device_list->ui)
     , deviceInfo(hub, form.device_info->ui.infoView)
-    , panel(hub, configurationParameters(form.config_area->ui, state) +
-                     controlParameters(form.control_area->ui, state))
+    , panel(hub,
+            configurationParameters(form.config_area->ui, state) +
+                controlParameters(form.control_area->ui, state),
+            *form.config_area->ui.config_state)
     , save(hub, form.config_area->ui, panel)
     , controlBusy(form.control_area->ui.busy_control, {form.control_area->ui.control_body})
     , encoder(hub, form.control_area->ui, controlBusy)
@@ -102,6 +104,7 @@ void Tarn_Hub::Features::connectRooms()
     QObject::connect(&monitor, &Monitor::recordTime, form.control_area->ui.recodeTime,
                      &QLabel::setText);
     QObject::connect(&deviceInfo, &DeviceInfo::deviceChanged, &deviceList, &DeviceList::repaint);
+    QObject::connect(&deviceInfo, &DeviceInfo::macReported, &panel, &ParameterPanel::noteMac);
     QObject::connect(&deviceInfo, &DeviceInfo::macReported, &upgrade, &UpgradeFeatures::noteMac);
     QObject::connect(&upgrade, &UpgradeFeatures::waitingWanted, &frame, &WindowFrame::showWaiting);
     QObject::connect(&upgrade, &UpgradeFeatures::monitorWanted, &frame,

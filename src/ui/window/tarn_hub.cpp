@@ -55,6 +55,7 @@ void Tarn_Hub::retranslate()
     m->form.config_area->retranslate();
     m->form.control_area->retranslate();
     m->deviceInfo.retranslate();
+    m->panel.retranslate();
 }
 
 bool Tarn_Hub::eventFilter(QObject* watched, QEvent* event)

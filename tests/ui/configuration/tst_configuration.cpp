@@ -2,6 +2,7 @@
 #include "tests/support/table.h"
 #include "tests/support/window_fixture.h"
 
+#include <QLabel>
 #include <QSlider>
 
 /// The configuration area: what a box says, and how it shows.
@@ -12,14 +13,35 @@ class tst_Configuration : public QObject, WindowFixture
 private slots:
     void initTestCase();
     void init();
+    void everyValueIsShown_data();
     void everyValueIsShown();
     void oddValues_data();
     void oddValues();
-    void badRepliesChangeNothing_data();
-    void badRepliesChangeNothing();
+    void badRepliesAreNoValue_data();
+    void badRepliesAreNoValue();
     void lateAnswersOfAnotherBoxAreDropped();
+    void nothingOfTheBoxBeforeStays();
+    void typedStaysUntilSaved();
+    void typedIsNotForAnotherBox();
 
 private:
+    QString state(const char* name) const
+    {
+        return child<QWidget>(name)->property("fieldState").toString();
+    }
+    void comeOnlineAgain()
+    {
+        readAfter(7, [this] {
+            window().R_refreshDeviceIP({ip(8)});
+            window().R_refreshDeviceIP({ip(7), ip(8)});
+            // Whoever types goes on where he is; nothing is saved that has not been read again.
+            QVERIFY(child<QWidget>("eParam_NTPServer")->isEnabled());
+            const DialogAnswerer notices;
+            click("save");
+            QTRY_COMPARE(notices.texts(), QStringList{"尚未读到设备的参数,没有可保存的内容."});
+        });
+    }
+
     sim::VirtualBox* m_box = nullptr;
     sim::VirtualBox* m_other = nullptr;
 };
@@ -37,8 +59,19 @@ void tst_Configuration::init()
     select(7, settings());
 }
 
+void tst_Configuration::everyValueIsShown_data()
+{
+    columns<QString>("fault");
+    row("at once", "slow 0");
+    row("a box that takes its time", "slow 1500");
+}
+
 void tst_Configuration::everyValueIsShown()
 {
+    QFETCH(QString, fault);
+    QVERIFY(m_box->addFault(fault));
+    select(8);
+    select(7);
     const QStringList expected =
         QString("eParam_NDIName=Stage Left|quality_3=on|main=on|CBR=on|eParam_NDIHXGopLength=60|"
                 "eParam_NDIHXBitRate=8|DHCP=off|eParam_IPAddress=10.1.2.3|"
@@ -50,6 +83,9 @@ void tst_Configuration::everyValueIsShown()
         seen << widget.section('=', 0, 0) + "=" + shown(widget.section('=', 0, 0));
     QCOMPARE(seen, expected);
     QCOMPARE(child<QSlider>("eParam_LineinDelaySlider")->value(), 341);
+    QCOMPARE(child<QLabel>("config_state")->text(), QString());
+    QCOMPARE(information().size(), 6);
+    QCOMPARE(window().property("eParam_NDIDecodeList").type(), QVariant::List);
 }
 
 void tst_Configuration::oddValues_data()
@@ -58,15 +94,15 @@ void tst_Configuration::oddValues_data()
     row("rate cut off", "NDIHXBitRate", "1999", "eParam_NDIHXBitRate", "1");
     row("rate negative", "NDIHXBitRate", "-5", "eParam_NDIHXBitRate", "0");
     row("rate too high", "NDIHXBitRate", "500000", "eParam_NDIHXBitRate", "120");
-    row("rate no number", "NDIHXBitRate", "fast", "eParam_NDIHXBitRate", "0");
+    row("rate no number", "NDIHXBitRate", "fast", "eParam_NDIHXBitRate", "–");
     row("length too high", "NDIHXGopLength", "99999", "eParam_NDIHXGopLength", "200");
-    row("quality unknown", "NDIHXQuality", "5", "quality_3", "on");
+    row("quality unknown", "NDIHXQuality", "5", "quality_3", "off");
     row("quality lowest", "NDIHXQuality", "0", "quality_0", "on");
     row("rate control other", "HXControlRate", "xyz", "CVBR", "on");
     row("profile empty", "HXEncProfile", "", "high", "on");
     row("DHCP other", "DHCP", "yes", "DHCP", "off");
-    row("address invalid", "IPAddress", "10.1.2.999", "eParam_IPAddress", "10.1.2.3");
-    row("colour other", "NDIHDR", "2", "SDR", "on");
+    row("address invalid", "IPAddress", "10.1.2.999", "eParam_IPAddress", "");
+    row("colour other", "NDIHDR", "2", "SDR", "off");
     row("full bandwidth", "NDIEncMode", "1", "HB", "on");
     row("full bandwidth, HX2 off", "NDIEncMode", "1", "HX2", "off");
     row("mode unknown", "NDIEncMode", "2", "HX2", "off");
@@ -85,26 +121,28 @@ void tst_Configuration::oddValues()
     QCOMPARE(shown(widget), shows);
 }
 
-void tst_Configuration::badRepliesChangeNothing_data()
+void tst_Configuration::badRepliesAreNoValue_data()
 {
-    columns<QString, QString>("fault", "name");
-    row("silent", "silent", "Stage Left");
-    row("array", "array on eParam_NDIName", "Stage Left");
-    row("no value", "no-value", "Stage Left");
-    row("garbage", "garbage", "Stage Left");
-    row("not an object", "not-an-object", "Stage Left");
-    row("10 MB", "huge 10000000", "Stage Left");
-    row("hangs up", "hang-up 50", "Stage Left");
-    row("a number instead of text", "number", "42");
+    columns<QString, QString, QString>("fault", "name", "known");
+    row("silent", "silent", "", "unknown");
+    row("array", "array on eParam_NDIName", "", "unknown");
+    row("no value", "no-value", "", "missing");
+    row("garbage", "garbage", "", "unknown");
+    row("not an object", "not-an-object", "", "unknown");
+    row("10 MB", "huge 10000000", "", "unknown");
+    row("hangs up", "hang-up 50", "", "unknown");
+    row("a number instead of text", "number", "42", "read");
 }
 
-void tst_Configuration::badRepliesChangeNothing()
+void tst_Configuration::badRepliesAreNoValue()
 {
     QFETCH(QString, fault);
-    QFETCH(QString, name);
     QVERIFY(m_box->addFault(fault));
     select(7, {"NDIName=42"});
-    QCOMPARE(shown("eParam_NDIName"), name);
+    QTEST(shown("eParam_NDIName"), "name");
+    QTEST(state("eParam_NDIName"), "known");
+    QTEST(state("caption_0"), "known");
+    QCOMPARE(child<QWidget>("eParam_NDIName")->isEnabled(), fault == "number");
 }
 
 void tst_Configuration::lateAnswersOfAnotherBoxAreDropped()
@@ -118,6 +156,70 @@ void tst_Configuration::lateAnswersOfAnotherBoxAreDropped()
     QCOMPARE(shown("eParam_NDIName"), QString("Stage Left"));
     // It is remembered for the box it belongs to.
     QCOMPARE(item(8)->property("eParam_NDIName").toString(), QString("Too late"));
+}
+
+void tst_Configuration::nothingOfTheBoxBeforeStays()
+{
+    QVERIFY(m_other->addFault("silent"));
+    readAfter(8, [this] {
+        clickRow(8);
+        for (const char* name :
+             {"eParam_NDIName", "quality_3", "eParam_NDIHXBitRate", "eParam_NDIHXBitRateSlider",
+              "DHCP", "eParam_IPAddress", "HX2", "H265", "eParam_SDIVolumeSlider"}) {
+            QCOMPARE(state(name), QString("unknown"));
+            QVERIFY(!child<QWidget>(name)->isEnabled());
+        }
+    });
+    const QStringList empty{shown("eParam_NDIName"), shown("eParam_IPAddress"),
+                            shown("eParam_NTPServer"), window().property("UIIP").toString(),
+                            window().property("eParam_NDIEncMode").toString()};
+    QCOMPARE(empty.join(""), QString());
+    for (const char* name : {"quality_3", "main", "CBR", "SDR", "HX2", "H264", "H265"})
+        QCOMPARE(shown(name), QString("off"));
+    QCOMPARE(shown("eParam_NDIHXGopLength") + shown("eParam_SDIVolume"), QString("––"));
+    QCOMPARE(child<QLabel>("config_state")->text(), QString("16 项未读到"));
+    m_other->clearFaults();
+}
+
+/// Away for a moment, the box changed by somebody else meanwhile.
+void tst_Configuration::typedStaysUntilSaved()
+{
+    child<Inputui>("eParam_NDIName")->setText("Typed");
+    child<QSlider>("eParam_NDIHXBitRateSlider")->setValue(33);
+    click("quality_1");
+    QCOMPARE(state("eParam_NDIName") + state("caption_5") + state("quality_3"),
+             QString("changedchangedchanged"));
+    m_box->setParameter("eParam_NDIName", "From elsewhere");
+    m_box->setParameter("eParam_NDIHXQuality", "1");
+    m_box->setParameter("eParam_NDIHXGopLength", "77");
+    comeOnlineAgain();
+    QCOMPARE(shown("eParam_NDIName"), QString("Typed"));
+    QCOMPARE(shown("eParam_NDIHXBitRate"), QString("33"));
+    QCOMPARE(shown("eParam_NDIHXGopLength"), QString("77"));
+    // By now the box has what the operator chose.
+    QCOMPARE(state("quality_1"), QString("read"));
+    QCOMPARE(child<QLabel>("config_state")->text(), QString("2 项未保存"));
+    const DialogAnswerer notices;
+    click("save");
+    QTRY_COMPARE(notices.texts(), QStringList{"设置参数成功."});
+    QCOMPARE(m_box->parameter("eParam_NDIName"), QString("Typed"));
+    QCOMPARE(child<QLabel>("config_state")->text(), QString());
+    child<Inputui>("eParam_NDIName")->setText("Typed again");
+    readAfter(8, [this] { clickRow(8); });
+    readAfter(7, [this] { clickRow(7); });
+    QCOMPARE(shown("eParam_NDIName"), QString("Typed"));
+}
+
+void tst_Configuration::typedIsNotForAnotherBox()
+{
+    child<Inputui>("eParam_NDIName")->setText("Typed");
+    const QString mac = m_box->parameter("eParam_MACAddress");
+    m_box->setParameter("eParam_MACAddress", "02:00:00:00:00:77");
+    window().R_refreshDeviceIP({ip(8)});
+    window().R_refreshDeviceIP({ip(7), ip(8)});
+    QTRY_COMPARE(shown("eParam_NDIName"), QString("Stage Left"));
+    QTRY_COMPARE(child<QLabel>("config_state")->text(), QString());
+    m_box->setParameter("eParam_MACAddress", mac);
 }
 
 QTEST_MAIN(tst_Configuration)

@@ -22,6 +22,9 @@ private slots:
     void runKeepsItsBox();
     void boxThatIsOffEndsInTime();
     void boxThatGoesMeanwhileIsNamedOnce();
+    void onlyWhatIsKnownIsSent_data();
+    void onlyWhatIsKnownIsSent();
+    void upgradeThatTakesTheBoxStopsTheRun();
     void changedDhcpReallyReboots();
     void closingMeanwhileIsSafe();
 
@@ -167,6 +170,53 @@ void tst_Save::boxThatGoesMeanwhileIsNamedOnce()
     QTRY_COMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
     QVERIFY(!told(box).isEmpty());
     QCOMPARE(m_fixture->shown("eParam_NDIName"), QString("Stage Left"));
+}
+
+void tst_Save::onlyWhatIsKnownIsSent_data()
+{
+    columns<QStringList, QString, int, QString>("settings", "fault", "sent", "message");
+    row("a box without the parameter", QStringList{}, "no-value on read+eParam_NTPServer", 11,
+        "设置参数成功.");
+    row("read in vain", QStringList{}, "garbage on read+eParam_NetMask", 11,
+        "设置参数成功.\n1 项参数未从设备读到,没有保存.");
+    row("nothing read", QStringList{}, "garbage on read", 0,
+        "尚未读到设备的参数,没有可保存的内容.");
+    row("off DHCP to nowhere", QStringList{"DHCP=1"}, "no-value on read+eParam_IPAddress", 0,
+        "未读到设备的静态IP地址和子网掩码,不能关闭DHCP.");
+    row("no flag", QStringList{"DHCP=yes"}, "slow 0", 11,
+        "设置参数成功.\n1 项参数未从设备读到,没有保存.");
+    // Between the panel's steps; nobody has touched it.
+    row("odd bit rate", QStringList{"NDIHXBitRate=1999"}, "slow 0", 12, "设置参数成功.");
+}
+
+void tst_Save::onlyWhatIsKnownIsSent()
+{
+    QFETCH(QStringList, settings);
+    QFETCH(QString, fault);
+    QFETCH(QString, message);
+    sim::VirtualBox* box = selectBox();
+    QVERIFY(box->addFault(fault));
+    m_fixture->select(7, settings);
+    const QMap<QString, QString> before = box->parameters();
+    if (settings == QStringList{"DHCP=1"})
+        m_fixture->child<QAbstractButton>("DHCP")->click();
+    const DialogAnswerer notices;
+    m_fixture->click("save");
+    QTRY_COMPARE(notices.texts(), QStringList{message});
+    QTEST(told(box).size(), "sent");
+    QCOMPARE(box->parameters(), before);
+}
+
+void tst_Save::upgradeThatTakesTheBoxStopsTheRun()
+{
+    sim::VirtualBox* box = selectBox();
+    QVERIFY(box->addFault("slow 100 on write"));
+    QTimer::singleShot(450, this, [&] { m_fixture->item(7)->setOwned(true); });
+    const DialogAnswerer notices;
+    m_fixture->child<QAbstractButton>("DHCP")->click();
+    m_fixture->click("save");
+    QTRY_COMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
+    QVERIFY2(told(box).size() < 12, qPrintable(told(box).join(' ')));
 }
 
 void tst_Save::changedDhcpReallyReboots()

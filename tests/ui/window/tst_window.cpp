@@ -118,6 +118,7 @@ void tst_Window::scrollingChangesNoValue()
         spin->setValue(11);
         QCOMPARE(slider->value(), 11);
         for (QWidget* target : {static_cast<QWidget*>(spin), static_cast<QWidget*>(slider)}) {
+            target->setEnabled(true); // as after the box has told it
             const QPointF middle = QRectF(target->rect()).center();
             QWheelEvent wheel(middle, target->mapToGlobal(middle.toPoint()), {}, QPoint(0, 240),
                               Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);

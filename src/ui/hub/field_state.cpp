@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#include "ui/hub/field_state.h"
+
+#include <QEvent>
+#include <QStyle>
+#include <QVariant>
+#include <QWidget>
+
+namespace
+{
+
+const char* const stateProperty = "fieldState";
+
+/// The names of the style sheet.
+QString nameOf(FieldState state)
+{
+    switch (state) {
+    case FieldState::Read:
+        break;
+    case FieldState::Changed:
+        return QStringLiteral("changed");
+    case FieldState::Missing:
+        return QStringLiteral("missing");
+    case FieldState::Unknown:
+        return QStringLiteral("unknown");
+    }
+    return QStringLiteral("read");
+}
+
+} // namespace
+
+void FieldMark::show(QWidget* field, FieldState state)
+{
+    QString text;
+    if (state == FieldState::Changed)
+        text = tr("已修改,尚未保存");
+    else if (state == FieldState::Missing)
+        text = tr("设备没有此参数");
+    else if (state == FieldState::Unknown)
+        text = tr("尚未从设备读到,不能修改,也不会保存");
+    field->setToolTip(text);
+    field->setAccessibleDescription(text);
+    if (field->property(stateProperty) == nameOf(state))
+        return;
+    field->setProperty(stateProperty, nameOf(state));
+    field->setEnabled(state == FieldState::Read || state == FieldState::Changed);
+    field->style()->unpolish(field);
+    field->style()->polish(field);
+    // A label takes the room for its border only on being told.
+    QEvent restyled(QEvent::StyleChange);
+    QCoreApplication::sendEvent(field, &restyled);
+}
+
+QString FieldMark::word(FieldState state)
+{
+    return state == FieldState::Missing ? tr("设备没有此参数") : tr("未知");
+}
+
+FieldState FieldMark::of(const QWidget* field)
+{
+    const QString name = field->property(stateProperty).toString();
+    for (const FieldState state : {FieldState::Changed, FieldState::Missing, FieldState::Unknown}) {
+        if (name == nameOf(state))
+            return state;
+    }
+    return FieldState::Read;
+}
