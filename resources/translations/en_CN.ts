@@ -244,6 +244,10 @@
       <source>解码失败%1,请重试!</source>
       <translation>decoding %1 failed, please retry!</translation>
     </message>
+    <message>
+      <source>尚未读到设备的编码状态,请稍后重试.</source>
+      <translation>The encoder mode of the box has not been read yet. Please try again later.</translation>
+    </message>
   </context>
   <context>
     <name>DeviceArea</name>

@@ -244,6 +244,10 @@
       <source>解码失败%1,请重试!</source>
       <translation>%1 디코딩 실패, 다시 시도하세요!</translation>
     </message>
+    <message>
+      <source>尚未读到设备的编码状态,请稍后重试.</source>
+      <translation>장치의 인코딩 상태를 아직 읽지 못했습니다. 잠시 후 다시 시도하세요.</translation>
+    </message>
   </context>
   <context>
     <name>DeviceArea</name>

@@ -2,6 +2,7 @@
 #include "ui/control/audio_levels.h"
 
 #include "common/box_protocol.h"
+#include "device/item.h"
 #include "ui/control/control_area.h"
 #include "ui/hub/busy.h"
 #include "ui/hub/command_sequence.h"
@@ -27,6 +28,7 @@ void AudioLevels::sliderMoved(const QSlider* slider, const QString& parameter)
     if (!slider->isSliderDown())
         return;
     m_ip = m_hub.state.deviceIp();
+    m_value = slider->value();
     m_timer.setProperty("slider_type", parameter);
     m_timer.start();
 }
@@ -42,7 +44,7 @@ void AudioLevels::send()
     if (m_ip != m_hub.state.deviceIp())
         return;
     const QString parameter = m_timer.property("slider_type").toString();
-    const QSlider* slider = m_area.eParam_LineinDelaySlider;
+    QSlider* slider = m_area.eParam_LineinDelaySlider;
     const QLabel* caption = m_area.label_eParam_LineinDelay;
     if (parameter == BoxProtocol::SDIVolume) {
         slider = m_area.eParam_SDIVolumeSlider;
@@ -51,9 +53,16 @@ void AudioLevels::send()
         slider = m_area.eParam_LineinVolumeSlider;
         caption = m_area.label_eParam_LineinVolume;
     }
+    const Item* device = m_hub.findSelectedDevice();
+    if (!device || device->isOwned()) {
+        if (device)
+            slider->setValue(device->parameter(parameter).toInt());
+        m_hub.freeDevice();
+        return;
+    }
+    slider->setValue(m_value);
     const QString failure = tr("控制 %1 失败,请重试!").arg(caption->text());
-    const QString command =
-        BoxProtocol::setCommand(parameter, QString::number(slider->value()), m_ip);
+    const QString command = BoxProtocol::setCommand(parameter, QString::number(m_value), m_ip);
     if (runCommands(m_hub, m_ip, {command}) == SequenceResult::SomeFailed)
         messageBox::ask(failure, m_hub.window);
 }

@@ -26,7 +26,8 @@ public:
     QTimer& timer() { return m_timer; }
     /// The slider of `parameter` has moved.
     void sliderMoved(const QSlider* slider, const QString& parameter);
-    /// The slider has rested: sends its value. Blocks, serving events.
+    /// The slider has rested: sends its value, unless an upgrade has the box. Blocks, serving
+    /// events.
     void send();
 
 private:
@@ -34,5 +35,6 @@ private:
     Ui::ControlArea& m_area;
     Busy& m_busy;
     QTimer m_timer;
-    QString m_ip; ///< the box whose slider was dragged
+    QString m_ip;    ///< the box whose slider was dragged
+    int m_value = 0; ///< where to: a read that arrives meanwhile may move the slider
 };

@@ -2,7 +2,9 @@
 #include "ui/control/decode_control.h"
 
 #include "common/box_protocol.h"
+#include "device/device_registry.h"
 #include "device/item.h"
+#include "device/tree_model.h"
 #include "ui/control/encoder_control.h"
 #include "ui/control/setui.h"
 #include "ui/hub/busy.h"
@@ -56,9 +58,14 @@ void DecodeControl::tellSuccess(const QString& command, const QString& text)
 
 void DecodeControl::ask()
 {
-    const Item* device = m_hub.selectedDevice();
+    const Item* device = m_hub.freeDevice();
     if (!device)
         return;
+    // Whether the encoder has to make room depends on it.
+    if (!m_encoder.isModeKnown()) {
+        messageBox::ask(tr("尚未读到设备的编码状态,请稍后重试."), m_hub.window);
+        return;
+    }
     const QString ip = device->address();
     auto* dialog = new setui(setui::Page::Decode, ip, m_hub.http, m_hub.window);
     const bool encoding = m_encoder.isEncoding();
@@ -74,6 +81,10 @@ void DecodeControl::ask()
 void DecodeControl::run(const QString& ip, const QStringList& commands, const QString& operation,
                         const QString& source)
 {
+    // An upgrade may have taken it while the dialog was open.
+    const Item* device = m_hub.devices.model().find(ip);
+    if (device && !m_hub.isFree(*device))
+        return;
     Busy::Run run(m_busy);
     if (!run)
         return;

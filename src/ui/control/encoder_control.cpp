@@ -2,9 +2,11 @@
 #include "ui/control/encoder_control.h"
 
 #include "common/box_protocol.h"
+#include "device/item.h"
 #include "ui/control/control_area.h"
 #include "ui/hub/busy.h"
 #include "ui/hub/command_sequence.h"
+#include "ui/hub/field_state.h"
 #include "ui/hub/hub_state.h"
 #include "widgets/message_box.h"
 
@@ -64,8 +66,32 @@ bool EncoderControl::isEncoding() const
     return m_area.HB->isChecked() || m_area.HX2->isChecked() || m_area.HX3->isChecked();
 }
 
+bool EncoderControl::isModeKnown() const
+{
+    return FieldMark::of(m_area.HB) != FieldState::Unknown;
+}
+
+/// False, after a message, when the box may not be told anything: `clicked` goes back to what it
+/// showed.
+bool EncoderControl::mayCommand(QAbstractButton* clicked) const
+{
+    const Item* device = m_hub.findSelectedDevice();
+    if (device && !device->isOwned())
+        return true;
+    if (!clicked->autoExclusive())
+        clicked->toggle();
+    else if (m_hub.state.encoderFormat().toInt() % 2 != 0)
+        m_area.H264->setChecked(true);
+    else
+        m_area.H265->setChecked(true);
+    m_hub.freeDevice();
+    return false;
+}
+
 void EncoderControl::setHb(bool on)
 {
+    if (!mayCommand(m_area.HB))
+        return;
     CommandList list(m_hub.state.deviceIp());
     if (on) {
         list.controlIf(m_area.HX2->isChecked() || m_area.HX3->isChecked(),
@@ -94,6 +120,8 @@ void EncoderControl::setHx3(bool on)
 void EncoderControl::setHx(QCheckBox* button, QCheckBox* other, int h264Format, bool on,
                            const QString& failure)
 {
+    if (!mayCommand(button))
+        return;
     CommandList list(m_hub.state.deviceIp());
     if (on) {
         list.controlIf(m_area.HB->isChecked(), BoxProtocol::FullEncoderOff);
@@ -137,6 +165,8 @@ void EncoderControl::setH265(bool on)
 
 void EncoderControl::setCodec(int codec)
 {
+    if (!mayCommand(codec == H264 ? m_area.H264 : m_area.H265))
+        return;
     CommandList list(m_hub.state.deviceIp());
     if (m_area.HX2->isChecked() || m_area.HX3->isChecked()) {
         const int format = m_area.HX2->isChecked() ? hx2Format : hx3Format;

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 class Busy;
+class QAbstractButton;
 class QCheckBox;
 namespace Ui
 {
@@ -32,8 +33,11 @@ public:
 
     /// True while the encoder runs in any mode.
     bool isEncoding() const;
+    /// The box has told its mode, or that it has none.
+    bool isModeKnown() const;
 
 private:
+    bool mayCommand(QAbstractButton* clicked) const;
     void setHx(QCheckBox* button, QCheckBox* other, int h264Format, bool on,
                const QString& failure);
     void setCodec(int codec);

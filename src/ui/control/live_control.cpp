@@ -3,7 +3,9 @@
 
 #include "common/box_protocol.h"
 #include "common/command_runner.h"
+#include "device/device_registry.h"
 #include "device/item.h"
+#include "device/tree_model.h"
 #include "ui/control/setui.h"
 #include "ui/hub/exchange.h"
 #include "widgets/message_box.h"
@@ -27,7 +29,7 @@ void LiveControl::handleStarted(const BoxReply& reply)
 
 void LiveControl::ask()
 {
-    const Item* device = m_hub.selectedDevice();
+    const Item* device = m_hub.freeDevice();
     if (!device)
         return;
     const QString ip = device->address();
@@ -36,9 +38,15 @@ void LiveControl::ask()
     const QString address = BoxProtocol::escapeEquals(dialog->address());
     const QString port = dialog->port();
     dialog->deleteLater();
+    if (result != setui::StopLive && result != setui::StartLive)
+        return;
+    // An upgrade may have taken it while the dialog was open.
+    device = m_hub.devices.model().find(ip);
+    if (device && !m_hub.isFree(*device))
+        return;
     if (result == setui::StopLive)
         m_hub.runner.execCurl(ip, BoxProtocol::controlCommand(BoxProtocol::StreamOff, ip), {});
-    else if (result == setui::StartLive)
+    else
         m_hub.runner.execCurl(ip,
                               port.isEmpty() ? BoxProtocol::streamPushCommand(ip, address)
                                              : BoxProtocol::streamListenCommand(ip, port, address),

@@ -3,6 +3,9 @@
 
 #include "common/box_reply.h"
 #include "common/command_runner.h"
+#include "device/device_registry.h"
+#include "device/item.h"
+#include "device/tree_model.h"
 
 #include <QWidget>
 
@@ -11,6 +14,10 @@ SequenceResult runCommands(const Hub& hub, const QString& ip, const QStringList&
 {
     bool allSucceeded = true;
     for (const QString& command : commands) {
+        // An upgrade has taken the box meanwhile: nobody else may tell it anything.
+        const Item* box = hub.devices.model().find(ip);
+        if (box && box->isOwned())
+            return SequenceResult::SomeFailed;
         const BoxReply reply(hub.runner.execCurlWait(ip, command));
         if (!hub.window->isVisible())
             return SequenceResult::WindowClosed;

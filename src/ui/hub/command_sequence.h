@@ -13,7 +13,8 @@ enum class SequenceResult {
     WindowClosed, ///< the operator closed the window; nothing more was sent, nobody to tell
 };
 
-/// Sends `commands` to the box at `ip` one after the other; a failure does not stop the list. A
+/// Sends `commands` to the box at `ip` one after the other; a failure does not stop the list, an
+/// upgrade that takes the box meanwhile does, and counts as one. A
 /// command succeeds when the "status" of its reply contains "success", or equals "set success" when
 /// `exact`. Blocks, serving events: callers hold nothing that may go away.
 SequenceResult runCommands(const Hub& hub, const QString& ip, const QStringList& commands,

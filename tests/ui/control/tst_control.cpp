@@ -22,6 +22,8 @@ private slots:
     void onlyDraggingSends();
     void lastDraggedSliderCounts();
     void refusedLevelNamesItsCaption();
+    void ownedBoxIsLeftAlone_data();
+    void ownedBoxIsLeftAlone();
 
 private:
     void select(const QString& mode, const QString& format);
@@ -179,6 +181,45 @@ void tst_Control::refusedLevelNamesItsCaption()
     slider->setSliderDown(false);
     QTRY_COMPARE(notices.texts(), QStringList{"控制 SDI音量 (0~32) 失败,请重试!"});
     QCOMPARE(slider->value(), 30);
+}
+
+void tst_Control::ownedBoxIsLeftAlone_data()
+{
+    columns<bool>("whileDragged");
+    for (const char* name :
+         {"save", "HB", "HX2", "HX3", "H264", "H265", "pushButton_live_on", "pushButton_hxdec_on"})
+        row(name, false);
+    row("eParam_SDIVolumeSlider", true);
+}
+
+/// An upgrade has the box: nothing is sent, it is said, and what was clicked shows what the box
+/// has.
+void tst_Control::ownedBoxIsLeftAlone()
+{
+    QFETCH(bool, whileDragged);
+    const auto looks = [this] {
+        QString all;
+        for (const char* name : {"HB", "HX2", "HX3", "H264", "H265", "eParam_SDIVolume"})
+            all += shown(name) + ' ';
+        return all;
+    };
+    const QString before = looks();
+    const DialogAnswerer notices;
+    if (whileDragged) {
+        auto* slider = child<QSlider>(QTest::currentDataTag());
+        slider->setSliderDown(true);
+        slider->setValue(30);
+        slider->setSliderDown(false);
+        item(7)->setOwned(true);
+    } else {
+        item(7)->setOwned(true);
+        click(QTest::currentDataTag());
+    }
+    QTRY_COMPARE(notices.texts(),
+                 QStringList{"KORA " + ip(7) + " 正在升级固件或恢复设置,请等待完成后再操作."});
+    item(7)->setOwned(false);
+    QCOMPARE(looks(), before);
+    QVERIFY2(told().isEmpty(), qPrintable(told().join(' ')));
 }
 
 QTEST_MAIN(tst_Control)
