@@ -1161,5 +1161,9 @@
       <source>请输入正确的端口号</source>
       <translation>Enter a correct port number</translation>
     </message>
+    <message>
+      <source>未能读到NDI源,请刷新重试</source>
+      <translation>The NDI sources could not be read. Refresh to try again.</translation>
+    </message>
   </context>
 </TS>

@@ -1161,5 +1161,9 @@
       <source>请输入正确的端口号</source>
       <translation>올바른 포트 번호를 입력하세요</translation>
     </message>
+    <message>
+      <source>未能读到NDI源,请刷新重试</source>
+      <translation>NDI 소스를 읽지 못했습니다. 새로 고침하여 다시 시도하세요.</translation>
+    </message>
   </context>
 </TS>

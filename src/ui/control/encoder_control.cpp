@@ -5,7 +5,6 @@
 #include "device/item.h"
 #include "ui/control/control_area.h"
 #include "ui/hub/busy.h"
-#include "ui/hub/command_sequence.h"
 #include "ui/hub/field_state.h"
 #include "ui/hub/hub_state.h"
 #include "widgets/message_box.h"
@@ -18,27 +17,30 @@ constexpr int hx2Format = 1;
 constexpr int hx3Format = 3;
 enum Codec { H264 = 0, H265 = 1 };
 
+} // namespace
+
 /// A list of commands to one box, in the order of sending.
-class CommandList
+class EncoderControl::Commands
 {
 public:
-    explicit CommandList(QString ip) : m_ip(std::move(ip)) {}
+    explicit Commands(QString ip) : m_ip(std::move(ip)) {}
 
-    CommandList& control(QLatin1String action)
+    Commands& control(QLatin1String action)
     {
         m_commands << BoxProtocol::controlCommand(action, m_ip);
         return *this;
     }
-    CommandList& controlIf(bool wanted, QLatin1String action)
+    Commands& controlIf(bool wanted, QLatin1String action)
     {
         return wanted ? control(action) : *this;
     }
-    CommandList& set(QLatin1String parameter, int value)
+    Commands& set(QLatin1String parameter, int value)
     {
         m_commands << BoxProtocol::setCommand(parameter, QString::number(value), m_ip);
+        m_format = parameter == BoxProtocol::NDIHXFormat ? QString::number(value) : m_format;
         return *this;
     }
-    CommandList& startHx(int format)
+    Commands& startHx(int format)
     {
         return set(BoxProtocol::NDIHXFormat, format)
             .set(BoxProtocol::HDMIMode, 1)
@@ -48,13 +50,14 @@ public:
 
     const QString& ip() const { return m_ip; }
     const QStringList& commands() const { return m_commands; }
+    /// The format that the box has afterwards; empty when the list leaves it as it is.
+    const QString& format() const { return m_format; }
 
 private:
     const QString m_ip;
     QStringList m_commands;
+    QString m_format;
 };
-
-} // namespace
 
 EncoderControl::EncoderControl(const Hub& hub, Ui::ControlArea& area, Busy& busy)
     : QObject(nullptr), m_hub(hub), m_area(area), m_busy(busy)
@@ -92,7 +95,7 @@ void EncoderControl::setHb(bool on)
 {
     if (!mayCommand(m_area.HB))
         return;
-    CommandList list(m_hub.state.deviceIp());
+    Commands list(m_hub.state.deviceIp());
     if (on) {
         list.controlIf(m_area.HX2->isChecked() || m_area.HX3->isChecked(),
                        BoxProtocol::HxEncoderOff);
@@ -104,7 +107,7 @@ void EncoderControl::setHb(bool on)
     } else {
         list.control(BoxProtocol::FullEncoderOff);
     }
-    switchMode(m_area.HB, list.ip(), list.commands(), tr("控制 HB 失败,请重试!"));
+    switchMode(m_area.HB, list, tr("控制 HB 失败,请重试!"));
 }
 
 void EncoderControl::setHx2(bool on)
@@ -122,7 +125,7 @@ void EncoderControl::setHx(QCheckBox* button, QCheckBox* other, int h264Format, 
 {
     if (!mayCommand(button))
         return;
-    CommandList list(m_hub.state.deviceIp());
+    Commands list(m_hub.state.deviceIp());
     if (on) {
         list.controlIf(m_area.HB->isChecked(), BoxProtocol::FullEncoderOff);
         list.controlIf(other->isChecked(), BoxProtocol::HxEncoderOff);
@@ -132,21 +135,28 @@ void EncoderControl::setHx(QCheckBox* button, QCheckBox* other, int h264Format, 
     } else {
         list.control(BoxProtocol::HxEncoderOff);
     }
-    switchMode(button, list.ip(), list.commands(), failure);
+    switchMode(button, list, failure);
 }
 
-void EncoderControl::switchMode(QCheckBox* button, const QString& ip, const QStringList& commands,
-                                const QString& failure)
+/// Sends the list; afterwards the format that it has set is the one that the box has.
+SequenceResult EncoderControl::run(const Commands& list)
 {
     Busy::Run run(m_busy);
     if (!run)
-        return;
-    const SequenceResult result = runCommands(m_hub, ip, commands);
-    run.end();
-    if (result != SequenceResult::SomeFailed)
+        return SequenceResult::WindowClosed;
+    const SequenceResult result = runCommands(m_hub, list.ip(), list.commands());
+    if (result == SequenceResult::AllSucceeded && !list.format().isEmpty() &&
+        m_hub.state.deviceIp() == list.ip())
+        m_hub.state.setEncoderFormat(list.format());
+    return result;
+}
+
+void EncoderControl::switchMode(QCheckBox* button, const Commands& list, const QString& failure)
+{
+    if (run(list) != SequenceResult::SomeFailed)
         return;
     // The button may stand for another box by now.
-    if (m_hub.state.deviceIp() == ip)
+    if (m_hub.state.deviceIp() == list.ip())
         button->toggle();
     messageBox::ask(failure, m_hub.window);
 }
@@ -167,7 +177,7 @@ void EncoderControl::setCodec(int codec)
 {
     if (!mayCommand(codec == H264 ? m_area.H264 : m_area.H265))
         return;
-    CommandList list(m_hub.state.deviceIp());
+    Commands list(m_hub.state.deviceIp());
     if (m_area.HX2->isChecked() || m_area.HX3->isChecked()) {
         const int format = m_area.HX2->isChecked() ? hx2Format : hx3Format;
         list.control(BoxProtocol::HxEncoderOff).startHx(format + codec);
@@ -180,12 +190,7 @@ void EncoderControl::setCodec(int codec)
                 list.set(BoxProtocol::NDIHXFormat, h264Format + codec);
         }
     }
-    Busy::Run run(m_busy);
-    if (!run)
-        return;
-    const SequenceResult result = runCommands(m_hub, list.ip(), list.commands());
-    run.end();
     // One text for both codecs.
-    if (result == SequenceResult::SomeFailed)
+    if (run(list) == SequenceResult::SomeFailed)
         messageBox::ask(tr("控制 H264 失败,请重试!"), m_hub.window);
 }

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ui/hub/hub.h"
+#include "ui/hub/command_sequence.h"
 
 #include <QObject>
-#include <QStringList>
 
 class Busy;
 class QAbstractButton;
@@ -37,12 +36,14 @@ public:
     bool isModeKnown() const;
 
 private:
+    class Commands;
+
     bool mayCommand(QAbstractButton* clicked) const;
     void setHx(QCheckBox* button, QCheckBox* other, int h264Format, bool on,
                const QString& failure);
     void setCodec(int codec);
-    void switchMode(QCheckBox* button, const QString& ip, const QStringList& commands,
-                    const QString& failure);
+    SequenceResult run(const Commands& list);
+    void switchMode(QCheckBox* button, const Commands& list, const QString& failure);
 
     const Hub m_hub;
     Ui::ControlArea& m_area;

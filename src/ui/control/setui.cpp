@@ -65,6 +65,9 @@ void setui::refresh()
     m_refreshing = false;
     m_ui->dec_refresh->setEnabled(true);
 
+    m_ui->no_sources->setText(reply.contains(QStringLiteral("value"))
+                                  ? tr("没有找到NDI源")
+                                  : tr("未能读到NDI源,请刷新重试"));
     QStringList names;
     const QVariantList entries = reply.value(QStringLiteral("value")).toList();
     for (const QVariant& entry : entries)

@@ -16,6 +16,7 @@ private slots:
     void init();
     void encoderCommands_data();
     void encoderCommands();
+    void codecIsRemembered();
     void encoderFailure_data();
     void encoderFailure();
     void dragSendsOnce();
@@ -95,6 +96,15 @@ void tst_Control::encoderCommands()
     for (const char* name : {"HB", "HX2", "HX3"})
         QCOMPARE(child<QCheckBox>(name)->isChecked(), checked == name);
     QVERIFY(child<QWidget>("control_body")->isEnabled());
+}
+
+/// What the box has been told counts, not what it said when it was selected.
+void tst_Control::codecIsRemembered()
+{
+    for (const char* button : {"H265", "HX2", "H264"})
+        click(button);
+    QTRY_COMPARE(told().last(), QString("NDIHXFormat=1"));
+    QCOMPARE(m_box->parameter("eParam_NDIHXFormat"), QString("1"));
 }
 
 void tst_Control::encoderFailure_data()
