@@ -40,6 +40,7 @@ constexpr KindRow kindRows[] = {
     {FaultKind::WrongMd5, "wrong-md5", -1},
     {FaultKind::CutUpload, "cut-upload", 60},
     {FaultKind::Throttle, "throttle", 100 * 1000},
+    {FaultKind::NoRanges, "no-ranges", -1},
     {FaultKind::OtaSlow, "ota-slow", 30 * 1000},
     {FaultKind::OtaStaysAway, "ota-stays-away", -1},
     {FaultKind::OtaOldVersion, "ota-old-version", -1},

@@ -33,6 +33,7 @@ enum class FaultKind {
     WrongMd5,   ///< "wrong-md5": the upload's digest is a wrong one
     CutUpload,  ///< "cut-upload": closes after `amount` percent of the upload (60)
     Throttle,   ///< "throttle": uploads and downloads run at `amount` bytes/s (100,000)
+    NoRanges,   ///< "no-ranges": sends files from their beginning, whatever part is asked for
     OtaSlow,    ///< "ota-slow": answers on, unchanged, for `amount` ms (30,000) before it goes
     OtaStaysAway,     ///< "ota-stays-away": never comes back from the firmware change
     OtaOldVersion,    ///< "ota-old-version": comes back with the version it had

@@ -87,6 +87,8 @@ void spoilReply(FaultList* faults, const QStringList& tags, HttpReply* reply)
     }
     if (const auto pace = faults->strike(FaultKind::Throttle, tags))
         reply->bytesPerSecond = pace->amountOrDefault();
+    if (faults->strike(FaultKind::NoRanges, tags))
+        reply->ranges = false;
     if (const auto hangUp = faults->strike(FaultKind::HangUp, tags)) {
         reply->percent = int(std::min<qint64>(100, hangUp->amountOrDefault()));
         reply->cut = reply->percent == 0;

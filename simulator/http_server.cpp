@@ -227,7 +227,8 @@ void sendFile(const HttpReply& reply, const httplib::Request& in, httplib::Respo
         out->set_header("Content-Range", "bytes */" + std::to_string(size));
         return;
     }
-    out->set_header("Accept-Ranges", "bytes");
+    if (reply.ranges)
+        out->set_header("Accept-Ranges", "bytes");
     if (size == 0) {
         out->set_content("", reply.type.toStdString());
         return;
@@ -241,6 +242,10 @@ void sendReply(const HttpReply& reply, const httplib::Request& in, httplib::Resp
 {
     HttpConnection* const connection = HttpConnection::current();
     connection->setAfterwards(reply.afterwards);
+    // The library would cut the ranges of a request out of whatever is sent, out of an error page
+    // too.
+    if (!reply.ranges || reply.file.isEmpty())
+        const_cast<httplib::Request&>(in).ranges.clear();
     if (reply.cut) {
         connection->cut();
         return;

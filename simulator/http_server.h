@@ -41,13 +41,14 @@ struct HttpReply {
     int status = 200;
     QByteArray type = "application/json";
     QByteArray body;
-    QString file; ///< a file to send, whole or the ranges asked for
+    QString file; ///< a file to send
     /// Gives the next piece of an endless reply; false ends it, an empty piece is no end. May
     /// block for some tenths of a second.
     std::function<bool(QByteArray* piece)> source;
     QByteArray location;                            ///< for a redirection
     QVector<QPair<QByteArray, QByteArray>> headers; ///< more lines for the head
     bool cut = false;                               ///< close without a word
+    bool ranges = true;                             ///< send of `file` the ranges asked for
     int percent = 100;         ///< how much of body or file is sent before the connection is closed
     qint64 bytesPerSecond = 0; ///< 0: as fast as it goes
     std::function<void()> afterwards; ///< called when the connection has been closed

@@ -355,6 +355,14 @@
       <source>取消下载</source>
       <translation>Cancel the download</translation>
     </message>
+    <message>
+      <source>等待下载</source>
+      <translation>Waiting</translation>
+    </message>
+    <message>
+      <source>正在重新连接</source>
+      <translation>Reconnecting</translation>
+    </message>
   </context>
   <context>
     <name>EncoderControl</name>
@@ -494,14 +502,6 @@
     <message>
       <source>重新开始上传固件(%1)</source>
       <translation>Restarting firmware upload (%1)</translation>
-    </message>
-    <message>
-      <source>无法写入文件</source>
-      <translation>the file cannot be written</translation>
-    </message>
-    <message>
-      <source>设备停止发送数据</source>
-      <translation>the device stopped sending data</translation>
     </message>
   </context>
   <context>
@@ -749,6 +749,14 @@
       <source>下载程序异常结束</source>
       <translation>the download program ended unexpectedly</translation>
     </message>
+    <message>
+      <source>设备停止发送数据</source>
+      <translation>the device stopped sending data</translation>
+    </message>
+    <message>
+      <source>设备上的文件已改变</source>
+      <translation>the file on the device has changed</translation>
+    </message>
   </context>
   <context>
     <name>RecordingDownloads</name>
@@ -779,6 +787,18 @@
     <message>
       <source>否</source>
       <translation>No</translation>
+    </message>
+    <message>
+      <source>已下载的部分会保留,再次下载到同一文件夹时继续.</source>
+      <translation>What has come is kept: download it into the same folder again to continue.</translation>
+    </message>
+    <message>
+      <source>还有%1个录制文件没有下载完.
+已下载的部分会保留,再次下载到同一文件夹时继续.
+确认要关闭软件吗?</source>
+      <translation>Downloads of recordings that have not finished: %1.
+What has come is kept: download them into the same folder again to continue.
+Close the program?</translation>
     </message>
   </context>
   <context>

@@ -355,6 +355,14 @@
       <source>取消下载</source>
       <translation>다운로드 취소</translation>
     </message>
+    <message>
+      <source>等待下载</source>
+      <translation>대기 중</translation>
+    </message>
+    <message>
+      <source>正在重新连接</source>
+      <translation>다시 연결하는 중</translation>
+    </message>
   </context>
   <context>
     <name>EncoderControl</name>
@@ -494,14 +502,6 @@
     <message>
       <source>重新开始上传固件(%1)</source>
       <translation>펌웨어 업로드 다시 시작(%1)</translation>
-    </message>
-    <message>
-      <source>无法写入文件</source>
-      <translation>파일을 쓸 수 없습니다</translation>
-    </message>
-    <message>
-      <source>设备停止发送数据</source>
-      <translation>장치가 데이터 전송을 멈췄습니다</translation>
     </message>
   </context>
   <context>
@@ -749,6 +749,14 @@
       <source>下载程序异常结束</source>
       <translation>다운로드 프로그램이 비정상 종료되었습니다</translation>
     </message>
+    <message>
+      <source>设备停止发送数据</source>
+      <translation>장치가 데이터 전송을 멈췄습니다</translation>
+    </message>
+    <message>
+      <source>设备上的文件已改变</source>
+      <translation>장치의 파일이 변경되었습니다</translation>
+    </message>
   </context>
   <context>
     <name>RecordingDownloads</name>
@@ -779,6 +787,18 @@
     <message>
       <source>否</source>
       <translation>아니요</translation>
+    </message>
+    <message>
+      <source>已下载的部分会保留,再次下载到同一文件夹时继续.</source>
+      <translation>받은 부분은 보관됩니다. 같은 폴더에 다시 다운로드하면 이어서 받습니다.</translation>
+    </message>
+    <message>
+      <source>还有%1个录制文件没有下载完.
+已下载的部分会保留,再次下载到同一文件夹时继续.
+确认要关闭软件吗?</source>
+      <translation>아직 다운로드가 끝나지 않은 녹화 파일: %1개.
+받은 부분은 보관됩니다. 같은 폴더에 다시 다운로드하면 이어서 받습니다.
+프로그램을 닫으시겠습니까?</translation>
     </message>
   </context>
   <context>

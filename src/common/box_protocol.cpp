@@ -209,10 +209,13 @@ QString recordDeleteCommand(const QString& fileName, const QString& ip)
         {name, ip});
 }
 
-QString downloadCommand(const QString& path, const QString& ip, const QString& fileName)
+QString downloadCommand(const QString& path, const QString& ip, const QString& fileName,
+                        qint64 offset)
 {
-    return fillCommand(QStringLiteral("curl -v0 -o \"%1\" http://%2:8081/media/%3"),
-                       {path, ip, encoded(fileName)});
+    const QString command = offset > 0
+                                ? QStringLiteral("curl -v0 -C %4 -o \"%1\" http://%2:8081/media/%3")
+                                : QStringLiteral("curl -v0 -o \"%1\" http://%2:8081/media/%3");
+    return fillCommand(command, {path, ip, encoded(fileName), QString::number(offset)});
 }
 
 } // namespace BoxProtocol

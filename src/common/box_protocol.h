@@ -100,8 +100,9 @@ QString uploadCommand(const QString& file, const QString& ip);
 QString recordOnCommand(const QString& ip, const QString& fileName);
 /// Deletes the recording `fileName`; the name cannot begin another field of the request.
 QString recordDeleteCommand(const QString& fileName, const QString& ip);
-/// Downloads the recording `fileName` to `path` on this computer; curl reports its progress on its
-/// error output.
-QString downloadCommand(const QString& path, const QString& ip, const QString& fileName);
+/// Downloads the recording `fileName` to `path` on this computer, or what follows its first
+/// `offset` bytes to the end of that file; curl reports its progress on its error output.
+QString downloadCommand(const QString& path, const QString& ip, const QString& fileName,
+                        qint64 offset = 0);
 
 } // namespace BoxProtocol

@@ -1,7 +1,46 @@
 // SPDX-License-Identifier: MIT
 #include "common/curl_report.h"
 
-#include <QList>
+#include <QRegularExpression>
+
+namespace
+{
+
+/// "1843", "1.2G": a number as the meter writes it; -1 for anything else.
+qint64 bytesOf(QString text)
+{
+    const int power = QStringLiteral("kMGTP").indexOf(text.right(1));
+    if (power >= 0 && !text.isEmpty())
+        text.chop(1);
+    bool isNumber = false;
+    const double number = text.toDouble(&isNumber);
+    return isNumber ? qint64(number * double(qint64(1) << (10 * (power + 1)))) : -1;
+}
+
+qint64 numberOf(const QByteArray& text)
+{
+    bool isNumber = false;
+    const qint64 number = text.trimmed().toLongLong(&isNumber);
+    return isNumber && number >= 0 ? number : -1;
+}
+
+/// "% total, total, % received, received, % sent, sent, speeds (2), times (3), speed now".
+const QRegularExpression& meterPattern()
+{
+    static const QRegularExpression pattern = [] {
+        const QString percent = QStringLiteral("\\s*\\d{1,3}\\s+");
+        const QString size = QStringLiteral("(\\d[\\d.]*[kMGTP]?)");
+        const QString time =
+            QStringLiteral("\\s+(?:--:--:--|\\d+:\\d\\d:\\d\\d|\\d+d(?: \\d\\dh)?)");
+        const QString gap = QStringLiteral("\\s+");
+        return QRegularExpression(QLatin1Char('^') + percent + size + gap + percent + size + gap +
+                                  percent + size + gap + size + gap + size + time + time + time +
+                                  gap + size);
+    }();
+    return pattern;
+}
+
+} // namespace
 
 void CurlReport::feed(const QByteArray& data)
 {
@@ -16,30 +55,48 @@ void CurlReport::feed(const QByteArray& data)
     }
 }
 
-void CurlReport::readLine(const QByteArray& line)
+qint64 CurlReport::totalBytes() const
 {
-    if (line.startsWith("< HTTP/"))
-        m_httpStatus = line.mid(line.indexOf(' ', 2) + 1).left(3).toInt();
-    else if (line.startsWith("curl: "))
-        m_error = QString::fromLocal8Bit(line.mid(6)).trimmed();
-    else if (!line.isEmpty() && (line[0] == ' ' || (line[0] >= '0' && line[0] <= '9')))
-        readMeter(line);
+    return m_httpStatus == 200 ? m_contentLength : m_rangeTotal;
 }
 
-/// "% total, total, % received, received, % sent, sent, speeds (2), times (3), speed now".
-void CurlReport::readMeter(const QByteArray& line)
+void CurlReport::readLine(const QByteArray& line)
 {
-    const QList<QByteArray> columns = line.simplified().split(' ');
-    bool isNumber = false;
-    const int percent = columns.value(0).toInt(&isNumber);
-    if (columns.size() != 12 || !isNumber)
+    // A report of the meter has no end: what curl says next stands right behind it.
+    const QByteArray text = line.mid(readMeter(line));
+    if (text.startsWith("< "))
+        readHeader(text.mid(2));
+    else if (text.startsWith("curl: "))
+        m_error = QString::fromLocal8Bit(text.mid(6)).trimmed();
+}
+
+void CurlReport::readHeader(const QByteArray& line)
+{
+    if (line.startsWith("HTTP/")) {
+        m_httpStatus = line.mid(line.indexOf(' ') + 1).left(3).toInt();
+        m_contentLength = -1;
+        m_rangeTotal = -1;
         return;
-    m_received = QString::fromLatin1(columns[3]);
-    m_total = columns[1] == "0" ? QString() : QString::fromLatin1(columns[1]);
-    // While the server does not tell the size, what has come counts as all and none as done.
-    if (m_total.isEmpty() || (percent == 0 && m_total == m_received))
-        m_percent = -1;
-    else
-        m_percent = qBound(0, percent, 100);
-    m_flowing = columns[11] != "0";
+    }
+    const int colon = line.indexOf(':');
+    const QByteArray name = line.left(colon).toLower();
+    const QByteArray value = line.mid(colon + 1);
+    if (name == "content-length")
+        m_contentLength = numberOf(value);
+    else if (name == "content-range")
+        m_rangeTotal = numberOf(value.mid(value.lastIndexOf('/') + 1));
+}
+
+/// How much of `line` is a report of the meter.
+int CurlReport::readMeter(const QByteArray& line)
+{
+    if (line.isEmpty() || (line[0] != ' ' && (line[0] < '0' || line[0] > '9')))
+        return 0;
+    const QRegularExpressionMatch match = meterPattern().match(QString::fromLatin1(line));
+    if (!match.hasMatch())
+        return 0;
+    enum Column { Total = 1, Received, Sent, SpeedIn, SpeedOut, SpeedNow };
+    m_received = bytesOf(match.captured(Received));
+    m_silentReports = bytesOf(match.captured(SpeedNow)) > 0 ? 0 : m_silentReports + 1;
+    return match.capturedEnd();
 }

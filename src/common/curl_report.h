@@ -4,9 +4,9 @@
 #include <QByteArray>
 #include <QString>
 
-/// What `curl -v` tells on its standard error while it transfers: the server's status, the
-/// progress meter and the reason of a failure. Feed it what arrives; it keeps only the last of
-/// each, whatever the server sends.
+/// What `curl -v` tells on its standard error while it transfers: the server's answer, the progress
+/// meter and the reason of a failure. Feed it what arrives, in pieces of any size; it keeps only
+/// the last of each, whatever the server sends.
 class CurlReport
 {
 public:
@@ -14,25 +14,25 @@ public:
 
     /// The server's last status code, 0 before one has come.
     int httpStatus() const { return m_httpStatus; }
-    /// 0 to 100; -1 while unknown.
-    int percent() const { return m_percent; }
-    /// As curl writes sizes: "512k", "1.2G"; empty while unknown.
-    QString received() const { return m_received; }
-    QString total() const { return m_total; }
-    /// False while nothing has arrived for a few seconds.
-    bool isFlowing() const { return m_flowing; }
+    /// How long the whole file is on the server, in bytes; -1 while it has not said so.
+    qint64 totalBytes() const;
+    /// What has arrived since curl started, in bytes, as exactly as its meter tells.
+    qint64 receivedBytes() const { return m_received; }
+    /// How many reports of the meter, about one a second, have come since data last arrived.
+    int silentReports() const { return m_silentReports; }
     /// curl's own words for what went wrong, empty when it said nothing.
     QString error() const { return m_error; }
 
 private:
     void readLine(const QByteArray& line);
-    void readMeter(const QByteArray& line);
+    void readHeader(const QByteArray& line);
+    int readMeter(const QByteArray& line);
 
     QByteArray m_line;
     int m_httpStatus = 0;
-    int m_percent = -1;
-    QString m_received;
-    QString m_total;
-    bool m_flowing = true;
+    qint64 m_contentLength = -1; ///< of this answer
+    qint64 m_rangeTotal = -1;    ///< of the file that it is a range of
+    qint64 m_received = 0;
+    int m_silentReports = 0;
     QString m_error;
 };

@@ -4,7 +4,8 @@
 #include <QString>
 
 /// A file name made of text from the network that stays inside its folder on every system: no
-/// separators, control characters, reserved names or leading dots. Never empty.
+/// separators, control characters, reserved names or leading dots, and no more bytes than a disk
+/// takes. The suffix stays. Never empty.
 QString safeFileName(const QString& name);
 
 /// What a file is called while its data still comes.

@@ -50,10 +50,6 @@ Item::Item(Item* parentItem)
                 &Item::R_readyReadStandardOutput);
         connect(process, &QProcess::stateChanged, this, &Item::R_stateChanged);
         const QString type = process->property("exectype").toString();
-        if (type == QLatin1String("download")) {
-            m_downloadProcess = process;
-            connect(process, &QProcess::readyReadStandardError, this, &Item::readDownloadReport);
-        }
         if (type == QLatin1String("upgrade_ota_file"))
             m_upload = process;
     })

@@ -149,9 +149,11 @@ public:
 
     /// Deletes the recording on its box. Ends in deleteEnded.
     void record_del();
-    /// Downloads the recording into `folder`, which ends in "/", under a safe and free name.
-    /// Ends in downloadEnded, at once when the folder takes no files.
+    /// Downloads the recording into `folder`, which ends in "/", under a safe and free name; goes
+    /// on with what an earlier try has left there. Ends in downloadEnded, at once when the folder
+    /// takes no files.
     void download(const QString& folder);
+    /// Ends the download and removes what has come.
     void cancelDownload();
 
 public slots:
@@ -181,8 +183,6 @@ private:
     void upload(const QString& file, const QString& md5);
     void handleUploadReply(const QProcess& process, const QString& reply);
     void handleActivationReply(const QString& reply);
-    void readDownloadReport();
-    void endDownload(const QProcess& process);
 
     Item* m_parentItem;
     QVector<Item*> m_children;
@@ -192,9 +192,6 @@ private:
     QString m_macAddress;
     CommandRunner m_runner;
     std::unique_ptr<RecordingDownload> m_download;
-    QPointer<QProcess> m_downloadProcess;
-    QString m_downloadProblem; ///< why it was ended early, empty: the operator did
-    bool m_downloadStopped = false;
     /// Number of the latest upgrade: what an earlier one still reports is not heard.
     int m_upgradeRun = 0;
     QPointer<QProcess> m_upload;

@@ -146,9 +146,7 @@ void Item::R_stateChanged(QProcess::ProcessState state)
         return;
     m_runner.noteEnd(process);
     const QString type = process->property("exectype").toString();
-    if (type == QLatin1String("download")) {
-        endDownload(*process);
-    } else if (type == deletionKind) {
+    if (type == deletionKind) {
         emit deleteEnded(process->property("deleted").toBool());
     } else if (type == activationKind && process->property("run").toInt() == m_upgradeRun) {
         // The box restarts to apply the firmware, so that its reply often never arrives.
@@ -178,48 +176,20 @@ void Item::download(const QString& folder)
 {
     if (m_download)
         return;
-    const QString filename = fileName();
-    m_download = std::make_unique<RecordingDownload>(folder, filename);
-    if (!m_download->begin()) {
-        const DownloadResult result = m_download->fail(tr("无法写入文件"));
-        m_download.reset();
-        emit downloadEnded(result);
-        return;
-    }
-    m_downloadStopped = false;
-    m_runner.execCurl(address(),
-                      BoxProtocol::downloadCommand(m_download->partPath(), address(), filename),
-                      {{QStringLiteral("exectype"), QStringLiteral("download")},
-                       {QStringLiteral("saveFile"), m_download->path()}},
-                      CommandRunner::ErrorOutput::Deliver);
+    const RecordingSource source{address(), macAddress(), fileName()};
+    m_download = std::make_unique<RecordingDownload>(folder, source);
+    connect(m_download.get(), &RecordingDownload::progressed, this, &Item::downloadProgressed);
+    connect(m_download.get(), &RecordingDownload::ended, this,
+            [this](const DownloadResult& result) {
+                // It is the sender of the signal that brought us here.
+                m_download.release()->deleteLater();
+                emit downloadEnded(result);
+            });
+    m_download->start();
 }
 
 void Item::cancelDownload()
 {
-    m_downloadStopped = true;
-    if (m_downloadProcess)
-        CommandRunner::stop(m_downloadProcess);
-}
-
-void Item::readDownloadReport()
-{
-    if (!m_download || !m_downloadProcess || m_downloadStopped)
-        return;
-    m_download->feed(m_downloadProcess->readAllStandardError());
-    emit downloadProgressed(m_download->progress());
-    if (m_download->isStalled()) {
-        m_downloadProblem = tr("设备停止发送数据");
-        cancelDownload();
-    }
-}
-
-void Item::endDownload(const QProcess& process)
-{
-    if (!m_download)
-        return;
-    readDownloadReport();
-    const DownloadResult result =
-        m_downloadStopped ? m_download->fail(m_downloadProblem) : m_download->finish(process);
-    m_download.reset();
-    emit downloadEnded(result);
+    if (m_download)
+        m_download->cancel();
 }

@@ -1,66 +1,99 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/command_runner.h"
 #include "common/curl_report.h"
+#include "device/part_file.h"
 
-#include <QCoreApplication>
-#include <QFile>
+#include <QObject>
+#include <QPointer>
 #include <QProcess>
 #include <QString>
+#include <QTimer>
 
 /// How far a download has come.
 struct DownloadProgress {
-    int percent = -1; ///< 0 to 100; -1 while unknown
-    QString received; ///< "1.2G"; empty while unknown
-    QString total;
+    qint64 received = 0; ///< bytes
+    qint64 total = -1;   ///< bytes; -1 while unknown
+    bool broken = false; ///< the transfer has broken off; it goes on after a pause
 };
 
 /// How a download has ended.
 struct DownloadResult {
     bool succeeded = false;
-    QString path;   ///< where the whole file lies, or would have
-    QString reason; ///< why there is none, to be shown; empty when it succeeded or was cancelled
+    QString path;      ///< where the whole file lies, or would have
+    QString reason;    ///< why there is none, to be shown; empty when it succeeded or was cancelled
+    bool kept = false; ///< what has come stays for a later try
 };
 
-/// The files of one download: the data comes into "<name>.part", which gets its name once it is
-/// whole. No file that was there before is touched, and no half file stays when this object goes.
-class RecordingDownload
+/// How long a download that has broken off is tried again, pauses doubling.
+struct DownloadPatience {
+    int pauseMs = 1000;
+    int longestPauseMs = 30000;
+    int tries = 8;          ///< that bring nothing, before it gives up: some two minutes
+    int silentReports = 30; ///< about one a second, before a transfer counts as broken off
+};
+
+/// The download of one recording: curl, started again where the transfer broke off, until the file
+/// has the length that the box has told. What has come is kept unless the operator cancels.
+class RecordingDownload : public QObject
 {
-    Q_DECLARE_TR_FUNCTIONS(RecordingDownload)
-    Q_DISABLE_COPY(RecordingDownload)
+    Q_OBJECT
 
 public:
-    /// `folder` ends in "/"; `name` comes from a box.
-    RecordingDownload(const QString& folder, const QString& name);
-    ~RecordingDownload();
+    /// `folder` ends in "/"; what `source` names comes from a box.
+    RecordingDownload(const QString& folder, const RecordingSource& source,
+                      const DownloadPatience& patience = {}, QObject* parent = nullptr);
+    /// Ends the transfer and keeps what has come.
+    ~RecordingDownload() override;
 
-    /// Makes the empty ".part"; false when the folder takes no files.
-    bool begin();
-    QString partPath() const { return m_part.fileName(); }
-    QString path() const { return m_path; }
+    /// Ends in ended(), at once when the folder takes no files.
+    void start();
+    /// Ends the download and removes what has come.
+    void cancel();
 
-    /// What curl has written on its error output.
-    void feed(const QByteArray& report);
-    DownloadProgress progress() const;
-    /// True once curl has said so for as long as a box may be silent.
-    bool isStalled() const { return m_silentReports >= SilentReportsLimit; }
-
-    /// curl has ended: keeps the file or says what went wrong.
-    DownloadResult finish(const QProcess& curl);
-    /// For a download that was ended for `reason`; empty: the operator did.
-    DownloadResult fail(const QString& reason) const { return {false, m_path, reason}; }
+signals:
+    void progressed(const DownloadProgress& progress);
+    void ended(const DownloadResult& result);
 
 private:
-    /// curl reports about once a second.
-    static constexpr int SilentReportsLimit = 30;
+    /// What an attempt has come to.
+    enum class Outcome {
+        Whole,
+        Changed, ///< the box has another recording under this name now
+        NoRange, ///< the box sends recordings only from their beginning
+        Broken,
+        Failed, ///< trying again would not help
+    };
 
+    void wire(QProcess* process);
+    void attempt();
+    void read();
+    void noteLength();
+    void stop();
+    void endAttempt(const QProcess& curl);
+    Outcome judge(const QProcess& curl);
     QString problem(const QProcess& curl) const;
-    bool giveName();
+    bool mayGoOn();
+    void pause();
+    void endCancelled();
+    void finish();
+    void fail(const QString& reason);
 
-    const QString m_folder;
-    const QString m_name;
-    QString m_path;
-    QFile m_part;
+    const RecordingSource m_source;
+    const DownloadPatience m_patience;
+    PartFile m_part;
+    CommandRunner m_runner;
+    QPointer<QProcess> m_process;
+    QTimer m_pause;
+
+    // The attempt that runs.
     CurlReport m_report;
-    int m_silentReports = 0;
+    qint64 m_offset = 0; ///< what had come before it
+    bool m_changed = false;
+    bool m_stalled = false;
+
+    qint64 m_farthest = 0; ///< the most that any attempt has brought
+    int m_fruitless = 0;   ///< attempts since then
+    bool m_cancelled = false;
 };

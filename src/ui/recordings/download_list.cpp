@@ -5,6 +5,7 @@
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QLocale>
 #include <QProgressBar>
 #include <QToolButton>
 
@@ -34,17 +35,36 @@ DownloadRow::DownloadRow(const QString& name, QWidget* parent)
     layout->addWidget(m_bar, 1);
     layout->addWidget(m_cancel);
     setFixedHeight(rowHeight);
-    setProgress({});
 }
 
 void DownloadRow::setProgress(const DownloadProgress& progress)
 {
+    m_isWaiting = false;
+    m_progress = progress;
+    showState();
+}
+
+void DownloadRow::showState()
+{
+    const QLocale locale;
+    const auto size = [&locale](qint64 bytes) {
+        return locale.formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
+    };
     // A server that does not tell the size leaves only what has come to be shown.
-    const bool known = progress.percent >= 0;
-    m_bar->setRange(0, known ? 100 : 0);
-    m_bar->setValue(known ? progress.percent : 0);
-    m_bar->setFormat(known ? QStringLiteral("%p%  %1 / %2").arg(progress.received, progress.total)
-                           : progress.received);
+    const bool isKnown = m_progress.total > 0;
+    const bool isStill = m_isWaiting || m_progress.broken;
+    const qint64 percent = isKnown ? m_progress.received * 100 / m_progress.total : 0;
+    m_bar->setRange(0, isKnown || isStill ? 100 : 0);
+    m_bar->setValue(int(qBound<qint64>(0, percent, 100)));
+    if (m_isWaiting)
+        m_bar->setFormat(tr("等待下载"));
+    else if (m_progress.broken)
+        m_bar->setFormat(tr("正在重新连接") + QStringLiteral("  %p%"));
+    else if (isKnown)
+        m_bar->setFormat(QStringLiteral("%p%  ") + size(m_progress.received) +
+                         QStringLiteral(" / ") + size(m_progress.total));
+    else
+        m_bar->setFormat(size(m_progress.received));
 }
 
 void DownloadRow::changeEvent(QEvent* event)
@@ -58,6 +78,7 @@ void DownloadRow::retranslate()
 {
     m_cancel->setToolTip(tr("取消下载"));
     m_cancel->setAccessibleName(tr("取消下载"));
+    showState();
 }
 
 DownloadList::DownloadList(QWidget* parent) : QScrollArea(parent)

@@ -9,7 +9,8 @@ class QProgressBar;
 class QToolButton;
 class QVBoxLayout;
 
-/// One running download: its name, how far it is, and a button that ends it.
+/// One download: its name, how far it is, and a button that ends it. It waits for its turn until it
+/// has made progress.
 class DownloadRow : public QWidget
 {
     Q_OBJECT
@@ -28,13 +29,16 @@ protected:
 
 private:
     void retranslate();
+    void showState();
 
     QProgressBar* m_bar;
     QToolButton* m_cancel;
+    DownloadProgress m_progress;
+    bool m_isWaiting = true;
 };
 
-/// The downloads that run, below the storage list; takes no room while there are none, and scrolls
-/// when there are many.
+/// The downloads that run or wait, below the storage list; takes no room while there are none, and
+/// scrolls when there are many.
 class DownloadList : public QScrollArea
 {
     Q_OBJECT

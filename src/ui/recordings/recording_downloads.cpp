@@ -3,7 +3,9 @@
 
 #include "common/box_protocol.h"
 #include "common/platform.h"
+#include "device/device_registry.h"
 #include "device/item.h"
+#include "device/tree_model.h"
 #include "ui/recordings/download_list.h"
 #include "ui/recordings/list_widget.h"
 #include "widgets/message_box.h"
@@ -28,9 +30,13 @@ void RecordingDownloads::ask(const QList<QListWidgetItem*>& rows)
     // Copied now: the list may be read again while the folder is chosen.
     std::vector<std::unique_ptr<Item>> recordings;
     for (const QListWidgetItem* row : rows) {
-        if (const Item* recording = m_list.entryOf(row))
-            // A record of its own, which outlives the one in the list.
-            recordings.push_back(Item::makeRecording(recording->fileName(), recording->address()));
+        const Item* recording = m_list.entryOf(row);
+        if (!recording)
+            continue;
+        // A record of its own, which outlives the one in the list.
+        recordings.push_back(Item::makeRecording(recording->fileName(), recording->address()));
+        if (const Item* box = m_hub.devices.model().find(recording->address()))
+            recordings.back()->setMacAddress(box->macAddress());
     }
     if (recordings.empty())
         return;
@@ -39,9 +45,10 @@ void RecordingDownloads::ask(const QList<QListWidgetItem*>& rows)
     if (!self || folder.isEmpty())
         return;
     for (auto& recording : recordings) {
-        if (!isRunning(*recording))
-            start(std::move(recording), folder + QLatin1Char('/'));
+        if (!isListed(*recording))
+            add(std::move(recording), folder + QLatin1Char('/'));
     }
+    startNext();
 }
 
 /// Empty when the operator cancels.
@@ -64,7 +71,7 @@ QString RecordingDownloads::chooseFolder()
     return folder;
 }
 
-bool RecordingDownloads::isRunning(const Item& recording) const
+bool RecordingDownloads::isListed(const Item& recording) const
 {
     return std::any_of(m_jobs.begin(), m_jobs.end(), [&recording](const Job& job) {
         return job.recording->address() == recording.address() &&
@@ -72,33 +79,82 @@ bool RecordingDownloads::isRunning(const Item& recording) const
     });
 }
 
-void RecordingDownloads::start(std::unique_ptr<Item> recording, const QString& folder)
+std::vector<RecordingDownloads::Job>::iterator RecordingDownloads::jobOf(const Item* recording)
+{
+    return std::find_if(m_jobs.begin(), m_jobs.end(),
+                        [recording](const Job& own) { return own.recording.get() == recording; });
+}
+
+void RecordingDownloads::add(std::unique_ptr<Item> recording, const QString& folder)
 {
     Item* item = recording.get();
     DownloadRow* row = m_view.addRow(item->title());
-    m_jobs.push_back({std::move(recording), row});
+    m_jobs.push_back({std::move(recording), folder, row, false});
     connect(item, &Item::downloadProgressed, row, &DownloadRow::setProgress);
-    connect(row, &DownloadRow::cancelled, item, &Item::cancelDownload);
+    connect(row, &DownloadRow::cancelled, item, [this, item] { cancel(item); });
     connect(item, &Item::downloadEnded, this,
             [this, item](const DownloadResult& result) { end(item, result); });
-    item->download(folder);
+}
+
+void RecordingDownloads::startNext()
+{
+    const auto running =
+        std::count_if(m_jobs.begin(), m_jobs.end(), [](const Job& job) { return job.runs; });
+    const auto next =
+        std::find_if(m_jobs.begin(), m_jobs.end(), [](const Job& job) { return !job.runs; });
+    if (running >= MostAtOnce || next == m_jobs.end())
+        return;
+    next->runs = true;
+    next->row->setProgress({});
+    // Not in this turn: a folder that is gone ends all of them at once.
+    QTimer::singleShot(0, this, &RecordingDownloads::startNext);
+    // The job may end, and go, in this call.
+    const QString folder = next->folder;
+    next->recording->download(folder);
+}
+
+void RecordingDownloads::cancel(Item* recording)
+{
+    const auto job = jobOf(recording);
+    if (job != m_jobs.end() && !job->runs)
+        end(recording, {});
+    else
+        recording->cancelDownload();
+}
+
+bool RecordingDownloads::mayClose()
+{
+    if (isIdle())
+        return true;
+    if (m_asksToClose)
+        return false;
+    m_asksToClose = true;
+    const QPointer<RecordingDownloads> self(this);
+    const QString text =
+        tr("还有%1个录制文件没有下载完.\n已下载的部分会保留,再次下载到同一文件夹时继续.\n"
+           "确认要关闭软件吗?")
+            .arg(m_jobs.size());
+    const int answer = messageBox::ask(text, m_hub.window);
+    if (self)
+        m_asksToClose = false;
+    return answer == messageBox::Confirmed;
 }
 
 void RecordingDownloads::end(Item* recording, const DownloadResult& result)
 {
-    const auto job = std::find_if(m_jobs.begin(), m_jobs.end(), [recording](const Job& own) {
-        return own.recording.get() == recording;
-    });
+    const auto job = jobOf(recording);
     if (job == m_jobs.end())
         return;
     m_view.removeRow(job->row);
     // It is the sender of the signal that brought us here.
     job->recording.release()->deleteLater();
     m_jobs.erase(job);
+    QTimer::singleShot(0, this, &RecordingDownloads::startNext);
 
     if (result.succeeded)
         m_completed << result.path;
-    else if (!result.reason.isEmpty())
+    m_isPartKept |= result.kept;
+    if (!result.succeeded && !result.reason.isEmpty())
         m_failed << BoxProtocol::fill(tr("文件[%1]下载失败: %2"),
                                       {recording->title(), result.reason});
     QTimer::singleShot(0, this, &RecordingDownloads::tell);
@@ -113,6 +169,9 @@ void RecordingDownloads::tell()
     const QPointer<RecordingDownloads> self(this);
     while (self && (!m_failed.isEmpty() || !m_completed.isEmpty())) {
         if (!m_failed.isEmpty()) {
+            if (m_isPartKept)
+                m_failed << tr("已下载的部分会保留,再次下载到同一文件夹时继续.");
+            m_isPartKept = false;
             const QString text = m_failed.join(QLatin1Char('\n'));
             m_failed.clear();
             messageBox::ask(text, m_hub.window);

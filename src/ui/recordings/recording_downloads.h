@@ -17,30 +17,42 @@ class Item;
 class ListWidget;
 class QListWidgetItem;
 
-/// Downloads recordings to this computer. A download has its own record of the recording, so that
-/// it goes on whatever becomes of the list and of the selection.
+/// Downloads recordings to this computer, a few at once; the others wait for their turn. A download
+/// has its own record of the recording, so that it goes on whatever becomes of the list and of the
+/// selection.
 class RecordingDownloads : public QObject
 {
     Q_OBJECT
 
 public:
+    /// More at once would only slow each other down, and the box that records.
+    static constexpr int MostAtOnce = 4;
+
     RecordingDownloads(const Hub& hub, ListWidget& list, DownloadList& view);
     ~RecordingDownloads() override;
 
-    /// Asks where to save the recordings of `rows`, then downloads them side by side. The question
-    /// blocks, serving events.
+    /// Asks where to save the recordings of `rows`, then downloads them. The question blocks,
+    /// serving events.
     void ask(const QList<QListWidgetItem*>& rows);
     bool isIdle() const { return m_jobs.empty(); }
+    /// False when downloads run or wait and the operator does not want to break them off. Asking
+    /// blocks, serving events.
+    bool mayClose();
 
 private:
     struct Job {
         std::unique_ptr<Item> recording;
+        QString folder;   ///< ends in "/"
         DownloadRow* row; ///< owned by the view
+        bool runs;        ///< else it waits for its turn
     };
 
     QString chooseFolder();
-    bool isRunning(const Item& recording) const;
-    void start(std::unique_ptr<Item> recording, const QString& folder);
+    bool isListed(const Item& recording) const;
+    std::vector<Job>::iterator jobOf(const Item* recording);
+    void add(std::unique_ptr<Item> recording, const QString& folder);
+    void startNext();
+    void cancel(Item* recording);
     void end(Item* recording, const DownloadResult& result);
     void tell();
 
@@ -48,7 +60,9 @@ private:
     ListWidget& m_list;
     DownloadList& m_view;
     std::vector<Job> m_jobs;
-    QStringList m_completed; ///< paths nobody has been told of yet
-    QStringList m_failed;    ///< messages nobody has been told of yet
+    QStringList m_completed;   ///< paths nobody has been told of yet
+    QStringList m_failed;      ///< messages nobody has been told of yet
+    bool m_isPartKept = false; ///< of one of those that failed
     bool m_telling = false;
+    bool m_asksToClose = false;
 };

@@ -3,11 +3,14 @@
 #include "tests/support/table.h"
 #include "tests/support/window_fixture.h"
 
+#include "ui/recordings/download_list.h"
 #include "ui/recordings/list_widget.h"
 
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QProgressBar>
 #include <QRadioButton>
 #include <QRegularExpression>
 #include <QToolButton>
@@ -33,6 +36,7 @@ private slots:
     void playingOneIsNotDeleted();
     void refusedDeletionComesBack();
     void downloadsIntoTheChosenFolder();
+    void downloadsWaitForTheirTurn();
     void rowsThatGoDuringAQuestion();
 
 private:
@@ -42,6 +46,7 @@ private:
     QString address() const { return child<QLabel>("decodeaddress")->text(); }
     void clickEntry(int row, Qt::KeyboardModifiers modifiers = {});
     void playEntry(int row);
+    void downloadAll(DialogAnswerer& answers, const QString& folder);
     void selectBox(int host, const QStringList& recordings);
     QStringList told(const QString& action) const
     {
@@ -290,6 +295,65 @@ void tst_Recordings::refusedDeletionComesBack()
     QTRY_COMPARE(titles(), QStringList("a.mp4"));
 }
 
+/// The operator opens the menu, picks the first action and a folder.
+void tst_Recordings::downloadAll(DialogAnswerer& answers, const QString& folder)
+{
+    answers.expect<QMenu>([](QMenu& menu) {
+        QCOMPARE(menu.actions().first()->text(), QString("下载"));
+        QCOMPARE(menu.actions().last()->text(), QString("删除"));
+        QTest::keyClick(&menu, Qt::Key_Down);
+        QTest::keyClick(&menu, Qt::Key_Return);
+    });
+    answers.expect<QFileDialog>([folder](QFileDialog& dialog) {
+        QCOMPARE(dialog.windowTitle(), QString("请您选择保存的位置"));
+        QCOMPARE(dialog.labelText(QFileDialog::Accept), QString("选择目录"));
+        choosePath(dialog, folder);
+    });
+    list()->selectAll();
+    emit list()->customContextMenuRequested(QPoint(20, 20));
+}
+
+void tst_Recordings::downloadsWaitForTheirTurn()
+{
+    const QTemporaryDir folder;
+    const QStringList names{"1.mp4", "2.mp4", "3.mp4", "4.mp4", "5.mp4", "6.mp4"};
+    for (const QString& name : names)
+        m_box->addRecording(name, QByteArray(400000, 's'));
+    QVERIFY(m_box->addFault("throttle 20000 on media"));
+    clickRow(7);
+    QTRY_COMPARE(titles().size(), names.size());
+    DialogAnswerer answers(Qt::Key_Escape);
+    downloadAll(answers, folder.path());
+    QTRY_COMPARE(filesIn(folder.path()).size(), 4);
+    const auto rows = [this] { return child<QWidget>("downloads")->findChildren<DownloadRow*>(); };
+    QTRY_COMPARE(rows().size(), names.size());
+    QCOMPARE(rows().last()->findChild<QProgressBar*>()->format(), QString("等待下载"));
+    const auto cancelLast = [rows] { rows().last()->findChild<QToolButton*>()->click(); };
+    cancelLast();
+    QTRY_COMPARE(rows().size(), names.size() - 1);
+    QCOMPARE(filesIn(folder.path()).size(), 4);
+
+    // Nobody closes hours of download away without knowing it.
+    for (const auto key : {Qt::Key_Escape, Qt::Key_Return}) {
+        answers.setKey(key);
+        QCloseEvent closing;
+        QApplication::sendEvent(&window(), &closing);
+        QCOMPARE(closing.isAccepted(), key == Qt::Key_Return);
+    }
+    QCOMPARE(answers.texts().size(), 2);
+    QVERIFY(answers.texts().first().startsWith("还有5个录制文件没有下载完."));
+
+    while (!rows().isEmpty()) {
+        const int before = rows().size();
+        cancelLast();
+        QTRY_VERIFY(rows().size() < before);
+    }
+    QTRY_COMPARE(filesIn(folder.path()), QStringList());
+    QCloseEvent closing;
+    QApplication::sendEvent(&window(), &closing);
+    QVERIFY(closing.isAccepted());
+}
+
 void tst_Recordings::downloadsIntoTheChosenFolder()
 {
     const QTemporaryDir folder;
@@ -299,22 +363,8 @@ void tst_Recordings::downloadsIntoTheChosenFolder()
     QTRY_COMPARE(titles(), QStringList({"gone.mp4", "slow.mp4"}));
     m_box->removeRecording("gone.mp4");
     QVERIFY(m_box->addFault("throttle 150000 on media"));
-    list()->selectAll();
-
-    // The operator opens the menu, picks the first action and a folder.
     DialogAnswerer answers(Qt::Key_Escape);
-    answers.expect<QMenu>([](QMenu& menu) {
-        QCOMPARE(menu.actions().first()->text(), QString("下载"));
-        QCOMPARE(menu.actions().last()->text(), QString("删除"));
-        QTest::keyClick(&menu, Qt::Key_Down);
-        QTest::keyClick(&menu, Qt::Key_Return);
-    });
-    answers.expect<QFileDialog>([&](QFileDialog& dialog) {
-        QCOMPARE(dialog.windowTitle(), QString("请您选择保存的位置"));
-        QCOMPARE(dialog.labelText(QFileDialog::Accept), QString("选择目录"));
-        choosePath(dialog, folder.path());
-    });
-    emit list()->customContextMenuRequested(QPoint(20, 20));
+    downloadAll(answers, folder.path());
     auto* downloads = child<QWidget>("downloads");
     QTRY_VERIFY(downloads->isVisible());
     // What is under way does not depend on the list or the selection.

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QLockFile>
+#include <QString>
+
+#include <memory>
+
+/// Which recording on which box. The MAC address may be unknown (empty): then the box is told by
+/// its address.
+struct RecordingSource {
+    QString address;
+    QString mac;
+    QString name; ///< as the box has it
+
+    bool isSame(const RecordingSource& other) const;
+};
+
+/// The file of one download while its data comes: "<name>.part", which gets its name once it is
+/// whole. No file that was there before is touched. A part that is not whole stays when this object
+/// goes, with a record in the data folder of what it is a part of, so that a later download of the
+/// same recording into the same folder goes on with it. Nobody else uses it meanwhile.
+class PartFile
+{
+    Q_DISABLE_COPY(PartFile)
+
+public:
+    /// `folder` ends in "/".
+    PartFile(const QString& folder, RecordingSource source);
+    /// An empty part goes.
+    ~PartFile();
+
+    /// Finds the part of an earlier download or makes an empty one; false when the folder takes no
+    /// files. To be called once.
+    bool open();
+    /// Where the data goes.
+    QString partPath() const { return m_part; }
+    /// The name it will have, unless another file takes it meanwhile.
+    QString path() const { return m_path; }
+    qint64 size() const;
+
+    /// How long the whole recording is, as the box said when the part began; -1 while unknown.
+    qint64 length() const { return m_length; }
+    /// Writes the record.
+    void setLength(qint64 length);
+    bool isWhole() const { return m_length >= 0 && size() == m_length; }
+
+    /// What the part has is of no use for what the box has now: goes on with an empty one. The
+    /// first `good` bytes are of the recording as it was; were they all of it, they get their name.
+    bool startOver(qint64 good);
+    /// Gives the file its name; false leaves the part.
+    bool giveName();
+    /// Removes the part.
+    void discard();
+
+private:
+    bool findKept();
+    bool makeNew();
+    bool lock();
+    void forget();
+    QString recordPath() const;
+
+    const QString m_folder;
+    const QString m_name; ///< safe on this computer
+    const RecordingSource m_source;
+    QString m_path;
+    QString m_part;
+    qint64 m_length = -1;
+    std::unique_ptr<QLockFile> m_lock;
+};
