@@ -711,6 +711,10 @@
   <context>
     <name>RecordControl</name>
     <message>
+      <source>开启录制失败,请重试.</source>
+      <translation>녹화 시작에 실패했습니다. 다시 시도하세요.</translation>
+    </message>
+    <message>
       <source>停止录制失败,请重试.</source>
       <translation>녹화 중지에 실패했습니다. 다시 시도하세요.</translation>
     </message>

@@ -17,11 +17,16 @@ QString timeText(qint64 ms)
     return QTime(0, 0).addMSecs(int(ms % day)).toString(QStringLiteral("hh:mm:ss.zzz"));
 }
 
+qint64 recordMs(const QString& message)
+{
+    return jsonToMap(message).value(QStringLiteral("record_ms")).toLongLong();
+}
+
 } // namespace
 
 QString recordTimeOf(const QString& message)
 {
-    return timeText(jsonToMap(message).value(QStringLiteral("record_ms")).toLongLong());
+    return timeText(recordMs(message));
 }
 
 EventSocket::EventSocket(quint16 port, QObject* parent)
@@ -72,13 +77,18 @@ void EventSocket::handleDisconnected()
 EventSockets::EventSockets(QObject* parent)
     : QObject(parent), m_stream(streamPort), m_media(mediaPort)
 {
-    connect(&m_stream, &EventSocket::message, this,
-            [this](const QString& text) { emit recordTime(recordTimeOf(text)); });
+    connect(&m_stream, &EventSocket::message, this, [this](const QString& text) {
+        const qint64 ms = recordMs(text);
+        emit recordTime(timeText(ms));
+        emit recordClock(ms);
+    });
     connect(&m_stream, &EventSocket::reconnecting, this, [this] { emit recordTime(timeText(0)); });
 }
 
 void EventSockets::connectTo(const QString& ip)
 {
+    // What was heard last is another box's, or an earlier connection's.
+    emit recordTime(timeText(0));
     m_stream.connectTo(ip);
     m_media.connectTo(ip);
 }

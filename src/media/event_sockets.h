@@ -61,6 +61,8 @@ public:
 signals:
     /// The running recording time, "hh:mm:ss.zzz"; zero when there is none or the feed is lost.
     void recordTime(const QString& text);
+    /// The same with every message of the stream feed, in milliseconds; 0 when it carries none.
+    void recordClock(qint64 ms);
 
 private:
     EventSocket m_stream;

@@ -17,6 +17,8 @@ Monitor::Monitor(const Hub& hub, Ui::MonitorArea& area)
     // Escape reaches the picture only while it has the focus.
     area.video_widget->setFocusPolicy(Qt::ClickFocus);
     connect(&m_events, &EventSockets::recordTime, this, &Monitor::recordTime);
+    connect(&m_events, &EventSockets::recordClock, this, &Monitor::recordClock);
+    connect(&m_events.stream(), &EventSocket::reconnecting, this, &Monitor::streamLost);
     connect(&hub.state, &HubState::koraSelected, this,
             [this](const Item& box) { m_events.connectTo(box.address()); });
 }

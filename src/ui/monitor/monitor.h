@@ -28,6 +28,10 @@ signals:
     void fullScreenWanted(bool on);
     /// How long the selected box has been recording, as it says.
     void recordTime(const QString& text);
+    /// The same in milliseconds with every message of its stream feed; 0 when it carries none.
+    void recordClock(qint64 ms);
+    /// Its stream feed is gone, or could not be reached.
+    void streamLost();
 
 private:
     const QWidget* m_window;

@@ -2,6 +2,7 @@
 #include "ui/recordings/record_control.h"
 
 #include "common/box_protocol.h"
+#include "common/box_reply.h"
 #include "common/command_runner.h"
 #include "device/device_registry.h"
 #include "device/item.h"
@@ -14,6 +15,7 @@
 #include <QAbstractButton>
 #include <QDateTime>
 #include <QPointer>
+#include <QTimer>
 
 namespace
 {
@@ -33,9 +35,6 @@ QString newFileName(bool mp4)
 RecordControl::RecordControl(const Hub& hub, const Widgets& widgets, Recordings& recordings)
     : QObject(nullptr), m_hub(hub), m_widgets(widgets), m_recordings(recordings)
 {
-    m_limit.setSingleShot(true);
-    m_limit.setInterval(CommandRunner::WaitLimitMs);
-    connect(&m_limit, &QTimer::timeout, this, &RecordControl::giveUp);
     hub.exchange.onReply(BoxProtocol::RecordOn,
                          [this](const QProcess& process, const BoxReply& reply) {
                              handleStarted(process, reply.isSuccess());
@@ -45,95 +44,181 @@ RecordControl::RecordControl(const Hub& hub, const Widgets& widgets, Recordings&
                              handleStopped(process, reply.isSuccess());
                          });
     connect(&hub.state, &HubState::koraSelected, this, &RecordControl::showBox);
+    connect(&m_watch, &RecordWatch::changed, this, &RecordControl::followClock);
 }
 
 void RecordControl::setRecording(bool on)
 {
-    if (!m_hub.findSelectedDevice())
-        m_widgets.record.setChecked(false); // before the message about it
-    const Item* device = m_hub.selectedDevice();
+    const Item* selected = m_hub.findSelectedDevice();
+    // Before the message about it.
+    if (!selected || selected->isOwned())
+        m_widgets.record.setChecked(selected && isRecording(*selected));
+    const Item* device = m_hub.freeDevice();
     if (!device)
         return;
     const QString ip = device->address();
     QVariantMap keys{{QStringLiteral("deviceip"), ip}};
     QString command = BoxProtocol::controlCommand(BoxProtocol::RecordOff, ip);
+    QString name;
     if (on) {
-        const QString name = newFileName(m_widgets.mp4.isChecked());
+        name = newFileName(m_widgets.mp4.isChecked());
         keys.insert(QLatin1String(fileNameProperty), name);
         command = BoxProtocol::recordOnCommand(ip, name);
     }
-    wait(ip, !on);
+    const int number = ++m_lastNumber;
+    m_pending.insert(ip, {number, on, name});
+    m_widgets.group.setEnabled(false);
+    QTimer::singleShot(AnswerLimitMs, this, [this, ip, number] { giveUp(ip, number); });
     m_hub.runner.execCurl(ip, command, keys);
+}
+
+/// What its clock says; without one, what it has last answered.
+bool RecordControl::isRecording(const Item& box) const
+{
+    switch (m_watch.clock(box.address())) {
+    case RecordWatch::Clock::Runs:
+        return true;
+    case RecordWatch::Clock::Stopped:
+        return false;
+    case RecordWatch::Clock::Unknown:
+        break;
+    }
+    return !box.recordingInProgress().isEmpty();
+}
+
+/// The check box speaks of the selected box only; another one's state shows when it is selected.
+void RecordControl::show()
+{
+    const Item* box = m_hub.findSelectedDevice();
+    const bool isWaiting = m_pending.contains(m_hub.state.deviceIp());
+    m_widgets.group.setEnabled(!isWaiting);
+    if (!isWaiting)
+        m_widgets.record.setChecked(box && isRecording(*box));
 }
 
 void RecordControl::showBox(const Item& box)
 {
-    if (box.address() == m_waitingIp)
+    m_watch.pointAt(box.address());
+    m_widgets.record.setChecked(isRecording(box));
+    show();
+}
+
+void RecordControl::followClock(const QString& ip)
+{
+    Item* box = m_hub.devices.model().find(ip);
+    // A box that can be heard and whose clock stands has ended what it recorded, or lost it.
+    if (box && m_watch.isAlive() && m_watch.clock(ip) == RecordWatch::Clock::Stopped &&
+        !m_pending.contains(ip))
+        box->setRecordingInProgress(QString());
+    show();
+}
+
+/// True when the box at `ip` was to answer such a command; it is no longer.
+bool RecordControl::takePending(const QString& ip, bool on)
+{
+    const auto command = m_pending.find(ip);
+    if (command == m_pending.end() || command->on != on)
+        return false;
+    m_pending.erase(command);
+    return true;
+}
+
+void RecordControl::giveUp(const QString& ip, int number)
+{
+    const Command command = m_pending.value(ip);
+    if (command.number != number)
         return;
-    m_limit.stop();
-    m_waitingIp.clear();
-    m_widgets.group.setEnabled(true);
-    m_widgets.record.setChecked(!box.recordingInProgress().isEmpty());
-}
-
-void RecordControl::wait(const QString& ip, bool wasRecording)
-{
-    m_waitingIp = ip;
-    m_wasRecording = wasRecording;
-    m_widgets.group.setEnabled(false);
-    m_limit.start();
-}
-
-/// The check box speaks of the selected box only; another one's state shows when it is selected.
-void RecordControl::settle(const QString& ip, bool recording)
-{
-    if (ip == m_waitingIp) {
-        m_limit.stop();
-        m_waitingIp.clear();
-        m_widgets.group.setEnabled(true);
+    m_pending.remove(ip);
+    // The answer may be lost and the deed done.
+    const RecordWatch::Clock clock = m_watch.clock(ip);
+    if (command.on && clock == RecordWatch::Clock::Runs) {
+        noteStarted(ip, command.name);
+    } else if (!command.on && clock == RecordWatch::Clock::Stopped) {
+        noteStopped(ip);
+    } else {
+        show();
+        tell(ip, command.on ? tr("开启录制失败,请重试.") : tr("停止录制失败,请重试."));
     }
-    if (ip == m_hub.state.deviceIp())
-        m_widgets.record.setChecked(recording);
-}
-
-void RecordControl::giveUp()
-{
-    const QString ip = m_waitingIp;
-    const bool wasRecording = m_wasRecording;
-    settle(ip, wasRecording);
-    if (wasRecording)
-        messageBox::ask(tr("停止录制失败,请重试."), m_hub.window);
 }
 
 void RecordControl::handleStarted(const QProcess& process, bool succeeded)
 {
     const QString ip = process.property("deviceip").toString();
-    if (Item* box = m_hub.devices.model().find(ip))
-        box->setRecordingInProgress(process.property(fileNameProperty).toString());
-    settle(ip, succeeded);
+    const bool wasPending = takePending(ip, true);
+    if (succeeded)
+        noteStarted(ip, process.property(fileNameProperty).toString());
+    else
+        show();
+    // One that was given up has been told of.
+    if (!succeeded && wasPending)
+        tell(ip, tr("开启录制失败,请重试."));
 }
 
 void RecordControl::handleStopped(const QProcess& process, bool succeeded)
 {
     const QString ip = process.property("deviceip").toString();
-    settle(ip, !succeeded);
-    if (!succeeded) {
-        messageBox::ask(tr("停止录制失败,请重试."), m_hub.window);
+    const bool wasPending = takePending(ip, false);
+    if (succeeded) {
+        noteStopped(ip);
         return;
     }
+    noteRefusedStop(ip);
+    if (wasPending)
+        tell(ip, tr("停止录制失败,请重试."));
+}
+
+void RecordControl::noteStarted(const QString& ip, const QString& name)
+{
+    m_refusedStops.remove(ip);
+    if (Item* box = m_hub.devices.model().find(ip))
+        box->setRecordingInProgress(name);
+    if (m_watch.clock(ip) != RecordWatch::Clock::Runs)
+        m_watch.noteStart(ip);
+    show();
+}
+
+void RecordControl::noteStopped(const QString& ip)
+{
+    m_refusedStops.remove(ip);
     QString name;
     if (Item* box = m_hub.devices.model().find(ip)) {
         name = box->recordingInProgress();
         box->setRecordingInProgress(QString());
     }
+    m_watch.noteStop(ip);
+    show();
     if (ip == m_hub.state.deviceIp())
         m_recordings.getDeviceRecordList();
     // One that was started elsewhere has no name we know, so there is nothing to offer.
-    if (name.isEmpty())
-        return;
+    if (!name.isEmpty())
+        offerToView(ip, name);
+}
+
+/// A box refuses to stop, too, when it does not record. Without a clock that tells, the second
+/// refusal counts as that: the operator must be able to start again.
+void RecordControl::noteRefusedStop(const QString& ip)
+{
+    Item* box = m_hub.devices.model().find(ip);
+    if (box && m_refusedStops.contains(ip))
+        box->setRecordingInProgress(QString());
+    m_refusedStops.insert(ip);
+    show();
+}
+
+/// The answer is about this moment: it is void when another box has been selected meanwhile.
+void RecordControl::offerToView(const QString& ip, const QString& name)
+{
+    const QString selected = m_hub.state.deviceIp();
     const QPointer<RecordControl> self(this);
     const QString question = BoxProtocol::fill(tr("录制完成,是否现在查看 [%1]"), {name});
     const int answer = messageBox::ask(question, m_hub.window);
-    if (self && answer == messageBox::Confirmed)
-        m_recordings.playWhenListed(ip, name);
+    if (self && answer == messageBox::Confirmed && m_hub.state.deviceIp() == selected)
+        m_recordings.playNamed(ip, name);
+}
+
+/// The operator may have gone on to another box.
+void RecordControl::tell(const QString& ip, const QString& text)
+{
+    const bool isShown = ip == m_hub.state.deviceIp();
+    messageBox::ask(isShown ? text : ip + QStringLiteral(": ") + text, m_hub.window);
 }

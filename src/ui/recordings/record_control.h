@@ -2,9 +2,11 @@
 #pragma once
 
 #include "ui/hub/hub.h"
+#include "ui/recordings/record_watch.h"
 
+#include <QHash>
 #include <QObject>
-#include <QTimer>
+#include <QSet>
 
 class Item;
 class QAbstractButton;
@@ -12,8 +14,8 @@ class QProcess;
 class QWidget;
 class Recordings;
 
-/// Starts and stops recording on the selected box. The box's answer decides what the check box
-/// shows; until it comes the controls wait.
+/// Starts and stops recording on the selected box. What the box answers, and its running clock,
+/// decide what the check box shows; until an answer comes the controls of that box wait.
 class RecordControl : public QObject
 {
     Q_OBJECT
@@ -25,26 +27,45 @@ public:
         QAbstractButton& mp4;    ///< checked: as MP4, else as MOV
     };
 
+    /// How long a box may take to answer, in milliseconds: it may have to complete a file.
+    static constexpr int AnswerLimitMs = 6000;
+
     /// The widgets and `recordings` outlive this object.
     RecordControl(const Hub& hub, const Widgets& widgets, Recordings& recordings);
 
-    /// Lets the selected box record, or stop. Blocks, serving events, only to say that no box is
-    /// selected; the box's answer comes later.
+    /// Lets the selected box record, or stop. Blocks, serving events, only to say why it does not;
+    /// the box's answer comes later.
     void setRecording(bool on);
-    /// Another box has been selected: shows whether that one records.
-    void showBox(const Item& box);
+    /// To be told of the selected box's feed.
+    RecordWatch& watch() { return m_watch; }
 
 private:
-    void wait(const QString& ip, bool wasRecording);
-    void settle(const QString& ip, bool recording);
+    /// A command that the box has not answered.
+    struct Command {
+        int number = 0;
+        bool on = false;
+        QString name; ///< of the recording that is to begin
+    };
+
+    bool isRecording(const Item& box) const;
+    void show();
+    void showBox(const Item& box);
+    void followClock(const QString& ip);
+    bool takePending(const QString& ip, bool on);
     void handleStarted(const QProcess& process, bool succeeded);
     void handleStopped(const QProcess& process, bool succeeded);
-    void giveUp();
+    void giveUp(const QString& ip, int number);
+    void noteStarted(const QString& ip, const QString& name);
+    void noteStopped(const QString& ip);
+    void noteRefusedStop(const QString& ip);
+    void offerToView(const QString& ip, const QString& name);
+    void tell(const QString& ip, const QString& text);
 
     const Hub m_hub;
     const Widgets m_widgets;
     Recordings& m_recordings;
-    QTimer m_limit;
-    QString m_waitingIp; ///< the box that is to answer, empty: none
-    bool m_wasRecording = false;
+    RecordWatch m_watch;
+    QHash<QString, Command> m_pending; ///< by the address of the box
+    int m_lastNumber = 0;
+    QSet<QString> m_refusedStops; ///< addresses of boxes that have refused to stop
 };

@@ -87,7 +87,6 @@ void Recordings::handleReply(const HttpResult& result)
     // The one that plays stays marked, so that it is not deleted while it is watched.
     if (QUrl(m_playing).host() == result.deviceIp)
         markPlaying(m_playing);
-    playAwaited();
 }
 
 void Recordings::playSelected(bool on)
@@ -137,31 +136,24 @@ void Recordings::playNeighbour(int step)
 void Recordings::play(const Item& recording)
 {
     // Taken now: closing may bring the news that removes the record.
-    const QString url = mediaUrl(recording);
+    playUrl(mediaUrl(recording));
+}
+
+void Recordings::playUrl(const QString& url)
+{
     m_player.video.close();
     m_player.video.open(url);
 }
 
-void Recordings::playWhenListed(const QString& ip, const QString& name)
+void Recordings::playNamed(const QString& ip, const QString& name)
 {
-    if (name.isEmpty())
-        return;
-    m_awaitedIp = ip;
-    m_awaitedName = name;
-    playAwaited();
-}
-
-void Recordings::playAwaited()
-{
-    if (m_awaitedName.isEmpty() || m_awaitedIp != m_hub.state.deviceIp())
-        return;
     for (const auto& entry : m_list.entries()) {
-        if (entry->address() == m_awaitedIp && entry->title().contains(m_awaitedName)) {
-            m_awaitedName.clear();
+        if (entry->address() == ip && entry->title().contains(name)) {
             play(*entry);
             return;
         }
     }
+    playUrl(BoxProtocol::mediaUrl(ip, name));
 }
 
 void Recordings::showStatus(int status, const QString& url)

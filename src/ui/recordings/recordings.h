@@ -52,8 +52,9 @@ public:
     void playOrStop(const Item* recording);
     /// Plays what is listed above (-1) or below (+1) the recording that plays.
     void playNeighbour(int step);
-    /// Plays the recording of the box at `ip` whose name holds `name`, once it is listed.
-    void playWhenListed(const QString& ip, const QString& name);
+    /// Plays the recording of the box at `ip` whose name holds `name`, or, while none is listed,
+    /// the one of that name.
+    void playNamed(const QString& ip, const QString& name);
     /// What the video widget says of its session; `status` as FFmpegThread::playstatus.
     void showStatus(int status, const QString& url);
 
@@ -63,8 +64,8 @@ public:
 
 private:
     void play(const Item& recording);
+    void playUrl(const QString& url);
     void markPlaying(const QString& url);
-    void playAwaited();
     void startDelete(std::unique_ptr<Item> recording);
     void noteDeleted(Item* recording, bool succeeded);
     void tellFailedDeletes();
@@ -74,8 +75,6 @@ private:
     const Player m_player;
     QString m_playing; ///< the address that plays, empty: none
     QString m_listedIp;
-    QString m_awaitedIp;
-    QString m_awaitedName; ///< to be played once it is listed
     std::vector<std::unique_ptr<Item>> m_deleting;
     QStringList m_failedDeletes;
     QTimer m_tellFailedDeletes;

@@ -103,6 +103,8 @@ void Tarn_Hub::Features::connectRooms()
     QObject::connect(&monitor, &Monitor::fullScreenWanted, &frame, &WindowFrame::setFullScreen);
     QObject::connect(&monitor, &Monitor::recordTime, form.control_area->ui.recodeTime,
                      &QLabel::setText);
+    QObject::connect(&monitor, &Monitor::recordClock, &record.watch(), &RecordWatch::hear);
+    QObject::connect(&monitor, &Monitor::streamLost, &record.watch(), &RecordWatch::lose);
     QObject::connect(&deviceInfo, &DeviceInfo::deviceChanged, &deviceList, &DeviceList::repaint);
     QObject::connect(&deviceInfo, &DeviceInfo::macReported, &panel, &ParameterPanel::noteMac);
     QObject::connect(&deviceInfo, &DeviceInfo::macReported, &upgrade, &UpgradeFeatures::noteMac);

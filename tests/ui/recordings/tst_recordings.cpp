@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/box_client.h"
 #include "tests/support/files.h"
 #include "tests/support/table.h"
 #include "tests/support/window_fixture.h"
@@ -30,6 +31,9 @@ private slots:
     void recordsUnderItsOwnName();
     void boxDecidesWhatRecordShows_data();
     void boxDecidesWhatRecordShows();
+    void clockTellsWhatTheBoxDoes();
+    void lateAnswerPlaysNothing();
+    void upgradeKeepsItFromRecording();
     void nothingSelectedPlaysNothing();
     void stepsToTheNeighbours();
     void failureIsSaid();
@@ -46,6 +50,7 @@ private:
     QString address() const { return child<QLabel>("decodeaddress")->text(); }
     void clickEntry(int row, Qt::KeyboardModifiers modifiers = {});
     void playEntry(int row);
+    void record(bool on);
     void downloadAll(DialogAnswerer& answers, const QString& folder);
     void selectBox(int host, const QStringList& recordings);
     QStringList told(const QString& action) const
@@ -110,6 +115,15 @@ void tst_Recordings::playEntry(int row)
     QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {},
                        list()->visualItemRect(list()->item(row)).center());
     QTRY_VERIFY_WITH_TIMEOUT(list()->entries()[row]->property("ispaly").toBool(), 20000);
+}
+
+/// Clicks, and waits for the box's answer.
+void tst_Recordings::record(bool on)
+{
+    auto* recode = child<QCheckBox>("recode");
+    QCOMPARE(recode->isChecked(), !on);
+    click("recode");
+    QTRY_VERIFY_WITH_TIMEOUT(recode->isEnabled() && recode->isChecked() == on, 9000);
 }
 
 /// `recordings` from top to bottom.
@@ -191,31 +205,107 @@ void tst_Recordings::recordsUnderItsOwnName()
 
 void tst_Recordings::boxDecidesWhatRecordShows_data()
 {
-    // "recording": before the click
-    columns<QString, bool, QStringList>("fault", "recording", "texts");
-    const QStringList failed{"停止录制失败,请重试."};
-    row("start refused", "fail on record_on", false, QStringList());
-    row("start unanswered", "silent on record_on", false, QStringList());
-    row("stop refused", "fail on record_off", true, failed);
-    row("stop unanswered", "silent on record_off", true, failed);
+    // "recording": before the click; "away": the operator goes on to another box meanwhile
+    columns<QString, bool, bool, QString>("fault", "recording", "away", "text");
+    const QString notStarted("开启录制失败,请重试.");
+    const QString notStopped("停止录制失败,请重试.");
+    row("start refused", "fail on record_on", false, false, notStarted);
+    row("stop refused", "fail on record_off", true, false, notStopped);
+    row("stop unanswered", "silent on record_off", true, true, ip(7) + ": " + notStopped);
 }
 
 void tst_Recordings::boxDecidesWhatRecordShows()
 {
     QFETCH(QString, fault);
     QFETCH(bool, recording);
-    QFETCH(QStringList, texts);
-    item(7)->setProperty("recodefilename", recording ? "x.mp4" : "");
+    QFETCH(bool, away);
+    QFETCH(QString, text);
     selectBox(7, {});
-    auto* recode = child<QCheckBox>("recode");
-    QCOMPARE(recode->isChecked(), recording);
-    QVERIFY(m_box->addFault(fault));
     DialogAnswerer answers(Qt::Key_Escape);
+    if (recording)
+        record(true);
+    QVERIFY(m_box->addFault(fault));
     click("recode");
-    QTRY_VERIFY(recode->isEnabled());
-    QTRY_COMPARE(answers.texts(), texts);
-    QCOMPARE(recode->isChecked(), recording);
-    item(7)->setProperty("recodefilename", QString());
+    QVERIFY(!child<QCheckBox>("recode")->isEnabled());
+    if (away)
+        clickRow(8);
+    QTRY_COMPARE_WITH_TIMEOUT(answers.texts(), QStringList(text), 9000);
+    m_box->clearFaults();
+    // Whatever came of it: the operator can record, and stop.
+    clickRow(8);
+    QTRY_VERIFY(!child<QCheckBox>("recode")->isChecked());
+    clickRow(7);
+    QCOMPARE(child<QCheckBox>("recode")->isChecked(), recording);
+    if (!recording)
+        record(true);
+    record(false);
+    QTRY_COMPARE(answers.texts().size(), 2);
+}
+
+void tst_Recordings::clockTellsWhatTheBoxDoes()
+{
+    auto* recode = child<QCheckBox>("recode");
+    selectBox(7, {});
+    // Started and stopped by somebody else.
+    QCOMPARE(command(ip(7), "record_on&file_name=elsewhere.mp4").status(), QString("success"));
+    QTRY_VERIFY(recode->isChecked());
+    QCOMPARE(command(ip(7), "record_off").status(), QString("success"));
+    QTRY_VERIFY(!recode->isChecked());
+    // Started by somebody else, stopped here: there is no name to ask about.
+    QCOMPARE(command(ip(7), "record_on&file_name=elsewhere2.mp4").status(), QString("success"));
+    QTRY_VERIFY(recode->isChecked());
+    DialogAnswerer answers(Qt::Key_Escape);
+    record(false);
+
+    // It loses its power in the middle, and comes back.
+    record(true);
+    QTRY_VERIFY(child<QLabel>("recodeTime")->text() > "00:00:00.000");
+    m_box->unplug();
+    QTRY_VERIFY(!recode->isChecked());
+    QCOMPARE(answers.texts(), QStringList());
+    // A start that nobody answers is told of.
+    click("recode");
+    QTRY_COMPARE_WITH_TIMEOUT(answers.texts(), QStringList("开启录制失败,请重试."), 9000);
+    QVERIFY(!recode->isChecked());
+    QVERIFY(m_box->plugIn());
+    QTRY_COMPARE(item(7)->property("recodefilename").toString(), QString());
+    record(true);
+    // Its clock is not shown as another's.
+    QTRY_VERIFY(child<QLabel>("recodeTime")->text() > "00:00:00.000");
+    clickRow(8);
+    QCOMPARE(child<QLabel>("recodeTime")->text(), QString("00:00:00.000"));
+    clickRow(7);
+    record(false);
+    QTRY_COMPARE(answers.texts().size(), 2);
+}
+
+void tst_Recordings::lateAnswerPlaysNothing()
+{
+    selectBox(7, {});
+    record(true);
+    DialogAnswerer answers;
+    answers.expect<messageBox>([this](messageBox& question) {
+        emit deviceView()->S_ActionClicked(Action::Select, item(8));
+        QTest::keyClick(&question, Qt::Key_Return);
+    });
+    record(false);
+    QTRY_VERIFY(answers.isDone());
+    // Nor when the box is selected again and its recordings are listed.
+    clickRow(7);
+    QTRY_COMPARE(titles().size(), 1);
+    QCOMPARE(address(), QString());
+}
+
+void tst_Recordings::upgradeKeepsItFromRecording()
+{
+    selectBox(7, {});
+    item(7)->setOwned(true);
+    DialogAnswerer answers;
+    click("recode");
+    QTRY_COMPARE(answers.texts().size(), 1);
+    item(7)->setOwned(false);
+    QVERIFY(!child<QCheckBox>("recode")->isChecked());
+    QCOMPARE(told("record"), QStringList());
 }
 
 void tst_Recordings::nothingSelectedPlaysNothing()
