@@ -356,6 +356,14 @@
       <translation>Cancel the download</translation>
     </message>
     <message>
+      <source>继续下载</source>
+      <translation>Continue the download</translation>
+    </message>
+    <message>
+      <source>未下载完</source>
+      <translation>Unfinished</translation>
+    </message>
+    <message>
       <source>等待下载</source>
       <translation>Waiting</translation>
     </message>
@@ -793,15 +801,15 @@
       <translation>No</translation>
     </message>
     <message>
-      <source>已下载的部分会保留,再次下载到同一文件夹时继续.</source>
-      <translation>What has come is kept: download it into the same folder again to continue.</translation>
+      <source>已下载的部分会保留,可以继续下载.</source>
+      <translation>What has come is kept; the download can be continued.</translation>
     </message>
     <message>
       <source>还有%1个录制文件没有下载完.
-已下载的部分会保留,再次下载到同一文件夹时继续.
+已开始的下载会保留,下次启动软件后可以继续.
 确认要关闭软件吗?</source>
       <translation>Downloads of recordings that have not finished: %1.
-What has come is kept: download them into the same folder again to continue.
+Those that have begun are kept and can be continued when the program is started again.
 Close the program?</translation>
     </message>
   </context>

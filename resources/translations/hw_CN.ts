@@ -356,6 +356,14 @@
       <translation>다운로드 취소</translation>
     </message>
     <message>
+      <source>继续下载</source>
+      <translation>다운로드 계속</translation>
+    </message>
+    <message>
+      <source>未下载完</source>
+      <translation>미완료</translation>
+    </message>
+    <message>
       <source>等待下载</source>
       <translation>대기 중</translation>
     </message>
@@ -793,15 +801,15 @@
       <translation>아니요</translation>
     </message>
     <message>
-      <source>已下载的部分会保留,再次下载到同一文件夹时继续.</source>
-      <translation>받은 부분은 보관됩니다. 같은 폴더에 다시 다운로드하면 이어서 받습니다.</translation>
+      <source>已下载的部分会保留,可以继续下载.</source>
+      <translation>받은 부분은 보관되며 다운로드를 계속할 수 있습니다.</translation>
     </message>
     <message>
       <source>还有%1个录制文件没有下载完.
-已下载的部分会保留,再次下载到同一文件夹时继续.
+已开始的下载会保留,下次启动软件后可以继续.
 确认要关闭软件吗?</source>
       <translation>아직 다운로드가 끝나지 않은 녹화 파일: %1개.
-받은 부분은 보관됩니다. 같은 폴더에 다시 다운로드하면 이어서 받습니다.
+시작된 것은 다음에 실행할 때 이어받을 수 있습니다.
 프로그램을 닫으시겠습니까?</translation>
     </message>
   </context>

@@ -147,6 +147,7 @@ public:
     /// Where a dragged row would land beside this one: 0 nowhere, else a marker's number.
     int dropPosition() const;
 
+    RecordingSource recordingSource() const { return {address(), macAddress(), fileName()}; }
     /// Deletes the recording on its box. Ends in deleteEnded.
     void record_del();
     /// Downloads the recording into `folder`, which ends in "/", under a safe and free name; goes

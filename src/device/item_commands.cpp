@@ -176,8 +176,7 @@ void Item::download(const QString& folder)
 {
     if (m_download)
         return;
-    const RecordingSource source{address(), macAddress(), fileName()};
-    m_download = std::make_unique<RecordingDownload>(folder, source);
+    m_download = std::make_unique<RecordingDownload>(folder, recordingSource());
     connect(m_download.get(), &RecordingDownload::progressed, this, &Item::downloadProgressed);
     connect(m_download.get(), &RecordingDownload::ended, this,
             [this](const DownloadResult& result) {

@@ -15,31 +15,58 @@
 namespace
 {
 
-constexpr int mostRecordBytes = 64 * 1024;
-
-QString recordFolder()
+/// Where the record of the part at `path` lies.
+QString recordPath(const QString& path)
 {
-    return dataPath(QStringLiteral("download"));
+    const QByteArray digest = QCryptographicHash::hash(path.toUtf8(), QCryptographicHash::Md5);
+    return dataPath(QStringLiteral("download")) + QString::fromLatin1(digest.toHex()) +
+           QStringLiteral(".json");
+}
+
+std::unique_ptr<QLockFile> lockOf(const QString& path)
+{
+    auto lock = std::make_unique<QLockFile>(recordPath(path) + QStringLiteral(".lock"));
+    // A program that has died holds none; time alone ends none, a download may take hours.
+    lock->setStaleLockTime(0);
+    return lock;
 }
 
 /// What a record tells; nothing of it is believed that the part and the box do not bear out.
 struct PartRecord {
     QString part;
-    RecordingSource source;
-    qint64 length = -1;
+    KeptPart what;
 };
 
 PartRecord readRecord(const QString& path)
 {
+    constexpr int mostBytes = 64 * 1024;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    const QVariantMap map = jsonToMap(file.read(mostRecordBytes));
+    const QVariantMap map = jsonToMap(file.read(mostBytes));
     const auto text = [&map](const char* key) { return map.value(QLatin1String(key)).toString(); };
     bool isNumber = false;
     const qint64 length = text("length").toLongLong(&isNumber);
-    return {
-        text("part"), {text("address"), text("mac"), text("name")}, isNumber ? length : qint64(-1)};
+    const QString part = text("part");
+    return {part,
+            {part.left(part.lastIndexOf(QLatin1Char('/')) + 1),
+             {text("address"), text("mac"), text("name")},
+             isNumber ? length : qint64(-1)}};
+}
+
+QVector<PartRecord> allRecords()
+{
+    const QDir folder(dataPath(QStringLiteral("download")));
+    const QStringList names = folder.entryList({QStringLiteral("*.json")}, QDir::Files, QDir::Time);
+    QVector<PartRecord> records;
+    for (const QString& name : names) {
+        const PartRecord record = readRecord(folder.filePath(name));
+        const bool isOurs = record.part.endsWith(partSuffix()) && record.what.length > 0 &&
+                            recordPath(record.part) == folder.filePath(name);
+        if (isOurs)
+            records << record;
+    }
+    return records;
 }
 
 } // namespace
@@ -74,23 +101,35 @@ bool PartFile::open()
     return findKept() || makeNew();
 }
 
+QVector<KeptPart> PartFile::kept()
+{
+    QVector<KeptPart> parts;
+    const QVector<PartRecord> records = allRecords();
+    for (const PartRecord& record : records) {
+        if (lockOf(record.part)->tryLock(0))
+            parts << record.what;
+    }
+    return parts;
+}
+
+void PartFile::removeKept(const QString& folder, const RecordingSource& source)
+{
+    PartFile part(folder, source);
+    if (part.findKept())
+        part.discard();
+}
+
 bool PartFile::findKept()
 {
-    const QDir records(recordFolder());
-    const QStringList names = records.entryList({QStringLiteral("*.json")}, QDir::Files);
-    for (const QString& name : names) {
-        const PartRecord record = readRecord(records.filePath(name));
+    const QVector<PartRecord> records = allRecords();
+    for (const PartRecord& record : records) {
         // Its place first: a folder that is not asked for may be one that no longer answers.
-        const QString suffix = partSuffix();
-        if (!record.part.startsWith(m_folder) || !record.part.endsWith(suffix) ||
-            record.part.indexOf(QLatin1Char('/'), m_folder.size()) >= 0 ||
-            !record.source.isSame(m_source))
+        if (record.what.folder != m_folder || !record.what.source.isSame(m_source))
             continue;
         m_part = record.part;
-        const bool fits = size() > 0 && size() <= record.length;
-        if (fits && records.filePath(name) == recordPath() && lock()) {
-            m_path = record.part.chopped(suffix.size());
-            m_length = record.length;
+        if (size() > 0 && size() <= record.what.length && lock()) {
+            m_path = m_part.chopped(partSuffix().size());
+            m_length = record.what.length;
             return true;
         }
     }
@@ -111,11 +150,9 @@ bool PartFile::makeNew()
     return true;
 }
 
-/// One that has died holds no lock; time alone ends none, a download may take hours.
 bool PartFile::lock()
 {
-    m_lock = std::make_unique<QLockFile>(recordPath() + QStringLiteral(".lock"));
-    m_lock->setStaleLockTime(0);
+    m_lock = lockOf(m_part);
     return m_lock->tryLock(0);
 }
 
@@ -130,7 +167,7 @@ void PartFile::setLength(qint64 length)
         // As text: a number of JSON is no integer.
         {QStringLiteral("length"), QString::number(length)},
     };
-    QSaveFile file(recordPath());
+    QSaveFile file(recordPath(m_part));
     if (file.open(QIODevice::WriteOnly)) {
         file.write(QJsonDocument(record).toJson());
         file.commit();
@@ -152,7 +189,7 @@ bool PartFile::giveName()
 {
     constexpr int attempts = 3;
     for (int n = 0; n < attempts; ++n) {
-        const QString record = recordPath();
+        const QString record = recordPath(m_part);
         if (QFile::rename(m_part, m_path)) {
             QFile::remove(record);
             m_lock.reset();
@@ -174,12 +211,5 @@ void PartFile::discard()
 
 void PartFile::forget()
 {
-    QFile::remove(recordPath());
-}
-
-QString PartFile::recordPath() const
-{
-    const QByteArray digest =
-        QCryptographicHash::hash(m_part.toUtf8(), QCryptographicHash::Md5).toHex();
-    return recordFolder() + QString::fromLatin1(digest) + QStringLiteral(".json");
+    QFile::remove(recordPath(m_part));
 }

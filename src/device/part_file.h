@@ -3,6 +3,7 @@
 
 #include <QLockFile>
 #include <QString>
+#include <QVector>
 
 #include <memory>
 
@@ -14,6 +15,13 @@ struct RecordingSource {
     QString name; ///< as the box has it
 
     bool isSame(const RecordingSource& other) const;
+};
+
+/// A part that an earlier download has left.
+struct KeptPart {
+    QString folder; ///< ends in "/"
+    RecordingSource source;
+    qint64 length = -1; ///< of the whole recording
 };
 
 /// The file of one download while its data comes: "<name>.part", which gets its name once it is
@@ -29,6 +37,12 @@ public:
     PartFile(const QString& folder, RecordingSource source);
     /// An empty part goes.
     ~PartFile();
+
+    /// All that the records in the data folder tell of and nobody uses; whether the files are there
+    /// is not looked at.
+    static QVector<KeptPart> kept();
+    /// Removes what an earlier download of the recording has left in `folder`.
+    static void removeKept(const QString& folder, const RecordingSource& source);
 
     /// Finds the part of an earlier download or makes an empty one; false when the folder takes no
     /// files. To be called once.
@@ -58,7 +72,6 @@ private:
     bool makeNew();
     bool lock();
     void forget();
-    QString recordPath() const;
 
     const QString m_folder;
     const QString m_name; ///< safe on this computer

@@ -18,14 +18,15 @@ constexpr int mostRowsShown = 3;
 } // namespace
 
 DownloadRow::DownloadRow(const QString& name, QWidget* parent)
-    : QWidget(parent), m_bar(new QProgressBar(this)), m_cancel(new QToolButton(this))
+    : QWidget(parent)
+    , m_bar(new QProgressBar(this))
+    , m_resume(addButton("resumeDownload", QStringLiteral(":/spark/img/play.svg")))
+    , m_cancel(addButton("cancelDownload", QStringLiteral(":/spark/img/cancel.svg")))
 {
     auto* label = new ElidedLabel(this);
     label->setText(name);
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    m_cancel->setObjectName(QStringLiteral("cancelDownload"));
-    m_cancel->setIcon(QIcon(QStringLiteral(":/spark/img/cancel.svg")));
-    m_cancel->setAutoRaise(true);
+    connect(m_resume, &QToolButton::clicked, this, &DownloadRow::resumed);
     connect(m_cancel, &QToolButton::clicked, this, &DownloadRow::cancelled);
     retranslate();
 
@@ -33,14 +34,39 @@ DownloadRow::DownloadRow(const QString& name, QWidget* parent)
     layout->setContentsMargins(12, 2, 8, 2);
     layout->addWidget(label, 1);
     layout->addWidget(m_bar, 1);
+    layout->addWidget(m_resume);
     layout->addWidget(m_cancel);
     setFixedHeight(rowHeight);
 }
 
+QToolButton* DownloadRow::addButton(const char* name, const QString& icon)
+{
+    auto* button = new QToolButton(this);
+    button->setObjectName(QLatin1String(name));
+    button->setIcon(QIcon(icon));
+    button->setAutoRaise(true);
+    return button;
+}
+
 void DownloadRow::setProgress(const DownloadProgress& progress)
 {
-    m_isWaiting = false;
     m_progress = progress;
+    setState(State::Running);
+}
+
+void DownloadRow::showWaiting()
+{
+    setState(State::Waiting);
+}
+
+void DownloadRow::showKept()
+{
+    setState(State::Kept);
+}
+
+void DownloadRow::setState(State state)
+{
+    m_state = state;
     showState();
 }
 
@@ -52,11 +78,14 @@ void DownloadRow::showState()
     };
     // A server that does not tell the size leaves only what has come to be shown.
     const bool isKnown = m_progress.total > 0;
-    const bool isStill = m_isWaiting || m_progress.broken;
+    const bool isStill = m_state != State::Running || m_progress.broken;
     const qint64 percent = isKnown ? m_progress.received * 100 / m_progress.total : 0;
     m_bar->setRange(0, isKnown || isStill ? 100 : 0);
     m_bar->setValue(int(qBound<qint64>(0, percent, 100)));
-    if (m_isWaiting)
+    m_resume->setVisible(m_state == State::Kept);
+    if (m_state == State::Kept)
+        m_bar->setFormat(tr("未下载完"));
+    else if (m_state == State::Waiting)
         m_bar->setFormat(tr("等待下载"));
     else if (m_progress.broken)
         m_bar->setFormat(tr("正在重新连接") + QStringLiteral("  %p%"));
@@ -78,6 +107,8 @@ void DownloadRow::retranslate()
 {
     m_cancel->setToolTip(tr("取消下载"));
     m_cancel->setAccessibleName(tr("取消下载"));
+    m_resume->setToolTip(tr("继续下载"));
+    m_resume->setAccessibleName(tr("继续下载"));
     showState();
 }
 

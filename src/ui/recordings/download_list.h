@@ -9,8 +9,8 @@ class QProgressBar;
 class QToolButton;
 class QVBoxLayout;
 
-/// One download: its name, how far it is, and a button that ends it. It waits for its turn until it
-/// has made progress.
+/// One download: its name, how far it is, a button that ends it, and one that goes on with one that
+/// has broken off. At first it waits for its turn.
 class DownloadRow : public QWidget
 {
     Q_OBJECT
@@ -20,25 +20,35 @@ public:
     explicit DownloadRow(const QString& name, QWidget* parent = nullptr);
 
     void setProgress(const DownloadProgress& progress);
+    /// It will go on in its turn.
+    void showWaiting();
+    /// It has broken off, and what has come is kept.
+    void showKept();
 
 signals:
     void cancelled();
+    void resumed();
 
 protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    enum class State { Waiting, Running, Kept };
+
+    QToolButton* addButton(const char* name, const QString& icon);
     void retranslate();
+    void setState(State state);
     void showState();
 
     QProgressBar* m_bar;
+    QToolButton* m_resume;
     QToolButton* m_cancel;
     DownloadProgress m_progress;
-    bool m_isWaiting = true;
+    State m_state = State::Waiting;
 };
 
-/// The downloads that run or wait, below the storage list; takes no room while there are none, and
-/// scrolls when there are many.
+/// The downloads that run, wait or have broken off, below the storage list; takes no room while
+/// there are none, and scrolls when there are many.
 class DownloadList : public QScrollArea
 {
     Q_OBJECT

@@ -14,6 +14,7 @@
 #include <QFileInfo>
 #include <QPointer>
 #include <QStandardPaths>
+#include <QTextDocument>
 #include <QTimer>
 
 #include <algorithm>
@@ -41,12 +42,15 @@ void RecordingDownloads::ask(const QList<QListWidgetItem*>& rows)
     if (recordings.empty())
         return;
     const QPointer<RecordingDownloads> self(this);
-    const QString folder = chooseFolder();
+    QString folder = chooseFolder();
     if (!self || folder.isEmpty())
         return;
+    folder += QLatin1Char('/');
     for (auto& recording : recordings) {
-        if (!isListed(*recording))
-            add(std::move(recording), folder + QLatin1Char('/'));
+        if (const Job* job = findJob(*recording, folder))
+            resume(job->recording.get());
+        else
+            add(std::move(recording), folder);
     }
     startNext();
 }
@@ -71,12 +75,22 @@ QString RecordingDownloads::chooseFolder()
     return folder;
 }
 
-bool RecordingDownloads::isListed(const Item& recording) const
+void RecordingDownloads::showKept()
 {
-    return std::any_of(m_jobs.begin(), m_jobs.end(), [&recording](const Job& job) {
-        return job.recording->address() == recording.address() &&
-               job.recording->title() == recording.title();
-    });
+    const QVector<KeptPart> parts = PartFile::kept();
+    for (const KeptPart& part : parts) {
+        auto recording = Item::makeRecording(part.source.name, part.source.address);
+        recording->setMacAddress(part.source.mac);
+        Job& job = add(std::move(recording), part.folder);
+        job.state = State::Kept;
+        job.row->showKept();
+    }
+}
+
+int RecordingDownloads::unfinished() const
+{
+    return int(std::count_if(m_jobs.begin(), m_jobs.end(),
+                             [](const Job& job) { return job.state != State::Kept; }));
 }
 
 std::vector<RecordingDownloads::Job>::iterator RecordingDownloads::jobOf(const Item* recording)
@@ -85,26 +99,54 @@ std::vector<RecordingDownloads::Job>::iterator RecordingDownloads::jobOf(const I
                         [recording](const Job& own) { return own.recording.get() == recording; });
 }
 
-void RecordingDownloads::add(std::unique_ptr<Item> recording, const QString& folder)
+/// The job of the same recording that runs or waits, or could go on in this folder; else null.
+RecordingDownloads::Job* RecordingDownloads::findJob(const Item& recording, const QString& folder)
+{
+    const auto job = std::find_if(m_jobs.begin(), m_jobs.end(), [&](const Job& own) {
+        return own.recording->recordingSource().isSame(recording.recordingSource()) &&
+               (own.state != State::Kept || own.folder == folder);
+    });
+    return job == m_jobs.end() ? nullptr : &*job;
+}
+
+RecordingDownloads::Job& RecordingDownloads::add(std::unique_ptr<Item> recording,
+                                                 const QString& folder)
 {
     Item* item = recording.get();
     DownloadRow* row = m_view.addRow(item->title());
-    m_jobs.push_back({std::move(recording), folder, row, false});
+    row->setToolTip(Qt::mightBeRichText(folder) ? folder.toHtmlEscaped() : folder);
     connect(item, &Item::downloadProgressed, row, &DownloadRow::setProgress);
     connect(row, &DownloadRow::cancelled, item, [this, item] { cancel(item); });
+    connect(row, &DownloadRow::resumed, item, [this, item] { resume(item); });
     connect(item, &Item::downloadEnded, this,
             [this, item](const DownloadResult& result) { end(item, result); });
+    m_jobs.push_back({std::move(recording), folder, row, State::Waiting});
+    return m_jobs.back();
+}
+
+void RecordingDownloads::resume(const Item* recording)
+{
+    const auto job = jobOf(recording);
+    if (job == m_jobs.end() || job->state != State::Kept)
+        return;
+    // Boxes change their addresses, not who they are.
+    const QString mac = recording->macAddress();
+    if (const Item* box = mac.isEmpty() ? nullptr : m_hub.devices.model().find(mac))
+        job->recording->setAddress(box->address());
+    job->state = State::Waiting;
+    job->row->showWaiting();
+    startNext();
 }
 
 void RecordingDownloads::startNext()
 {
-    const auto running =
-        std::count_if(m_jobs.begin(), m_jobs.end(), [](const Job& job) { return job.runs; });
-    const auto next =
-        std::find_if(m_jobs.begin(), m_jobs.end(), [](const Job& job) { return !job.runs; });
+    const auto running = std::count_if(m_jobs.begin(), m_jobs.end(),
+                                       [](const Job& job) { return job.state == State::Running; });
+    const auto next = std::find_if(m_jobs.begin(), m_jobs.end(),
+                                   [](const Job& job) { return job.state == State::Waiting; });
     if (running >= MostAtOnce || next == m_jobs.end())
         return;
-    next->runs = true;
+    next->state = State::Running;
     next->row->setProgress({});
     // Not in this turn: a folder that is gone ends all of them at once.
     QTimer::singleShot(0, this, &RecordingDownloads::startNext);
@@ -116,10 +158,14 @@ void RecordingDownloads::startNext()
 void RecordingDownloads::cancel(Item* recording)
 {
     const auto job = jobOf(recording);
-    if (job != m_jobs.end() && !job->runs)
-        end(recording, {});
-    else
+    if (job == m_jobs.end())
+        return;
+    if (job->state == State::Running) {
         recording->cancelDownload();
+        return;
+    }
+    PartFile::removeKept(job->folder, recording->recordingSource());
+    end(recording, {});
 }
 
 bool RecordingDownloads::mayClose()
@@ -131,9 +177,9 @@ bool RecordingDownloads::mayClose()
     m_asksToClose = true;
     const QPointer<RecordingDownloads> self(this);
     const QString text =
-        tr("还有%1个录制文件没有下载完.\n已下载的部分会保留,再次下载到同一文件夹时继续.\n"
+        tr("还有%1个录制文件没有下载完.\n已开始的下载会保留,下次启动软件后可以继续.\n"
            "确认要关闭软件吗?")
-            .arg(m_jobs.size());
+            .arg(unfinished());
     const int answer = messageBox::ask(text, m_hub.window);
     if (self)
         m_asksToClose = false;
@@ -145,18 +191,27 @@ void RecordingDownloads::end(Item* recording, const DownloadResult& result)
     const auto job = jobOf(recording);
     if (job == m_jobs.end())
         return;
-    m_view.removeRow(job->row);
-    // It is the sender of the signal that brought us here.
-    job->recording.release()->deleteLater();
-    m_jobs.erase(job);
+    noteResult(*recording, result);
+    if (result.kept) {
+        job->state = State::Kept;
+        job->row->showKept();
+    } else {
+        m_view.removeRow(job->row);
+        // It is the sender of the signal that brought us here.
+        job->recording.release()->deleteLater();
+        m_jobs.erase(job);
+    }
     QTimer::singleShot(0, this, &RecordingDownloads::startNext);
+}
 
+void RecordingDownloads::noteResult(const Item& recording, const DownloadResult& result)
+{
     if (result.succeeded)
         m_completed << result.path;
-    m_isPartKept |= result.kept;
-    if (!result.succeeded && !result.reason.isEmpty())
+    else if (!result.reason.isEmpty())
         m_failed << BoxProtocol::fill(tr("文件[%1]下载失败: %2"),
-                                      {recording->title(), result.reason});
+                                      {recording.title(), result.reason});
+    m_isPartKept |= result.kept;
     QTimer::singleShot(0, this, &RecordingDownloads::tell);
 }
 
@@ -170,7 +225,7 @@ void RecordingDownloads::tell()
     while (self && (!m_failed.isEmpty() || !m_completed.isEmpty())) {
         if (!m_failed.isEmpty()) {
             if (m_isPartKept)
-                m_failed << tr("已下载的部分会保留,再次下载到同一文件夹时继续.");
+                m_failed << tr("已下载的部分会保留,可以继续下载.");
             m_isPartKept = false;
             const QString text = m_failed.join(QLatin1Char('\n'));
             m_failed.clear();

@@ -34,26 +34,37 @@ public:
     /// Asks where to save the recordings of `rows`, then downloads them. The question blocks,
     /// serving events.
     void ask(const QList<QListWidgetItem*>& rows);
-    bool isIdle() const { return m_jobs.empty(); }
+    /// Shows what earlier runs of the program have left unfinished.
+    void showKept();
+    /// Nothing runs or waits.
+    bool isIdle() const { return unfinished() == 0; }
     /// False when downloads run or wait and the operator does not want to break them off. Asking
     /// blocks, serving events.
     bool mayClose();
 
 private:
+    enum class State {
+        Waiting, ///< for its turn
+        Running,
+        Kept, ///< has broken off, and goes on when the operator wants it to
+    };
     struct Job {
         std::unique_ptr<Item> recording;
         QString folder;   ///< ends in "/"
         DownloadRow* row; ///< owned by the view
-        bool runs;        ///< else it waits for its turn
+        State state;
     };
 
     QString chooseFolder();
-    bool isListed(const Item& recording) const;
+    int unfinished() const;
     std::vector<Job>::iterator jobOf(const Item* recording);
-    void add(std::unique_ptr<Item> recording, const QString& folder);
+    Job* findJob(const Item& recording, const QString& folder);
+    Job& add(std::unique_ptr<Item> recording, const QString& folder);
+    void resume(const Item* recording);
     void startNext();
     void cancel(Item* recording);
     void end(Item* recording, const DownloadResult& result);
+    void noteResult(const Item& recording, const DownloadResult& result);
     void tell();
 
     const Hub m_hub;

@@ -3,7 +3,9 @@
 
 #include "common/box_protocol.h"
 #include "common/spark_http.h"
+#include "device/device_registry.h"
 #include "device/item.h"
+#include "device/tree_model.h"
 #include "media/ffmpeg_widget.h"
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
@@ -185,11 +187,14 @@ void Recordings::remove(const QList<QListWidgetItem*>& rows)
         if (const Item* recording = m_list.entryOf(row))
             keys.emplace_back(*recording);
     }
-    if (rows.isEmpty())
-        return;
     const QPointer<Recordings> self(this);
+    if (rows.isEmpty() || !isFree(m_listedIp) || !self)
+        return;
     const int answer = messageBox::ask(tr("确认要删除这些录制文件吗?"), m_hub.window);
     if (!self || answer != messageBox::Confirmed)
+        return;
+    // An upgrade may have begun while the question was open.
+    if (!keys.empty() && !isFree(keys.front().ip))
         return;
     const QSignalBlocker blocker(m_list);
     for (const RecordingKey& key : keys) {
@@ -202,6 +207,13 @@ void Recordings::remove(const QList<QListWidgetItem*>& rows)
         }
     }
     m_list.viewport()->update();
+}
+
+/// False, after a message, while an upgrade has the box at `ip`.
+bool Recordings::isFree(const QString& ip) const
+{
+    const Item* box = m_hub.devices.model().find(ip);
+    return !box || m_hub.isFree(*box);
 }
 
 /// The record waits for the box's answer after its row has gone.

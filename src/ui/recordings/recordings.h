@@ -66,6 +66,7 @@ private:
     void play(const Item& recording);
     void playUrl(const QString& url);
     void markPlaying(const QString& url);
+    bool isFree(const QString& ip) const;
     void startDelete(std::unique_ptr<Item> recording);
     void noteDeleted(Item* recording, bool succeeded);
     void tellFailedDeletes();

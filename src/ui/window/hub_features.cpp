@@ -125,6 +125,7 @@ void Tarn_Hub::Features::start()
     crashNotice->start(CrashHandler::instance().dumpFolder());
     localAddresses.refresh();
     upgrade.loadInterrupted();
+    downloads.showKept();
     devices->startSearch();
     devices->checkStates();
     frame.showNothingSelected();
