@@ -85,12 +85,6 @@ PartFile::PartFile(const QString& folder, RecordingSource source)
 {
 }
 
-PartFile::~PartFile()
-{
-    if (!m_part.isEmpty() && size() == 0)
-        discard();
-}
-
 qint64 PartFile::size() const
 {
     return QFileInfo(m_part).size();
@@ -156,6 +150,11 @@ bool PartFile::lock()
     return m_lock->tryLock(0);
 }
 
+bool PartFile::isWorthKeeping() const
+{
+    return m_length >= 0 && (size() > 0 || !QFileInfo::exists(m_part));
+}
+
 void PartFile::setLength(qint64 length)
 {
     m_length = length;
@@ -207,6 +206,14 @@ void PartFile::discard()
     forget();
     m_lock.reset();
     m_part.clear();
+}
+
+void PartFile::letGo()
+{
+    if (!m_part.isEmpty() && size() == 0 && !isWorthKeeping())
+        discard();
+    m_part.clear();
+    m_lock.reset();
 }
 
 void PartFile::forget()

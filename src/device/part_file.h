@@ -35,8 +35,7 @@ class PartFile
 public:
     /// `folder` ends in "/".
     PartFile(const QString& folder, RecordingSource source);
-    /// An empty part goes.
-    ~PartFile();
+    ~PartFile() { letGo(); }
 
     /// All that the records in the data folder tell of and nobody uses; whether the files are there
     /// is not looked at.
@@ -52,6 +51,8 @@ public:
     /// The name it will have, unless another file takes it meanwhile.
     QString path() const { return m_path; }
     qint64 size() const;
+    /// Something of the recording is there, or its disk is away for a moment.
+    bool isWorthKeeping() const;
 
     /// How long the whole recording is, as the box said when the part began; -1 while unknown.
     qint64 length() const { return m_length; }
@@ -66,6 +67,8 @@ public:
     bool giveName();
     /// Removes the part.
     void discard();
+    /// Ends the use of the part: another download may go on with it. An empty one goes.
+    void letGo();
 
 private:
     bool findKept();

@@ -71,6 +71,11 @@ void RecordingDownload::cancel()
 
 void RecordingDownload::attempt()
 {
+    // Its disk may have gone: what begins now would not be a part of it.
+    if (m_farthest > 0 && m_part.size() == 0 && m_part.isWorthKeeping()) {
+        fail(tr("无法写入文件"));
+        return;
+    }
     m_report = CurlReport();
     m_offset = m_part.size();
     m_changed = false;
@@ -222,10 +227,11 @@ void RecordingDownload::finish()
 void RecordingDownload::fail(const QString& reason)
 {
     const int status = m_report.httpStatus();
-    const bool isKept = m_part.length() >= 0 && m_part.size() > 0;
+    const bool isKept = m_part.isWorthKeeping();
     // The server's excuse, or half a file that nothing could go on with. Data that came with an
     // answer nobody understood stays: it may be all of it.
     if (!isKept && status != 0)
         m_part.discard();
+    m_part.letGo();
     emit ended({false, m_part.path(), reason, isKept});
 }
