@@ -59,6 +59,77 @@
     </message>
   </context>
   <context>
+    <name>BoxUpgrade</name>
+    <message>
+      <source>开始上传固件(%1)</source>
+      <translation>Starting firmware upload (%1)</translation>
+    </message>
+    <message>
+      <source>上传固件 成功</source>
+      <translation>Firmware uploaded</translation>
+    </message>
+    <message>
+      <source>上传固件 失败 原因 : </source>
+      <translation>Firmware upload failed, reason: </translation>
+    </message>
+    <message>
+      <source>重新开始上传固件(%1)</source>
+      <translation>Restarting firmware upload (%1)</translation>
+    </message>
+    <message>
+      <source>开始更新固件</source>
+      <translation>Starting firmware update</translation>
+    </message>
+    <message>
+      <source>更新固件 未知</source>
+      <translation>Firmware update: result unknown</translation>
+    </message>
+    <message>
+      <source>更新固件 成功</source>
+      <translation>Firmware updated</translation>
+    </message>
+    <message>
+      <source>设备没有回应,未升级</source>
+      <translation>The device did not answer and was not upgraded</translation>
+    </message>
+    <message>
+      <source>网络中有两台设备的MAC地址相同,无法保留设置,未升级</source>
+      <translation>Two devices on the network have the same MAC address: settings cannot be kept, not upgraded</translation>
+    </message>
+    <message>
+      <source>此地址上现在是另一台设备(%1),未升级</source>
+      <translation>Another device (%1) is at this address now, not upgraded</translation>
+    </message>
+    <message>
+      <source>此MAC地址的另一台设备正在升级,未升级</source>
+      <translation>Another device with this MAC address is being upgraded, this one was not</translation>
+    </message>
+    <message>
+      <source>网络中有两台设备的MAC地址相同,未升级</source>
+      <translation>Two devices on the network have the same MAC address, not upgraded</translation>
+    </message>
+    <message>
+      <source>设备没有MAC地址,无法保留设置,未升级</source>
+      <translation>The device has no MAC address: settings cannot be kept, not upgraded</translation>
+    </message>
+    <message>
+      <source>正在读取设置</source>
+      <translation>Reading the settings</translation>
+    </message>
+    <message>
+      <source>设置未能完整读取,未升级</source>
+      <translation>The settings could not be read completely, not upgraded</translation>
+    </message>
+    <message>
+      <source>升级记录无法写入磁盘,未升级</source>
+      <translation>The upgrade record cannot be written to disk, not upgraded</translation>
+    </message>
+    <message>
+      <source>恢复设置后重启,未再回应</source>
+      <translation>Restarted after its settings were restored and did not answer again</translation>
+    </message>
+  </context>
+  <context>
     <name>ConfigurationArea</name>
     <message>
       <source>配置区域:</source>
@@ -482,37 +553,6 @@
     </message>
   </context>
   <context>
-    <name>Item</name>
-    <message>
-      <source>开始上传固件(%1)</source>
-      <translation>Starting firmware upload (%1)</translation>
-    </message>
-    <message>
-      <source>上传固件 失败 原因 : </source>
-      <translation>Firmware upload failed, reason: </translation>
-    </message>
-    <message>
-      <source>上传固件 成功</source>
-      <translation>Firmware uploaded</translation>
-    </message>
-    <message>
-      <source>开始更新固件</source>
-      <translation>Starting firmware update</translation>
-    </message>
-    <message>
-      <source>更新固件 未知</source>
-      <translation>Firmware update: result unknown</translation>
-    </message>
-    <message>
-      <source>更新固件 成功</source>
-      <translation>Firmware updated</translation>
-    </message>
-    <message>
-      <source>重新开始上传固件(%1)</source>
-      <translation>Restarting firmware upload (%1)</translation>
-    </message>
-  </context>
-  <context>
     <name>ListWidget</name>
     <message>
       <source>下载</source>
@@ -926,6 +966,10 @@ Close the program?</translation>
       <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
       <translation>The last upgrade was interrupted while %1 KORA boxes were under way. Please see the upgrade report.</translation>
     </message>
+    <message>
+      <source>还有%1个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复.是否关闭?</source>
+      <translation>The settings of %1 KORA are still waiting to be restored. If you close now, you will be asked about them at the next start. Close?</translation>
+    </message>
   </context>
   <context>
     <name>UpgradeReport</name>
@@ -1054,8 +1098,32 @@ Close the program?</translation>
       <translation>Interrupted during its upload</translation>
     </message>
     <message>
-      <source>中断时已开始更新固件</source>
-      <translation>Interrupted after its update had begun</translation>
+      <source>网络中有两台设备的MAC地址相同,无法证实</source>
+      <translation>Two devices on the network have the same MAC address: cannot be proved</translation>
+    </message>
+    <message>
+      <source>升级前版本未知,无法证实</source>
+      <translation>The version before is not known: cannot be proved</translation>
+    </message>
+    <message>
+      <source>版本退回到更旧的版本</source>
+      <translation>The device fell back to an older version</translation>
+    </message>
+    <message>
+      <source>版本与固件包不符</source>
+      <translation>The version is not that of the package</translation>
+    </message>
+    <message>
+      <source>未改动,无需恢复</source>
+      <translation>Unchanged, nothing to restore</translation>
+    </message>
+    <message>
+      <source>由之后的升级恢复</source>
+      <translation>Restored by a later upgrade</translation>
+    </message>
+    <message>
+      <source>MAC地址重复,未恢复</source>
+      <translation>MAC address not unique, not restored</translation>
     </message>
   </context>
   <context>

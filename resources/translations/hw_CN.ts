@@ -59,6 +59,77 @@
     </message>
   </context>
   <context>
+    <name>BoxUpgrade</name>
+    <message>
+      <source>开始上传固件(%1)</source>
+      <translation>펌웨어 업로드 시작(%1)</translation>
+    </message>
+    <message>
+      <source>上传固件 成功</source>
+      <translation>펌웨어 업로드 성공</translation>
+    </message>
+    <message>
+      <source>上传固件 失败 原因 : </source>
+      <translation>펌웨어 업로드 실패, 원인: </translation>
+    </message>
+    <message>
+      <source>重新开始上传固件(%1)</source>
+      <translation>펌웨어 업로드 다시 시작(%1)</translation>
+    </message>
+    <message>
+      <source>开始更新固件</source>
+      <translation>펌웨어 업데이트 시작</translation>
+    </message>
+    <message>
+      <source>更新固件 未知</source>
+      <translation>펌웨어 업데이트 결과 알 수 없음</translation>
+    </message>
+    <message>
+      <source>更新固件 成功</source>
+      <translation>펌웨어 업데이트 성공</translation>
+    </message>
+    <message>
+      <source>设备没有回应,未升级</source>
+      <translation>장치가 응답하지 않아 업그레이드하지 않았습니다</translation>
+    </message>
+    <message>
+      <source>网络中有两台设备的MAC地址相同,无法保留设置,未升级</source>
+      <translation>네트워크에 MAC 주소가 같은 장치가 두 대 있어 설정을 보존할 수 없으므로 업그레이드하지 않았습니다</translation>
+    </message>
+    <message>
+      <source>此地址上现在是另一台设备(%1),未升级</source>
+      <translation>이 주소에 이제 다른 장치(%1)가 있어 업그레이드하지 않았습니다</translation>
+    </message>
+    <message>
+      <source>此MAC地址的另一台设备正在升级,未升级</source>
+      <translation>이 MAC 주소의 다른 장치를 업그레이드하는 중이므로 업그레이드하지 않았습니다</translation>
+    </message>
+    <message>
+      <source>网络中有两台设备的MAC地址相同,未升级</source>
+      <translation>네트워크에 MAC 주소가 같은 장치가 두 대 있어 업그레이드하지 않았습니다</translation>
+    </message>
+    <message>
+      <source>设备没有MAC地址,无法保留设置,未升级</source>
+      <translation>장치에 MAC 주소가 없어 설정을 보존할 수 없으므로 업그레이드하지 않았습니다</translation>
+    </message>
+    <message>
+      <source>正在读取设置</source>
+      <translation>설정을 읽는 중</translation>
+    </message>
+    <message>
+      <source>设置未能完整读取,未升级</source>
+      <translation>설정을 모두 읽지 못하여 업그레이드하지 않았습니다</translation>
+    </message>
+    <message>
+      <source>升级记录无法写入磁盘,未升级</source>
+      <translation>업그레이드 기록을 디스크에 쓸 수 없어 업그레이드하지 않았습니다</translation>
+    </message>
+    <message>
+      <source>恢复设置后重启,未再回应</source>
+      <translation>설정 복원 후 다시 시작했으나 더 이상 응답하지 않습니다</translation>
+    </message>
+  </context>
+  <context>
     <name>ConfigurationArea</name>
     <message>
       <source>配置区域:</source>
@@ -482,37 +553,6 @@
     </message>
   </context>
   <context>
-    <name>Item</name>
-    <message>
-      <source>开始上传固件(%1)</source>
-      <translation>펌웨어 업로드 시작(%1)</translation>
-    </message>
-    <message>
-      <source>上传固件 失败 原因 : </source>
-      <translation>펌웨어 업로드 실패, 원인: </translation>
-    </message>
-    <message>
-      <source>上传固件 成功</source>
-      <translation>펌웨어 업로드 성공</translation>
-    </message>
-    <message>
-      <source>开始更新固件</source>
-      <translation>펌웨어 업데이트 시작</translation>
-    </message>
-    <message>
-      <source>更新固件 未知</source>
-      <translation>펌웨어 업데이트 결과 알 수 없음</translation>
-    </message>
-    <message>
-      <source>更新固件 成功</source>
-      <translation>펌웨어 업데이트 성공</translation>
-    </message>
-    <message>
-      <source>重新开始上传固件(%1)</source>
-      <translation>펌웨어 업로드 다시 시작(%1)</translation>
-    </message>
-  </context>
-  <context>
     <name>ListWidget</name>
     <message>
       <source>下载</source>
@@ -926,6 +966,10 @@
       <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
       <translation>지난 업그레이드가 중단되었습니다. 당시 KORA %1개를 업그레이드하는 중이었습니다. 업그레이드 보고서를 확인하세요.</translation>
     </message>
+    <message>
+      <source>还有%1个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复.是否关闭?</source>
+      <translation>KORA %1대의 설정이 아직 복원을 기다리고 있습니다. 지금 닫으면 다음에 시작할 때 복원 여부를 묻습니다. 닫으시겠습니까?</translation>
+    </message>
   </context>
   <context>
     <name>UpgradeReport</name>
@@ -1054,8 +1098,32 @@
       <translation>업로드 중에 중단됨</translation>
     </message>
     <message>
-      <source>中断时已开始更新固件</source>
-      <translation>업데이트 시작 후에 중단됨</translation>
+      <source>网络中有两台设备的MAC地址相同,无法证实</source>
+      <translation>네트워크에 MAC 주소가 같은 장치가 두 대 있어 확인할 수 없음</translation>
+    </message>
+    <message>
+      <source>升级前版本未知,无法证实</source>
+      <translation>업그레이드 전 버전을 알 수 없어 확인할 수 없음</translation>
+    </message>
+    <message>
+      <source>版本退回到更旧的版本</source>
+      <translation>더 오래된 버전으로 되돌아감</translation>
+    </message>
+    <message>
+      <source>版本与固件包不符</source>
+      <translation>버전이 펌웨어 패키지와 다름</translation>
+    </message>
+    <message>
+      <source>未改动,无需恢复</source>
+      <translation>변경되지 않음, 복원 불필요</translation>
+    </message>
+    <message>
+      <source>由之后的升级恢复</source>
+      <translation>이후 업그레이드에서 복원</translation>
+    </message>
+    <message>
+      <source>MAC地址重复,未恢复</source>
+      <translation>MAC 주소 중복, 복원되지 않음</translation>
     </message>
   </context>
   <context>

@@ -87,6 +87,11 @@ bool isMacAddress(const QString& text)
     return pattern.match(text).hasMatch();
 }
 
+bool isSameMac(const QString& a, const QString& b)
+{
+    return !a.isEmpty() && a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
 QString fill(const QString& text, const QStringList& values)
 {
     return replaceNumbers(text, values.size(), [&](int n, bool) { return values.at(n); });

@@ -66,6 +66,9 @@ bool isIpv4Address(const QString& text);
 /// become a box's MAC address: boxes are looked up, and properties named, by it.
 bool isMacAddress(const QString& text);
 
+/// True when both name the same box; nothing names none.
+bool isSameMac(const QString& a, const QString& b);
+
 /// Puts `values` in place of %1 to %9 in one pass: a value that itself holds "%2" stays as it is.
 QString fill(const QString& text, const QStringList& values);
 

@@ -67,8 +67,6 @@ public:
         m_turn.stop();
     }
 
-    bool isBusy() const { return m_starting || !m_waiting.isEmpty(); }
-
 private:
     struct Waiting {
         QPointer<QProcess> process;
@@ -156,11 +154,6 @@ void CommandRunner::execCurl(const QString& ip, const QString& command,
     m_wire(process);
     releaseWhenEnded(process);
     startQueue().add(process, command);
-}
-
-bool CommandRunner::isStarting()
-{
-    return startQueue().isBusy();
 }
 
 void CommandRunner::stop(QProcess* process)

@@ -48,9 +48,6 @@ public:
     /// afterwards.
     QString execCurlWait(const QString& ip, const QString& command);
 
-    /// Whether a command still waits for its start: what is not urgent lets it go first.
-    static bool isStarting();
-
     /// Ends `process`, one of execCurl(), also while it still waits for its start: then it ends
     /// before it does anything.
     static void stop(QProcess* process);

@@ -26,11 +26,17 @@ QString HttpResult::typeOf(const QVariantMap& map)
 
 HttpResult HttpResult::fromMap(const QVariantMap& map)
 {
-    HttpResult result;
+    HttpResult result = fromBody(map.value(bodyKey).toString());
     result.type = typeOf(map);
     result.id = map.value(idKey).toString();
     result.deviceIp = map.value(deviceIpKey).toString();
-    result.body = map.value(bodyKey).toString();
+    return result;
+}
+
+HttpResult HttpResult::fromBody(const QString& body)
+{
+    HttpResult result;
+    result.body = body;
     const QVariantMap reply = jsonToMap(result.body);
     result.parameterName = reply.value(QStringLiteral("param_name")).toString();
     result.value = reply.value(QStringLiteral("value"));

@@ -21,6 +21,8 @@ struct HttpResult {
     static QVariantMap toMap(const QString& type, const QString& id, const QString& deviceIp,
                              const QString& body);
     static HttpResult fromMap(const QVariantMap& map);
+    /// The reply to a read alone; `type`, `id` and `deviceIp` stay empty.
+    static HttpResult fromBody(const QString& body);
     /// The routing word alone, without decoding the body.
     static QString typeOf(const QVariantMap& map);
 };

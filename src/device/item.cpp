@@ -49,9 +49,6 @@ Item::Item(Item* parentItem)
         connect(process, &QProcess::readyReadStandardOutput, this,
                 &Item::R_readyReadStandardOutput);
         connect(process, &QProcess::stateChanged, this, &Item::R_stateChanged);
-        const QString type = process->property("exectype").toString();
-        if (type == QLatin1String("upgrade_ota_file"))
-            m_upload = process;
     })
 {
     setDefaults();

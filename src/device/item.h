@@ -12,6 +12,15 @@
 
 #include <memory>
 
+/// What a row shows of the upgrade of its box.
+struct ItemUpgrade {
+    bool upgrading;
+    bool timedOut;
+    bool succeeded;
+    bool uploaded;
+    int secondsLeft; ///< of the allowance
+};
+
 /// One row of the device tree: the root, a group, a box or a line of information; and one entry of
 /// the storage list. What the tree, the window and an upgrade know of it lives in named dynamic
 /// properties, so that all read one record; their names stand behind the readers and writers here
@@ -108,33 +117,20 @@ public:
     /// An upgrade has this box, until its story ends: nobody else may write to it or restart it.
     bool isOwned() const { return m_owned || isUpgrading(); }
     void setOwned(bool owned) { m_owned = owned; }
-    /// The upload was refused or the time has run out; a later try may still succeed.
+    /// The upload was refused, the box was left alone, or the time has run out; of these the first
+    /// may still succeed.
     bool hasTimedOut() const;
     bool hasSucceeded() const;
     /// The box has the whole package.
     bool isUploaded() const;
     /// What is left of the allowance, in its seconds.
     int secondsLeft() const;
-    /// One of its seconds has passed: one less is left, or, when none was, it has timed out. False
-    /// when the box is not under way, so that nothing changed.
-    bool countDown();
     /// Progress messages, oldest first.
     QStringList tips() const;
-    /// Why the last upload failed, as the box put it; empty when none did.
-    QString uploadProblem() const { return m_uploadProblem; }
 
+    void showUpgrade(const ItemUpgrade& state);
     /// Adds a line to the upgrade's progress messages; the oldest of 200 are dropped.
     void addTip(const QString& text);
-    /// Marks the box as taken by an upgrade that is being prepared: nothing is sent yet. An upload
-    /// of an earlier upgrade that still runs is given up.
-    void reserveForUpgrade();
-    /// Uploads the package `file` and activates it; `md5` is its digest in lower-case hex.
-    void startUpgrade(const QString& file, const QString& md5);
-    /// Takes the box out of its upgrade. An upload that still runs is given up, so that no package
-    /// arrives that nobody would activate; an activation is left alone.
-    void endUpgrade();
-    /// The box came back from its upgrade, wherever it is now.
-    void markActivated();
 
     // --- a recording ---------------------------------------------------------------------------
 
@@ -166,8 +162,6 @@ signals:
     void deleteEnded(bool succeeded);
     void downloadProgressed(const DownloadProgress& progress);
     void downloadEnded(const DownloadResult& result);
-    /// The upgrade of this box has taken or missed a step.
-    void upgradeChanged();
 
 protected:
     bool event(QEvent* event) override;
@@ -181,9 +175,6 @@ private:
     void setSucceeded(bool succeeded);
     void setUploaded(bool uploaded);
     void setActivated(bool activated);
-    void upload(const QString& file, const QString& md5);
-    void handleUploadReply(const QProcess& process, const QString& reply);
-    void handleActivationReply(const QString& reply);
 
     Item* m_parentItem;
     QVector<Item*> m_children;
@@ -193,10 +184,6 @@ private:
     QString m_macAddress;
     CommandRunner m_runner;
     std::unique_ptr<RecordingDownload> m_download;
-    /// Number of the latest upgrade: what an earlier one still reports is not heard.
-    int m_upgradeRun = 0;
-    QPointer<QProcess> m_upload;
-    QString m_uploadProblem;
     int m_place = 0;
     bool m_owned = false;
 };

@@ -1,76 +1,26 @@
 // SPDX-License-Identifier: MIT
-// The commands that an item runs for its box: upgrade, download, deletion.
+// What a row shows of an upgrade; the commands that an item runs for its box: download, deletion.
 #include "device/item.h"
 
 #include "common/box_protocol.h"
 #include "common/box_reply.h"
 
-#include <QFileInfo>
-#include <QTimer>
-
 namespace
 {
 
-/// The pause before an upload that was refused is tried again, in milliseconds: a box that refuses
-/// at once must not keep the computer busy.
-constexpr int uploadRetryPauseMs = 400;
-
-/// What is shown of a reply that is none; the log has all of it.
-constexpr int longestReason = 400;
-
 // What a command is for, kept with it.
-const QString uploadKind = QStringLiteral("upgrade_ota_file");
-const QString activationKind = QStringLiteral("upgrade_ota");
 const QString deletionKind = QStringLiteral("record_del");
 
 } // namespace
 
-void Item::reserveForUpgrade()
+void Item::showUpgrade(const ItemUpgrade& state)
 {
-    endUpgrade();
-    setUpgrading(true);
-    setTimedOut(false);
-    setSucceeded(false);
-    setSecondsLeft(UpgradeAllowance);
-    setUploaded(false);
-    setActivated(false);
-    m_uploadProblem.clear();
-}
-
-void Item::startUpgrade(const QString& file, const QString& md5)
-{
-    reserveForUpgrade();
-    addTip(tr("开始上传固件(%1)").arg(QFileInfo(file).fileName()));
-    upload(file, md5);
-    emit upgradeChanged();
-}
-
-bool Item::countDown()
-{
-    if (!isUpgrading() || hasSucceeded())
-        return false;
-    const int left = secondsLeft();
-    if (left < 1)
-        setTimedOut(true);
-    else
-        setSecondsLeft(left - 1);
-    return true;
-}
-
-void Item::endUpgrade()
-{
-    ++m_upgradeRun;
-    setUpgrading(false);
-    if (m_upload)
-        CommandRunner::stop(m_upload);
-}
-
-void Item::upload(const QString& file, const QString& md5)
-{
-    execCurl(BoxProtocol::uploadCommand(file, address()), {{QStringLiteral("exectype"), uploadKind},
-                                                           {QStringLiteral("ota_file"), file},
-                                                           {QStringLiteral("md5"), md5},
-                                                           {QStringLiteral("run"), m_upgradeRun}});
+    setUpgrading(state.upgrading);
+    setTimedOut(state.timedOut);
+    setSucceeded(state.succeeded);
+    setUploaded(state.uploaded);
+    setActivated(state.succeeded);
+    setSecondsLeft(state.secondsLeft);
 }
 
 void Item::execCurl(const QString& str, const QVariantMap& map)
@@ -85,58 +35,8 @@ void Item::R_readyReadStandardOutput()
         return;
     const QString type = process->property("exectype").toString();
     const QString reply = m_runner.takeReply(process);
-    if (type == uploadKind) {
-        if (process->property("run").toInt() == m_upgradeRun)
-            handleUploadReply(*process, reply);
-    } else if (type == activationKind) {
-        if (process->property("run").toInt() == m_upgradeRun)
-            handleActivationReply(reply);
-    } else if (type == deletionKind) {
+    if (type == deletionKind)
         process->setProperty("deleted", BoxReply(reply).isSuccess());
-    }
-}
-
-void Item::handleUploadReply(const QProcess& process, const QString& reply)
-{
-    const BoxReply answer(reply);
-    if (!answer.isSuccess() || answer.field("file_md5") != process.property("md5").toString()) {
-        const QString tip = tr("上传固件 失败 原因 : ") + reply.left(longestReason);
-        addTip(tip);
-        m_uploadProblem = tip;
-        setTimedOut(true);
-        emit upgradeChanged();
-        return;
-    }
-    if (isUploaded())
-        return;
-    setUploaded(true);
-    // A try that failed before has been made good.
-    setTimedOut(false);
-    addTip(tr("上传固件 成功"));
-    addTip(tr("开始更新固件"));
-    execCurl(BoxProtocol::otaCommand(address()),
-             {{QStringLiteral("exectype"), activationKind}, {QStringLiteral("run"), m_upgradeRun}});
-    emit upgradeChanged();
-}
-
-void Item::handleActivationReply(const QString& reply)
-{
-    if (BoxReply(reply).isSuccess())
-        markActivated();
-    else
-        addTip(tr("更新固件 未知"));
-}
-
-void Item::markActivated()
-{
-    setActivated(true);
-    if (hasSucceeded())
-        return;
-    addTip(tr("更新固件 成功"));
-    setSucceeded(true);
-    // Counted once, as one or the other, or the batch would never end.
-    setTimedOut(false);
-    emit upgradeChanged();
 }
 
 void Item::R_stateChanged(QProcess::ProcessState state)
@@ -146,23 +46,8 @@ void Item::R_stateChanged(QProcess::ProcessState state)
         return;
     m_runner.noteEnd(process);
     const QString type = process->property("exectype").toString();
-    if (type == deletionKind) {
+    if (type == deletionKind)
         emit deleteEnded(process->property("deleted").toBool());
-    } else if (type == activationKind && process->property("run").toInt() == m_upgradeRun) {
-        // The box restarts to apply the firmware, so that its reply often never arrives.
-        markActivated();
-    } else if (type == uploadKind && process->property("run").toInt() == m_upgradeRun &&
-               !isUploaded()) {
-        const QString file = process->property("ota_file").toString();
-        const QString md5 = process->property("md5").toString();
-        QTimer::singleShot(uploadRetryPauseMs, this, [this, file, md5, run = m_upgradeRun] {
-            // The batch may have ended meanwhile.
-            if (run != m_upgradeRun || !isUpgrading())
-                return;
-            addTip(tr("重新开始上传固件(%1)").arg(QFileInfo(file).fileName()));
-            upload(file, md5);
-        });
-    }
 }
 
 void Item::record_del()

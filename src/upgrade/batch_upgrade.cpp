@@ -5,20 +5,29 @@
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
-#include "upgrade/configuration_snapshot.h"
-#include "upgrade/upgrade_report.h"
+#include "upgrade/upgrade_judgement.h"
+#include "upgrade/upgrade_rows.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
 
-BatchUpgrade::BatchUpgrade(DeviceRegistry& devices, UpgradeCountdown& countdown,
-                           ConfigurationSnapshot& snapshot, UpgradeReport& report)
-    : QObject(nullptr)
-    , m_devices(devices)
-    , m_countdown(countdown)
-    , m_snapshot(snapshot)
-    , m_report(report)
+namespace
+{
+
+/// Something is to be seen of the bar from the start.
+constexpr int firstProgress = 30;
+
+/// As the rows show boxes whose package is still being read, and those that are not upgraded.
+constexpr ItemUpgrade taken{true, false, false, false, Item::UpgradeAllowance};
+constexpr ItemUpgrade released{false, false, false, false, Item::UpgradeAllowance};
+
+static_assert(Item::UpgradeAllowance == BoxUpgrade::AllowanceTicks, "one allowance");
+
+} // namespace
+
+BatchUpgrade::BatchUpgrade(DeviceRegistry& devices, UpgradeFleet& fleet, UpgradeRows& rows)
+    : QObject(nullptr), m_devices(devices), m_fleet(fleet), m_rows(rows)
 {
 }
 
@@ -28,8 +37,7 @@ QList<Item*> BatchUpgrade::idleOf(const QList<Item*>& boxes)
 {
     QList<Item*> idle;
     for (Item* box : boxes) {
-        const bool busy = box->isUpgrading() && !box->hasTimedOut();
-        if (box->isKora() && !busy)
+        if (box->isKora() && !box->isOwned())
             idle << box;
     }
     return idle;
@@ -42,9 +50,10 @@ void BatchUpgrade::start(const QList<QPointer<Item>>& boxes, const QString& file
     Pending pending;
     pending.keep = keep;
     for (const QPointer<Item>& box : boxes) {
-        if (!box)
+        // Looked at again: while the question was open an upgrade may have taken it.
+        if (!box || box->isOwned())
             continue;
-        box->reserveForUpgrade();
+        box->showUpgrade(taken);
         box->addTip(tr("正在计算固件校验值"));
         pending.boxes << box;
     }
@@ -67,40 +76,53 @@ void BatchUpgrade::digestReady(const PackageDigest* digest)
     });
     const Pending pending = std::move(*found);
     m_pending.erase(found);
-    const QString file = digest->path();
-    const QString md5 = digest->md5();
-    if (md5.isEmpty()) {
-        giveUp(pending);
+    if (!digest->md5().isEmpty()) {
+        begin(pending, digest->path(), digest->md5());
         return;
     }
-    m_report.begin(QFileInfo(file).fileName(), md5);
-    for (const QPointer<Item>& box : pending.boxes) {
-        if (!box)
-            continue;
-        m_report.addBox(box, pending.keep);
-        m_snapshot.take(box->macAddress(), box->address(), pending.keep, [box, file, md5] {
-            if (box && box->isUpgrading())
-                box->startUpgrade(file, md5);
-        });
-    }
-    m_countdown.addBatch();
-    emit started(m_countdown.counts());
-}
-
-/// The package cannot be read: nothing has been sent to any box, and nothing will be.
-void BatchUpgrade::giveUp(const Pending& pending)
-{
+    // Nothing has been sent to any box, and nothing will be.
     for (const QPointer<Item>& box : pending.boxes) {
         if (box)
-            box->endUpgrade();
+            box->showUpgrade(released);
     }
     emit packageUnreadable();
 }
 
+void BatchUpgrade::begin(const Pending& pending, const QString& file, const QString& md5)
+{
+    const QString version = UpgradeJudgement::versionIn(QFileInfo(file).completeBaseName());
+    m_fleet.begin({file, md5, version});
+    for (const QPointer<Item>& box : pending.boxes) {
+        if (box)
+            m_rows.bind(m_fleet.add(box->address(), box->macAddress(), pending.keep), *box);
+    }
+    addAllowance();
+    emit started(counts());
+}
+
+void BatchUpgrade::addAllowance()
+{
+    m_maximum = (m_running ? m_maximum : 0) + BoxUpgrade::AllowanceTicks;
+    if (!m_running)
+        m_progress = firstProgress;
+    m_running = true;
+}
+
+UpgradeCounts BatchUpgrade::counts() const
+{
+    UpgradeCounts counts = m_fleet.counts();
+    for (const Pending& pending : m_pending)
+        counts.upgrading += int(std::count_if(pending.boxes.begin(), pending.boxes.end(),
+                                              [](const auto& b) { return b; }));
+    return counts;
+}
+
 void BatchUpgrade::tick()
 {
-    m_countdown.tick();
-    const UpgradeCounts counts = m_countdown.counts();
+    m_fleet.countDown();
+    m_devices.model().announceLayout();
+    m_progress = qMin(m_progress + 1, m_maximum);
+    const UpgradeCounts counts = this->counts();
     if (counts.allEnded() && !m_held)
         finish(counts);
     else
@@ -109,26 +131,10 @@ void BatchUpgrade::tick()
 
 void BatchUpgrade::finish(const UpgradeCounts& counts)
 {
-    m_countdown.stop();
-    m_report.batchEnded();
-    const QList<Item*> items = m_devices.model().items();
-    for (Item* item : items) {
-        if (item->isUpgrading())
-            item->endUpgrade();
-    }
+    m_running = false;
+    m_fleet.endBatch();
     m_devices.forgetIdleDevices();
     emit ended(counts);
-}
-
-void BatchUpgrade::macHeard(const QString& ip, const QString& mac)
-{
-    const QList<Item*> items = m_devices.model().items();
-    for (Item* item : items) {
-        // Before the package has arrived a new address means something else than success.
-        if (item->macAddress() == mac && item->address() != ip && item->isUpgrading() &&
-            item->isUploaded())
-            item->markActivated();
-    }
 }
 
 QString BatchUpgrade::statusText(const UpgradeCounts& counts)

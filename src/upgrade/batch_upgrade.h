@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "upgrade/upgrade_countdown.h"
+#include "upgrade/upgrade_fleet.h"
 
 #include <QList>
 #include <QObject>
@@ -10,67 +10,74 @@
 #include <memory>
 #include <vector>
 
-class ConfigurationSnapshot;
 class DeviceRegistry;
 class Item;
 class PackageDigest;
-class UpgradeReport;
+class UpgradeRows;
 
-/// Upgrades boxes with one firmware package and supervises them, once a second, until each has
-/// succeeded or run out of time. A batch that is started while one runs joins it.
+/// Upgrades the boxes of the list in batches: starts them once the package's digest is known,
+/// counts them, and ends when each has been told to change over or was given up.
 class BatchUpgrade : public QObject
 {
     Q_OBJECT
 
 public:
-    BatchUpgrade(DeviceRegistry& devices, UpgradeCountdown& countdown,
-                 ConfigurationSnapshot& snapshot, UpgradeReport& report);
+    /// All of them outlive this object.
+    BatchUpgrade(DeviceRegistry& devices, UpgradeFleet& fleet, UpgradeRows& rows);
     ~BatchUpgrade() override;
 
-    /// Those of `boxes` that can be upgraded now: a box is upgraded once at a time; one that has
-    /// failed may be tried again.
+    /// Those of `boxes` that may be upgraded: KORA boxes that no upgrade has.
     static QList<Item*> idleOf(const QList<Item*>& boxes);
-    /// Upgrades `boxes` with the package `file`; with `keep` their settings are read first.
-    void start(const QList<QPointer<Item>>& boxes, const QString& file, bool keep);
-    /// While it is held a batch does not end: a question about its boxes is open.
-    void setHeld(bool held) { m_held = held; }
-    /// One second has passed.
-    void tick();
-    /// The box at `ip` has told its MAC address: it may be one that came back elsewhere.
-    void macHeard(const QString& ip, const QString& mac);
 
-    /// What the operator reads while boxes are under way.
+    /// Upgrades those of `boxes` that are still there and idle with the package `file`. With `keep`
+    /// their settings are read before and written back afterwards.
+    void start(const QList<QPointer<Item>>& boxes, const QString& file, bool keep);
+
+    /// One of the upgrade's seconds has passed.
+    void tick();
+
+    /// While a question about boxes of the list is open no batch ends, so that they stay in it.
+    void setHeld(bool held) { m_held = held; }
+
+    /// Those whose package is still being read included.
+    UpgradeCounts counts() const;
+
+    /// For a progress bar: seconds since the first batch, and what all of them are allowed.
+    int progress() const { return m_progress; }
+    int maximum() const { return m_maximum; }
+
+    /// What the operator is told while boxes are under way, and when all have ended.
     static QString statusText(const UpgradeCounts& counts);
-    /// What the operator reads when no box is under way any more.
     static QString endText(const UpgradeCounts& counts);
 
 signals:
-    /// Boxes count as being upgraded from now on; nothing has been sent to them yet.
+    /// Boxes have been taken; their package is being read.
     void prepared();
-    /// The package of prepared boxes cannot be read: they are not upgraded.
+    /// It could not be read: nothing was sent, and nothing will be.
     void packageUnreadable();
-    /// Boxes are told; from now on tick() is to be called.
     void started(const UpgradeCounts& counts);
-    /// A second has passed, and boxes are still under way.
     void ticked(const UpgradeCounts& counts);
-    /// No box is under way any more; tick() is not needed until the next start.
     void ended(const UpgradeCounts& counts);
 
 private:
-    /// Boxes that wait for the digest of their package.
+    /// A batch whose package is being read.
     struct Pending {
-        std::unique_ptr<PackageDigest> digest;
         QList<QPointer<Item>> boxes;
         bool keep = false;
+        std::unique_ptr<PackageDigest> digest;
     };
+
     void digestReady(const PackageDigest* digest);
-    void giveUp(const Pending& pending);
+    void begin(const Pending& pending, const QString& file, const QString& md5);
+    void addAllowance();
     void finish(const UpgradeCounts& counts);
 
     DeviceRegistry& m_devices;
-    UpgradeCountdown& m_countdown;
-    ConfigurationSnapshot& m_snapshot;
-    UpgradeReport& m_report;
-    bool m_held = false;
+    UpgradeFleet& m_fleet;
+    UpgradeRows& m_rows;
     std::vector<Pending> m_pending;
+    bool m_held = false;
+    bool m_running = false;
+    int m_progress = 0;
+    int m_maximum = 0;
 };

@@ -16,34 +16,34 @@ constexpr int stalestDays = 7;
 
 QString stageNote(Stage stage)
 {
-    switch (stage) {
-    case Stage::Preparing:
-        return QCoreApplication::translate("UpgradeReport", "中断时尚未开始上传");
-    case Stage::Uploading:
-        return QCoreApplication::translate("UpgradeReport", "中断时正在上传");
-    default:
-        return QCoreApplication::translate("UpgradeReport", "中断时已开始更新固件");
-    }
+    return stage == Stage::Preparing
+               ? QCoreApplication::translate("UpgradeReport", "中断时尚未开始上传")
+               : QCoreApplication::translate("UpgradeReport", "中断时正在上传");
 }
 
 } // namespace
 
-InterruptedBatch markInterrupted(UpgradeSession& session, const QDateTime& now)
+int markInterrupted(UpgradeSession& session, const QDateTime& now)
 {
-    InterruptedBatch found;
+    int underWay = 0;
     for (UpgradeRow& row : session.rows) {
-        if (!row.settled && row.stage != Stage::UploadFailed && !row.reportsNewVersion()) {
-            ++found.underWay;
+        const bool before = row.stage == Stage::Preparing || row.stage == Stage::Uploading;
+        // A batch that had ended was not cut short: its boxes change over without this program.
+        if (!session.ended && !row.settled && (before || row.stage == Stage::Activated)) {
+            ++underWay;
             session.interrupted = true;
+        }
+        if (before && !row.settled) {
             row.note = stageNote(row.stage);
             row.stage = Stage::Interrupted;
         }
-        if (row.settings == Settings::Waiting && session.started.daysTo(now) > stalestDays)
+        if (row.settings == Settings::Waiting &&
+            (row.mac.isEmpty() || session.started.daysTo(now) > stalestDays))
             row.settings = Settings::Dropped;
-        if (row.settings == Settings::Waiting)
-            found.settings.insert(row.mac, row.saved);
         // Only an address may be asked, whatever the file says.
-        row.settled = !BoxProtocol::isIpv4Address(row.address);
+        if (!BoxProtocol::isIpv4Address(row.address))
+            row.address.clear();
     }
-    return found;
+    session.ended = true;
+    return underWay;
 }

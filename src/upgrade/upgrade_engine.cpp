@@ -1,31 +1,42 @@
 // SPDX-License-Identifier: MIT
 #include "upgrade/upgrade_engine.h"
 
+#include "common/box_protocol.h"
 #include "device/device_registry.h"
+#include "device/item.h"
+#include "device/tree_model.h"
 
-UpgradeEngine::UpgradeEngine(DeviceRegistry& devices, Spark_Http& http, CommandRunner& runner,
-                             KeptSettings& kept, int tickMs)
-    : QObject(nullptr)
-    , watch(http, tickMs)
-    , countdown(devices.model())
-    , report(watch, tickMs)
-    , snapshot(http, runner, kept)
-    , restore(devices.model(), http, runner, kept,
-              [this](const QString& mac, const QString& ip) {
-                  return !snapshot.isTaking(mac) && report.mayWriteBack(mac, ip);
-              })
-    , batch(devices, countdown, snapshot, report)
+namespace
 {
-    connect(&snapshot, &ConfigurationSnapshot::taken, &report, &UpgradeReport::setSaved);
-    connect(&snapshot, &ConfigurationSnapshot::dhcpForced, &report, &UpgradeReport::setDhcpForced);
-    connect(&restore, &ConfigurationRestore::restarting, &report, &UpgradeReport::setRestarting);
-    connect(&restore, &ConfigurationRestore::ended, &report, &UpgradeReport::setRestored);
-    connect(&watch, &UpgradeWatch::answered, this, &UpgradeEngine::macHeard);
-    connect(&report, &UpgradeReport::seen, &restore, &ConfigurationRestore::boxSeen);
+
+constexpr int longestPauseMs = 250;
+constexpr int shortestPauseMs = 20;
+
+/// Where boxes that told this MAC address stand in the list, those that went offline included.
+QStringList addressesOf(const QString& mac, const TreeModel& model)
+{
+    QStringList addresses;
+    const QList<Item*> boxes = model.items(koraFamily());
+    for (const Item* box : boxes) {
+        if (BoxProtocol::isSameMac(box->macAddress(), mac))
+            addresses << box->address();
+    }
+    return addresses;
 }
 
-void UpgradeEngine::macHeard(const QString& ip, const QString& mac)
+} // namespace
+
+UpgradeEngine::UpgradeEngine(DeviceRegistry& devices, Spark_Http& http, KeptSettings& kept,
+                             int tickMs)
+    : QObject(nullptr)
+    , clock(tickMs)
+    , link(http)
+    , fleet(link, clock, journal, kept,
+            [&devices](const QString& mac) { return addressesOf(mac, devices.model()); })
+    , rows(devices, fleet)
+    , batch(devices, fleet, rows)
 {
-    batch.macHeard(ip, mac);
-    report.macHeard(ip, mac);
+    connect(&journal, &UpgradeJournal::loaded, &fleet, &UpgradeFleet::adopt);
+    connect(&m_timer, &QTimer::timeout, &fleet, &UpgradeFleet::tick);
+    m_timer.start(qBound(shortestPauseMs, tickMs / 2, longestPauseMs));
 }

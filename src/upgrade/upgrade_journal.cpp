@@ -18,11 +18,13 @@ QString folder()
     return dataPath(QStringLiteral("upgrade"));
 }
 
-void writeWhole(const QString& path, const QByteArray& content)
+bool writeWhole(const QString& path, const QByteArray& content)
 {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
-        qWarning("cannot write %s", qPrintable(path));
+    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit())
+        return true;
+    qWarning("cannot write %s", qPrintable(path));
+    return false;
 }
 
 } // namespace
@@ -44,23 +46,29 @@ QString UpgradeJournal::csvPath(const UpgradeSession& session)
     return folder() + session.baseName() + QStringLiteral(".csv");
 }
 
-void UpgradeJournal::save(const UpgradeSession& session, bool open)
+void UpgradeJournal::save(const UpgradeSession& session, bool open, Saved saved)
 {
-    m_pool.start([this, session, open] { write(session, open); });
+    m_pool.start([this, session, open, saved = std::move(saved)] {
+        const bool kept = write(session, open);
+        QMetaObject::invokeMethod(this, [saved, kept] { saved(kept); });
+    });
 }
 
-void UpgradeJournal::write(const UpgradeSession& session, bool open)
+bool UpgradeJournal::write(const UpgradeSession& session, bool open)
 {
     const QString journal = folder() + session.baseName() + QStringLiteral(".json");
     claim(session.baseName());
-    if (open)
+    const bool kept =
+        !open ||
         writeWhole(journal, QJsonDocument(session.toJson()).toJson(QJsonDocument::Compact));
-    writeWhole(csvPath(session), UpgradeText::csv(session, QDateTime::currentDateTime()));
+    const bool reported =
+        writeWhole(csvPath(session), UpgradeText::csv(session, QDateTime::currentDateTime()));
     // Last: until the report is there, the journal is the only witness.
-    if (!open) {
+    if (!open && reported) {
         QFile::remove(journal);
         m_locks.erase(session.baseName());
     }
+    return open ? kept : reported;
 }
 
 bool UpgradeJournal::claim(const QString& baseName)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "upgrade/upgrade_record.h"
+#include "upgrade/upgrade_store.h"
 
 #include <QLockFile>
 #include <QObject>
@@ -13,7 +14,7 @@
 /// Keeps batches on disk in the data folder's "upgrade": a journal while something is open, so that
 /// a batch survives the end of the program, and the report as a CSV file for good. All file work
 /// happens on a thread of its own, in order; each file is replaced as a whole.
-class UpgradeJournal : public QObject
+class UpgradeJournal : public QObject, public UpgradeStore
 {
     Q_OBJECT
 
@@ -23,7 +24,7 @@ public:
     ~UpgradeJournal() override;
 
     /// Writes both files; the journal is removed when `open` is false.
-    void save(const UpgradeSession& session, bool open);
+    void save(const UpgradeSession& session, bool open, Saved saved) override;
     /// Reads the journals that an earlier run left open; loaded() brings them. Those of another
     /// program that is still running are left alone.
     void load();
@@ -35,7 +36,7 @@ signals:
     void loaded(const QVector<UpgradeSession>& sessions);
 
 private:
-    void write(const UpgradeSession& session, bool open);
+    bool write(const UpgradeSession& session, bool open);
     QVector<UpgradeSession> readAll();
     /// True when this program has, or now gets, the journal for itself.
     bool claim(const QString& baseName);

@@ -1,40 +1,81 @@
 // SPDX-License-Identifier: MIT
 #include "upgrade/upgrade_judgement.h"
 
+#include <QCoreApplication>
+#include <QRegularExpression>
+#include <QVersionNumber>
+
 namespace
 {
 
-using Stage = UpgradeRow::Stage;
-using Settings = UpgradeRow::Settings;
+enum class Change { None, Older, Other, ToPackage };
+
+Change changeOf(const UpgradeRow& row, const QString& version)
+{
+    if (row.versionBefore.isEmpty() || version.isEmpty() || version == row.versionBefore)
+        return Change::None;
+    const auto before = QVersionNumber::fromString(UpgradeJudgement::versionIn(row.versionBefore));
+    const auto after = QVersionNumber::fromString(UpgradeJudgement::versionIn(version));
+    if (!before.isNull() && !after.isNull() && after < before)
+        return Change::Older;
+    const auto package = QVersionNumber::fromString(row.expected);
+    if (package.isNull() || after.isNull())
+        return Change::Other;
+    return after == package ? Change::ToPackage : Change::Other;
+}
 
 } // namespace
 
-void UpgradeJudgement::endUpload(UpgradeRow& row, const QString& reason, const QDateTime& now)
+QString UpgradeJudgement::versionIn(const QString& text)
 {
-    if (row.stage != Stage::Preparing && row.stage != Stage::Uploading)
-        return;
-    row.stage = Stage::UploadFailed;
-    row.note = reason;
-    row.durationMs = row.started.msecsTo(now);
+    static const QRegularExpression numbers(QStringLiteral("\\d{1,6}(\\.\\d{1,6})+"));
+    QString longest;
+    auto match = numbers.globalMatch(text);
+    while (match.hasNext()) {
+        const QString found = match.next().captured();
+        if (found.count(QLatin1Char('.')) > longest.count(QLatin1Char('.')) || longest.isEmpty())
+            longest = found;
+    }
+    return longest;
 }
 
-void UpgradeJudgement::noteVersion(UpgradeRow& row, const UpgradeSigns& signs)
+bool UpgradeJudgement::hasChangedOver(const UpgradeRow& row, const QString& version, bool wasAway)
 {
-    // A box that has not gone away yet tells the version that it is about to leave.
-    if (signs.reported != row.versionBefore || signs.wasDown)
-        row.versionAfter = signs.reported;
+    const Change change = changeOf(row, version);
+    return change == Change::ToPackage || (change != Change::None && wasAway);
 }
 
-void UpgradeJudgement::judge(UpgradeRow& row, const UpgradeSigns& signs, const QDateTime& now)
+bool UpgradeJudgement::isProof(const UpgradeRow& row)
 {
-    if (signs.outOfTime && row.versionAfter.isEmpty())
-        row.versionAfter = signs.reported;
-    // Without its MAC address nobody can tell whether the box that answers is the same one.
-    const bool certain = row.stage == Stage::UploadFailed || row.reportsNewVersion() ||
-                         (row.stage == Stage::Activated &&
-                          (row.mac.isEmpty() ? signs.batchEnded : !row.versionAfter.isEmpty()));
-    if ((certain || signs.outOfTime) && row.durationMs == 0)
-        row.durationMs = row.started.msecsTo(now);
-    if (signs.batchEnded)
-        row.settled = signs.outOfTime || (certain && row.settings != Settings::Waiting);
+    if (row.mac.isEmpty() || row.ambiguous)
+        return false;
+    switch (changeOf(row, row.versionAfter)) {
+    case Change::ToPackage:
+        return true;
+    case Change::Other:
+        // Of a package that tells its version nothing else is proof.
+        return row.wasAway && versionIn(row.expected).isEmpty();
+    case Change::None:
+    case Change::Older:
+        break;
+    }
+    return false;
+}
+
+QString UpgradeJudgement::doubt(const UpgradeRow& row)
+{
+    if (row.versionAfter.isEmpty())
+        return QCoreApplication::translate("UpgradeReport", "升级后未再回应");
+    if (row.ambiguous)
+        return QCoreApplication::translate("UpgradeReport",
+                                           "网络中有两台设备的MAC地址相同,无法证实");
+    if (row.mac.isEmpty())
+        return QCoreApplication::translate("UpgradeReport", "MAC地址未知,无法证实");
+    if (row.versionBefore.isEmpty())
+        return QCoreApplication::translate("UpgradeReport", "升级前版本未知,无法证实");
+    if (row.versionAfter == row.versionBefore)
+        return QCoreApplication::translate("UpgradeReport", "版本没有变化");
+    return changeOf(row, row.versionAfter) == Change::Older
+               ? QCoreApplication::translate("UpgradeReport", "版本退回到更旧的版本")
+               : QCoreApplication::translate("UpgradeReport", "版本与固件包不符");
 }

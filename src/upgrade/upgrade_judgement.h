@@ -3,27 +3,20 @@
 
 #include "upgrade/upgrade_record.h"
 
-/// What has been seen of one box since its upgrade began, besides what its row keeps.
-struct UpgradeSigns {
-    bool orderOpen = false; ///< the order to change over is still unanswered
-    bool wasDown = false;   ///< it stopped answering since it was last told to change or restart
-    bool quiet = false;     ///< that order is so long ago that the box is not busy with it any more
-    bool restarting = false; ///< told to restart, for its second try at its settings
-    bool batchEnded = false;
-    bool outOfTime = false; ///< its batch ended so long ago that nothing more is expected of it
-    QString reported;       ///< the version that it told last
-};
-
-/// What a row says by what was seen. Plain functions: they ask nobody and change only the row.
+/// What the versions that a box tells mean. Plain functions: they ask nobody.
 namespace UpgradeJudgement
 {
-/// The longest version of a box that a row takes.
-constexpr int longestVersion = 64;
+/// The version that the name of a package tells, as numbers joined by dots; empty when it tells
+/// none.
+QString versionIn(const QString& text);
 
-/// The batch is over; `reason` is why a box has not got its package.
-void endUpload(UpgradeRow& row, const QString& reason, const QDateTime& now);
-/// The box has told the version in `signs`.
-void noteVersion(UpgradeRow& row, const UpgradeSigns& signs);
-/// Has the last word been spoken about this box?
-void judge(UpgradeRow& row, const UpgradeSigns& signs, const QDateTime& now);
+/// `version`, told now, can only come from a change of the firmware: the box has another one than
+/// before, and was away or tells that of the package.
+bool hasChangedOver(const UpgradeRow& row, const QString& version, bool wasAway);
+
+/// The row tells that the box has changed over to the package, beyond doubt.
+bool isProof(const UpgradeRow& row);
+
+/// Why it is none, for the operator.
+QString doubt(const UpgradeRow& row);
 } // namespace UpgradeJudgement

@@ -2,6 +2,7 @@
 #include "upgrade/upgrade_record.h"
 
 #include "common/box_protocol.h"
+#include "upgrade/upgrade_judgement.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -41,6 +42,12 @@ QString settingsText(const UpgradeRow& row)
             .arg(row.failedSettings.size());
     case Settings::Dropped:
         return QCoreApplication::translate("UpgradeReport", "已放弃恢复");
+    case Settings::Unchanged:
+        return QCoreApplication::translate("UpgradeReport", "未改动,无需恢复");
+    case Settings::HandedOver:
+        return QCoreApplication::translate("UpgradeReport", "由之后的升级恢复");
+    case Settings::Ambiguous:
+        return QCoreApplication::translate("UpgradeReport", "MAC地址重复,未恢复");
     }
     return QString();
 }
@@ -51,11 +58,7 @@ QString noteText(const UpgradeRow& row)
     if (!row.failedSettings.isEmpty())
         parts << row.failedSettings.join(QStringLiteral(", "));
     if (row.settled && row.verdict() == Verdict::NotProved)
-        parts << (row.versionAfter.isEmpty()
-                      ? QCoreApplication::translate("UpgradeReport", "升级后未再回应")
-                      : QCoreApplication::translate("UpgradeReport", "版本没有变化"));
-    if (row.mac.isEmpty())
-        parts << QCoreApplication::translate("UpgradeReport", "MAC地址未知,无法证实");
+        parts << UpgradeJudgement::doubt(row);
     // "Success", as a box was told it in its activation, is no evidence and would pass for it.
     if (!row.note.isEmpty() && row.stage != Stage::Activated)
         parts << row.note;
@@ -129,6 +132,11 @@ QString readRow(const QJsonObject& json, int format, UpgradeRow* row)
     row->failedSettings = json.value(key("failedSettings")).toVariant().toStringList();
     row->saved = json.value(key("saved")).toObject().toVariantMap();
     row->dhcpForced = json.value(key("dhcpForced")).toBool();
+    row->lastTry = json.value(key("lastTry")).toBool();
+    row->ambiguous = json.value(key("ambiguous")).toBool();
+    // Journals without the word come from when another version was enough.
+    row->wasAway = json.value(key("wasAway")).toBool(!row->versionAfter.isEmpty());
+    row->expected = json.value(key("expected")).toString();
     row->started = QDateTime::fromString(json.value(key("started")).toString(), Qt::ISODateWithMs);
     row->durationMs = qint64(json.value(key("durationMs")).toDouble());
     row->note = json.value(key("note")).toString();
@@ -148,6 +156,10 @@ QJsonObject rowToJson(const UpgradeRow& row)
             {key("failedSettings"), QJsonArray::fromStringList(row.failedSettings)},
             {key("saved"), QJsonObject::fromVariantMap(row.saved)},
             {key("dhcpForced"), row.dhcpForced},
+            {key("lastTry"), row.lastTry},
+            {key("ambiguous"), row.ambiguous},
+            {key("wasAway"), row.wasAway},
+            {key("expected"), row.expected},
             {key("started"), row.started.toString(Qt::ISODateWithMs)},
             {key("durationMs"), double(row.durationMs)},
             {key("note"), row.note}};
@@ -155,9 +167,14 @@ QJsonObject rowToJson(const UpgradeRow& row)
 
 } // namespace
 
+bool UpgradeRow::isProved() const
+{
+    return UpgradeJudgement::isProof(*this);
+}
+
 Verdict UpgradeRow::verdict() const
 {
-    if (reportsNewVersion())
+    if (isProved())
         return Verdict::Proved;
     switch (stage) {
     case Stage::Preparing:
@@ -194,10 +211,10 @@ QJsonObject UpgradeSession::toJson() const
     QJsonArray array;
     for (const UpgradeRow& row : rows)
         array << rowToJson(row);
-    return {
-        {key("format"), wordFormat},       {key("started"), started.toString(Qt::ISODateWithMs)},
-        {key("package"), package},         {key("md5"), md5},
-        {key("interrupted"), interrupted}, {key("rows"), array}};
+    return {{key("format"), wordFormat}, {key("started"), started.toString(Qt::ISODateWithMs)},
+            {key("package"), package},   {key("md5"), md5},
+            {key("ended"), ended},       {key("interrupted"), interrupted},
+            {key("rows"), array}};
 }
 
 bool UpgradeSession::fromJson(const QJsonObject& json, UpgradeSession* session, QString* problem)
@@ -214,6 +231,7 @@ bool UpgradeSession::fromJson(const QJsonObject& json, UpgradeSession* session, 
         QDateTime::fromString(json.value(key("started")).toString(), Qt::ISODateWithMs);
     session->package = json.value(key("package")).toString();
     session->md5 = json.value(key("md5")).toString();
+    session->ended = json.value(key("ended")).toBool();
     session->interrupted = json.value(key("interrupted")).toBool();
     const QJsonArray array = json.value(key("rows")).toArray();
     for (const QJsonValue& value : array) {

@@ -30,17 +30,20 @@ public:
         Unverified, ///< written back; the box did not let them be read again
         SomeFailed, ///< written back twice; `failedSettings` did not take
         Dropped,    ///< the operator did not want them back
+        Unchanged,  ///< saved, but the box did not change: there was nothing to write back
+        HandedOver, ///< a later upgrade of the same box has taken them over
+        Ambiguous,  ///< two boxes tell this MAC address: they were not written to either
     };
     Q_ENUM(Settings)
     enum class Verdict { UnderWay, Proved, NotProved, Failed, Interrupted };
 
+    /// The longest version of a box that is taken.
+    static constexpr int LongestVersion = 64;
+
     /// What the box reports decides; what it was told does not.
     Verdict verdict() const;
-    bool reportsNewVersion() const
-    {
-        return !mac.isEmpty() && !versionBefore.isEmpty() && !versionAfter.isEmpty() &&
-               versionAfter != versionBefore;
-    }
+    /// The box has changed over to the package, beyond doubt.
+    bool isProved() const;
 
     QString mac; ///< empty when the box never told it: then nothing is proved
     QString addressBefore;
@@ -54,6 +57,10 @@ public:
     Settings settings = Settings::NotKept;
     QStringList failedSettings;
     QVariantMap saved;       ///< the settings to be written back
+    bool lastTry = false;    ///< they failed once, the next time is the last
+    bool ambiguous = false;  ///< another box tells the same MAC address
+    bool wasAway = false;    ///< it stopped answering after it was told to change over
+    QString expected;        ///< the version that the package's name tells, empty: none
     bool dhcpForced = false; ///< it had a fixed address and was switched to an assigned one
     QDateTime started;
     qint64 durationMs = 0; ///< from the start until the verdict; 0 until then
@@ -66,7 +73,8 @@ struct UpgradeSession {
     QString package; ///< file name without folder
     QString md5;     ///< lower-case hex
     QVector<UpgradeRow> rows;
-    bool interrupted = false;
+    bool ended = false;       ///< its boxes had all been told, or given up
+    bool interrupted = false; ///< the program ended before that
 
     bool isSettled() const;
     bool hasWaitingSettings() const;

@@ -1,74 +1,144 @@
 // SPDX-License-Identifier: MIT
 #include "upgrade/upgrade_sessions.h"
 
+#include <algorithm>
+
 namespace
 {
 
 constexpr int savePauseMs = 200;
+constexpr int retryPauseMs = 10000;
+
+bool isOpen(const UpgradeSession& session)
+{
+    return !session.isSettled() || session.hasWaitingSettings();
+}
 
 } // namespace
 
-UpgradeSessions::UpgradeSessions() : QObject(nullptr)
+UpgradeSessions::UpgradeSessions(UpgradeStore& store, const UpgradeClock& clock)
+    : m_store(store), m_clock(clock)
 {
-    m_save.setInterval(savePauseMs);
-    m_save.setSingleShot(true);
-    connect(&m_save, &QTimer::timeout, this, [this] {
-        save();
-        emit changed();
-    });
-    connect(&m_journal, &UpgradeJournal::loaded, this, &UpgradeSessions::adopt);
 }
 
 UpgradeSessions::~UpgradeSessions()
 {
-    save();
+    for (const auto& entry : m_entries) {
+        if (entry->isTouched && entry->isListed)
+            m_store.save(entry->session, isOpen(entry->session), [](bool) {});
+    }
+}
+
+UpgradeSessions::Entry& UpgradeSessions::add(UpgradeSession session, bool listed)
+{
+    auto entry = std::make_unique<Entry>();
+    entry->session = std::move(session);
+    entry->isListed = listed;
+    m_entries.push_back(std::move(entry));
+    return *m_entries.back();
 }
 
 UpgradeSession& UpgradeSessions::add(const QString& package, const QString& md5)
 {
-    auto session = std::make_unique<UpgradeSession>();
-    session->started = QDateTime::currentDateTime();
-    session->package = package;
-    session->md5 = md5;
-    m_sessions.push_back(std::move(session));
-    return *m_sessions.back();
+    UpgradeSession session;
+    session.started = m_clock.date();
+    session.package = package;
+    session.md5 = md5;
+    return add(session, true).session;
 }
 
-void UpgradeSessions::load()
+UpgradeSession& UpgradeSessions::addUnlisted()
 {
-    m_journal.load();
+    UpgradeSession session;
+    session.started = m_clock.date();
+    return add(session, false).session;
 }
 
-void UpgradeSessions::adopt(const QVector<UpgradeSession>& found)
+QVector<UpgradeSession*> UpgradeSessions::adopt(const QVector<UpgradeSession>& found)
 {
     QVector<UpgradeSession*> sessions;
-    for (const UpgradeSession& session : found) {
-        // They come before what this run has begun meanwhile.
-        m_sessions.insert(m_sessions.begin(), std::make_unique<UpgradeSession>(session));
-        sessions << m_sessions.front().get();
+    for (const UpgradeSession& session : found)
+        sessions << &add(session, true).session;
+    std::rotate(m_entries.begin(), m_entries.end() - found.size(), m_entries.end());
+    return sessions;
+}
+
+UpgradeSessions::Entry& UpgradeSessions::entryOf(const UpgradeSession& session)
+{
+    return **std::find_if(m_entries.begin(), m_entries.end(),
+                          [&session](const auto& entry) { return &entry->session == &session; });
+}
+
+void UpgradeSessions::touch(const UpgradeSession& session)
+{
+    Entry& entry = entryOf(session);
+    if (!entry.isTouched)
+        entry.touchedAt = m_clock.ms();
+    entry.isTouched = true;
+}
+
+void UpgradeSessions::keep(const UpgradeSession& session, Then then)
+{
+    touch(session);
+    Entry& entry = entryOf(session);
+    entry.waiting.push_back(std::move(then));
+    if (!entry.isSaving && entry.isListed)
+        save(entry);
+}
+
+bool UpgradeSessions::tick()
+{
+    bool any = false;
+    // By index: whoever is told may begin another batch.
+    for (size_t n = 0; n < m_entries.size(); ++n) {
+        Entry& entry = *m_entries[n];
+        if (!entry.isListed) {
+            entry.saving = std::move(entry.waiting);
+            saved(entry, true);
+        } else if (entry.isTouched && !entry.isSaving &&
+                   m_clock.ms() - entry.touchedAt >= savePauseMs) {
+            save(entry);
+            any = true;
+        }
     }
-    emit adopted(sessions);
+    return any;
 }
 
-void UpgradeSessions::touch(UpgradeSession& session)
+void UpgradeSessions::save(Entry& entry)
 {
-    if (!m_touched.contains(&session))
-        m_touched << &session;
-    if (!m_save.isActive())
-        m_save.start();
+    entry.isTouched = false;
+    entry.isSaving = true;
+    entry.saving = std::move(entry.waiting);
+    entry.waiting.clear();
+    m_store.save(entry.session, isOpen(entry.session),
+                 [this, &entry, alive = std::weak_ptr<int>(m_alive)](bool kept) {
+                     if (alive.expired())
+                         return;
+                     entry.isSaving = false;
+                     if (!kept && !entry.isTouched) {
+                         entry.isTouched = true;
+                         entry.touchedAt = m_clock.ms() + retryPauseMs;
+                     }
+                     saved(entry, kept);
+                     if (!entry.waiting.empty() && !entry.isSaving)
+                         save(entry);
+                 });
 }
 
-void UpgradeSessions::save()
+void UpgradeSessions::saved(Entry& entry, bool kept)
 {
-    for (const UpgradeSession* session : qAsConst(m_touched))
-        m_journal.save(*session, !session->isSettled() || session->hasWaitingSettings());
-    m_touched.clear();
+    const std::vector<Then> told = std::move(entry.saving);
+    entry.saving.clear();
+    for (const Then& then : told)
+        then(kept);
 }
 
 QVector<const UpgradeSession*> UpgradeSessions::all() const
 {
     QVector<const UpgradeSession*> all;
-    for (const auto& session : m_sessions)
-        all << session.get();
+    for (const auto& entry : m_entries) {
+        if (entry->isListed)
+            all << &entry->session;
+    }
     return all;
 }

@@ -1,47 +1,62 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "upgrade/upgrade_journal.h"
+#include "upgrade/upgrade_clock.h"
 #include "upgrade/upgrade_record.h"
-
-#include <QObject>
-#include <QTimer>
+#include "upgrade/upgrade_store.h"
 
 #include <memory>
 #include <vector>
 
 /// The batches of this run of the program, and those that earlier runs left open. What was changed
-/// goes to disk a moment later, all at once.
-class UpgradeSessions : public QObject
+/// goes to the store a moment later, all at once; what must be safe before anything else happens,
+/// at once, together with whatever else waits for the same batch.
+class UpgradeSessions
 {
-    Q_OBJECT
-
 public:
-    UpgradeSessions();
-    /// Whatever is not on disk yet is written.
-    ~UpgradeSessions() override;
+    using Then = std::function<void(bool kept)>;
+
+    /// Both outlive this object.
+    UpgradeSessions(UpgradeStore& store, const UpgradeClock& clock);
+    /// Whatever is not safe yet is handed to the store; nobody is told any more.
+    ~UpgradeSessions();
 
     /// A batch that begins now; it lives as long as this object.
     UpgradeSession& add(const QString& package, const QString& md5);
-    /// Looks for batches that an earlier run left open; adopted() brings them.
-    void load();
-    void touch(UpgradeSession& session);
+    /// One that has no report and no journal.
+    UpgradeSession& addUnlisted();
+    /// Batches that an earlier run left open; they come before what this run has begun meanwhile.
+    QVector<UpgradeSession*> adopt(const QVector<UpgradeSession>& found);
+
+    /// `session` has changed.
+    void touch(const UpgradeSession& session);
+    /// Calls `then` once `session` is safe as it is now, or could not be saved; later.
+    void keep(const UpgradeSession& session, Then then);
+    /// To be called often. True when something has been handed to the store.
+    bool tick();
 
     /// Oldest first.
     QVector<const UpgradeSession*> all() const;
-    bool isEmpty() const { return m_sessions.empty(); }
-
-signals:
-    void adopted(const QVector<UpgradeSession*>& sessions);
-    /// What was changed has been handed to the journal.
-    void changed();
+    bool isEmpty() const { return all().isEmpty(); }
 
 private:
-    void adopt(const QVector<UpgradeSession>& found);
-    void save();
+    struct Entry {
+        UpgradeSession session;
+        bool isListed = true;
+        bool isTouched = false;
+        bool isSaving = false;
+        qint64 touchedAt = 0;
+        std::vector<Then> waiting; ///< for the next save
+        std::vector<Then> saving;  ///< for the one under way
+    };
 
-    UpgradeJournal m_journal;
-    std::vector<std::unique_ptr<UpgradeSession>> m_sessions;
-    QVector<UpgradeSession*> m_touched;
-    QTimer m_save;
+    Entry& add(UpgradeSession session, bool listed);
+    Entry& entryOf(const UpgradeSession& session);
+    void save(Entry& entry);
+    void saved(Entry& entry, bool kept);
+
+    UpgradeStore& m_store;
+    const UpgradeClock& m_clock;
+    std::vector<std::unique_ptr<Entry>> m_entries;
+    std::shared_ptr<int> m_alive = std::make_shared<int>();
 };

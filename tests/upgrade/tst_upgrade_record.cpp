@@ -26,6 +26,7 @@ UpgradeRow rowAt(Stage stage, const QString& versionAfter = {})
     row.addressBefore = row.address = "10.0.0.5";
     row.versionBefore = "1.2.0.517";
     row.versionAfter = versionAfter;
+    row.wasAway = !versionAfter.isEmpty();
     row.stage = stage;
     row.started = QDateTime(QDate(2026, 3, 2), QTime(9, 5, 3, 70));
     return row;
@@ -86,7 +87,7 @@ void tst_UpgradeRecord::verdicts_data()
     columns<UpgradeRow, bool, Verdict>("row", "settled", "verdict");
     row("same version", rowAt(Stage::Activated, "1.2.0.517"), true, Verdict::NotProved);
     row("new version", rowAt(Stage::Activated, "1.2.0.623"), false, Verdict::Proved);
-    row("failed, and changed all the same", rowAt(Stage::UploadFailed, "1.2"), true,
+    row("failed, and changed all the same", rowAt(Stage::UploadFailed, "1.3"), true,
         Verdict::Proved);
     UpgradeRow unknown = rowAt(Stage::Activated, "1.2.0.623");
     unknown.mac.clear();
@@ -167,7 +168,7 @@ void tst_UpgradeRecord::sessionSurvivesItsJson_data()
 {
     columns<int, int>("stage", "settings");
     for (int stage = 0; stage <= int(Stage::Interrupted); ++stage)
-        for (int settings = 0; settings <= int(Settings::Dropped); ++settings)
+        for (int settings = 0; settings <= int(Settings::Ambiguous); ++settings)
             row(qPrintable(QString("%1 %2").arg(stage).arg(settings)), stage, settings);
 }
 
@@ -283,7 +284,7 @@ void tst_UpgradeRecord::journalIsKeptWhileSomethingIsOpen()
     const QString folder = m_data->path() + "/Tarn Hub/upgrade/";
     const UpgradeSession session = sessionOf(rowAt(Stage::Uploading));
     const QString file = folder + session.baseName();
-    UpgradeJournal(nullptr).save(session, true);
+    UpgradeJournal(nullptr).save(session, true, [](bool) {});
     QVERIFY(QFile::exists(file + ".json"));
     QCOMPARE(UpgradeJournal::csvPath(session), file + ".csv");
     QVERIFY(readFile(file + ".csv").contains("10.0.0.5"));
@@ -297,7 +298,7 @@ void tst_UpgradeRecord::journalIsKeptWhileSomethingIsOpen()
     // Another program leaves it alone meanwhile.
     UpgradeJournal other;
     QVERIFY(load(other).isEmpty());
-    next.save(found.first(), false);
+    next.save(found.first(), false, [](bool) {});
     QTRY_VERIFY(!QFile::exists(file + ".json"));
     QCOMPARE(readFile(file + ".csv").count("\r\n"), 2);
 }

@@ -3,6 +3,7 @@
 
 #include "device/device_registry.h"
 #include "device/item.h"
+#include "device/tree_model.h"
 #include "device/tree_view.h"
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
@@ -23,7 +24,7 @@ UpgradeFeatures::UpgradeFeatures(const Hub& hub, const UpgradeWidgets& widgets,
     , m_hub(hub)
     , m_widgets(widgets)
     , m_settings(hub.state)
-    , m_engine(hub.devices, hub.http, hub.runner, m_settings, tickMs)
+    , m_engine(hub.devices, hub.http, m_settings, tickMs)
     , m_start(widgets.deviceView, m_engine.batch, hub.window)
     , m_md5(hub.window)
 {
@@ -47,17 +48,16 @@ void UpgradeFeatures::connectEngine()
     connect(batch, &BatchUpgrade::started, this, &UpgradeFeatures::showStarted);
     connect(batch, &BatchUpgrade::ticked, this, &UpgradeFeatures::showProgress);
     connect(batch, &BatchUpgrade::ended, this, &UpgradeFeatures::showEnd);
-    const UpgradeReport* report = &m_engine.report;
-    connect(report, &UpgradeReport::changed, this,
-            [this, report] { m_widgets.report->setVisible(!report->isEmpty()); });
-    connect(report, &UpgradeReport::settingsFound, this, &UpgradeFeatures::offerSettings,
+    const UpgradeFleet* fleet = &m_engine.fleet;
+    connect(fleet, &UpgradeFleet::reportChanged, this,
+            [this, fleet] { m_widgets.report->setVisible(!fleet->sessions().isEmpty()); });
+    connect(fleet, &UpgradeFleet::settingsFound, this, &UpgradeFeatures::offerSettings,
             Qt::QueuedConnection);
-    connect(report, &UpgradeReport::interruptedFound, this, &UpgradeFeatures::tellInterrupted);
-    const ConfigurationRestore* restore = &m_engine.restore;
-    connect(restore, &ConfigurationRestore::succeeded, this, [this](const QString& ip) {
+    connect(fleet, &UpgradeFleet::interruptedFound, this, &UpgradeFeatures::tellInterrupted);
+    connect(fleet, &UpgradeFleet::restored, this, [this](const QString& ip) {
         messageBox::notify(tr("%1 恢复设置成功,KORA设备正在重启.").arg(ip), m_hub.window);
     });
-    connect(restore, &ConfigurationRestore::failed, this, [this](const QString& ip) {
+    connect(fleet, &UpgradeFleet::restoreFailed, this, [this](const QString& ip) {
         messageBox::notify(tr("%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.").arg(ip),
                            m_hub.window);
     });
@@ -66,18 +66,8 @@ void UpgradeFeatures::connectEngine()
 void UpgradeFeatures::registerWords()
 {
     Exchange& exchange = m_hub.exchange;
-    exchange.onResultPrefix(ConfigurationSnapshot::replyType(), [this](const HttpResult& result) {
-        m_engine.snapshot.handleReply(result);
-    });
-    exchange.onResultPrefix(ConfigurationRestore::checkType(), [this](const HttpResult& result) {
-        m_engine.restore.handleCheck(result);
-    });
-    exchange.onResultPrefix(UpgradeWatch::seenType(), [this](const HttpResult& result) {
-        m_engine.watch.handleSeen(result);
-    });
-    exchange.onResultPrefix(UpgradeWatch::versionType(), [this](const HttpResult& result) {
-        m_engine.watch.handleVersion(result);
-    });
+    exchange.onResult(CurlLink::readType(),
+                      [this](const HttpResult& result) { m_engine.link.handleRead(result); });
     exchange.onAction(Action::NewFirmware,
                       [this](Item*) { m_start.startBatchUpgrade({m_hub.state.otaFilePath()}); });
     exchange.onAction(Action::UpgradeTick, [this](Item*) { m_engine.batch.tick(); });
@@ -92,15 +82,33 @@ void UpgradeFeatures::noteFetchedPackage(const QString& path)
 
 bool UpgradeFeatures::mayClose()
 {
-    if (m_engine.countdown.counts(koraFamily()).allEnded())
-        return true;
-    messageBox::ask(tr("正在对KORA升级固件,请勿关闭软件."), m_hub.window);
-    return false;
+    if (!isBatchOver()) {
+        messageBox::ask(tr("正在对KORA升级固件,请勿关闭软件."), m_hub.window);
+        return false;
+    }
+    const int waiting = m_engine.fleet.waitingCount();
+    return waiting == 0 ||
+           messageBox::ask(tr("还有%1个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复."
+                              "是否关闭?")
+                               .arg(waiting),
+                           m_hub.window) == messageBox::Confirmed;
 }
 
 bool UpgradeFeatures::isIdle() const
 {
-    return m_engine.countdown.counts(koraFamily()).allEnded() && !m_settings.isAnyWaiting();
+    return isBatchOver() && m_engine.fleet.isIdle() && !m_settings.isAnyWaiting();
+}
+
+bool UpgradeFeatures::isBatchOver() const
+{
+    UpgradeCounts rows;
+    const QList<Item*> boxes = m_hub.devices.model().items(koraFamily());
+    for (const Item* box : boxes) {
+        rows.upgrading += box->isUpgrading() ? 1 : 0;
+        rows.timedOut += box->hasTimedOut() ? 1 : 0;
+        rows.successful += box->hasSucceeded() ? 1 : 0;
+    }
+    return rows.allEnded() && m_engine.batch.counts().allEnded();
 }
 
 void UpgradeFeatures::showPrepared()
@@ -115,15 +123,15 @@ void UpgradeFeatures::showStarted(const UpgradeCounts& counts)
 {
     if (!m_widgets.deviceView->isUpgradeTickRunning())
         m_widgets.deviceView->startUpgradeTick();
-    m_widgets.progress->setMaximum(m_engine.countdown.maximum());
-    m_widgets.progress->setValue(m_engine.countdown.progress());
+    m_widgets.progress->setMaximum(m_engine.batch.maximum());
+    m_widgets.progress->setValue(m_engine.batch.progress());
     m_widgets.status->setText(BatchUpgrade::statusText(counts));
 }
 
 void UpgradeFeatures::showProgress(const UpgradeCounts& counts)
 {
     const Item* shown = m_hub.findSelectedDevice();
-    m_widgets.progress->setValue(m_engine.countdown.progress());
+    m_widgets.progress->setValue(m_engine.batch.progress());
     m_widgets.tip->setText(shown ? shown->tips().join(QLatin1Char('\n')) : QString());
     m_widgets.status->setText(BatchUpgrade::statusText(counts));
 }
@@ -161,15 +169,15 @@ void UpgradeFeatures::offerSettings(const QMap<QString, QVariantMap>& saved, con
     if (!m_hub.window->isVisible())
         return;
     if (answer == messageBox::Confirmed)
-        m_engine.restore.resume(saved);
+        m_engine.fleet.release(saved.keys());
     else
-        m_engine.report.dropSettings(saved.keys());
+        m_engine.fleet.dropSettings(saved.keys());
 }
 
 void UpgradeFeatures::showReport()
 {
     if (!m_dialog)
-        m_dialog = new UpgradeReportDialog(m_engine.report, m_hub.window);
+        m_dialog = new UpgradeReportDialog(m_engine.fleet, m_hub.window);
     m_dialog->show();
     m_dialog->raise();
     m_dialog->activateWindow();

@@ -38,9 +38,9 @@ public:
                     int tickMs);
 
     /// Looks for upgrades that the end of the program cut short, and tells.
-    void loadInterrupted() { m_engine.report.loadInterrupted(); }
+    void loadInterrupted() { m_engine.loadInterrupted(); }
     /// The box at `ip` has told its MAC address.
-    void noteMac(const QString& ip, const QString& mac) { m_engine.macHeard(ip, mac); }
+    void noteMac(const QString& ip, const QString& mac) { m_engine.fleet.heard(ip, mac); }
     /// The update check has fetched a firmware package, which lies at `path`.
     void noteFetchedPackage(const QString& path);
     /// Lets the operator choose a package for the selected boxes, and upgrades them. Blocks and
@@ -50,8 +50,8 @@ public:
 
     /// No box is being upgraded or waits for its settings.
     bool isIdle() const;
-    /// False while boxes are being upgraded: the operator is told so. That message blocks and
-    /// serves events.
+    /// False while boxes are being upgraded: the operator is told so. While boxes wait for their
+    /// settings he is asked. Both block and serve events.
     bool mayClose();
 
 signals:
@@ -63,6 +63,7 @@ signals:
     void koraWanted(const Item& box);
 
 private:
+    bool isBatchOver() const;
     void registerWords();
     void connectEngine();
     void showPrepared();

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/upgrade/upgrade_report_dialog.h"
 
-#include "upgrade/upgrade_report.h"
+#include "upgrade/upgrade_fleet.h"
+#include "upgrade/upgrade_journal.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -72,9 +73,9 @@ QLabel* plainLabel(QWidget* parent)
 
 } // namespace
 
-UpgradeReportDialog::UpgradeReportDialog(const UpgradeReport& report, QWidget* parent)
+UpgradeReportDialog::UpgradeReportDialog(const UpgradeFleet& fleet, QWidget* parent)
     : QDialog(parent)
-    , m_report(report)
+    , m_fleet(fleet)
     , m_table(new QTableWidget(this))
     , m_summary(plainLabel(this))
     , m_path(plainLabel(this))
@@ -99,7 +100,7 @@ UpgradeReportDialog::UpgradeReportDialog(const UpgradeReport& report, QWidget* p
     // The times of boxes that are under way run on.
     m_clock.setInterval(1000);
     connect(&m_clock, &QTimer::timeout, this, &UpgradeReportDialog::fill);
-    connect(&report, &UpgradeReport::changed, this, &UpgradeReportDialog::fill);
+    connect(&fleet, &UpgradeFleet::reportChanged, this, &UpgradeReportDialog::fill);
     m_clock.start();
     label();
 }
@@ -117,7 +118,7 @@ void UpgradeReportDialog::label()
 void UpgradeReportDialog::fill()
 {
     const QDateTime now = QDateTime::currentDateTime();
-    const QVector<const UpgradeSession*> sessions = m_report.sessions();
+    const QVector<const UpgradeSession*> sessions = m_fleet.sessions();
     QMap<UpgradeRow::Verdict, int> counts;
     int total = 0;
     for (auto it = sessions.crbegin(); it != sessions.crend(); ++it) {

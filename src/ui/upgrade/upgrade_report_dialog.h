@@ -6,7 +6,7 @@
 
 class QLabel;
 class QTableWidget;
-class UpgradeReport;
+class UpgradeFleet;
 
 /// The report of the upgrades as a table, newest batch first, kept up to date while it is open.
 /// Texts of boxes are shown plain; cells can be copied.
@@ -15,7 +15,7 @@ class UpgradeReportDialog : public QDialog
     Q_OBJECT
 
 public:
-    UpgradeReportDialog(const UpgradeReport& report, QWidget* parent);
+    UpgradeReportDialog(const UpgradeFleet& fleet, QWidget* parent);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -26,7 +26,7 @@ private:
     void label();
     void copySelection() const;
 
-    const UpgradeReport& m_report;
+    const UpgradeFleet& m_fleet;
     QTableWidget* m_table;
     QLabel* m_summary;
     QLabel* m_path;

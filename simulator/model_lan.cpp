@@ -1,0 +1,298 @@
+// SPDX-License-Identifier: MIT
+#include "simulator/model_lan.h"
+
+#include "simulator/parameters.h"
+
+#include <algorithm>
+
+namespace sim
+{
+namespace
+{
+
+constexpr int wayMs = 2;
+constexpr int refusedMs = 5; ///< nobody listens: that is told soon, or never
+
+QString quoted(const QString& text)
+{
+    QString escaped = text;
+    escaped.replace(QLatin1Char('\\'), QStringLiteral("\\\\"))
+        .replace(QLatin1Char('"'), QStringLiteral("\\\""));
+    return QLatin1Char('"') + escaped + QLatin1Char('"');
+}
+
+QString success()
+{
+    return QStringLiteral("{\"status\":\"success\"}");
+}
+
+QString failure()
+{
+    return QStringLiteral("{\"status\":\"failed\"}");
+}
+
+} // namespace
+
+void ModelTime::in(qint64 delayMs, std::function<void()> event)
+{
+    m_events.push({m_now + delayMs, m_number++, std::move(event)});
+}
+
+void ModelTime::runUntil(qint64 ms)
+{
+    while (!m_events.empty() && m_events.top().at <= ms) {
+        const Event event = m_events.top();
+        m_events.pop();
+        m_now = event.at;
+        event.run();
+    }
+    m_now = ms;
+}
+
+ModelBox& ModelLan::add(const QString& mac, const QString& address)
+{
+    auto box = std::make_unique<ModelBox>();
+    box->mac = mac;
+    box->address = address;
+    box->settings = factorySettings(int(m_boxes.size()) + 1, address);
+    box->settings[QStringLiteral("eParam_MACAddress")] = mac;
+    m_boxes.push_back(std::move(box));
+    return *m_boxes.back();
+}
+
+QString ModelLan::freshAddress()
+{
+    const int n = m_nextAddress++;
+    return QStringLiteral("127.%1.%2.%3").arg(1 + n / 62500).arg(n / 250 % 250).arg(1 + n % 250);
+}
+
+ModelBox* ModelLan::at(const QString& ip) const
+{
+    const auto found = std::find_if(m_boxes.begin(), m_boxes.end(), [&ip](const auto& box) {
+        return box->isOn && box->address == ip;
+    });
+    return found == m_boxes.end() ? nullptr : found->get();
+}
+
+void ModelLan::ask(const QString& ip, int limitMs, std::function<int(const ModelBox&)> workMs,
+                   std::function<QString(ModelBox&)> handle, Answered answered)
+{
+    m_time.in(wayMs, [=] {
+        ModelBox* box = at(ip);
+        if (!box || box->isDeaf) {
+            m_time.in(box ? limitMs : refusedMs, [answered] { answered(QString()); });
+            return;
+        }
+        const int work = workMs(*box);
+        const int life = box->life;
+        const QString answer = handle(*box);
+        if (answer.isNull() || work > limitMs) {
+            m_time.in(limitMs, [answered] { answered(QString()); });
+            return;
+        }
+        m_time.in(work, [answered, answer, box, life] {
+            const bool heard = box->isOn && box->life == life && !box->isDeaf;
+            answered(heard ? answer : QString());
+        });
+    });
+}
+
+void ModelLan::read(const QString& ip, const QString& parameter, Answered answered)
+{
+    trace(ip, QStringLiteral("read"), parameter);
+    ask(
+        ip, ReadLimitMs, [](const ModelBox& box) { return box.habits.readMs; },
+        [parameter](ModelBox& box) {
+            if (parameter == box.habits.unreadable)
+                return QString();
+            const QString name = quoted(parameter);
+            if (parameter == box.habits.missing || !box.settings.contains(parameter))
+                return QStringLiteral("{\"param_name\":%1,\"status\":\"failed\"}").arg(name);
+            return QStringLiteral("{\"param_name\":%1,\"value\":%2}")
+                .arg(name, quoted(box.settings.value(parameter)));
+        },
+        std::move(answered));
+}
+
+void ModelLan::write(const QString& ip, const QString& parameter, const QString& value,
+                     Answered answered)
+{
+    trace(ip, QStringLiteral("write"), parameter, value);
+    ask(
+        ip, WriteLimitMs, [](const ModelBox& box) { return box.habits.writeMs; },
+        [this, parameter, value](ModelBox& box) {
+            if (box.isChanging && m_time.now() - box.orderedAt < AllowanceMs)
+                box.violations << QStringLiteral("written in its change: ") + parameter;
+            if (parameter == box.habits.unwritable)
+                return QStringLiteral("{\"status\":\"set failed\"}");
+            box.settings[parameter] =
+                parameter == box.habits.misunderstood ? QStringLiteral("?") : value;
+            return QStringLiteral("{\"status\":\"set success\"}");
+        },
+        std::move(answered));
+}
+
+void ModelLan::upload(const QString& ip, const QString& version, const QString& md5,
+                      Answered answered)
+{
+    trace(ip, QStringLiteral("upload"));
+    const int number = ++m_uploads[ip];
+    ModelBox* box = at(ip);
+    if (!box || box->isDeaf) {
+        m_time.in(refusedMs, [answered] { answered(QString()); });
+        return;
+    }
+    const int life = box->life;
+    m_time.in(box->habits.uploadMs, [=] {
+        if (m_uploads.value(ip) != number || !box->isOn || box->life != life) {
+            answered(QString());
+            return;
+        }
+        if (!box->habits.takesUpload || box->habits.uploadFailures > 0) {
+            --box->habits.uploadFailures;
+            answered(failure());
+            return;
+        }
+        box->hasPackage = true;
+        box->packageVersion = version;
+        answered(QStringLiteral("{\"status\":\"success\",\"file_md5\":%1}").arg(quoted(md5)));
+    });
+}
+
+void ModelLan::abandonUpload(const QString& ip)
+{
+    ++m_uploads[ip];
+}
+
+void ModelLan::activate(const QString& ip, Answered answered)
+{
+    trace(ip, QStringLiteral("activate"));
+    m_time.in(wayMs, [=] {
+        ModelBox* box = at(ip);
+        if (!box || box->isDeaf) {
+            m_time.in(refusedMs, [answered] { answered(QString()); });
+            return;
+        }
+        if (box->isChanging)
+            box->violations << QStringLiteral("activated twice");
+        using Habits = ModelBoxHabits;
+        if (!box->hasPackage || box->habits.change == Habits::Change::Refuses) {
+            m_time.in(box->habits.writeMs, [answered] { answered(failure()); });
+            return;
+        }
+        box->orderedAt = m_time.now();
+        const int life = box->life;
+        switch (box->habits.answer) {
+        case Habits::Answer::AtOnce:
+            m_time.in(box->habits.writeMs, [answered] { answered(success()); });
+            break;
+        case Habits::Answer::Late:
+            m_time.in(box->habits.changeMs * 3 / 4, [answered, box, life] {
+                answered(box->isOn && box->life == life ? success() : QString());
+            });
+            break;
+        case Habits::Answer::Never:
+            break;
+        case Habits::Answer::HangsUp:
+            m_time.in(1, [answered] { answered(QString()); });
+            break;
+        }
+        if (box->habits.change != Habits::Change::NeverBegins)
+            changeOver(*box);
+    });
+}
+
+/// It keeps answering, goes away, and comes back with what its firmware made of it.
+void ModelLan::changeOver(ModelBox& box)
+{
+    box.isChanging = true;
+    const int life = box.life;
+    m_time.in(box.habits.changeMs, [this, &box, life] {
+        if (box.life != life)
+            return;
+        using Change = ModelBoxHabits::Change;
+        goAway(box, box.habits.change == Change::StaysAway ? -1 : box.habits.awayMs, [&box] {
+            QString& version = box.settings[QStringLiteral("eParam_FirmVersion")];
+            if (box.habits.change == Change::Normal) {
+                version = box.packageVersion;
+                box.changedByOrder = true;
+            } else if (box.habits.change == Change::OlderVersion) {
+                version = QStringLiteral("1.1.0.100");
+            }
+            for (const QString& name : box.habits.resets)
+                box.settings[name] = factorySettings(99, QStringLiteral("0.0.0.0")).value(name);
+        });
+    });
+}
+
+void ModelLan::restart(const QString& ip, Answered answered)
+{
+    trace(ip, QStringLiteral("restart"));
+    m_time.in(wayMs, [=] {
+        ModelBox* box = at(ip);
+        if (!box || box->isDeaf) {
+            m_time.in(refusedMs, [answered] { answered(QString()); });
+            return;
+        }
+        if (box->isChanging && m_time.now() - box->orderedAt < AllowanceMs)
+            box->violations << QStringLiteral("restarted in its change");
+        answered(success());
+        goAway(*box, box->habits.awayMs, {});
+    });
+}
+
+/// `awayMs` below 0: for good. `before` happens when it is off.
+void ModelLan::goAway(ModelBox& box, int awayMs, std::function<void()> before)
+{
+    trace(box.address, box.mac, QStringLiteral("goes away"));
+    box.isOn = false;
+    box.isChanging = false;
+    box.hasPackage = false;
+    const int life = ++box.life;
+    if (before)
+        before();
+    if (awayMs < 0)
+        return;
+    m_time.in(awayMs, [this, &box, life] {
+        if (box.life != life)
+            return;
+        const bool fixed = box.settings.value(QStringLiteral("eParam_DHCP")) == QLatin1String("0");
+        const QString own = box.settings.value(QStringLiteral("eParam_IPAddress"));
+        comeBack(box, fixed ? own : box.habits.movesOnRestart ? freshAddress() : QString());
+    });
+}
+
+void ModelLan::powerCycle(ModelBox& box, int awayMs, const QString& address)
+{
+    trace(box.address, box.mac, QStringLiteral("loses its power"));
+    box.isOn = false;
+    box.isChanging = false;
+    box.hasPackage = false;
+    const int life = ++box.life;
+    m_time.in(awayMs, [this, &box, life, address] {
+        if (box.life == life)
+            comeBack(box, address);
+    });
+}
+
+void ModelLan::comeBack(ModelBox& box, const QString& address)
+{
+    // An address that is taken stays so: it keeps the one it had, or gets another.
+    QString wanted = address.isEmpty() ? box.address : address;
+    if (at(wanted))
+        wanted = freshAddress();
+    box.address = wanted;
+    box.isOn = true;
+    trace(wanted, box.mac, QStringLiteral("is there"));
+    if (m_appeared)
+        m_appeared(box);
+}
+
+void ModelLan::setDeaf(ModelBox& box, int ms)
+{
+    trace(box.address, box.mac, QStringLiteral("cannot be reached"));
+    box.isDeaf = true;
+    m_time.in(ms, [&box] { box.isDeaf = false; });
+}
+
+} // namespace sim

@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: MIT
+// The life of a box under upgrade, and who it is; box_upgrade_change.cpp and box_upgrade_return.cpp
+// have the rest.
+#include "upgrade/box_upgrade.h"
+
+#include "common/box_protocol.h"
+#include "common/http_result.h"
+
+namespace
+{
+
+using Stage = UpgradeRow::Stage;
+using Settings = UpgradeRow::Settings;
+
+constexpr int identifyTicks = 120;
+constexpr int longestPauseTicks = 8;
+constexpr int versionTries = 3;
+
+} // namespace
+
+BoxUpgrade::BoxUpgrade(UpgradeSession& session, int row, BoxLink& link, const UpgradeClock& clock,
+                       UpgradeHost& host)
+    : m_session(session)
+    , m_index(row)
+    , m_link(link)
+    , m_clock(clock)
+    , m_host(host)
+    , m_reader(link, clock)
+    , m_writer(link)
+{
+}
+
+BoxUpgrade::~BoxUpgrade() = default;
+
+void BoxUpgrade::start(const FirmwarePackage& package, bool keepSettings)
+{
+    m_package = package;
+    m_keep = keepSettings;
+    m_inBatch = true;
+    row().expected = package.version;
+    identify();
+}
+
+void BoxUpgrade::enter(Step step)
+{
+    m_step = step;
+    m_listener.forget();
+    m_next = nullptr;
+    m_failures = 0;
+    m_limit = 0;
+    m_host.changed(*this);
+}
+
+void BoxUpgrade::later(void (BoxUpgrade::*what)(), qint64 ms)
+{
+    m_next = what;
+    m_due = m_clock.ms() + ms;
+}
+
+/// After a question without an answer: the pauses grow.
+void BoxUpgrade::askAgain(void (BoxUpgrade::*what)())
+{
+    const int pause = qMin(1 << qMin(m_failures++, longestPauseTicks), longestPauseTicks);
+    later(what, ticks(pause));
+}
+
+void BoxUpgrade::tick()
+{
+    m_reader.tick();
+    const qint64 now = m_clock.ms();
+    if (m_step == Step::Identifying && now >= m_limit && m_next) {
+        leaveAlone(tr("设备没有回应,未升级"));
+        return;
+    }
+    watchTime(now);
+    if (!m_next || now < m_due)
+        return;
+    const auto next = m_next;
+    m_next = nullptr;
+    (this->*next)();
+}
+
+void BoxUpgrade::countDown()
+{
+    if (!m_inBatch || m_succeeded)
+        return;
+    if (m_secondsLeft < 1)
+        m_timedOut = true;
+    else
+        --m_secondsLeft;
+    m_host.changed(*this);
+}
+
+void BoxUpgrade::endBatch()
+{
+    if (!m_inBatch)
+        return;
+    m_inBatch = false;
+    if (isOwner() && !m_ordered && m_step <= Step::Activating) {
+        m_link.abandonUpload(row().address);
+        giveUpUpload(m_problem);
+    } else {
+        m_host.changed(*this);
+    }
+}
+
+void BoxUpgrade::tell(const QString& line)
+{
+    note(line);
+    m_host.tell(*this, line);
+}
+
+void BoxUpgrade::note(const QString& text)
+{
+    row().note = text;
+    m_host.changed(*this);
+}
+
+/// Nothing has been ordered, and nothing will be: why not is told.
+void BoxUpgrade::leaveAlone(const QString& reason)
+{
+    m_timedOut = true;
+    tell(reason);
+    giveUpUpload(reason);
+}
+
+void BoxUpgrade::giveUpUpload(const QString& reason)
+{
+    m_reader.stop();
+    m_listener.forget();
+    row().stage = Stage::UploadFailed;
+    if (!reason.isEmpty())
+        row().note = reason;
+    spendTime();
+    // Without the new firmware only the switch of the address is to be undone.
+    if (row().settings == Settings::Waiting && !row().dhcpForced && !m_tookOver) {
+        row().settings = Settings::Unchanged;
+        m_host.writeBackEnded(*this);
+    }
+    if (row().settings == Settings::Waiting)
+        awaitBox();
+    else
+        end();
+}
+
+void BoxUpgrade::end()
+{
+    spendTime();
+    row().settled = true;
+    if (row().settings != Settings::Waiting)
+        row().saved.clear();
+    enter(Step::Ended);
+}
+
+void BoxUpgrade::spendTime()
+{
+    if (row().durationMs == 0)
+        row().durationMs = qMax<qint64>(1, row().started.msecsTo(m_clock.date()));
+}
+
+void BoxUpgrade::confirm(void (BoxUpgrade::*same)())
+{
+    m_confirmed = same;
+    confirmNow();
+}
+
+void BoxUpgrade::confirmNow()
+{
+    if (row().ambiguous && m_keep) {
+        leaveAlone(tr("网络中有两台设备的MAC地址相同,无法保留设置,未升级"));
+        return;
+    }
+    if (row().mac.isEmpty()) {
+        (this->*m_confirmed)();
+        return;
+    }
+    m_link.read(row().address, BoxProtocol::MACAddress,
+                m_listener.hear([this](const QString& answer) {
+                    const QString mac = HttpResult::fromBody(answer).value.toString();
+                    if (BoxProtocol::isSameMac(mac, row().mac)) {
+                        m_failures = 0;
+                        (this->*m_confirmed)();
+                    } else if (BoxProtocol::isMacAddress(mac)) {
+                        anotherBox(mac);
+                    } else {
+                        askAgain(&BoxUpgrade::confirmNow);
+                    }
+                }));
+}
+
+void BoxUpgrade::anotherBox(const QString& mac)
+{
+    m_host.identified(row().address, mac);
+    leaveAlone(tr("此地址上现在是另一台设备(%1),未升级").arg(mac));
+}
+
+// --- who it is ---------------------------------------------------------------------------------
+
+void BoxUpgrade::identify()
+{
+    enter(Step::Identifying);
+    m_limit = m_clock.ms() + ticks(identifyTicks);
+    askIdentity();
+}
+
+void BoxUpgrade::askIdentity()
+{
+    m_link.read(row().address, BoxProtocol::MACAddress,
+                m_listener.hear([this](const QString& answer) { takeIdentity(answer); }));
+}
+
+void BoxUpgrade::takeIdentity(const QString& answer)
+{
+    const HttpResult told = HttpResult::fromBody(answer);
+    if (told.parameterName != BoxProtocol::MACAddress) {
+        askAgain(&BoxUpgrade::askIdentity);
+        return;
+    }
+    const QString mac = told.value.toString();
+    const bool isMac = BoxProtocol::isMacAddress(mac);
+    if (!row().mac.isEmpty() && !BoxProtocol::isSameMac(mac, row().mac)) {
+        if (isMac)
+            anotherBox(mac);
+        else
+            askAgain(&BoxUpgrade::askIdentity);
+        return;
+    }
+    if (!isMac) {
+        // It has none to tell: nothing can be proved of it, and nothing kept.
+        askVersionBefore();
+        return;
+    }
+    row().mac = mac;
+    m_tookOver = m_host.takeOver(*this);
+    m_host.identified(row().address, mac);
+    m_identified = true;
+    if (m_host.isTwin(*this)) {
+        row().ambiguous = true;
+        leaveAlone(tr("此MAC地址的另一台设备正在升级,未升级"));
+        return;
+    }
+    askTwins(m_host.otherAddresses(mac, row().address), [this](bool twins) {
+        row().ambiguous = row().ambiguous || twins;
+        askVersionBefore();
+    });
+}
+
+/// A box that moved leaves a row behind: only what answers counts.
+void BoxUpgrade::askTwins(QStringList addresses, std::function<void(bool)> then)
+{
+    if (addresses.isEmpty()) {
+        then(false);
+        return;
+    }
+    const QString ip = addresses.takeFirst();
+    m_link.read(ip, BoxProtocol::MACAddress,
+                m_listener.hear([this, addresses, then](const QString& answer) {
+                    const QString mac = HttpResult::fromBody(answer).value.toString();
+                    if (BoxProtocol::isSameMac(mac, row().mac))
+                        then(true);
+                    else
+                        askTwins(addresses, then);
+                }));
+}
+
+void BoxUpgrade::askVersionBefore()
+{
+    m_link.read(row().address, BoxProtocol::FirmVersion,
+                m_listener.hear([this](const QString& answer) {
+                    const HttpResult told = HttpResult::fromBody(answer);
+                    const bool known = told.parameterName == BoxProtocol::FirmVersion &&
+                                       !told.value.toString().isEmpty();
+                    if (!known && ++m_versionTries < versionTries) {
+                        askAgain(&BoxUpgrade::askVersionBefore);
+                        return;
+                    }
+                    row().versionBefore =
+                        known ? told.value.toString().left(UpgradeRow::LongestVersion) : QString();
+                    if (known)
+                        m_host.versionTold(row().address, told.value.toString());
+                    identified();
+                }));
+}
+
+void BoxUpgrade::identified()
+{
+    if (m_tookOver) {
+        // What the box has by now is what the upgrade before left of them.
+        if (row().ambiguous)
+            leaveAlone(tr("网络中有两台设备的MAC地址相同,未升级"));
+        else if (m_keep)
+            switchDhcp();
+        else
+            beginUploading();
+    } else if (!m_keep) {
+        beginUploading();
+    } else if (row().ambiguous || row().mac.isEmpty()) {
+        leaveAlone(row().ambiguous ? tr("网络中有两台设备的MAC地址相同,无法保留设置,未升级")
+                                   : tr("设备没有MAC地址,无法保留设置,未升级"));
+    } else {
+        readSettings();
+    }
+}

@@ -1,0 +1,349 @@
+// SPDX-License-Identifier: MIT
+// A box from its activation until its story has ended.
+#include "upgrade/box_upgrade.h"
+
+#include "common/box_protocol.h"
+#include "common/http_result.h"
+#include "upgrade/upgrade_judgement.h"
+
+namespace
+{
+
+using Stage = UpgradeRow::Stage;
+using Settings = UpgradeRow::Settings;
+
+constexpr int roundTicks = 2;
+constexpr int shortestRoundMs = 250;
+/// Rounds without an answer, and the time that they take at least, after which a box has really
+/// been away: a few requests lost on a busy network are no restart.
+constexpr int missedWhenAway = 3;
+constexpr int shortestAbsenceTicks = 6;
+constexpr int restartTicks = 120;
+constexpr int mostLost = 10;
+
+} // namespace
+
+void BoxUpgrade::resume()
+{
+    m_package.version = row().expected;
+    m_wasAway = row().wasAway;
+    m_held = row().settings == Settings::Waiting;
+    m_ordered = row().stage == Stage::Activated;
+    row().settled = false;
+    if (m_ordered) {
+        enter(Step::Away);
+        watch();
+    } else if (m_held) {
+        enter(Step::Missing);
+    } else {
+        end();
+    }
+}
+
+void BoxUpgrade::release()
+{
+    m_held = false;
+    if (m_step == Step::Missing)
+        awaitBox();
+}
+
+void BoxUpgrade::awaitBox()
+{
+    m_ordered = false;
+    row().settled = false;
+    enter(Step::Away);
+    watch();
+}
+
+void BoxUpgrade::dropSettings()
+{
+    if (row().settings != Settings::Waiting)
+        return;
+    row().settings = Settings::Dropped;
+    m_held = false;
+    if (m_step == Step::Missing)
+        end();
+    else
+        m_host.changed(*this);
+}
+
+void BoxUpgrade::handOver(UpgradeRow& to)
+{
+    if (row().settings != Settings::Waiting)
+        return;
+    to.settings = Settings::Waiting;
+    to.saved = row().saved;
+    to.dhcpForced = row().dhcpForced;
+    row().settings = Settings::HandedOver;
+    end();
+}
+
+void BoxUpgrade::heardAt(const QString& ip)
+{
+    if (ip != row().address && isWatching())
+        m_candidates << ip;
+    if (m_step != Step::Missing || m_held || row().settings != Settings::Waiting)
+        return;
+    m_candidates << ip;
+    awaitBox();
+}
+
+bool BoxUpgrade::isWatching() const
+{
+    return m_step == Step::Away || m_step == Step::Restarting ||
+           (m_step == Step::Activating && m_ordered);
+}
+
+void BoxUpgrade::watch()
+{
+    m_orderedAt = m_clock.ms();
+    m_missed = 0;
+    m_askingVersion = false;
+    m_round.forget();
+    m_asked.clear();
+    m_nextRound = m_clock.ms();
+}
+
+/// What time alone brings about while the box is watched.
+void BoxUpgrade::watchTime(qint64 now)
+{
+    if (!isWatching())
+        return;
+    if (m_missed > 0 && isOutOfTime()) {
+        giveUpWaiting();
+        return;
+    }
+    if (m_asked.isEmpty() && !m_askingVersion && now >= m_nextRound)
+        askAround();
+}
+
+int BoxUpgrade::patience() const
+{
+    return m_step == Step::Restarting ? restartTicks : AllowanceTicks;
+}
+
+bool BoxUpgrade::isOutOfTime() const
+{
+    return m_clock.ms() >= m_orderedAt + ticks(patience());
+}
+
+void BoxUpgrade::askAround()
+{
+    m_nextRound = m_clock.ms() + qMax<qint64>(shortestRoundMs, ticks(roundTicks));
+    m_answered.clear();
+    m_round.forget();
+    QStringList known = m_host.otherAddresses(row().mac, row().address) << row().address;
+    known += m_candidates.values();
+    QSet<QString> addresses;
+    for (const QString& ip : qAsConst(known)) {
+        if (BoxProtocol::isIpv4Address(ip))
+            addresses << ip;
+    }
+    m_asked = addresses;
+    if (addresses.isEmpty())
+        takeWhereabouts();
+    for (const QString& ip : qAsConst(addresses))
+        m_link.read(ip, BoxProtocol::MACAddress,
+                    m_round.hear([this, ip](const QString& answer) { takeAnswer(ip, answer); }));
+}
+
+void BoxUpgrade::takeAnswer(const QString& ip, const QString& answer)
+{
+    const QString mac = HttpResult::fromBody(answer).value.toString();
+    // Of a box without a MAC address whoever answers has to do.
+    if (row().mac.isEmpty() ? !answer.isEmpty() : BoxProtocol::isSameMac(mac, row().mac))
+        m_answered << ip;
+    m_asked.remove(ip);
+    if (m_asked.isEmpty())
+        takeWhereabouts();
+}
+
+void BoxUpgrade::takeWhereabouts()
+{
+    if (m_answered.isEmpty()) {
+        noteAbsence();
+        return;
+    }
+    m_missed = 0;
+    if (m_answered.size() > 1)
+        row().ambiguous = true;
+    QString ip = row().address;
+    if (!m_answered.contains(ip)) {
+        // It is elsewhere: an address passes on with a restart only.
+        ip = m_answered.first();
+        row().address = ip;
+        m_wasAway = true;
+        if (m_ordered)
+            succeed();
+        m_host.identified(ip, row().mac);
+        m_host.changed(*this);
+    }
+    m_candidates.clear();
+    if (m_step == Step::Restarting) {
+        if (m_wasAway || isOutOfTime())
+            restarted();
+    } else if (m_ordered) {
+        askVersion();
+    } else {
+        writeBack();
+    }
+}
+
+void BoxUpgrade::noteAbsence()
+{
+    const qint64 now = m_clock.ms();
+    if (m_missed++ == 0)
+        m_missedSince = now;
+    if (m_missed >= missedWhenAway && now - m_missedSince >= ticks(shortestAbsenceTicks))
+        m_wasAway = true;
+}
+
+void BoxUpgrade::askVersion()
+{
+    m_askingVersion = true;
+    m_link.read(row().address, BoxProtocol::FirmVersion,
+                m_round.hear([this](const QString& answer) { takeVersion(answer); }));
+}
+
+void BoxUpgrade::takeVersion(const QString& answer)
+{
+    m_askingVersion = false;
+    const HttpResult told = HttpResult::fromBody(answer);
+    const QString version = told.value.toString().left(UpgradeRow::LongestVersion);
+    const bool known = told.parameterName == BoxProtocol::FirmVersion && !version.isEmpty();
+    if (known)
+        m_host.versionTold(row().address, version);
+    const bool changed = known && UpgradeJudgement::hasChangedOver(row(), version, m_wasAway);
+    if (changed || (known && isOutOfTime())) {
+        row().versionAfter = version;
+        row().wasAway = m_wasAway;
+        spendTime();
+        m_host.changed(*this);
+        if (row().isProved())
+            succeed();
+    }
+    // To read is harmless, to write and to restart it is not: before it was really away it may
+    // still be at work on its package, and with the old version it may have to begin with it yet.
+    const bool mayWrite = isOutOfTime() || (changed && m_wasAway);
+    if (mayWrite || (changed && row().settings != Settings::Waiting))
+        changeOverEnded();
+}
+
+void BoxUpgrade::changeOverEnded()
+{
+    m_ordered = false;
+    if (!m_succeeded)
+        m_timedOut = true;
+    writeBack();
+}
+
+void BoxUpgrade::giveUpWaiting()
+{
+    m_ordered = false;
+    if (m_step == Step::Restarting && row().settings != Settings::Waiting) {
+        row().note = tr("恢复设置后重启,未再回应");
+        end();
+        return;
+    }
+    if (row().settings != Settings::Waiting) {
+        end();
+        return;
+    }
+    spendTime();
+    row().settled = true;
+    m_timedOut = !m_succeeded;
+    enter(Step::Missing);
+}
+
+// --- what it gets back -------------------------------------------------------------------------
+
+void BoxUpgrade::writeBack()
+{
+    if (row().settings != Settings::Waiting) {
+        end();
+        return;
+    }
+    if (m_held) {
+        row().settled = true;
+        enter(Step::Missing);
+        return;
+    }
+    enter(Step::WritingBack);
+    askTwins(m_host.otherAddresses(row().mac, row().address),
+             [this](bool twins) { beginWriting(twins); });
+}
+
+void BoxUpgrade::beginWriting(bool twins)
+{
+    row().ambiguous = row().ambiguous || twins;
+    // Nothing written is nothing restored.
+    if (row().ambiguous || row().saved.isEmpty()) {
+        row().settings = row().ambiguous ? Settings::Ambiguous : Settings::NotSaved;
+        m_host.writeBackEnded(*this);
+        end();
+        return;
+    }
+    m_host.writeBackBegins(*this, row().saved);
+    m_writer.start(row().address, row().mac, row().saved,
+                   [this](const SettingsWriter::Outcome& outcome) { takeOutcome(outcome); });
+}
+
+void BoxUpgrade::takeOutcome(const SettingsWriter::Outcome& outcome)
+{
+    if (outcome.lost) {
+        if (++m_lost < mostLost)
+            awaitBox();
+        else
+            giveUpWaiting();
+        return;
+    }
+    const QStringList failed = outcome.refused + outcome.different;
+    if (failed.isEmpty()) {
+        row().settings = outcome.unread.isEmpty() ? Settings::Restored : Settings::Unverified;
+        row().lastTry = false;
+        m_host.writeBackEnded(*this);
+        m_host.keep(*this, [this](bool) { confirmRestart(); });
+    } else if (row().lastTry) {
+        row().settings = Settings::SomeFailed;
+        for (const QString& name : failed)
+            row().failedSettings << name + QLatin1Char('=') + row().saved.value(name).toString();
+        m_host.writeBackEnded(*this);
+        end();
+    } else {
+        row().lastTry = true;
+        m_host.lastTryFollows(*this);
+        m_host.keep(*this, [this](bool) { confirmRestart(); });
+    }
+}
+
+void BoxUpgrade::confirmRestart()
+{
+    if (m_step != Step::WritingBack)
+        return;
+    m_link.read(
+        row().address, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
+            if (BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), row().mac))
+                m_link.order(row().address, BoxOrder::Restart, [](const QString&) {});
+            beginRestart();
+        }));
+}
+
+void BoxUpgrade::beginRestart()
+{
+    enter(Step::Restarting);
+    m_wasAway = false;
+    // With its own address it comes back there.
+    m_candidates << row().addressBefore;
+    const QString own = row().saved.value(BoxProtocol::IPAddress).toString();
+    if (BoxProtocol::isIpv4Address(own))
+        m_candidates << own;
+    watch();
+}
+
+void BoxUpgrade::restarted()
+{
+    if (row().settings == Settings::Waiting)
+        writeBack();
+    else
+        end();
+}

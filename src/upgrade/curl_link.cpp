@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#include "upgrade/curl_link.h"
+
+#include "common/box_protocol.h"
+#include "common/http_result.h"
+#include "common/spark_http.h"
+
+#include <QTimer>
+
+CurlLink::CurlLink(Spark_Http& http)
+    : QObject(nullptr)
+    , m_http(http)
+    , m_runner(QStringLiteral("BoxUpgrade"), [this](QProcess* made) {
+        m_made = made;
+        m_commands.insert(made, m_next);
+        const int limitMs = m_next.limitMs;
+        connect(made, &QProcess::readyReadStandardOutput, this, [this, made] { collect(made); });
+        // Queued: a program that cannot start ends within its start.
+        connect(made, &QProcess::stateChanged, this, [this, made](QProcess::ProcessState state) {
+            if (state == QProcess::NotRunning)
+                ended(made);
+        });
+        connect(made, &QProcess::started, made, [made, limitMs] {
+            if (limitMs > 0)
+                QTimer::singleShot(limitMs, made, &QProcess::kill);
+        });
+    })
+{
+}
+
+CurlLink::~CurlLink() = default;
+
+void CurlLink::read(const QString& ip, const QString& parameter, Answered answered)
+{
+    m_reads.insert(m_http.get(readType(), BoxProtocol::readUrl(ip, parameter), false),
+                   std::move(answered));
+}
+
+void CurlLink::handleRead(const HttpResult& result)
+{
+    if (const Answered answered = m_reads.take(result.id))
+        answered(result.body);
+}
+
+void CurlLink::write(const QString& ip, const QString& parameter, const QString& value,
+                     Answered answered)
+{
+    run(ip, BoxProtocol::setCommand(parameter, BoxProtocol::escapeEquals(value), ip),
+        CommandRunner::WaitLimitMs, std::move(answered));
+}
+
+void CurlLink::upload(const QString& ip, const QString& file, Answered answered)
+{
+    run(ip, BoxProtocol::uploadCommand(file, ip), 0, std::move(answered));
+    m_uploads.insert(ip, m_made);
+}
+
+void CurlLink::abandonUpload(const QString& ip)
+{
+    if (QProcess* process = m_uploads.take(ip))
+        CommandRunner::stop(process);
+}
+
+void CurlLink::order(const QString& ip, BoxOrder order, Answered answered)
+{
+    const bool activate = order == BoxOrder::Activate;
+    run(ip, activate ? BoxProtocol::otaCommand(ip) : BoxProtocol::rebootCommand(ip),
+        activate ? 0 : CommandRunner::WaitLimitMs, std::move(answered));
+}
+
+void CurlLink::run(const QString& ip, const QString& command, int limitMs, Answered answered)
+{
+    m_next = {std::move(answered), limitMs, {}};
+    m_runner.execCurl(ip, command, {});
+    m_next = {};
+}
+
+void CurlLink::collect(QProcess* process)
+{
+    const auto found = m_commands.find(process);
+    if (found == m_commands.end())
+        return;
+    // More than a box says is not kept; the rest of it is not waited for.
+    if (found->reply.size() > CommandRunner::ReplyLimit) {
+        process->kill();
+        return;
+    }
+    found->reply += m_runner.takeReply(process);
+}
+
+void CurlLink::ended(QProcess* process)
+{
+    if (process->bytesAvailable() > 0)
+        collect(process);
+    m_runner.noteEnd(process);
+    const Command command = m_commands.take(process);
+    if (!command.answered)
+        return;
+    // Later, as promised: a program that cannot start ends within its start.
+    const QString reply =
+        command.reply.size() > CommandRunner::ReplyLimit ? QString() : command.reply;
+    QTimer::singleShot(0, this, [command, reply] { command.answered(reply); });
+}

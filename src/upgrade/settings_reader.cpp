@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "upgrade/settings_reader.h"
+
+#include "common/box_protocol.h"
+#include "common/http_result.h"
+#include "upgrade/kept_settings.h"
+
+namespace
+{
+
+constexpr int longestReadPauseTicks = 8;
+
+} // namespace
+
+void SettingsReader::start(const QString& ip, const QString& mac, int limitTicks, Done done)
+{
+    stop();
+    m_ip = ip;
+    m_mac = mac;
+    m_missing = BoxProtocol::configurationParameters();
+    m_values.clear();
+    m_failures = 0;
+    m_sure = true;
+    m_done = std::move(done);
+    m_limit = m_clock.ms() + qint64(limitTicks) * m_clock.tickMs();
+    goOn();
+}
+
+void SettingsReader::stop()
+{
+    m_listener.forget();
+    m_asking = false;
+    m_done = nullptr;
+}
+
+void SettingsReader::tick()
+{
+    if (!m_done || m_asking)
+        return;
+    if (m_clock.ms() >= m_limit)
+        finish(false);
+    else if (m_clock.ms() >= m_next)
+        goOn();
+}
+
+void SettingsReader::goOn()
+{
+    m_asking = true;
+    if (m_missing.isEmpty() || !m_sure)
+        confirm();
+    else
+        read(m_missing.first());
+}
+
+void SettingsReader::confirm()
+{
+    if (m_mac.isEmpty()) {
+        m_sure = true;
+        m_missing.isEmpty() ? finish(!m_values.isEmpty()) : goOn();
+        return;
+    }
+    m_link.read(m_ip, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
+        m_asking = false;
+        const QString mac = HttpResult::fromBody(answer).value.toString();
+        m_sure = BoxProtocol::isSameMac(mac, m_mac);
+        if (!m_sure && BoxProtocol::isMacAddress(mac))
+            finish(false);
+        else if (!m_sure)
+            pause();
+        else if (m_missing.isEmpty())
+            finish(!m_values.isEmpty());
+        else
+            goOn();
+    }));
+}
+
+void SettingsReader::read(const QString& name)
+{
+    m_link.read(m_ip, name,
+                m_listener.hear([this, name](const QString& answer) { take(name, answer); }));
+}
+
+void SettingsReader::take(const QString& name, const QString& answer)
+{
+    m_asking = false;
+    const HttpResult result = HttpResult::fromBody(answer);
+    const bool isAnswer = result.parameterName == name;
+    const bool hasValue = isAnswer && KeptSettings::isValue(result.value);
+    m_missing.removeOne(name);
+    // A box that says that it has no such parameter has answered, too.
+    if (!hasValue && !(isAnswer && !result.value.isValid())) {
+        // The others first: it may be this one that is never told.
+        m_missing << name;
+        pause();
+        return;
+    }
+    if (hasValue)
+        m_values.insert(name, result.value.toString());
+    m_failures = 0;
+    goOn();
+}
+
+void SettingsReader::pause()
+{
+    m_sure = false;
+    const int ticks = qMin(1 << qMin(m_failures++, longestReadPauseTicks), longestReadPauseTicks);
+    m_next = m_clock.ms() + qint64(ticks) * m_clock.tickMs();
+}
+
+void SettingsReader::finish(bool whole)
+{
+    const Done done = std::move(m_done);
+    stop();
+    done(m_values, whole);
+}

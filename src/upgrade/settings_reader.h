@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "upgrade/box_link.h"
+#include "upgrade/upgrade_clock.h"
+
+#include <QStringList>
+#include <QVariantMap>
+
+/// Reads the settings of one box, one after the other, and asks again for what is missing only,
+/// with growing pauses. Whenever the box was silent, and in the end, it is asked who it is: its
+/// address may have passed to another box meanwhile.
+class SettingsReader
+{
+public:
+    /// `whole`: every parameter has a value, or the box said that it has none of that name, and at
+    /// least one has a value.
+    using Done = std::function<void(const QVariantMap& values, bool whole)>;
+
+    SettingsReader(BoxLink& link, const UpgradeClock& clock) : m_link(link), m_clock(clock) {}
+
+    /// Takes `limitTicks` at most, and the time of one read. `done` is called once, later. `mac`
+    /// may be empty for a box that tells none.
+    void start(const QString& ip, const QString& mac, int limitTicks, Done done);
+    /// Nothing more is asked, and `done` is not called.
+    void stop();
+    bool isReading() const { return bool(m_done); }
+    /// To be called often: pauses end and limits pass in it.
+    void tick();
+
+private:
+    void goOn();
+    void confirm();
+    void read(const QString& name);
+    void pause();
+    void take(const QString& name, const QString& answer);
+    void finish(bool whole);
+
+    BoxLink& m_link;
+    const UpgradeClock& m_clock;
+    BoxListener m_listener;
+    QString m_ip;
+    QString m_mac;
+    QStringList m_missing;
+    QVariantMap m_values;
+    Done m_done;
+    bool m_asking = false;
+    bool m_sure = false; ///< it is still the box that began
+    int m_failures = 0;  ///< in a row
+    qint64 m_next = 0;   ///< not before
+    qint64 m_limit = 0;
+};

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "upgrade/settings_writer.h"
+
+#include "common/box_protocol.h"
+#include "common/box_reply.h"
+#include "common/http_result.h"
+#include "upgrade/kept_settings.h"
+
+void SettingsWriter::start(const QString& ip, const QString& mac, const QVariantMap& values,
+                           Done done)
+{
+    stop();
+    m_ip = ip;
+    m_mac = mac;
+    m_values = values;
+    m_rest = values.keys();
+    m_outcome = {};
+    m_done = std::move(done);
+    writeNext();
+}
+
+void SettingsWriter::stop()
+{
+    m_listener.forget();
+    m_done = nullptr;
+}
+
+void SettingsWriter::writeNext()
+{
+    if (m_rest.isEmpty()) {
+        m_rest = m_values.keys();
+        checkNext();
+        return;
+    }
+    m_link.read(m_ip, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
+        const HttpResult who = HttpResult::fromBody(answer);
+        m_outcome.lost = !BoxProtocol::isSameMac(who.value.toString(), m_mac);
+        if (m_outcome.lost)
+            finish();
+        else
+            write(m_rest.takeFirst());
+    }));
+}
+
+void SettingsWriter::write(const QString& name)
+{
+    m_link.write(m_ip, name, m_values.value(name).toString(),
+                 m_listener.hear([this, name](const QString& answer) {
+                     if (!BoxReply(answer).isSetSuccess())
+                         m_outcome.refused << name;
+                     writeNext();
+                 }));
+}
+
+void SettingsWriter::checkNext()
+{
+    if (m_rest.isEmpty()) {
+        finish();
+        return;
+    }
+    const QString name = m_rest.takeFirst();
+    m_link.read(m_ip, name, m_listener.hear([this, name](const QString& answer) {
+        const HttpResult now = HttpResult::fromBody(answer);
+        if (now.parameterName != name || !KeptSettings::isValue(now.value))
+            m_outcome.unread << name;
+        else if (now.value.toString() != m_values.value(name).toString() &&
+                 !m_outcome.refused.contains(name))
+            m_outcome.different << name;
+        checkNext();
+    }));
+}
+
+void SettingsWriter::finish()
+{
+    const Done done = std::move(m_done);
+    const Outcome outcome = m_outcome;
+    stop();
+    done(outcome);
+}

@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: MIT
+#include "upgrade/upgrade_fleet.h"
+
+#include "common/box_protocol.h"
+#include "upgrade/interrupted_batch.h"
+#include "upgrade/kept_settings.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace
+{
+
+using Settings = UpgradeRow::Settings;
+
+} // namespace
+
+UpgradeFleet::UpgradeFleet(BoxLink& link, const UpgradeClock& clock, UpgradeStore& store,
+                           KeptSettings& kept, Addresses addresses)
+    : QObject(nullptr)
+    , m_link(link)
+    , m_clock(clock)
+    , m_kept(kept)
+    , m_addresses(std::move(addresses))
+    , m_sessions(store, clock)
+{
+}
+
+UpgradeFleet::~UpgradeFleet() = default;
+
+void UpgradeFleet::begin(const FirmwarePackage& package)
+{
+    m_package = package;
+    m_latest = &m_sessions.add(QFileInfo(package.path).fileName(), package.md5);
+}
+
+BoxUpgrade& UpgradeFleet::add(const QString& ip, const QString& mac, bool keepSettings)
+{
+    UpgradeRow row;
+    row.mac = BoxProtocol::isMacAddress(mac) ? mac : QString();
+    row.addressBefore = row.address = ip;
+    row.started = m_clock.date();
+    row.settings = keepSettings ? Settings::NotSaved : Settings::NotKept;
+    BoxUpgrade& box = addBox(*m_latest, row);
+    box.start(m_package, keepSettings);
+    return box;
+}
+
+BoxUpgrade& UpgradeFleet::addBox(UpgradeSession& session, const UpgradeRow& row)
+{
+    session.rows << row;
+    m_boxes.push_back(
+        std::make_unique<BoxUpgrade>(session, session.rows.size() - 1, m_link, m_clock, *this));
+    return *m_boxes.back();
+}
+
+void UpgradeFleet::endBatch()
+{
+    for (const auto& box : m_boxes) {
+        if (!box->isInBatch())
+            continue;
+        box->session().ended = true;
+        m_sessions.touch(box->session());
+        box->endBatch();
+    }
+}
+
+void UpgradeFleet::tick()
+{
+    // By index: one that ends may bring about another.
+    for (size_t n = 0; n < m_boxes.size(); ++n)
+        m_boxes[n]->tick();
+    if (m_sessions.tick())
+        emit reportChanged();
+}
+
+void UpgradeFleet::countDown()
+{
+    for (const auto& box : m_boxes)
+        box->countDown();
+}
+
+void UpgradeFleet::heard(const QString& ip, const QString& mac)
+{
+    if (!BoxProtocol::isMacAddress(mac) || !BoxProtocol::isIpv4Address(ip))
+        return;
+    if (BoxUpgrade* box = find(mac)) {
+        box->heardAt(ip);
+        if (box->isOwner() || box->row().settings == Settings::Waiting)
+            return;
+    }
+    if (!m_kept.isWaiting(mac))
+        return;
+    // Settings that somebody has put into the window's list.
+    UpgradeRow row;
+    row.mac = mac;
+    row.addressBefore = row.address = ip;
+    row.started = m_clock.date();
+    row.stage = UpgradeRow::Stage::UploadFailed;
+    row.settings = Settings::Waiting;
+    row.saved = m_kept.values(mac);
+    addBox(m_sessions.addUnlisted(), row).awaitBox();
+}
+
+BoxUpgrade* UpgradeFleet::find(const QString& mac) const
+{
+    for (auto it = m_boxes.rbegin(); it != m_boxes.rend(); ++it) {
+        if (BoxProtocol::isSameMac((*it)->row().mac, mac))
+            return it->get();
+    }
+    return nullptr;
+}
+
+void UpgradeFleet::adopt(const QVector<UpgradeSession>& found)
+{
+    QMap<QString, QVariantMap> waiting;
+    QDateTime when;
+    int underWay = 0;
+    const QVector<UpgradeSession*> sessions = m_sessions.adopt(found);
+    std::vector<std::unique_ptr<BoxUpgrade>> boxes;
+    // The newest first: of settings that wait twice for a box, the later ones count.
+    for (auto it = sessions.rbegin(); it != sessions.rend(); ++it) {
+        UpgradeSession& session = **it;
+        underWay += markInterrupted(session, m_clock.date());
+        m_sessions.touch(session);
+        for (int index = session.rows.size() - 1; index >= 0; --index) {
+            UpgradeRow& row = session.rows[index];
+            const bool later = waiting.contains(row.mac) || find(row.mac);
+            if (row.settings == Settings::Waiting && later)
+                row.settings = Settings::HandedOver;
+            if (row.settings == Settings::Waiting) {
+                waiting.insert(row.mac, row.saved);
+                when = qMax(when, session.started);
+            } else if (row.settled) {
+                continue;
+            }
+            boxes.push_back(std::make_unique<BoxUpgrade>(session, index, m_link, m_clock, *this));
+        }
+    }
+    // Whatever this run has begun meanwhile is later.
+    std::reverse(boxes.begin(), boxes.end());
+    const size_t count = boxes.size();
+    m_boxes.insert(m_boxes.begin(), std::make_move_iterator(boxes.begin()),
+                   std::make_move_iterator(boxes.end()));
+    for (size_t n = 0; n < count; ++n)
+        m_boxes[n]->resume();
+    if (underWay > 0)
+        emit interruptedFound(underWay);
+    if (!waiting.isEmpty())
+        emit settingsFound(waiting, when);
+}
+
+void UpgradeFleet::release(const QStringList& macs)
+{
+    for (const QString& mac : macs) {
+        if (BoxUpgrade* box = find(mac))
+            box->release();
+    }
+}
+
+void UpgradeFleet::dropSettings(const QStringList& macs)
+{
+    for (const QString& mac : macs) {
+        if (BoxUpgrade* box = find(mac))
+            box->dropSettings();
+        m_kept.removeWaiting(mac);
+    }
+}
+
+UpgradeCounts UpgradeFleet::counts() const
+{
+    UpgradeCounts counts;
+    for (const auto& box : m_boxes) {
+        if (!box->isInBatch())
+            continue;
+        ++counts.upgrading;
+        counts.successful += box->hasSucceeded() ? 1 : 0;
+        counts.timedOut += box->hasTimedOut() ? 1 : 0;
+    }
+    return counts;
+}
+
+bool UpgradeFleet::owns(const QString& mac) const
+{
+    return std::any_of(m_boxes.begin(), m_boxes.end(), [&mac](const auto& box) {
+        return box->isOwner() && BoxProtocol::isSameMac(box->row().mac, mac);
+    });
+}
+
+int UpgradeFleet::waitingCount() const
+{
+    return int(std::count_if(m_boxes.begin(), m_boxes.end(), [](const auto& box) {
+        return box->row().settings == Settings::Waiting;
+    }));
+}
+
+bool UpgradeFleet::isIdle() const
+{
+    return waitingCount() == 0 && std::none_of(m_boxes.begin(), m_boxes.end(),
+                                               [](const auto& box) { return box->isOwner(); });
+}
+
+void UpgradeFleet::keep(BoxUpgrade& box, std::function<void(bool kept)> then)
+{
+    m_sessions.keep(box.session(), std::move(then));
+}
+
+void UpgradeFleet::changed(BoxUpgrade& box)
+{
+    m_sessions.touch(box.session());
+    mirrorWaiting(box);
+    emit boxChanged(&box);
+}
+
+void UpgradeFleet::tell(BoxUpgrade& box, const QString& line)
+{
+    emit told(&box, line);
+}
+
+void UpgradeFleet::identified(const QString& ip, const QString& mac)
+{
+    emit boxIdentified(ip, mac);
+}
+
+void UpgradeFleet::versionTold(const QString& ip, const QString& version)
+{
+    emit versionHeard(ip, version);
+}
+
+QStringList UpgradeFleet::otherAddresses(const QString& mac, const QString& ip) const
+{
+    QStringList addresses = mac.isEmpty() ? QStringList() : m_addresses(mac);
+    addresses.removeAll(ip);
+    return addresses;
+}
+
+bool UpgradeFleet::isTwin(const BoxUpgrade& box)
+{
+    bool isTwin = false;
+    for (const auto& other : m_boxes) {
+        if (other.get() == &box || !other->isOwner() || !other->isIdentified() ||
+            !BoxProtocol::isSameMac(other->row().mac, box.row().mac))
+            continue;
+        // Neither can be told from the other any more.
+        other->row().ambiguous = true;
+        isTwin = true;
+    }
+    return isTwin;
+}
+
+bool UpgradeFleet::takeOver(BoxUpgrade& box)
+{
+    for (auto it = m_boxes.rbegin(); it != m_boxes.rend(); ++it) {
+        BoxUpgrade& other = **it;
+        if (&other != &box && !other.isOwner() && other.row().settings == Settings::Waiting &&
+            BoxProtocol::isSameMac(other.row().mac, box.row().mac)) {
+            other.handOver(box.row());
+            return true;
+        }
+    }
+    return false;
+}
+
+void UpgradeFleet::settingsRead(BoxUpgrade& box, const QVariantMap& values)
+{
+    if (!m_kept.isWaiting(box.row().mac))
+        m_kept.setValues(box.row().mac, values);
+}
+
+void UpgradeFleet::writeBackBegins(BoxUpgrade& box, const QVariantMap& values)
+{
+    m_kept.removeWaiting(box.row().mac);
+    emit writingBack(box.row().address, values);
+}
+
+void UpgradeFleet::lastTryFollows(BoxUpgrade& box)
+{
+    m_kept.addLastTry(box.row().mac);
+}
+
+void UpgradeFleet::writeBackEnded(BoxUpgrade& box)
+{
+    const UpgradeRow& row = box.row();
+    m_kept.takeLastTry(row.mac);
+    m_kept.removeWaiting(row.mac);
+    if (row.settings == Settings::Restored || row.settings == Settings::Unverified)
+        emit restored(row.address);
+    else if (row.settings == Settings::SomeFailed)
+        emit restoreFailed(row.address);
+}
+
+/// The window's list says whose settings wait, too.
+void UpgradeFleet::mirrorWaiting(const BoxUpgrade& box)
+{
+    const UpgradeRow& row = box.row();
+    if (row.mac.isEmpty() || box.isHeld() || box.step() == BoxUpgrade::Step::WritingBack)
+        return;
+    if (row.settings == Settings::Waiting && !m_kept.isWaiting(row.mac)) {
+        m_kept.setValues(row.mac, row.saved);
+        m_kept.addWaiting(row.mac);
+    }
+}
