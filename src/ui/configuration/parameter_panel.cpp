@@ -155,7 +155,8 @@ int ParameterPanel::unreadCount(const QString& ip) const
     const QMap<QString, QString> sent = valuesToSave(ip);
     for (const ShownParameter& parameter : m_parameters) {
         const ParameterRow& row = parameter.row();
-        count += row.binding.read && parameter.isUnread() && !sent.contains(row.name) ? 1 : 0;
+        const bool unread = parameter.isUnread() || parameter.state() == FieldState::Changed;
+        count += row.binding.read && unread && !sent.contains(row.name) ? 1 : 0;
     }
     return count;
 }

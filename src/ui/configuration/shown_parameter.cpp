@@ -26,6 +26,7 @@ void ShownParameter::forget()
 
 void ShownParameter::expect(bool editable)
 {
+    m_carried = m_changed;
     m_stays = editable && (m_stays || m_state == FieldState::Read);
     m_state = FieldState::Unknown;
     m_awaited = true;
@@ -100,6 +101,8 @@ bool ShownParameter::look()
     const bool was = m_changed;
     // What shows as unknown cannot be changed by the operator.
     m_changed = state() < FieldState::Missing && m_row.binding.read() != m_before;
+    if (m_changed != was)
+        m_carried = m_state != FieldState::Read;
     return m_changed != was;
 }
 
@@ -108,9 +111,11 @@ std::optional<QString> ShownParameter::toSave(bool sameBox) const
     const ParameterBinding& binding = m_row.binding;
     if (!binding.read)
         return std::nullopt;
-    if (!m_row.isRead() || (m_changed && (sameBox || m_state == FieldState::Read)))
+    if (!m_row.isRead())
         return binding.read();
-    return m_state == FieldState::Read && !m_changed ? m_told : std::nullopt;
+    if (m_changed)
+        return sameBox || !m_carried ? binding.read() : std::nullopt;
+    return m_state == FieldState::Read ? m_told : std::nullopt;
 }
 
 void ShownParameter::noteSaved(const QString& value)

@@ -37,7 +37,7 @@ public:
     bool look();
 
     /// What saving sends: what the operator made of it, else what the box itself has told, as it
-    /// stands. Nothing of what has not been read, and what was typed before the box was read again
+    /// stands. Nothing of what has not been read; what was changed before the box was read again
     /// only when that is known to be the same box.
     std::optional<QString> toSave(bool sameBox) const;
     /// The box has taken `value`.
@@ -54,6 +54,7 @@ private:
     FieldState m_state = FieldState::Unknown;
     bool m_awaited = false;
     bool m_changed = false;
+    bool m_carried = false;          ///< and that before the box was read again
     bool m_stays = false;            ///< shows as read, though it is being read again
     bool m_showing = false;          ///< it is the program that writes to the field
     std::optional<QString> m_told;   ///< by the box, as saving would send it

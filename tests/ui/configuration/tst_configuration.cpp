@@ -215,11 +215,22 @@ void tst_Configuration::typedIsNotForAnotherBox()
     child<Inputui>("eParam_NDIName")->setText("Typed");
     const QString mac = m_box->parameter("eParam_MACAddress");
     m_box->setParameter("eParam_MACAddress", "02:00:00:00:00:77");
+    // Who answers there is not known before all the rest.
+    QVERIFY(m_box->addFault("slow 1500 on eParam_MACAddress"));
     window().R_refreshDeviceIP({ip(8)});
     window().R_refreshDeviceIP({ip(7), ip(8)});
+    QTRY_COMPARE(child<QLabel>("config_state")->text(), QString("1 项未保存"));
+    const DialogAnswerer notices;
+    click("save");
+    QTRY_COMPARE(notices.texts(), QStringList{"设置参数成功.\n1 项参数未从设备读到,没有保存."});
+    QCOMPARE(m_box->parameter("eParam_NDIName"), QString("Stage Left"));
     QTRY_COMPARE(shown("eParam_NDIName"), QString("Stage Left"));
     QTRY_COMPARE(child<QLabel>("config_state")->text(), QString());
     m_box->setParameter("eParam_MACAddress", mac);
+    m_box->clearFaults();
+    clickRow(7);
+    QTRY_COMPARE(item(7)->macAddress(), mac);
+    QTRY_COMPARE(child<QLabel>("config_state")->text(), QString());
 }
 
 QTEST_MAIN(tst_Configuration)
