@@ -6,8 +6,10 @@
 #include <QDateTime>
 #include <QFile>
 #include <QMutex>
+#include <QThreadPool>
 
 #include <array>
+#include <atomic>
 
 namespace
 {
@@ -29,6 +31,7 @@ QString logFilePath(const QString& key, const QString& ending)
 class Pool
 {
 public:
+    Pool() { m_overflow.setMaxThreadCount(1); }
     ~Pool()
     {
         for (operatelog_Threads& worker : m_workers)
@@ -39,8 +42,7 @@ public:
     {
         const int k = freeWorker();
         if (k < 0) {
-            appendToFile(logFilePath(key, QStringLiteral("_tarn_hub_overtake.txt")),
-                         line + QStringLiteral("线程数") + QString::number(0), QIODevice::Append);
+            overflow(key, line);
             return;
         }
         operatelog_Threads& worker = m_workers[size_t(k)];
@@ -52,6 +54,20 @@ public:
     QMutex fileMutex;
 
 private:
+    /// On a thread of its own: all writers are busy, so the disk may be hanging.
+    void overflow(const QString& key, const QString& line)
+    {
+        constexpr int most = 10000;
+        if (m_waiting >= most)
+            return;
+        ++m_waiting;
+        m_overflow.start([this, key, line] {
+            appendToFile(logFilePath(key, QStringLiteral("_tarn_hub_overtake.txt")),
+                         line + QStringLiteral("线程数") + QString::number(0), QIODevice::Append);
+            --m_waiting;
+        });
+    }
+
     /// Probes 0, then 1 to 29, 0, 1, … and gives up on the third wrap round to worker 0.
     int freeWorker() const
     {
@@ -69,6 +85,8 @@ private:
     }
 
     std::array<operatelog_Threads, 30> m_workers;
+    std::atomic<int> m_waiting{0}; // records on their way to an overflow file
+    QThreadPool m_overflow;        // goes first, and with it what waits there
 };
 
 Pool& pool()

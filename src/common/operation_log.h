@@ -20,7 +20,7 @@ protected:
 };
 
 /// Queues one record for the log file of `key` (a box address, or "http-" + host) and returns at
-/// once. When all writers are busy the record goes synchronously into the key's overflow file.
+/// once. When all writers are busy the record goes into the key's overflow file instead.
 /// Called on one thread only, the GUI thread.
 void writeLog(const QString& key, const QString& line);
 

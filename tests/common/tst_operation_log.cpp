@@ -2,8 +2,10 @@
 #include "common/data_path.h"
 #include "common/operation_log.h"
 #include "tests/support/files.h"
+#include "tests/support/held_file.h"
 #include "tests/support/table.h"
 
+#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -18,6 +20,7 @@ private slots:
     void noRecordIsLost_data();
     void noRecordIsLost();
     void keyNamesNoOtherFolder();
+    void hangingDiskHoldsNobodyUp();
 
 private:
     QTemporaryDir m_root;
@@ -85,6 +88,24 @@ void tst_OperationLog::keyNamesNoOtherFolder()
 {
     writeLog("http-../../evil", "x");
     QTRY_COMPARE(linesOf(logFile("http-.._.._evil")).size(), 1);
+}
+
+void tst_OperationLog::hangingDiskHoldsNobodyUp()
+{
+    const QString key = "held";
+    dataPath("log");
+    QElapsedTimer clock;
+    {
+        const HeldFile log(logFile(key));
+        const HeldFile overflow(logFile(key, "_tarn_hub_overtake.txt"));
+        QVERIFY(log.isHeld() && overflow.isHeld());
+        clock.start();
+        for (int i = 0; i < 40; ++i)
+            writeLog(key, "x");
+        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+    }
+    QTRY_COMPARE(linesOf(logFile(key)).size(), 30); // and the rest waited for its turn
+    QTRY_COMPARE(linesOf(logFile(key, "_tarn_hub_overtake.txt")).size(), 10);
 }
 
 QTEST_GUILESS_MAIN(tst_OperationLog)

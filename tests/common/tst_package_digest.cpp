@@ -3,6 +3,7 @@
 
 #include "common/living_folder.h"
 #include "tests/support/files.h"
+#include "tests/support/held_file.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -10,11 +11,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <csignal>
-
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 /// Files that cannot be read, or hang.
 class tst_PackageDigest : public QObject
@@ -44,13 +41,11 @@ void tst_PackageDigest::onlyFilesAreRead()
     }
 }
 
-/// A lease on a file holds everybody who opens it up, as a share does that is gone.
 void tst_PackageDigest::hangingFileHoldsNobodyUp()
 {
-    const QString path = writeFile(m_folder.filePath("leased.dat"), "abc");
-    std::signal(SIGIO, SIG_IGN); // somebody wants the lease back
-    const int file = ::open(path.toLocal8Bit().constData(), O_RDWR | O_CLOEXEC);
-    QVERIFY(::fcntl(file, F_SETLEASE, F_WRLCK) == 0);
+    const QString path = writeFile(m_folder.filePath("held.dat"), "abc");
+    const HeldFile held(path);
+    QVERIFY(held.isHeld());
     QElapsedTimer clock;
     clock.start();
     {
@@ -64,7 +59,6 @@ void tst_PackageDigest::hangingFileHoldsNobodyUp()
         QCOMPARE(given.md5(), QString());
     }
     QVERIFY2(clock.elapsed() < 3000, qPrintable(QString::number(clock.elapsed())));
-    ::close(file);
 }
 
 void tst_PackageDigest::dialogsBeginWhereThereIsAFolder()
