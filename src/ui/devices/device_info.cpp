@@ -96,12 +96,14 @@ void DeviceInfo::askAgain()
 {
     for (auto it = m_unknown.begin(); it != m_unknown.end();) {
         const Item* box = m_hub.devices.model().find(it.key());
-        if (!box || it->unanswered.isEmpty() || ++it->questions >= mostQuestions) {
+        if (!box || !box->isOnline() || it->questions >= mostQuestions) {
             it = m_unknown.erase(it);
             continue;
         }
-        for (const QString& parameter : qAsConst(it->unanswered)) {
-            if (box->isOnline())
+        if (it->hasFailed) {
+            it->hasFailed = false;
+            ++it->questions;
+            for (const QString& parameter : qAsConst(it->unanswered))
                 read(it.key(), parameter);
         }
         ++it;
@@ -125,6 +127,7 @@ void DeviceInfo::getDeviceinfo(const QString& ip)
 
 void DeviceInfo::handleReply(const HttpResult& result)
 {
+    const bool isLate = noteAnswer(result);
     if (placeOf(result.parameterName) < 0)
         return;
     const bool shown = result.deviceIp == m_hub.state.deviceIp();
@@ -134,14 +137,29 @@ void DeviceInfo::handleReply(const HttpResult& result)
         return;
     }
     const QString value = result.value.toString();
-    const auto unknown = m_unknown.find(result.deviceIp);
-    if (unknown != m_unknown.end())
-        unknown->unanswered.removeAll(result.parameterName);
     updateDevice(result, value);
-    if (shown)
-        showRow(result.parameterName, result.parameterName == BoxProtocol::DiskSpace
-                                          ? value + QStringLiteral(" MB")
-                                          : value);
+    if (!shown)
+        return;
+    showRow(result.parameterName, result.parameterName == BoxProtocol::DiskSpace
+                                      ? value + QStringLiteral(" MB")
+                                      : value);
+    // What else was read of it meanwhile found nobody there either.
+    if (isLate)
+        emit m_hub.state.readingWanted();
+}
+
+bool DeviceInfo::noteAnswer(const HttpResult& result)
+{
+    const auto unknown = m_unknown.find(result.deviceIp);
+    if (unknown == m_unknown.end())
+        return false;
+    unknown->hasFailed |= placeOf(result.parameterName) < 0;
+    unknown->unanswered.removeAll(result.parameterName);
+    if (!unknown->unanswered.isEmpty())
+        return false;
+    const bool isLate = unknown->questions > 1;
+    m_unknown.erase(unknown);
+    return isLate;
 }
 
 void DeviceInfo::updateDevice(const HttpResult& result, const QString& value)

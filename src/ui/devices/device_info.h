@@ -40,10 +40,13 @@ private:
     struct Unknown {
         QStringList unanswered{BoxProtocol::FirmVersion, BoxProtocol::MACAddress};
         int questions = 1;
+        bool hasFailed = false; ///< the last of them
     };
 
     void expectAnswers(const QString& ip);
     void askAgain();
+    /// True when the box has now told who it is, and not at the first question.
+    bool noteAnswer(const HttpResult& result);
     void read(const QString& ip, const QString& parameter);
     void showRow(const QString& parameter, const QString& content);
     void updateDevice(const HttpResult& result, const QString& value);
