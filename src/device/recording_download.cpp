@@ -26,7 +26,7 @@ RecordingDownload::RecordingDownload(const QString& folder, const RecordingSourc
     , m_runner(QStringLiteral("Item"), [this](QProcess* process) { wire(process); })
 {
     m_pause.setSingleShot(true);
-    connect(&m_pause, &QTimer::timeout, this, &RecordingDownload::attempt);
+    connect(&m_pause, &QTimer::timeout, this, &RecordingDownload::goOn);
 }
 
 RecordingDownload::~RecordingDownload()
@@ -55,7 +55,19 @@ void RecordingDownload::start()
         return;
     }
     m_farthest = m_part.size();
-    attempt();
+    if (m_farthest == 0)
+        attempt();
+    else
+        pause(m_patience.quietMs);
+}
+
+/// A program that crashed may have left its curl, which still writes: then that one is waited for.
+void RecordingDownload::goOn()
+{
+    if (m_part.size() == m_lastSize)
+        attempt();
+    else
+        pause(m_patience.quietMs);
 }
 
 void RecordingDownload::cancel()
@@ -138,15 +150,21 @@ void RecordingDownload::endAttempt(const QProcess& curl)
     else if (outcome == Outcome::Failed || !mayGoOn())
         fail(reason);
     else
-        pause();
+        pause(retryPauseMs());
 }
 
-void RecordingDownload::pause()
+int RecordingDownload::retryPauseMs() const
 {
     constexpr int mostDoublings = 10;
     const int ms = m_patience.pauseMs << qMin(m_fruitless, mostDoublings);
-    m_pause.start(qMin(ms, m_patience.longestPauseMs));
-    emit progressed({m_part.size(), m_part.length(), true});
+    return qMin(ms, m_patience.longestPauseMs);
+}
+
+void RecordingDownload::pause(int ms)
+{
+    m_lastSize = m_part.size();
+    m_pause.start(ms);
+    emit progressed({m_lastSize, m_part.length(), true});
 }
 
 void RecordingDownload::endCancelled()

@@ -32,6 +32,7 @@ struct DownloadPatience {
     int longestPauseMs = 30000;
     int tries = 8;          ///< that bring nothing, before it gives up: some two minutes
     int silentReports = 30; ///< about one a second, before a transfer counts as broken off
+    int quietMs = 2000;     ///< that an earlier run's part must not have grown for
 };
 
 /// The download of one recording: curl, started again where the transfer broke off, until the file
@@ -67,6 +68,7 @@ private:
     };
 
     void wire(QProcess* process);
+    void goOn();
     void attempt();
     void read();
     void noteLength();
@@ -75,7 +77,8 @@ private:
     Outcome judge(const QProcess& curl);
     QString problem(const QProcess& curl) const;
     bool mayGoOn();
-    void pause();
+    int retryPauseMs() const;
+    void pause(int ms);
     void endCancelled();
     void finish();
     void fail(const QString& reason);
@@ -93,6 +96,7 @@ private:
     bool m_changed = false;
     bool m_stalled = false;
 
+    qint64 m_lastSize = 0; ///< of the part, when the pause began
     qint64 m_farthest = 0; ///< the most that any attempt has brought
     int m_fruitless = 0;   ///< attempts since then
     bool m_cancelled = false;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "device/item.h"
 #include "simulator/virtual_box.h"
+#include "tests/support/box_client.h"
 #include "tests/support/files.h"
 #include "tests/support/table.h"
 
@@ -20,7 +21,7 @@ const QByteArray whole = [] {
         bytes += QByteArray::number(n) + ' ';
     return bytes;
 }();
-constexpr DownloadPatience hasty{1, 1, 3, 30};
+constexpr DownloadPatience hasty{1, 1, 3, 30, 300};
 
 } // namespace
 
@@ -43,6 +44,7 @@ private slots:
     void goesOnAfterARestart_data();
     void goesOnAfterARestart();
     void wholePartGetsItsName();
+    void crashLeavesOneThatWrites();
     void meterIsReadAsItComes();
     void cancelledDownloadLeavesNothing();
     void folderThatTakesNoFiles();
@@ -258,6 +260,26 @@ void tst_Recording::wholePartGetsItsName()
         m_box->removeRecording("a.mp4");
     }
     QVERIFY(readFile(folder() + "a0.mp4") == whole.mid(7));
+}
+
+void tst_Recording::crashLeavesOneThatWrites()
+{
+    m_box->addRecording("a.mp4", whole);
+    QVERIFY(m_box->addFault("throttle 500000 on media"));
+    QProcess left;
+    {
+        PartFile part(folder(), source("a.mp4"));
+        QVERIFY(part.open());
+        part.setLength(whole.size());
+        left.start("curl", {"-s", "-o", part.partPath(), apiUrl(boxIp, "/media/a.mp4")});
+        QTRY_VERIFY(part.size() > 0);
+    }
+    const DownloadResult result = download("a.mp4");
+    QVERIFY2(result.succeeded, qPrintable(result.reason));
+    QVERIFY(readFile(result.path) == whole);
+    // Nothing came twice.
+    QCOMPARE(m_box->requests().size(), 2);
+    left.waitForFinished();
 }
 
 void tst_Recording::meterIsReadAsItComes()
