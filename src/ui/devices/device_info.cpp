@@ -140,9 +140,8 @@ void DeviceInfo::handleReply(const HttpResult& result)
     updateDevice(result, value);
     if (!shown)
         return;
-    showRow(result.parameterName, result.parameterName == BoxProtocol::DiskSpace
-                                      ? value + QStringLiteral(" MB")
-                                      : value);
+    showRow(result.parameterName,
+            result.parameterName == BoxProtocol::DiskSpace ? value + QStringLiteral(" MB") : value);
     // What else was read of it meanwhile found nobody there either.
     if (isLate)
         emit m_hub.state.readingWanted();
