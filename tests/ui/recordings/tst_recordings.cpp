@@ -267,7 +267,10 @@ void tst_Recordings::clockTellsWhatTheBoxDoes()
     click("recode");
     QTRY_COMPARE_WITH_TIMEOUT(answers.texts(), QStringList("开启录制失败,请重试."), 9000);
     QVERIFY(!recode->isChecked());
+    // Known to be away, and to be back: that has the list read again.
+    QTRY_VERIFY_WITH_TIMEOUT(!item(7)->isOnline(), 15000);
     QVERIFY(m_box->plugIn());
+    readAfter(7, [this] { QTRY_VERIFY_WITH_TIMEOUT(item(7)->isOnline(), 15000); });
     QTRY_COMPARE(item(7)->property("recodefilename").toString(), QString());
     record(true);
     // Its clock is not shown as another's.
