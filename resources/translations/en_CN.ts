@@ -760,7 +760,7 @@
     <name>RecordControl</name>
     <message>
       <source>开启录制失败,请重试.</source>
-      <translation>Starting the recording failed, please try again.</translation>
+      <translation>Starting the recording failed, please retry.</translation>
     </message>
     <message>
       <source>停止录制失败,请重试.</source>
