@@ -105,6 +105,10 @@
       <translation>Another device with this MAC address is being upgraded, this one was not</translation>
     </message>
     <message>
+      <source>设备正在升级固件或恢复设置,未再次升级</source>
+      <translation>Device is being upgraded or gets its settings back, it was not upgraded again</translation>
+    </message>
+    <message>
       <source>网络中有两台设备的MAC地址相同,未升级</source>
       <translation>Two devices on the network have the same MAC address, not upgraded</translation>
     </message>

@@ -105,6 +105,10 @@
       <translation>이 MAC 주소의 다른 장치를 업그레이드하는 중이므로 업그레이드하지 않았습니다</translation>
     </message>
     <message>
+      <source>设备正在升级固件或恢复设置,未再次升级</source>
+      <translation>장치가 업그레이드 중이거나 설정을 복원하는 중이므로 다시 업그레이드하지 않았습니다</translation>
+    </message>
+    <message>
       <source>网络中有两台设备的MAC地址相同,未升级</source>
       <translation>네트워크에 MAC 주소가 같은 장치가 두 대 있어 업그레이드하지 않았습니다</translation>
     </message>

@@ -231,17 +231,36 @@ void BoxUpgrade::takeIdentity(const QString& answer)
         return;
     }
     row().mac = mac;
-    m_tookOver = m_host.takeOver(*this);
     m_host.identified(row().address, mac);
     m_identified = true;
-    if (m_host.isTwin(*this)) {
-        row().ambiguous = true;
-        leaveAlone(tr("此MAC地址的另一台设备正在升级,未升级"));
+    if (const BoxUpgrade* owner = m_host.ownerBeside(*this)) {
+        leaveToOwner(*owner);
         return;
     }
+    m_tookOver = m_host.takeOver(*this);
     askTwins(m_host.otherAddresses(mac, row().address), [this](bool twins) {
         row().ambiguous = row().ambiguous || twins;
         askVersionBefore();
+    });
+}
+
+/// The same box in another row, or another box with its MAC address: only who still answers where
+/// the upgrade has its box tells which.
+void BoxUpgrade::leaveToOwner(const BoxUpgrade& owner)
+{
+    const QString ip = owner.row().address;
+    const bool elsewhere = ip != row().address && BoxProtocol::isIpv4Address(ip);
+    askTwins(elsewhere ? QStringList{ip} : QStringList(), [this](bool twins) {
+        BoxUpgrade* other = m_host.ownerBeside(*this);
+        if (twins) {
+            row().ambiguous = true;
+            if (other)
+                other->row().ambiguous = true;
+        } else if (other) {
+            other->heardAt(row().address);
+        }
+        leaveAlone(twins ? tr("此MAC地址的另一台设备正在升级,未升级")
+                         : tr("设备正在升级固件或恢复设置,未再次升级"));
     });
 }
 

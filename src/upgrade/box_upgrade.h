@@ -41,8 +41,8 @@ public:
     virtual void versionTold(const QString& ip, const QString& version) = 0;
     /// Other addresses at which a box with this MAC address was last known.
     virtual QStringList otherAddresses(const QString& mac, const QString& ip) const = 0;
-    /// Another box under upgrade tells the same MAC address; it is marked, too.
-    virtual bool isTwin(const BoxUpgrade& box) = 0;
+    /// Another upgrade that has a box with this MAC address already; null when none has.
+    virtual BoxUpgrade* ownerBeside(const BoxUpgrade& box) const = 0;
     /// The settings of the box have been read before its upgrade.
     virtual void settingsRead(BoxUpgrade& box, const QVariantMap& values) = 0;
     /// Its settings are being written, with `values`.
@@ -95,8 +95,10 @@ public:
     /// Settings that wait are to be written as soon as the box answers; nothing else of an upgrade
     /// is under way in it.
     void awaitBox();
-    /// A later upgrade of the same box takes over what waits for it.
-    void handOver(UpgradeRow& to);
+    /// A later upgrade of the same box takes over what waits for it; this one ends with
+    /// endHandedOver(), once the later one is safe on disk.
+    void handOver(UpgradeRow& to) const;
+    void endHandedOver();
 
     /// Time has passed.
     void tick();
@@ -115,8 +117,8 @@ public:
 
     /// Its settings wait for the operator's word.
     bool isHeld() const { return m_held; }
-    /// It has told who it is.
-    bool isIdentified() const { return m_identified; }
+    /// It has told who it is, in this run of the program or an earlier one.
+    bool isIdentified() const { return m_identified || m_step >= Step::Away; }
 
     // What the row of the list shows.
     bool isInBatch() const { return m_inBatch; }
@@ -146,6 +148,7 @@ private:
     void identify();
     void askIdentity();
     void takeIdentity(const QString& answer);
+    void leaveToOwner(const BoxUpgrade& owner);
     void anotherBox(const QString& mac);
     void askTwins(QStringList addresses, std::function<void(bool twins)> then);
     void askVersionBefore();
@@ -190,6 +193,7 @@ private:
     void beginWriting(bool twins);
     void takeOutcome(const SettingsWriter::Outcome& outcome);
     void confirmRestart();
+    void orderRestart();
     void beginRestart();
     void restarted();
 
@@ -235,4 +239,6 @@ private:
     int m_missed = 0; ///< rounds in a row in which it did not answer
     qint64 m_missedSince = 0;
     int m_lost = 0; ///< write-backs that were broken off
+    int m_restartOrders = 0;
+    bool m_restartNoticed = false; ///< it answered the order, or was silent after it
 };

@@ -20,6 +20,7 @@ constexpr int missedWhenAway = 3;
 constexpr int shortestAbsenceTicks = 6;
 constexpr int restartTicks = 120;
 constexpr int mostLost = 10;
+constexpr int mostRestartOrders = 3;
 
 } // namespace
 
@@ -67,13 +68,17 @@ void BoxUpgrade::dropSettings()
         m_host.changed(*this);
 }
 
-void BoxUpgrade::handOver(UpgradeRow& to)
+void BoxUpgrade::handOver(UpgradeRow& to) const
 {
-    if (row().settings != Settings::Waiting)
-        return;
     to.settings = Settings::Waiting;
     to.saved = row().saved;
     to.dhcpForced = row().dhcpForced;
+}
+
+void BoxUpgrade::endHandedOver()
+{
+    if (row().settings != Settings::Waiting)
+        return;
     row().settings = Settings::HandedOver;
     end();
 }
@@ -109,7 +114,8 @@ void BoxUpgrade::watchTime(qint64 now)
 {
     if (!isWatching())
         return;
-    if (m_missed > 0 && isOutOfTime()) {
+    // One lost question is no absence: settings would wait for a box that is there all the time.
+    if (m_missed >= missedWhenAway && isOutOfTime()) {
         giveUpWaiting();
         return;
     }
@@ -180,8 +186,11 @@ void BoxUpgrade::takeWhereabouts()
     }
     m_candidates.clear();
     if (m_step == Step::Restarting) {
-        if (m_wasAway || isOutOfTime())
+        const bool noticed = m_restartNoticed || m_restartOrders >= mostRestartOrders;
+        if (m_wasAway || (isOutOfTime() && noticed))
             restarted();
+        else if (isOutOfTime())
+            orderRestart();
     } else if (m_ordered) {
         askVersion();
     } else {
@@ -194,6 +203,8 @@ void BoxUpgrade::noteAbsence()
     const qint64 now = m_clock.ms();
     if (m_missed++ == 0)
         m_missedSince = now;
+    else
+        m_restartNoticed = true;
     if (m_missed >= missedWhenAway && now - m_missedSince >= ticks(shortestAbsenceTicks))
         m_wasAway = true;
 }
@@ -320,10 +331,23 @@ void BoxUpgrade::confirmRestart()
 {
     if (m_step != Step::WritingBack)
         return;
+    m_restartOrders = 0;
+    orderRestart();
+}
+
+/// Again when nothing at all came of it: what was written counts after a restart only.
+void BoxUpgrade::orderRestart()
+{
+    ++m_restartOrders;
+    m_restartNoticed = false;
+    m_nextRound = m_clock.ms() + ticks(restartTicks);
     m_link.read(
         row().address, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
             if (BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), row().mac))
-                m_link.order(row().address, BoxOrder::Restart, [](const QString&) {});
+                m_link.order(row().address, BoxOrder::Restart,
+                             m_orders.hear([this](const QString& reply) {
+                                 m_restartNoticed = m_restartNoticed || !reply.isEmpty();
+                             }));
             beginRestart();
         }));
 }

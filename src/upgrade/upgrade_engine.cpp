@@ -37,6 +37,8 @@ UpgradeEngine::UpgradeEngine(DeviceRegistry& devices, Spark_Http& http, KeptSett
     , batch(devices, fleet, rows)
 {
     connect(&journal, &UpgradeJournal::loaded, &fleet, &UpgradeFleet::adopt);
+    // Its row may stand in the list still, so that nobody asks it who it is.
+    connect(&devices, &DeviceRegistry::cameOnline, &fleet, &UpgradeFleet::cameOnline);
     connect(&m_timer, &QTimer::timeout, &fleet, &UpgradeFleet::tick);
     m_timer.start(qBound(shortestPauseMs, tickMs / 2, longestPauseMs));
 }

@@ -85,10 +85,10 @@ void UpgradeFleet::heard(const QString& ip, const QString& mac)
 {
     if (!BoxProtocol::isMacAddress(mac) || !BoxProtocol::isIpv4Address(ip))
         return;
-    if (BoxUpgrade* box = find(mac)) {
+    emit boxIdentified(ip, mac);
+    if (BoxUpgrade* box = find(mac, ip)) {
         box->heardAt(ip);
-        if (box->isOwner() || box->row().settings == Settings::Waiting)
-            return;
+        return;
     }
     if (!m_kept.isWaiting(mac))
         return;
@@ -103,13 +103,29 @@ void UpgradeFleet::heard(const QString& ip, const QString& mac)
     addBox(m_sessions.addUnlisted(), row).awaitBox();
 }
 
-BoxUpgrade* UpgradeFleet::find(const QString& mac) const
+/// It is asked who it is before anything else.
+void UpgradeFleet::cameOnline(const QString& ip)
 {
-    for (auto it = m_boxes.rbegin(); it != m_boxes.rend(); ++it) {
-        if (BoxProtocol::isSameMac((*it)->row().mac, mac))
-            return it->get();
+    for (const auto& box : m_boxes) {
+        if (box->step() == BoxUpgrade::Step::Missing &&
+            (box->row().address == ip || m_addresses(box->row().mac).contains(ip)))
+            box->heardAt(ip);
     }
-    return nullptr;
+}
+
+BoxUpgrade* UpgradeFleet::find(const QString& mac, const QString& ip) const
+{
+    BoxUpgrade* waiting = nullptr;
+    for (auto it = m_boxes.rbegin(); it != m_boxes.rend(); ++it) {
+        BoxUpgrade& box = **it;
+        if (!BoxProtocol::isSameMac(box.row().mac, mac))
+            continue;
+        if (box.isOwner() && (box.isIdentified() || box.row().address == ip))
+            return &box;
+        if (!waiting && box.row().settings == Settings::Waiting)
+            waiting = &box;
+    }
+    return waiting;
 }
 
 void UpgradeFleet::adopt(const QVector<UpgradeSession>& found)
@@ -181,18 +197,20 @@ UpgradeCounts UpgradeFleet::counts() const
     return counts;
 }
 
-bool UpgradeFleet::owns(const QString& mac) const
+bool UpgradeFleet::owns(const QString& mac, const QString& ip) const
 {
-    return std::any_of(m_boxes.begin(), m_boxes.end(), [&mac](const auto& box) {
-        return box->isOwner() && BoxProtocol::isSameMac(box->row().mac, mac);
+    return std::any_of(m_boxes.begin(), m_boxes.end(), [&](const auto& box) {
+        return box->isOwner() && (mac.isEmpty() ? box->row().address == ip
+                                                : BoxProtocol::isSameMac(box->row().mac, mac));
     });
 }
 
 int UpgradeFleet::waitingCount() const
 {
-    return int(std::count_if(m_boxes.begin(), m_boxes.end(), [](const auto& box) {
-        return box->row().settings == Settings::Waiting;
-    }));
+    return int(std::count_if(
+               m_boxes.begin(), m_boxes.end(),
+               [](const auto& box) { return box->row().settings == Settings::Waiting; })) -
+           m_takenOver.size();
 }
 
 bool UpgradeFleet::isIdle() const
@@ -203,12 +221,24 @@ bool UpgradeFleet::isIdle() const
 
 void UpgradeFleet::keep(BoxUpgrade& box, std::function<void(bool kept)> then)
 {
-    m_sessions.keep(box.session(), std::move(then));
+    m_sessions.keep(box.session(), [this, &box, then = std::move(then)](bool kept) {
+        if (kept)
+            endTakenOver(box);
+        then(kept);
+    });
+}
+
+void UpgradeFleet::endTakenOver(const BoxUpgrade& box)
+{
+    if (BoxUpgrade* before = m_takenOver.take(&box))
+        before->endHandedOver();
 }
 
 void UpgradeFleet::changed(BoxUpgrade& box)
 {
     m_sessions.touch(box.session());
+    if (box.row().settings != Settings::Waiting)
+        endTakenOver(box);
     mirrorWaiting(box);
     emit boxChanged(&box);
 }
@@ -235,18 +265,13 @@ QStringList UpgradeFleet::otherAddresses(const QString& mac, const QString& ip) 
     return addresses;
 }
 
-bool UpgradeFleet::isTwin(const BoxUpgrade& box)
+BoxUpgrade* UpgradeFleet::ownerBeside(const BoxUpgrade& box) const
 {
-    bool isTwin = false;
-    for (const auto& other : m_boxes) {
-        if (other.get() == &box || !other->isOwner() || !other->isIdentified() ||
-            !BoxProtocol::isSameMac(other->row().mac, box.row().mac))
-            continue;
-        // Neither can be told from the other any more.
-        other->row().ambiguous = true;
-        isTwin = true;
-    }
-    return isTwin;
+    const auto found = std::find_if(m_boxes.begin(), m_boxes.end(), [&box](const auto& other) {
+        return other.get() != &box && other->isOwner() && other->isIdentified() &&
+               BoxProtocol::isSameMac(other->row().mac, box.row().mac);
+    });
+    return found == m_boxes.end() ? nullptr : found->get();
 }
 
 bool UpgradeFleet::takeOver(BoxUpgrade& box)
@@ -256,6 +281,8 @@ bool UpgradeFleet::takeOver(BoxUpgrade& box)
         if (&other != &box && !other.isOwner() && other.row().settings == Settings::Waiting &&
             BoxProtocol::isSameMac(other.row().mac, box.row().mac)) {
             other.handOver(box.row());
+            m_takenOver.insert(&box, &other);
+            keep(box, [](bool) {});
             return true;
         }
     }

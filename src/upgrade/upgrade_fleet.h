@@ -4,6 +4,7 @@
 #include "upgrade/box_upgrade.h"
 #include "upgrade/upgrade_sessions.h"
 
+#include <QHash>
 #include <QObject>
 
 class KeptSettings;
@@ -46,6 +47,8 @@ public:
     void countDown();
     /// A box at `ip` has told its MAC address.
     void heard(const QString& ip, const QString& mac);
+    /// Somebody answers at `ip` again.
+    void cameOnline(const QString& ip);
 
     /// Goes on with what an earlier run left; settingsFound() and interruptedFound() tell of it.
     void adopt(const QVector<UpgradeSession>& found);
@@ -54,8 +57,8 @@ public:
     void dropSettings(const QStringList& macs);
 
     UpgradeCounts counts() const;
-    /// An upgrade has the box with this MAC address.
-    bool owns(const QString& mac) const;
+    /// An upgrade has the box with this MAC address; when that is not known, the one at `ip`.
+    bool owns(const QString& mac, const QString& ip = QString()) const;
     /// Boxes whose settings wait for them.
     int waitingCount() const;
     /// No box is under way, and none waits for its settings.
@@ -87,7 +90,7 @@ private:
     void identified(const QString& ip, const QString& mac) override;
     void versionTold(const QString& ip, const QString& version) override;
     QStringList otherAddresses(const QString& mac, const QString& ip) const override;
-    bool isTwin(const BoxUpgrade& box) override;
+    BoxUpgrade* ownerBeside(const BoxUpgrade& box) const override;
     bool takeOver(BoxUpgrade& box) override;
     void settingsRead(BoxUpgrade& box, const QVariantMap& values) override;
     void writeBackBegins(BoxUpgrade& box, const QVariantMap& values) override;
@@ -95,9 +98,11 @@ private:
     void writeBackEnded(BoxUpgrade& box) override;
 
     BoxUpgrade& addBox(UpgradeSession& session, const UpgradeRow& row);
-    /// The latest upgrade of the box.
-    BoxUpgrade* find(const QString& mac) const;
+    /// The upgrade that has the box with this MAC address, at `ip` if it is not sure yet that it is
+    /// there, else the latest with settings that wait for it. One that found nobody is neither.
+    BoxUpgrade* find(const QString& mac, const QString& ip = QString()) const;
     void mirrorWaiting(const BoxUpgrade& box);
+    void endTakenOver(const BoxUpgrade& box);
 
     BoxLink& m_link;
     const UpgradeClock& m_clock;
@@ -107,4 +112,7 @@ private:
     FirmwarePackage m_package;
     UpgradeSession* m_latest = nullptr;
     std::vector<std::unique_ptr<BoxUpgrade>> m_boxes; ///< in the order of their batches
+    /// Whose settings an upgrade took over that is not safe on disk yet: until then the one before
+    /// stays open, or an end of the program between the two would lose them.
+    QHash<const BoxUpgrade*, BoxUpgrade*> m_takenOver;
 };

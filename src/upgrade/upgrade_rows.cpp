@@ -68,5 +68,5 @@ void UpgradeRows::markOwned()
 {
     const QList<Item*> items = m_devices.model().items(koraFamily());
     for (Item* item : items)
-        item->setOwned(m_fleet.owns(item->macAddress()));
+        item->setOwned(m_fleet.owns(item->macAddress(), item->address()));
 }
