@@ -77,9 +77,10 @@ ModelBox* ModelLan::at(const QString& ip) const
 void ModelLan::ask(const QString& ip, int limitMs, std::function<int(const ModelBox&)> workMs,
                    std::function<QString(ModelBox&)> handle, Answered answered)
 {
+    const bool lose = isLost();
     m_time.in(wayMs, [=] {
         ModelBox* box = at(ip);
-        if (!box || box->isDeaf) {
+        if (!box || box->isDeaf || lose) {
             m_time.in(box ? limitMs : refusedMs, [answered] { answered(QString()); });
             return;
         }
@@ -125,6 +126,7 @@ void ModelLan::write(const QString& ip, const QString& parameter, const QString&
                 box.violations << QStringLiteral("written in its change: ") + parameter;
             if (parameter == box.habits.unwritable)
                 return QStringLiteral("{\"status\":\"set failed\"}");
+            box.unapplied = box.unapplied || box.settings.value(parameter) != value;
             box.settings[parameter] =
                 parameter == box.habits.misunderstood ? QStringLiteral("?") : value;
             return QStringLiteral("{\"status\":\"set success\"}");
@@ -228,9 +230,10 @@ void ModelLan::changeOver(ModelBox& box)
 void ModelLan::restart(const QString& ip, Answered answered)
 {
     trace(ip, QStringLiteral("restart"));
+    const bool lose = isLost();
     m_time.in(wayMs, [=] {
         ModelBox* box = at(ip);
-        if (!box || box->isDeaf) {
+        if (!box || box->isDeaf || lose) {
             m_time.in(refusedMs, [answered] { answered(QString()); });
             return;
         }
@@ -282,10 +285,18 @@ void ModelLan::comeBack(ModelBox& box, const QString& address)
     if (at(wanted))
         wanted = freshAddress();
     box.address = wanted;
+    box.unapplied = false;
     box.isOn = true;
     trace(wanted, box.mac, QStringLiteral("is there"));
     if (m_appeared)
         m_appeared(box);
+}
+
+/// The same in each run: it hangs on the moment and on how much was asked before.
+bool ModelLan::isLost()
+{
+    const quint32 mixed = (quint32(m_time.now()) + ++m_asked * 7919u) * 2654435761u;
+    return int((mixed >> 16) % 100) < m_lossPercent;
 }
 
 void ModelLan::setDeaf(ModelBox& box, int ms)

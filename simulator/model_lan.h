@@ -78,6 +78,7 @@ struct ModelBox {
     bool isChanging = false;     ///< from its activation to the end of its change
     qint64 orderedAt = -1;       ///< its last activation
     bool changedByOrder = false; ///< it runs the package since an activation
+    bool unapplied = false;      ///< something was written since its last start
     int life = 0;                ///< restarts: what was asked in an earlier life is not answered
     QString packageVersion;
     QStringList violations;
@@ -122,11 +123,14 @@ public:
     /// Off, and on again after `awayMs`, at `address` when it is not empty.
     void powerCycle(ModelBox& box, int awayMs, const QString& address = QString());
     void setDeaf(ModelBox& box, int ms);
+    /// So many of a hundred questions, writes and restarts get lost on their way.
+    void setLoss(int percent) { m_lossPercent = percent; }
     /// An address that no box has had.
     QString freshAddress();
 
 private:
     ModelBox* at(const QString& ip) const;
+    bool isLost();
     template <class... Words> void trace(const Words&... words) const
     {
         if (m_trace)
@@ -146,6 +150,8 @@ private:
     std::function<void(const QString&)> m_trace;
     QHash<QString, int> m_uploads; ///< number of the latest upload to an address
     int m_nextAddress = 1;
+    int m_lossPercent = 0;
+    quint32 m_asked = 0;
 };
 
 } // namespace sim

@@ -39,6 +39,12 @@ UpgradeWorld::UpgradeWorld(quint32 seed) : m_random(seed)
         m_time.in(2000 + draw(9000), [this, &box] {
             if (!box.isOn)
                 return;
+            // Who stands in the list still is not asked who he is.
+            if (m_list.value(box.address) == box.mac) {
+                if (m_fleet)
+                    m_fleet->cameOnline(box.address);
+                return;
+            }
             m_list[box.address] = box.mac;
             if (m_fleet)
                 m_fleet->heard(box.address, box.mac);
@@ -161,6 +167,16 @@ void UpgradeWorld::startProgram()
                                  m_fleet->dropSettings(macs);
                          });
                      });
+    QObject::connect(m_fleet.get(), &UpgradeFleet::boxIdentified, m_fleet.get(), [this] {
+        if (!chance(1))
+            return;
+        const int when = draw(4000);
+        m_lastEvent = qMax(m_lastEvent, m_time.now() + when + 5000);
+        m_time.in(when, [this] {
+            endProgram();
+            m_time.in(3000, [this] { startProgram(); });
+        });
+    });
     m_lan.note("the program starts");
     QObject::connect(m_fleet.get(), &UpgradeFleet::told, m_fleet.get(),
                      [this](BoxUpgrade* box, const QString& line) {
@@ -184,7 +200,9 @@ void UpgradeWorld::beginBatch(bool keep)
         return;
     bool begun = false;
     for (auto it = m_list.cbegin(); it != m_list.cend(); ++it) {
-        if (m_fleet->owns(it.value()) || !chance(90))
+        // Its row may not have been told yet who it is.
+        const QString known = chance(5) ? QString() : it.value();
+        if (m_fleet->owns(known) || !chance(90))
             continue;
         if (!begun)
             m_lan.note(keep ? "batch that keeps" : "batch"),
@@ -192,7 +210,7 @@ void UpgradeWorld::beginBatch(bool keep)
         begun = true;
         if (!keep)
             m_plain << it.value();
-        m_fleet->add(it.key(), it.value(), keep);
+        m_fleet->add(it.key(), known, keep);
         ++m_lives;
     }
 }
@@ -218,12 +236,22 @@ bool UpgradeWorld::isQuiet() const
 
 QStringList UpgradeWorld::run()
 {
+    m_isDetailed = chance(10);
+    m_store.delay = chance(5) ? 2500 : 5;
+    m_lan.setLoss(chance(10) ? 2 : 0);
     startProgram();
     planMeanwhile();
     beginBatch(chance(75));
     // Quiet for so long that nobody will be found any more, and everything is saved.
     for (int quiet = 0; quiet < 25 && m_time.now() < longest; quiet = isQuiet() ? quiet + 1 : 0) {
-        m_time.runUntil(m_time.now() + 1000);
+        // What is saved when matters: more often than once a second, as in the window, now and
+        // then.
+        for (int part = 0; m_isDetailed && part < 4; ++part) {
+            m_time.runUntil(m_time.now() + 200);
+            if (m_fleet)
+                m_fleet->tick();
+        }
+        m_time.runUntil(m_time.now() + (m_isDetailed ? 200 : 1000));
         second();
     }
     check();
@@ -240,10 +268,17 @@ void UpgradeWorld::check()
     if (m_time.now() >= longest)
         complain("world", "a story has no end");
     QHash<QString, const UpgradeRow*> latest;
+    QSet<QString> handedOver;
     for (const UpgradeSession& session : qAsConst(m_store.reports)) {
         for (const UpgradeRow& row : session.rows) {
             checkRow(row);
             latest[row.mac] = &row;
+            if (row.settings == Settings::HandedOver)
+                handedOver << row.mac;
+            else if (row.settings != Settings::NotKept && row.settings != Settings::NotSaved)
+                handedOver.remove(row.mac);
+            if (row.settings == Settings::Waiting)
+                m_waitingRows << row.mac;
             if (row.settings == Settings::Waiting || row.settings == Settings::Dropped)
                 m_waiting << row.mac;
             for (const QString& setting : row.failedSettings)
@@ -254,6 +289,8 @@ void UpgradeWorld::check()
         if (!m_store.journals.contains(session.baseName()) && session.hasWaitingSettings())
             complain(session.baseName(), "its journal is lost");
     }
+    for (const QString& mac : qAsConst(handedOver))
+        complain(mac, "its settings were handed over to nobody");
     for (const auto& box : m_lan.boxes())
         checkBox(*box, latest.value(box->mac));
 }
@@ -278,6 +315,12 @@ void UpgradeWorld::checkBox(const sim::ModelBox& box, const UpgradeRow* latest)
 {
     for (const QString& violation : box.violations)
         complain(box.mac, violation);
+    // A program that ended before the restart does not make up for it: the box may be in use.
+    if (m_store.program == 1 && latest && box.isOn && box.unapplied &&
+        (latest->settings == Settings::Restored || latest->settings == Settings::Unverified))
+        complain(box.mac, "restored, but never restarted");
+    if (box.isOn && BoxProtocol::isIpv4Address(box.address) && m_waitingRows.contains(box.mac))
+        complain(box.mac, "is there, but its settings wait");
     for (const char* name : {"eParam_NDIName", "eParam_NTPServer", "eParam_IPAddress"}) {
         const QString value = box.settings.value(name);
         for (auto it = m_original.cbegin(); it != m_original.cend(); ++it) {

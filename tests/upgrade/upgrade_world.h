@@ -64,7 +64,7 @@ public:
     void save(const UpgradeSession& session, bool open, Saved saved) override
     {
         const bool full = isFull;
-        m_time.in(5, [this, session, open, saved, full, program = program] {
+        m_time.in(delay, [this, session, open, saved, full, program = program] {
             if (program != this->program)
                 return;
             if (!full && open)
@@ -80,6 +80,7 @@ public:
     QMap<QString, UpgradeSession> journals; ///< those to go on with
     QMap<QString, UpgradeSession> reports;  ///< all
     bool isFull = false;
+    int delay = 5;   ///< of each write, in milliseconds
     int program = 0; ///< which run of it saves
 
 private:
@@ -149,9 +150,11 @@ private:
     QMap<QString, QMap<QString, QString>> m_original;
     QSet<QString> m_plain; ///< MAC addresses of boxes upgraded without keeping their settings
     QSet<QString> m_twins;
-    QSet<QString> m_waiting; ///< MAC addresses of boxes that miss their settings, as is told
-    QSet<QString> m_named;   ///< single settings that are told to be lost: MAC address and name
+    QSet<QString> m_waitingRows; ///< MAC addresses of boxes whose settings wait for them
+    QSet<QString> m_waiting;     ///< MAC addresses of boxes that miss their settings, as is told
+    QSet<QString> m_named;       ///< single settings that are told to be lost: MAC address and name
     qint64 m_lastEvent = 0;
     int m_lives = 0;
+    bool m_isDetailed = false;
     QStringList m_problems;
 };
