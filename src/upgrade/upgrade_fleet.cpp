@@ -207,10 +207,12 @@ bool UpgradeFleet::owns(const QString& mac, const QString& ip) const
 
 int UpgradeFleet::waitingCount() const
 {
-    return int(std::count_if(
-               m_boxes.begin(), m_boxes.end(),
-               [](const auto& box) { return box->row().settings == Settings::Waiting; })) -
-           m_takenOver.size();
+    const auto isWaiting = [](const auto& box) {
+        // Written they are not in effect: the restart is still to be ordered.
+        return box->row().settings == Settings::Waiting ||
+               box->step() == BoxUpgrade::Step::WritingBack;
+    };
+    return int(std::count_if(m_boxes.begin(), m_boxes.end(), isWaiting)) - m_takenOver.size();
 }
 
 bool UpgradeFleet::isIdle() const
