@@ -11,7 +11,6 @@ namespace
 {
 
 constexpr int wayMs = 2;
-constexpr int refusedMs = 5; ///< nobody listens: that is told soon, or never
 
 QString quoted(const QString& text)
 {
@@ -41,10 +40,11 @@ void ModelTime::in(qint64 delayMs, std::function<void()> event)
 void ModelTime::runUntil(qint64 ms)
 {
     while (!m_events.empty() && m_events.top().at <= ms) {
-        const Event event = m_events.top();
+        // Taken out before it is removed: nothing of it counts for the order.
+        const auto run = std::move(const_cast<Event&>(m_events.top()).run);
+        m_now = m_events.top().at;
         m_events.pop();
-        m_now = event.at;
-        event.run();
+        run();
     }
     m_now = ms;
 }
@@ -74,24 +74,26 @@ ModelBox* ModelLan::at(const QString& ip) const
     return found == m_boxes.end() ? nullptr : found->get();
 }
 
-void ModelLan::ask(const QString& ip, int limitMs, std::function<int(const ModelBox&)> workMs,
+void ModelLan::ask(const QString& ip, int limitMs, int ModelBoxHabits::*workMs,
                    std::function<QString(ModelBox&)> handle, Answered answered)
 {
     const bool lose = isLost();
-    m_time.in(wayMs, [=] {
+    m_time.in(wayMs, [this, ip, limitMs, workMs, lose, handle = std::move(handle),
+                      answered = std::move(answered)]() mutable {
         ModelBox* box = at(ip);
         if (!box || box->isDeaf || lose) {
-            m_time.in(box ? limitMs : refusedMs, [answered] { answered(QString()); });
+            m_time.in(box ? limitMs : qMin(limitMs, m_absentMs),
+                      [answered = std::move(answered)] { answered(QString()); });
             return;
         }
-        const int work = workMs(*box);
+        const int work = box->habits.*workMs;
         const int life = box->life;
         const QString answer = handle(*box);
         if (answer.isNull() || work > limitMs) {
-            m_time.in(limitMs, [answered] { answered(QString()); });
+            m_time.in(limitMs, [answered = std::move(answered)] { answered(QString()); });
             return;
         }
-        m_time.in(work, [answered, answer, box, life] {
+        m_time.in(work, [answered = std::move(answered), answer, box, life] {
             const bool heard = box->isOn && box->life == life && !box->isDeaf;
             answered(heard ? answer : QString());
         });
@@ -102,7 +104,7 @@ void ModelLan::read(const QString& ip, const QString& parameter, Answered answer
 {
     trace(ip, QStringLiteral("read"), parameter);
     ask(
-        ip, ReadLimitMs, [](const ModelBox& box) { return box.habits.readMs; },
+        ip, ReadLimitMs, &ModelBoxHabits::readMs,
         [parameter](ModelBox& box) {
             if (parameter == box.habits.unreadable)
                 return QString();
@@ -120,7 +122,7 @@ void ModelLan::write(const QString& ip, const QString& parameter, const QString&
 {
     trace(ip, QStringLiteral("write"), parameter, value);
     ask(
-        ip, WriteLimitMs, [](const ModelBox& box) { return box.habits.writeMs; },
+        ip, WriteLimitMs, &ModelBoxHabits::writeMs,
         [this, parameter, value](ModelBox& box) {
             if (box.isChanging && m_time.now() - box.orderedAt < AllowanceMs)
                 box.violations << QStringLiteral("written in its change: ") + parameter;
@@ -141,7 +143,7 @@ void ModelLan::upload(const QString& ip, const QString& version, const QString& 
     const int number = ++m_uploads[ip];
     ModelBox* box = at(ip);
     if (!box || box->isDeaf) {
-        m_time.in(refusedMs, [answered] { answered(QString()); });
+        m_time.in(m_absentMs, [answered] { answered(QString()); });
         return;
     }
     const int life = box->life;
@@ -172,7 +174,7 @@ void ModelLan::activate(const QString& ip, Answered answered)
     m_time.in(wayMs, [=] {
         ModelBox* box = at(ip);
         if (!box || box->isDeaf) {
-            m_time.in(refusedMs, [answered] { answered(QString()); });
+            m_time.in(m_absentMs, [answered] { answered(QString()); });
             return;
         }
         if (box->isChanging)
@@ -234,7 +236,7 @@ void ModelLan::restart(const QString& ip, Answered answered)
     m_time.in(wayMs, [=] {
         ModelBox* box = at(ip);
         if (!box || box->isDeaf || lose) {
-            m_time.in(refusedMs, [answered] { answered(QString()); });
+            m_time.in(m_absentMs, [answered] { answered(QString()); });
             return;
         }
         if (box->isChanging && m_time.now() - box->orderedAt < AllowanceMs)

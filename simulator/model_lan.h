@@ -107,6 +107,9 @@ public:
         m_appeared = std::move(appeared);
     }
 
+    /// After how long it is told that nobody is there: at once where a computer refuses, never
+    /// before the limit where there is none.
+    void setAbsentMs(int ms) { m_absentMs = ms; }
     /// For whoever looks for the reason of something: all that is asked and happens.
     void setTrace(std::function<void(const QString& line)> trace) { m_trace = std::move(trace); }
 
@@ -137,8 +140,8 @@ private:
             m_trace(QStringList{words...}.join(QLatin1Char(' ')));
     }
     /// Asks whoever is at `ip` when the question arrives; `handle` acts at once and says what is
-    /// answered `workMs` later, unless the box has gone meanwhile.
-    void ask(const QString& ip, int limitMs, std::function<int(const ModelBox&)> workMs,
+    /// answered after the time that the box takes, unless it has gone meanwhile.
+    void ask(const QString& ip, int limitMs, int ModelBoxHabits::*workMs,
              std::function<QString(ModelBox&)> handle, Answered answered);
     void goAway(ModelBox& box, int awayMs, std::function<void()> before);
     void changeOver(ModelBox& box);
@@ -150,6 +153,7 @@ private:
     std::function<void(const QString&)> m_trace;
     QHash<QString, int> m_uploads; ///< number of the latest upload to an address
     int m_nextAddress = 1;
+    int m_absentMs = 5;
     int m_lossPercent = 0;
     quint32 m_asked = 0;
 };

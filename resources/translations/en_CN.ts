@@ -132,6 +132,10 @@
       <source>恢复设置后重启,未再回应</source>
       <translation>Restarted after its settings were restored and did not answer again</translation>
     </message>
+    <message>
+      <source>设置写回后程序曾中断,设备可能尚未重启</source>
+      <translation>The program ended after the settings were written back: the device may not have restarted</translation>
+    </message>
   </context>
   <context>
     <name>ConfigurationArea</name>

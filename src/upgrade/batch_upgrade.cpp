@@ -90,6 +90,10 @@ void BatchUpgrade::digestReady(const PackageDigest* digest)
 
 void BatchUpgrade::begin(const Pending& pending, const QString& file, const QString& md5)
 {
+    // All of them may have left the list meanwhile.
+    if (std::none_of(pending.boxes.begin(), pending.boxes.end(),
+                     [](const auto& box) { return box; }))
+        return;
     const QString version = UpgradeJudgement::versionIn(QFileInfo(file).completeBaseName());
     m_fleet.begin({file, md5, version});
     for (const QPointer<Item>& box : pending.boxes) {

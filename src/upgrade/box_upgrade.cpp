@@ -15,6 +15,7 @@ using Settings = UpgradeRow::Settings;
 constexpr int identifyTicks = 120;
 constexpr int longestPauseTicks = 8;
 constexpr int versionTries = 3;
+constexpr int twinQuestions = 3;
 
 } // namespace
 
@@ -264,21 +265,35 @@ void BoxUpgrade::leaveToOwner(const BoxUpgrade& owner)
     });
 }
 
-/// A box that moved leaves a row behind: only what answers counts.
-void BoxUpgrade::askTwins(QStringList addresses, std::function<void(bool)> then)
+/// A box that moved leaves a row behind: only what answers counts. One lost packet is no silence.
+void BoxUpgrade::askTwins(const QStringList& addresses, std::function<void(bool)> then)
 {
-    if (addresses.isEmpty()) {
+    QStringList questions;
+    for (const QString& ip : addresses) {
+        for (int n = 0; n < twinQuestions; ++n)
+            questions << ip;
+    }
+    askNextTwin(questions, std::move(then));
+}
+
+void BoxUpgrade::askNextTwin(QStringList questions, std::function<void(bool)> then)
+{
+    if (questions.isEmpty()) {
         then(false);
         return;
     }
-    const QString ip = addresses.takeFirst();
+    const QString ip = questions.takeFirst();
     m_link.read(ip, BoxProtocol::MACAddress,
-                m_listener.hear([this, addresses, then](const QString& answer) {
+                m_listener.hear([this, ip, questions, then](const QString& answer) {
                     const QString mac = HttpResult::fromBody(answer).value.toString();
-                    if (BoxProtocol::isSameMac(mac, row().mac))
+                    if (BoxProtocol::isSameMac(mac, row().mac)) {
                         then(true);
-                    else
-                        askTwins(addresses, then);
+                        return;
+                    }
+                    QStringList rest = questions;
+                    if (!answer.isEmpty())
+                        rest.removeAll(ip);
+                    askNextTwin(rest, then);
                 }));
 }
 

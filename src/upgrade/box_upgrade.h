@@ -150,7 +150,8 @@ private:
     void takeIdentity(const QString& answer);
     void leaveToOwner(const BoxUpgrade& owner);
     void anotherBox(const QString& mac);
-    void askTwins(QStringList addresses, std::function<void(bool twins)> then);
+    void askTwins(const QStringList& addresses, std::function<void(bool twins)> then);
+    void askNextTwin(QStringList questions, std::function<void(bool twins)> then);
     void askVersionBefore();
     void identified();
     /// Asks who answers at the row's address; `same` follows if it is this box. One that does not
@@ -228,6 +229,7 @@ private:
     QString m_problem;   ///< why the last upload failed
     int m_secondsLeft = AllowanceTicks;
 
+    bool m_refused = false; ///< the order to change over
     bool m_ordered = false; ///< to change over, which has not ended yet
     qint64 m_orderedAt = 0; ///< since when it is watched
     bool m_wasAway = false; ///< since then

@@ -146,13 +146,15 @@ void BoxUpgrade::takeActivation(const QString& answer)
 {
     if (m_step != Step::Activating)
         return;
-    // The box restarts to apply the firmware, so that its answer often never arrives.
-    if (answer.isEmpty() || BoxReply(answer).isSuccess()) {
+    if (BoxReply(answer).isSuccess()) {
         succeed();
-    } else {
+    } else if (!answer.isEmpty()) {
+        m_refused = true;
         m_timedOut = true;
         tell(tr("更新固件 未知"));
     }
+    // The box restarts to apply the firmware, so that its answer often never arrives: then it
+    // counts once it has gone.
     m_step = Step::Away;
     m_host.changed(*this);
 }

@@ -31,6 +31,8 @@ void BoxUpgrade::resume()
     m_held = row().settings == Settings::Waiting;
     m_ordered = row().stage == Stage::Activated;
     row().settled = false;
+    if (row().settings == Settings::Restored || row().settings == Settings::Unverified)
+        row().aftermath = tr("设置写回后程序曾中断,设备可能尚未重启");
     if (m_ordered) {
         enter(Step::Away);
         watch();
@@ -205,8 +207,11 @@ void BoxUpgrade::noteAbsence()
         m_missedSince = now;
     else
         m_restartNoticed = true;
-    if (m_missed >= missedWhenAway && now - m_missedSince >= ticks(shortestAbsenceTicks))
-        m_wasAway = true;
+    if (m_wasAway || m_missed < missedWhenAway || now - m_missedSince < ticks(shortestAbsenceTicks))
+        return;
+    m_wasAway = true;
+    if (m_ordered && !m_refused)
+        succeed();
 }
 
 void BoxUpgrade::askVersion()
@@ -252,7 +257,7 @@ void BoxUpgrade::giveUpWaiting()
 {
     m_ordered = false;
     if (m_step == Step::Restarting && row().settings != Settings::Waiting) {
-        row().note = tr("恢复设置后重启,未再回应");
+        row().aftermath = tr("恢复设置后重启,未再回应");
         end();
         return;
     }

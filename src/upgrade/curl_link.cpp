@@ -15,7 +15,6 @@ CurlLink::CurlLink(Spark_Http& http)
         m_commands.insert(made, m_next);
         const int limitMs = m_next.limitMs;
         connect(made, &QProcess::readyReadStandardOutput, this, [this, made] { collect(made); });
-        // Queued: a program that cannot start ends within its start.
         connect(made, &QProcess::stateChanged, this, [this, made](QProcess::ProcessState state) {
             if (state == QProcess::NotRunning)
                 ended(made);

@@ -6,6 +6,13 @@
 #include "common/http_result.h"
 #include "upgrade/kept_settings.h"
 
+namespace
+{
+
+constexpr int silencesWhenLost = 3;
+
+} // namespace
+
 void SettingsWriter::start(const QString& ip, const QString& mac, const QVariantMap& values,
                            Done done)
 {
@@ -15,6 +22,7 @@ void SettingsWriter::start(const QString& ip, const QString& mac, const QVariant
     m_values = values;
     m_rest = values.keys();
     m_outcome = {};
+    m_silences = 0;
     m_done = std::move(done);
     writeNext();
 }
@@ -34,6 +42,12 @@ void SettingsWriter::writeNext()
     }
     m_link.read(m_ip, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
         const HttpResult who = HttpResult::fromBody(answer);
+        // One lost packet is no lost box.
+        if (answer.isEmpty() && ++m_silences < silencesWhenLost) {
+            writeNext();
+            return;
+        }
+        m_silences = 0;
         m_outcome.lost = !BoxProtocol::isSameMac(who.value.toString(), m_mac);
         if (m_outcome.lost)
             finish();

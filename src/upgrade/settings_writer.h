@@ -41,6 +41,7 @@ private:
     QString m_mac;
     QVariantMap m_values;
     QStringList m_rest; ///< parameters still to be written, then still to be read
+    int m_silences = 0; ///< in a row
     Outcome m_outcome;
     Done m_done;
 };

@@ -59,6 +59,8 @@ QString noteText(const UpgradeRow& row)
         parts << row.failedSettings.join(QStringLiteral(", "));
     if (row.settled && row.verdict() == Verdict::NotProved)
         parts << UpgradeJudgement::doubt(row);
+    if (!row.aftermath.isEmpty())
+        parts << row.aftermath;
     // "Success", as a box was told it in its activation, is no evidence and would pass for it.
     if (!row.note.isEmpty() && row.stage != Stage::Activated)
         parts << row.note;
@@ -137,6 +139,7 @@ QString readRow(const QJsonObject& json, int format, UpgradeRow* row)
     // Journals without the word come from when another version was enough.
     row->wasAway = json.value(key("wasAway")).toBool(!row->versionAfter.isEmpty());
     row->expected = json.value(key("expected")).toString();
+    row->aftermath = json.value(key("aftermath")).toString();
     row->started = QDateTime::fromString(json.value(key("started")).toString(), Qt::ISODateWithMs);
     row->durationMs = qint64(json.value(key("durationMs")).toDouble());
     row->note = json.value(key("note")).toString();
@@ -160,6 +163,7 @@ QJsonObject rowToJson(const UpgradeRow& row)
             {key("ambiguous"), row.ambiguous},
             {key("wasAway"), row.wasAway},
             {key("expected"), row.expected},
+            {key("aftermath"), row.aftermath},
             {key("started"), row.started.toString(Qt::ISODateWithMs)},
             {key("durationMs"), double(row.durationMs)},
             {key("note"), row.note}};

@@ -64,6 +64,7 @@ public:
     bool dhcpForced = false; ///< it had a fixed address and was switched to an assigned one
     QDateTime started;
     qint64 durationMs = 0; ///< from the start until the verdict; 0 until then
+    QString aftermath;     ///< what is worth telling of the time after its settings were written
     QString note;          ///< the last thing worth telling, as the box or the program put it
 };
 

@@ -42,6 +42,14 @@ UpgradeSession& UpgradeSessions::add(const QString& package, const QString& md5)
 {
     UpgradeSession session;
     session.started = m_clock.date();
+    // The time names its files: two of the same moment, or of a clock that was set back, are two.
+    const auto isTaken = [this, &session] {
+        return std::any_of(m_entries.begin(), m_entries.end(), [&session](const auto& entry) {
+            return entry->session.baseName() == session.baseName();
+        });
+    };
+    while (isTaken())
+        session.started = session.started.addMSecs(1);
     session.package = package;
     session.md5 = md5;
     return add(session, true).session;

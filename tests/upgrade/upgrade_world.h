@@ -150,9 +150,10 @@ private:
     QMap<QString, QMap<QString, QString>> m_original;
     QSet<QString> m_plain; ///< MAC addresses of boxes upgraded without keeping their settings
     QSet<QString> m_twins;
-    QSet<QString> m_waitingRows; ///< MAC addresses of boxes whose settings wait for them
-    QSet<QString> m_waiting;     ///< MAC addresses of boxes that miss their settings, as is told
-    QSet<QString> m_named;       ///< single settings that are told to be lost: MAC address and name
+    QHash<QString, int> m_proved; ///< upgrades that are told to be, by MAC address
+    QSet<QString> m_waitingRows;  ///< MAC addresses of boxes whose settings wait for them
+    QSet<QString> m_waiting;      ///< MAC addresses of boxes that miss their settings, as is told
+    QSet<QString> m_named; ///< single settings that are told to be lost: MAC address and name
     qint64 m_lastEvent = 0;
     int m_lives = 0;
     bool m_isDetailed = false;
