@@ -978,6 +978,10 @@ Close the program?</translation>
       <source>还有%1个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复.是否关闭?</source>
       <translation>The settings of %1 KORA are still waiting to be restored. If you close now, you will be asked about them at the next start. Close?</translation>
     </message>
+    <message>
+      <source>%1 设置已写回但未能核对,KORA设备正在重启.</source>
+      <translation>The settings of %1 have been written back but could not be checked; the KORA device is restarting.</translation>
+    </message>
   </context>
   <context>
     <name>UpgradeReport</name>

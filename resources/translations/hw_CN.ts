@@ -978,6 +978,10 @@
       <source>还有%1个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复.是否关闭?</source>
       <translation>KORA %1대의 설정이 아직 복원을 기다리고 있습니다. 지금 닫으면 다음에 시작할 때 복원 여부를 묻습니다. 닫으시겠습니까?</translation>
     </message>
+    <message>
+      <source>%1 设置已写回但未能核对,KORA设备正在重启.</source>
+      <translation>%1의 설정을 다시 썼지만 확인하지 못했습니다. KORA 장치를 다시 시작하는 중입니다.</translation>
+    </message>
   </context>
   <context>
     <name>UpgradeReport</name>

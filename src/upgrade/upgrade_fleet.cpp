@@ -314,7 +314,7 @@ void UpgradeFleet::writeBackEnded(BoxUpgrade& box)
     m_kept.takeLastTry(row.mac);
     m_kept.removeWaiting(row.mac);
     if (row.settings == Settings::Restored || row.settings == Settings::Unverified)
-        emit restored(row.address);
+        emit restored(row.address, row.settings == Settings::Restored);
     else if (row.settings == Settings::SomeFailed)
         emit restoreFailed(row.address);
 }

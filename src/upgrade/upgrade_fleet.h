@@ -75,8 +75,9 @@ signals:
     /// What the report says has changed.
     void reportChanged();
     void writingBack(const QString& ip, const QVariantMap& values);
-    /// The settings of the box are what they were, and it restarts.
-    void restored(const QString& ip);
+    /// The box has taken its settings, and restarts. `verified`: read again, they are what they
+    /// were.
+    void restored(const QString& ip, bool verified);
     void restoreFailed(const QString& ip);
     /// Boxes of earlier batches still miss their settings, saved at `when`.
     void settingsFound(const QMap<QString, QVariantMap>& saved, const QDateTime& when);

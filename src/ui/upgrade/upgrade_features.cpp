@@ -54,8 +54,10 @@ void UpgradeFeatures::connectEngine()
     connect(fleet, &UpgradeFleet::settingsFound, this, &UpgradeFeatures::offerSettings,
             Qt::QueuedConnection);
     connect(fleet, &UpgradeFleet::interruptedFound, this, &UpgradeFeatures::tellInterrupted);
-    connect(fleet, &UpgradeFleet::restored, this, [this](const QString& ip) {
-        messageBox::notify(tr("%1 恢复设置成功,KORA设备正在重启.").arg(ip), m_hub.window);
+    connect(fleet, &UpgradeFleet::restored, this, [this](const QString& ip, bool verified) {
+        const QString text = verified ? tr("%1 恢复设置成功,KORA设备正在重启.")
+                                      : tr("%1 设置已写回但未能核对,KORA设备正在重启.");
+        messageBox::notify(text.arg(ip), m_hub.window);
     });
     connect(fleet, &UpgradeFleet::restoreFailed, this, [this](const QString& ip) {
         messageBox::notify(tr("%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.").arg(ip),
