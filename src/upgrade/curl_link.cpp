@@ -31,8 +31,8 @@ CurlLink::~CurlLink() = default;
 
 void CurlLink::read(const QString& ip, const QString& parameter, Answered answered)
 {
-    m_reads.insert(m_http.get(readType(), BoxProtocol::readUrl(ip, parameter), false),
-                   std::move(answered));
+    const QString id = m_http.get(readType(), BoxProtocol::readUrl(ip, parameter), false);
+    m_reads[id] = std::move(answered);
 }
 
 void CurlLink::handleRead(const HttpResult& result)
