@@ -298,7 +298,8 @@ void tst_BatchUpgrade::survivesBeingKilled()
     const auto journal = [&folder] {
         return readFile(folder.filePath(folder.entryList({"*.json"}).value(0, "none")));
     };
-    QTRY_VERIFY(journal().contains("\"Activated\"") && journal().count("\"Waiting\"") == 3);
+    QTRY_VERIFY(journal().contains("\"Activated\"") && journal().count("\"Waiting\"") == 3 &&
+                journal().count("\"Uploading\"") == 2);
     ::kill(pid_t(program.processId()), SIGKILL);
     program.waitForFinished();
     QTRY_VERIFY_WITH_TIMEOUT(m_boxes[1]->isOn(), 5000);
