@@ -168,13 +168,18 @@ void BoxUpgrade::takeAnswer(const QString& ip, const QString& answer)
 
 void BoxUpgrade::takeWhereabouts()
 {
+    if (m_answered.size() > 1)
+        row().ambiguous = true;
+    // Of two boxes with one MAC address only the place tells which: what the other one says must
+    // not end the watch over this one, which may be at work on its package.
+    if (row().ambiguous)
+        m_answered =
+            m_answered.contains(row().address) ? QStringList(row().address) : QStringList();
     if (m_answered.isEmpty()) {
         noteAbsence();
         return;
     }
     m_missed = 0;
-    if (m_answered.size() > 1)
-        row().ambiguous = true;
     QString ip = row().address;
     if (!m_answered.contains(ip)) {
         // It is elsewhere: an address passes on with a restart only.
