@@ -148,17 +148,18 @@ void BoxCore::install(const QString& version)
 {
     const QStringList tags = {QStringLiteral("ota")};
     const auto older = m_faults.strike(FaultKind::OtaFallsBack, tags);
-    if (!m_faults.strike(FaultKind::OtaOldVersion, tags)) {
+    const bool keepsOld = bool(m_faults.strike(FaultKind::OtaOldVersion, tags));
+    if (!keepsOld)
         m_state.setParameter(QStringLiteral("eParam_FirmVersion"), older ? older->text : version);
-    }
     if (m_faults.strike(FaultKind::OtaLosesSettings, tags))
         m_state.loseSettings();
     if (const auto reset = m_faults.strike(FaultKind::OtaResets, tags))
         m_state.resetSettings(reset->text.split(QLatin1Char(' ')));
     if (const auto move = m_faults.strike(FaultKind::OtaMoves, tags))
         m_lease = mayUse(move->text) ? move->text : m_lease;
-    m_state.changeActivity([](BoxActivity& activity) {
+    m_state.changeActivity([changed = !keepsOld && !older](BoxActivity& activity) {
         activity.changingFirmware = false;
+        activity.changed = activity.changed || changed;
         ++activity.reboots;
     });
     goDown(Power::Rebooting, m_setup.rebootMs);
@@ -201,6 +202,7 @@ bool BoxCore::powerOn()
         closePorts();
         return false;
     }
+    m_state.changeActivity([](BoxActivity& activity) { activity.unapplied = false; });
     setPower(Power::On);
     return true;
 }

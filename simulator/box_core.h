@@ -43,6 +43,8 @@ public:
     /// Reboots and comes back there; a box that is off comes back there when it is plugged in.
     bool rebootTo(const QString& address);
     void reboot() override; // any thread
+    /// The address that the network gives it at its next start, unless it has one of its own.
+    void setLease(const QString& address) { m_lease = address; }
     /// Opens or closes what the present faults ask for.
     void applyFaults();
     void setTimes(int rebootMs, int restartMs);

@@ -3,6 +3,8 @@
 
 #include "simulator/parameters.h"
 
+#include <QDateTime>
+
 #include <algorithm>
 
 namespace sim
@@ -109,6 +111,14 @@ BoxActivity BoxState::activity() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_activity;
+}
+
+void BoxState::noteInChange(const QString& what)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_activity.changingFirmware)
+        m_activity.breaches << BoxBreach{what, QDateTime::currentMSecsSinceEpoch() -
+                                                   m_activity.changeOrderedAt};
 }
 
 QString BoxState::uploadedVersion() const

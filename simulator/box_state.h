@@ -22,6 +22,12 @@ struct BoxRequest {
     qint64 bodySize = 0; ///< bytes; of an upload: the size of the file
 };
 
+/// Something that may never happen to a box while its firmware changes.
+struct BoxBreach {
+    QString what;
+    qint64 afterMs = 0; ///< since it was told to change over
+};
+
 /// What a box is doing.
 struct BoxActivity {
     bool fullEncoder = false;       ///< switched by ndienc_on, ndienc_off
@@ -33,6 +39,10 @@ struct BoxActivity {
     int restarts = 0;               ///< of its software only
     bool changingFirmware = false;  ///< took the order and has not gone yet ("ota-slow")
     int brokenChanges = 0;          ///< changes of firmware that a restart or power cut ended
+    qint64 changeOrderedAt = 0;     ///< ms since the epoch
+    bool changed = false;           ///< runs a package that it was told to change over to
+    bool unapplied = false;         ///< something was written since its last start
+    QVector<BoxBreach> breaches;
 };
 
 /// A recording on a box.
@@ -72,6 +82,9 @@ public:
         const std::lock_guard<std::mutex> lock(m_mutex);
         change(m_activity);
     }
+
+    /// Notes `what` as a breach while its firmware changes.
+    void noteInChange(const QString& what);
 
     QString uploadedVersion() const; ///< of the last firmware file; empty: none came
     void setUploadedVersion(const QString& version);

@@ -35,6 +35,7 @@ constexpr KindRow kindRows[] = {
     {FaultKind::Unknown, "unknown", -1},
     {FaultKind::Text, "text", -1},
     {FaultKind::Fail, "fail", -1},
+    {FaultKind::Mistake, "mistake", -1},
     {FaultKind::LateAnswer, "late", 5000},
     {FaultKind::NoAnswer, "unanswered", -1},
     {FaultKind::WrongMd5, "wrong-md5", -1},

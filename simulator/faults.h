@@ -28,6 +28,7 @@ enum class FaultKind {
     Unknown,       ///< "unknown": has no such parameter, neither to read nor to write
     Text,          ///< "text": "value", and what feeds and lists carry, is `text` (hostile text)
     Fail,          ///< "fail": writes and actions end in the status `text` ("failed")
+    Mistake,       ///< "mistake": stores `text` in place of what is written
     LateAnswer, ///< "late": writes and actions are done at once, answered after `amount` ms (5000)
     NoAnswer,   ///< "unanswered": writes and actions are done at once, but never answered
     WrongMd5,   ///< "wrong-md5": the upload's digest is a wrong one

@@ -176,12 +176,21 @@ HttpReply KoraApi::write(const QMap<QString, QString>& fields, const HttpRequest
         const bool takes = isAcceptable(name, value) && !m_faults->strike(FaultKind::Unknown, tags);
         status = takes ? QStringLiteral("set success") : setFailed;
         if (status != setFailed)
-            m_state->setParameter(name, value);
+            take(name, value, tags);
     }
     HttpReply reply = jsonReply({{QStringLiteral("status"), status}});
     spoilReply(m_faults, tags, &reply);
     holdReply(m_faults, tags, request.wire, &reply);
     return reply;
+}
+
+void KoraApi::take(const QString& name, const QString& value, const QStringList& tags)
+{
+    m_state->noteInChange(QStringLiteral("written: ") + name);
+    if (m_state->parameter(name) != value)
+        m_state->changeActivity([](BoxActivity& activity) { activity.unapplied = true; });
+    const auto mistake = m_faults->strike(FaultKind::Mistake, tags);
+    m_state->setParameter(name, mistake ? mistake->text : value);
 }
 
 HttpReply KoraApi::control(const HttpRequest& request)
@@ -218,6 +227,7 @@ bool KoraApi::run(const QString& action, const QMap<QString, QString>& fields, Q
     };
     const auto later = [this, afterwards](void (BoxHardware::*what)()) {
         return Run([this, afterwards, what] {
+            m_state->noteInChange(QStringLiteral("restarted"));
             *afterwards = [this, what] { (m_hardware->*what)(); };
             return true;
         });
@@ -277,10 +287,14 @@ bool KoraApi::startStream(const QMap<QString, QString>& fields, QJsonObject* rep
 
 bool KoraApi::startOta(std::function<void()>* afterwards)
 {
+    m_state->noteInChange(QStringLiteral("told to change over again"));
     const QString version = m_state->uploadedVersion();
     if (version.isEmpty())
         return false;
     m_state->setUploadedVersion(QString());
+    m_state->changeActivity([](BoxActivity& activity) {
+        activity.changeOrderedAt = QDateTime::currentMSecsSinceEpoch();
+    });
     *afterwards = [this, version] { m_hardware->changeFirmware(version); };
     return true;
 }

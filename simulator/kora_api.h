@@ -55,6 +55,8 @@ private:
     HttpReply config(const HttpRequest& request);
     HttpReply read(const QString& name, const HttpRequest& request);
     HttpReply write(const QMap<QString, QString>& fields, const HttpRequest& request);
+    /// Stores a setting that is acceptable.
+    void take(const QString& name, const QString& value, const QStringList& tags);
     HttpReply control(const HttpRequest& request);
     HttpReply upload(const HttpRequest& request);
     HttpReply media(const HttpRequest& request);

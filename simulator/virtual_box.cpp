@@ -105,6 +105,11 @@ bool VirtualBox::rebootTo(const QString& address)
     return done;
 }
 
+void VirtualBox::setLease(const QString& address)
+{
+    m_thread->run([&] { m_core->setLease(address); });
+}
+
 void VirtualBox::reboot()
 {
     m_thread->run([this] { m_core->reboot(); });

@@ -68,6 +68,8 @@ public:
     /// Reboots, and comes back under another address, which may still be another's now. False when
     /// that one is not allowed.
     bool rebootTo(const QString& address);
+    /// The address that the network gives it at its next start, unless it has a fixed one.
+    void setLease(const QString& address);
     /// As the command "reboot" does it, but without a command.
     void reboot();
 

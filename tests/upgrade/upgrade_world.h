@@ -2,13 +2,10 @@
 #pragma once
 
 #include "common/box_protocol.h"
-#include "simulator/model_lan.h"
+#include "tests/upgrade/upgrade_checker.h"
+#include "tests/upgrade/upgrade_story.h"
 #include "upgrade/kept_settings.h"
 #include "upgrade/upgrade_fleet.h"
-
-#include <QElapsedTimer>
-
-#include <random>
 
 /// The engine over modelled boxes, in their time.
 class ModelLink final : public BoxLink
@@ -26,7 +23,7 @@ public:
     }
     void upload(const QString& ip, const QString&, Answered answered) override
     {
-        m_lan.upload(ip, "1.2.0.623", "digest", std::move(answered));
+        m_lan.upload(ip, UpgradeStory::packageVersion(), "digest", std::move(answered));
     }
     void abandonUpload(const QString& ip) override { m_lan.abandonUpload(ip); }
     void order(const QString& ip, BoxOrder order, Answered answered) override
@@ -122,23 +119,19 @@ public:
     QMap<QString, int> endings() const;
 
 private:
-    int draw(int below) { return int(m_random() % quint32(below)); }
-    sim::ModelBox& anyBox() { return *m_lan.boxes()[size_t(draw(int(m_lan.boxes().size())))]; }
-    bool chance(int percent) { return draw(100) < percent; }
+    sim::ModelBox& boxAt(int n) { return *m_lan.boxes()[size_t(n)]; }
     void addBox(int n);
-    void drawHabits(sim::ModelBoxHabits& habits);
-    void planMeanwhile();
+    void plan(const QVector<UpgradeStory::Event>& events);
+    void happen(const UpgradeStory::Event& event);
+    void swap(const UpgradeStory::Event& event);
     void startProgram();
     void endProgram();
     void beginBatch(bool keep);
     void second();
     bool isQuiet() const;
-    void check();
-    void checkRow(const UpgradeRow& row);
-    void checkBox(const sim::ModelBox& box, const UpgradeRow* latest);
-    void complain(const QString& of, const QString& what);
+    QStringList check();
 
-    std::mt19937 m_random;
+    UpgradeStory m_story;
     sim::ModelTime m_time;
     sim::ModelLan m_lan{m_time};
     ModelLink m_link{m_lan};
@@ -147,15 +140,8 @@ private:
     std::unique_ptr<ModelKept> m_kept;
     std::unique_ptr<UpgradeFleet> m_fleet;
     QMap<QString, QString> m_list; ///< rows of the device list: address to MAC address
-    QMap<QString, QMap<QString, QString>> m_original;
-    QSet<QString> m_plain; ///< MAC addresses of boxes upgraded without keeping their settings
-    QSet<QString> m_twins;
-    QHash<QString, int> m_proved; ///< upgrades that are told to be, by MAC address
-    QSet<QString> m_waitingRows;  ///< MAC addresses of boxes whose settings wait for them
-    QSet<QString> m_waiting;      ///< MAC addresses of boxes that miss their settings, as is told
-    QSet<QString> m_named; ///< single settings that are told to be lost: MAC address and name
+    UpgradeChecker m_checker;
     qint64 m_lastEvent = 0;
     int m_lives = 0;
     bool m_isDetailed = false;
-    QStringList m_problems;
 };
