@@ -87,8 +87,11 @@ void BoxUpgrade::endHandedOver()
 
 void BoxUpgrade::heardAt(const QString& ip)
 {
-    if (ip != row().address && isWatching())
+    if (isWatching()) {
+        // It is there: whoever gives it up now would not hear of it again.
         m_candidates << ip;
+        m_missed = 0;
+    }
     if (m_step != Step::Missing || m_held || row().settings != Settings::Waiting)
         return;
     m_candidates << ip;

@@ -107,8 +107,7 @@ void UpgradeFleet::heard(const QString& ip, const QString& mac)
 void UpgradeFleet::cameOnline(const QString& ip)
 {
     for (const auto& box : m_boxes) {
-        if (box->step() == BoxUpgrade::Step::Missing &&
-            (box->row().address == ip || m_addresses(box->row().mac).contains(ip)))
+        if (box->row().address == ip || m_addresses(box->row().mac).contains(ip))
             box->heardAt(ip);
     }
 }

@@ -82,5 +82,12 @@ void tst_UpgradeSimulation::noBoxIsHarmed()
     QVERIFY(all.endings.size() >= 12);
 }
 
-QTEST_GUILESS_MAIN(tst_UpgradeSimulation)
+int main(int argc, char* argv[])
+{
+    // Ten million lives take longer than a test usually may.
+    qputenv("QTEST_FUNCTION_TIMEOUT", "20000000");
+    QCoreApplication application(argc, argv);
+    tst_UpgradeSimulation test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_upgrade_simulation.moc"
