@@ -269,6 +269,11 @@ void BoxUpgrade::giveUpWaiting()
         end();
         return;
     }
+    if (row().settings == Settings::Waiting && row().ambiguous) {
+        // Whichever of the two answers some day, nobody could tell whose they are.
+        row().settings = Settings::Ambiguous;
+        m_host.writeBackEnded(*this);
+    }
     if (row().settings != Settings::Waiting) {
         end();
         return;
