@@ -242,5 +242,6 @@ private:
     qint64 m_missedSince = 0;
     int m_lost = 0; ///< write-backs that were broken off
     int m_restartOrders = 0;
-    bool m_restartNoticed = false; ///< it answered the order, or was silent after it
+    bool m_restartAnswered = false; ///< the order
+    bool m_restartNoticed = false;  ///< it was silent after it, which may have been the network
 };

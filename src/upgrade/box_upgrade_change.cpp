@@ -65,6 +65,12 @@ void BoxUpgrade::switchDhcp()
 
 void BoxUpgrade::orderDhcp()
 {
+    // Dropped meanwhile: nobody would undo it.
+    if (row().settings != Settings::Waiting) {
+        row().dhcpForced = false;
+        beginUploading();
+        return;
+    }
     m_link.write(row().address, BoxProtocol::DHCP, QStringLiteral("1"),
                  m_listener.hear([this](const QString&) { beginUploading(); }));
 }

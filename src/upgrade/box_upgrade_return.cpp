@@ -60,7 +60,9 @@ void BoxUpgrade::awaitBox()
 
 void BoxUpgrade::dropSettings()
 {
-    if (row().settings != Settings::Waiting)
+    // Half of them written is worse than all.
+    const bool begun = m_step == Step::WritingBack || m_step == Step::Restarting;
+    if (row().settings != Settings::Waiting || begun)
         return;
     row().settings = Settings::Dropped;
     m_held = false;
@@ -196,7 +198,8 @@ void BoxUpgrade::takeWhereabouts()
     }
     m_candidates.clear();
     if (m_step == Step::Restarting) {
-        const bool noticed = m_restartNoticed || m_restartOrders >= mostRestartOrders;
+        const bool noticed =
+            m_restartAnswered || m_restartNoticed || m_restartOrders >= mostRestartOrders;
         if (m_wasAway || (isOutOfTime() && noticed))
             restarted();
         else if (isOutOfTime())
@@ -357,6 +360,7 @@ void BoxUpgrade::confirmRestart()
 void BoxUpgrade::orderRestart()
 {
     ++m_restartOrders;
+    m_restartAnswered = false;
     m_restartNoticed = false;
     m_nextRound = m_clock.ms() + ticks(restartTicks);
     m_link.read(
@@ -364,7 +368,7 @@ void BoxUpgrade::orderRestart()
             if (BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), row().mac))
                 m_link.order(row().address, BoxOrder::Restart,
                              m_orders.hear([this](const QString& reply) {
-                                 m_restartNoticed = m_restartNoticed || !reply.isEmpty();
+                                 m_restartAnswered = m_restartAnswered || !reply.isEmpty();
                              }));
             beginRestart();
         }));
@@ -384,8 +388,11 @@ void BoxUpgrade::beginRestart()
 
 void BoxUpgrade::restarted()
 {
-    if (row().settings == Settings::Waiting)
+    if (row().settings == Settings::Waiting) {
         writeBack();
-    else
-        end();
+        return;
+    }
+    if (!m_wasAway && !m_restartAnswered)
+        row().aftermath = tr("设置已写回,但未见设备重启");
+    end();
 }

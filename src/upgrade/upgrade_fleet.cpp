@@ -238,8 +238,16 @@ void UpgradeFleet::endTakenOver(const BoxUpgrade& box)
 void UpgradeFleet::changed(BoxUpgrade& box)
 {
     m_sessions.touch(box.session());
-    if (box.row().settings != Settings::Waiting)
-        endTakenOver(box);
+    if (box.row().settings != Settings::Waiting && m_takenOver.contains(&box) &&
+        !m_ending.contains(&box)) {
+        // What became of them is safe before the upgrade before is closed; where nothing can be
+        // saved there is nothing to wait for.
+        m_ending.insert(&box);
+        keep(box, [this, &box](bool) {
+            m_ending.remove(&box);
+            endTakenOver(box);
+        });
+    }
     mirrorWaiting(box);
     emit boxChanged(&box);
 }

@@ -116,4 +116,6 @@ private:
     /// Whose settings an upgrade took over that is not safe on disk yet: until then the one before
     /// stays open, or an end of the program between the two would lose them.
     QHash<const BoxUpgrade*, BoxUpgrade*> m_takenOver;
+    /// Those of them that have ended already; how is being saved.
+    QSet<const BoxUpgrade*> m_ending;
 };
