@@ -78,7 +78,8 @@ void ModelLan::ask(const QString& ip, int limitMs, int ModelBoxHabits::*workMs,
                    std::function<QString(ModelBox&)> handle, Answered answered)
 {
     const bool lose = isLost();
-    m_time.in(wayMs, [this, ip, limitMs, workMs, lose, handle = std::move(handle),
+    const bool loseAnswer = isLost();
+    m_time.in(wayMs, [this, ip, limitMs, workMs, lose, loseAnswer, handle = std::move(handle),
                       answered = std::move(answered)]() mutable {
         ModelBox* box = at(ip);
         if (!box || box->isDeaf || lose) {
@@ -89,7 +90,7 @@ void ModelLan::ask(const QString& ip, int limitMs, int ModelBoxHabits::*workMs,
         const int work = box->habits.*workMs;
         const int life = box->life;
         const QString answer = handle(*box);
-        if (answer.isNull() || work > limitMs) {
+        if (answer.isNull() || work > limitMs || loseAnswer) {
             m_time.in(limitMs, [answered = std::move(answered)] { answered(QString()); });
             return;
         }
@@ -109,12 +110,20 @@ void ModelLan::read(const QString& ip, const QString& parameter, Answered answer
             if (parameter == box.habits.unreadable)
                 return QString();
             const QString name = quoted(parameter);
+            if (parameter == QLatin1String("eParam_FirmVersion") && box.tellsPackage)
+                return QStringLiteral("{\"param_name\":%1,\"value\":%2}")
+                    .arg(name, quoted(box.packageVersion));
             if (parameter == box.habits.missing || !box.settings.contains(parameter))
                 return QStringLiteral("{\"param_name\":%1,\"status\":\"failed\"}").arg(name);
             return QStringLiteral("{\"param_name\":%1,\"value\":%2}")
                 .arg(name, quoted(box.settings.value(parameter)));
         },
-        std::move(answered));
+        [this, ip, parameter, answered = std::move(answered)](const QString& answer) {
+            ModelBox* box = answer.isEmpty() ? nullptr : at(ip);
+            if (box)
+                box->untold.remove(parameter);
+            answered(answer);
+        });
 }
 
 void ModelLan::write(const QString& ip, const QString& parameter, const QString& value,
@@ -126,11 +135,16 @@ void ModelLan::write(const QString& ip, const QString& parameter, const QString&
         [this, parameter, value](ModelBox& box) {
             if (box.isChanging && m_time.now() - box.orderedAt < AllowanceMs)
                 box.violations << QStringLiteral("written in its change: ") + parameter;
+            acted(box, parameter);
+            noteTwins(box, parameter);
             if (parameter == box.habits.unwritable)
                 return QStringLiteral("{\"status\":\"set failed\"}");
-            box.unapplied = box.unapplied || box.settings.value(parameter) != value;
-            box.settings[parameter] =
-                parameter == box.habits.misunderstood ? QStringLiteral("?") : value;
+            box.untold << parameter;
+            if (box.settings.value(parameter) != value) {
+                box.unapplied = true;
+                box.settings[parameter] =
+                    parameter == box.habits.misunderstood ? QStringLiteral("?") : value;
+            }
             return QStringLiteral("{\"status\":\"set success\"}");
         },
         std::move(answered));
@@ -141,11 +155,13 @@ void ModelLan::upload(const QString& ip, const QString& version, const QString& 
 {
     trace(ip, QStringLiteral("upload"));
     const int number = ++m_uploads[ip];
+    const bool loseAnswer = isLost();
     ModelBox* box = at(ip);
     if (!box || box->isDeaf) {
         m_time.in(m_absentMs, [answered] { answered(QString()); });
         return;
     }
+    acted(*box, QStringLiteral("upload"));
     const int life = box->life;
     m_time.in(box->habits.uploadMs, [=] {
         if (m_uploads.value(ip) != number || !box->isOn || box->life != life) {
@@ -158,8 +174,14 @@ void ModelLan::upload(const QString& ip, const QString& version, const QString& 
             return;
         }
         box->hasPackage = true;
+        box->isDamaged = box->habits.damagedUploads-- > 0;
+        box->wholePackages += box->isDamaged ? 0 : 1;
         box->packageVersion = version;
-        answered(QStringLiteral("{\"status\":\"success\",\"file_md5\":%1}").arg(quoted(md5)));
+        const QString arrived = box->isDamaged ? QStringLiteral("another") : md5;
+        answered(
+            loseAnswer
+                ? QString()
+                : QStringLiteral("{\"status\":\"success\",\"file_md5\":%1}").arg(quoted(arrived)));
     });
 }
 
@@ -171,14 +193,23 @@ void ModelLan::abandonUpload(const QString& ip)
 void ModelLan::activate(const QString& ip, Answered answered)
 {
     trace(ip, QStringLiteral("activate"));
+    const bool lose = isLost();
+    const bool loseAnswer = isLost();
     m_time.in(wayMs, [=] {
         ModelBox* box = at(ip);
-        if (!box || box->isDeaf) {
+        if (!box || box->isDeaf || lose) {
             m_time.in(m_absentMs, [answered] { answered(QString()); });
             return;
         }
+        acted(*box, QStringLiteral("activate"));
         if (box->isChanging)
             box->violations << QStringLiteral("activated twice");
+        // A twin may have had it.
+        const bool isKnown = std::any_of(m_boxes.begin(), m_boxes.end(), [box](const auto& other) {
+            return other->mac == box->mac && other->wholePackages > 0;
+        });
+        if (!isKnown || (box->hasPackage && box->isDamaged))
+            box->violations << QStringLiteral("activated without a whole package");
         using Habits = ModelBoxHabits;
         if (!box->hasPackage || box->habits.change == Habits::Change::Refuses) {
             m_time.in(box->habits.writeMs, [answered] { answered(failure()); });
@@ -186,7 +217,7 @@ void ModelLan::activate(const QString& ip, Answered answered)
         }
         box->orderedAt = m_time.now();
         const int life = box->life;
-        switch (box->habits.answer) {
+        switch (loseAnswer ? Habits::Answer::HangsUp : box->habits.answer) {
         case Habits::Answer::AtOnce:
             m_time.in(box->habits.writeMs, [answered] { answered(success()); });
             break;
@@ -211,20 +242,24 @@ void ModelLan::changeOver(ModelBox& box)
 {
     box.isChanging = true;
     const int life = box.life;
+    if (box.habits.earlyMs > 0 && box.habits.change == ModelBoxHabits::Change::Normal)
+        m_time.in(qMax(0, box.habits.changeMs - box.habits.earlyMs),
+                  [&box, life] { box.tellsPackage = box.isChanging && box.life == life; });
     m_time.in(box.habits.changeMs, [this, &box, life] {
         if (box.life != life)
             return;
         using Change = ModelBoxHabits::Change;
-        goAway(box, box.habits.change == Change::StaysAway ? -1 : box.habits.awayMs, [&box] {
+        goAway(box, box.habits.change == Change::StaysAway ? -1 : box.habits.awayMs, [this, &box] {
             QString& version = box.settings[QStringLiteral("eParam_FirmVersion")];
             if (box.habits.change == Change::Normal) {
                 version = box.packageVersion;
-                box.changedByOrder = true;
+                box.changes.push_back({m_time.now(), version});
             } else if (box.habits.change == Change::OlderVersion) {
                 version = QStringLiteral("1.1.0.100");
             }
             for (const QString& name : box.habits.resets)
-                box.settings[name] = factorySettings(99, QStringLiteral("0.0.0.0")).value(name);
+                box.settings[name] =
+                    factorySettings(99, QStringLiteral("127.254.0.99")).value(name);
         });
     });
 }
@@ -233,17 +268,58 @@ void ModelLan::restart(const QString& ip, Answered answered)
 {
     trace(ip, QStringLiteral("restart"));
     const bool lose = isLost();
+    const bool loseAnswer = isLost();
     m_time.in(wayMs, [=] {
         ModelBox* box = at(ip);
         if (!box || box->isDeaf || lose) {
             m_time.in(m_absentMs, [answered] { answered(QString()); });
             return;
         }
+        acted(*box, QStringLiteral("restart"));
         if (box->isChanging && m_time.now() - box->orderedAt < AllowanceMs)
             box->violations << QStringLiteral("restarted in its change");
-        answered(success());
-        goAway(*box, box->habits.awayMs, {});
+        answered(loseAnswer ? QString() : success());
+        goAway(*box, box->habits.diesOfRestart ? -1 : box->habits.awayMs, {});
     });
+}
+
+void ModelLan::acted(const ModelBox& box, const QString& act) const
+{
+    if (m_acted)
+        m_acted(box, act);
+}
+
+/// A twin could be found if it answers since before the settings began to be written. Nobody can
+/// find out that there are two where one of them was never there when the other was.
+void ModelLan::noteTwins(ModelBox& box, const QString& parameter)
+{
+    constexpr qint64 longestWriteBackMs = 120000;
+    // To switch it on harms nobody.
+    if (parameter == QLatin1String("eParam_DHCP"))
+        return;
+    for (const auto& other : m_boxes) {
+        if (other.get() == &box || other->mac != box.mac)
+            continue;
+        if (other->isOn && !other->isDeaf &&
+            other->reachableSince < m_time.now() - longestWriteBackMs &&
+            other->habits.missing != QLatin1String("eParam_MACAddress"))
+            box.violations << QStringLiteral("written beside its twin: ") + parameter;
+        else
+            box.writtenApart = other->writtenApart = true;
+    }
+}
+
+void ModelLan::swapAddresses(ModelBox& a, ModelBox& b)
+{
+    if (&a == &b || !a.isOn || !b.isOn)
+        return;
+    std::swap(a.address, b.address);
+    a.reachableSince = b.reachableSince = m_time.now();
+    trace(a.address, a.mac, QStringLiteral("swaps with"), b.address, b.mac);
+    for (const ModelBox* box : {&a, &b}) {
+        if (m_appeared)
+            m_appeared(*box);
+    }
 }
 
 /// `awayMs` below 0: for good. `before` happens when it is off.
@@ -251,7 +327,7 @@ void ModelLan::goAway(ModelBox& box, int awayMs, std::function<void()> before)
 {
     trace(box.address, box.mac, QStringLiteral("goes away"));
     box.isOn = false;
-    box.isChanging = false;
+    box.isChanging = box.tellsPackage = false;
     box.hasPackage = false;
     const int life = ++box.life;
     if (before)
@@ -271,7 +347,7 @@ void ModelLan::powerCycle(ModelBox& box, int awayMs, const QString& address)
 {
     trace(box.address, box.mac, QStringLiteral("loses its power"));
     box.isOn = false;
-    box.isChanging = false;
+    box.isChanging = box.tellsPackage = false;
     box.hasPackage = false;
     const int life = ++box.life;
     m_time.in(awayMs, [this, &box, life, address] {
@@ -289,6 +365,7 @@ void ModelLan::comeBack(ModelBox& box, const QString& address)
     box.address = wanted;
     box.unapplied = false;
     box.isOn = true;
+    box.reachableSince = m_time.now();
     trace(wanted, box.mac, QStringLiteral("is there"));
     if (m_appeared)
         m_appeared(box);
@@ -305,7 +382,10 @@ void ModelLan::setDeaf(ModelBox& box, int ms)
 {
     trace(box.address, box.mac, QStringLiteral("cannot be reached"));
     box.isDeaf = true;
-    m_time.in(ms, [&box] { box.isDeaf = false; });
+    m_time.in(ms, [this, &box] {
+        box.isDeaf = false;
+        box.reachableSince = m_time.now();
+    });
 }
 
 } // namespace sim

@@ -48,15 +48,22 @@ struct ModelBoxHabits {
     enum class Change { Normal, StaysAway, FallsBack, OlderVersion, Refuses, NeverBegins };
     enum class Answer { AtOnce, Late, Never, HangsUp };
 
+    /// Of any kind, most of them good. `draw` gives a number from 0 to below its argument.
+    static ModelBoxHabits drawn(const std::function<int(int below)>& draw,
+                                const QStringList& parameters);
+
     int readMs = 20;
     int writeMs = 30;
     int uploadMs = 8000;
     int uploadFailures = 0;  ///< uploads that are refused before one is taken
+    int damagedUploads = 0;  ///< uploads that arrive as something else before one is whole
     bool takesUpload = true; ///< else each of them is refused
     Change change = Change::Normal;
     Answer answer = Answer::AtOnce;
     int changeMs = 1000;         ///< how long it keeps answering before it goes away to change over
+    int earlyMs = 0;             ///< so long before it goes it tells the new version already
     int awayMs = 12000;          ///< each restart
+    bool diesOfRestart = false;  ///< an ordered one is its last
     bool movesOnRestart = false; ///< gets another address when that is assigned
     QStringList resets;          ///< settings that the new firmware puts back
     QString unreadable;          ///< a parameter whose reads are never answered
@@ -75,12 +82,24 @@ struct ModelBox {
     ModelBoxHabits habits;
 
     bool hasPackage = false;
-    bool isChanging = false;     ///< from its activation to the end of its change
-    qint64 orderedAt = -1;       ///< its last activation
-    bool changedByOrder = false; ///< it runs the package since an activation
-    bool unapplied = false;      ///< something was written since its last start
-    int life = 0;                ///< restarts: what was asked in an earlier life is not answered
+    bool isDamaged = false;    ///< the package
+    int wholePackages = 0;     ///< that it has had
+    bool isChanging = false;   ///< from its activation to the end of its change
+    qint64 orderedAt = -1;     ///< its last activation
+    bool tellsPackage = false; ///< as its version, before it runs it
+    qint64 reachableSince = -1000000;
+    QMap<QString, QString> writtenElsewhere; ///< settings, by somebody else
+    bool isInOtherHands = false;             ///< somebody else has changed its version
+    bool unapplied = false;                  ///< something was written since its last start
+    int life = 0; ///< restarts: what was asked in an earlier life is not answered
     QString packageVersion;
+    struct Change {
+        qint64 at;
+        QString version;
+    };
+    std::vector<Change> changes; ///< to a package, by an activation
+    QSet<QString> untold;        ///< settings that were written and not read again since
+    bool writtenApart = false;   ///< it or its twin, while the other could not be found
     QStringList violations;
 };
 
@@ -101,10 +120,19 @@ public:
 
     ModelBox& add(const QString& mac, const QString& address);
     const std::vector<std::unique_ptr<ModelBox>>& boxes() const { return m_boxes; }
+    /// Who answers at `ip`; null when nobody does.
+    ModelBox* at(const QString& ip) const;
     /// Called when a box begins to answer at an address.
     void setAppeared(std::function<void(const ModelBox&)> appeared)
     {
         m_appeared = std::move(appeared);
+    }
+
+    /// Called when something arrives at a box that changes it: the name of a setting, "upload",
+    /// "activate" or "restart".
+    void setActed(std::function<void(const ModelBox&, const QString& act)> acted)
+    {
+        m_acted = std::move(acted);
     }
 
     /// After how long it is told that nobody is there: at once where a computer refuses, never
@@ -125,14 +153,16 @@ public:
 
     /// Off, and on again after `awayMs`, at `address` when it is not empty.
     void powerCycle(ModelBox& box, int awayMs, const QString& address = QString());
+    /// Each answers at the other's address from now on, as where two claim the same one.
+    void swapAddresses(ModelBox& a, ModelBox& b);
     void setDeaf(ModelBox& box, int ms);
-    /// So many of a hundred questions, writes and restarts get lost on their way.
+    /// So many of a hundred questions, writes and orders get lost on their way, and as many
+    /// answers.
     void setLoss(int percent) { m_lossPercent = percent; }
     /// An address that no box has had.
     QString freshAddress();
 
 private:
-    ModelBox* at(const QString& ip) const;
     bool isLost();
     template <class... Words> void trace(const Words&... words) const
     {
@@ -143,6 +173,8 @@ private:
     /// answered after the time that the box takes, unless it has gone meanwhile.
     void ask(const QString& ip, int limitMs, int ModelBoxHabits::*workMs,
              std::function<QString(ModelBox&)> handle, Answered answered);
+    void acted(const ModelBox& box, const QString& act) const;
+    void noteTwins(ModelBox& box, const QString& parameter);
     void goAway(ModelBox& box, int awayMs, std::function<void()> before);
     void changeOver(ModelBox& box);
     void comeBack(ModelBox& box, const QString& address);
@@ -150,6 +182,7 @@ private:
     ModelTime& m_time;
     std::vector<std::unique_ptr<ModelBox>> m_boxes;
     std::function<void(const ModelBox&)> m_appeared;
+    std::function<void(const ModelBox&, const QString&)> m_acted;
     std::function<void(const QString&)> m_trace;
     QHash<QString, int> m_uploads; ///< number of the latest upload to an address
     int m_nextAddress = 1;

@@ -186,6 +186,7 @@ private:
     void noteAbsence();
     void askVersion();
     void takeVersion(const QString& answer);
+    bool isOldNews();
     void changeOverEnded();
     void giveUpWaiting();
 
@@ -238,6 +239,8 @@ private:
     QSet<QString> m_asked;      ///< those whose answer is still to come in this round
     QStringList m_answered;     ///< those at which the box answered in this round
     bool m_askingVersion = false;
+    qint64 m_changedAt =
+        -1;           ///< since when it has told another version without a break, below 0: not
     int m_missed = 0; ///< rounds in a row in which it did not answer
     qint64 m_missedSince = 0;
     int m_lost = 0; ///< write-backs that were broken off

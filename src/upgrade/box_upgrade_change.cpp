@@ -87,7 +87,8 @@ void BoxUpgrade::beginUploading()
         m_reader.start(
             row().address, row().mac, readTicks,
             [this](const QVariantMap& values, bool) { m_host.settingsRead(*this, values); });
-    upload();
+    // The version was asked after the identity, settings may have been read for minutes.
+    confirm(&BoxUpgrade::upload);
 }
 
 void BoxUpgrade::upload()

@@ -19,6 +19,7 @@ constexpr int shortestRoundMs = 250;
 constexpr int missedWhenAway = 3;
 constexpr int shortestAbsenceTicks = 6;
 constexpr int restartTicks = 120;
+constexpr int graceTicks = 30;
 constexpr int mostLost = 10;
 constexpr int mostRestartOrders = 3;
 
@@ -111,6 +112,7 @@ void BoxUpgrade::watch()
     m_orderedAt = m_clock.ms();
     m_missed = 0;
     m_askingVersion = false;
+    m_changedAt = -1;
     m_round.forget();
     m_asked.clear();
     m_nextRound = m_clock.ms();
@@ -241,7 +243,10 @@ void BoxUpgrade::takeVersion(const QString& answer)
     if (known)
         m_host.versionTold(row().address, version);
     const bool changed = known && UpgradeJudgement::hasChangedOver(row(), version, m_wasAway);
-    if (changed || (known && isOutOfTime())) {
+    if (known && !changed)
+        m_changedAt = -1;
+    // What it told before may have been too early.
+    if (changed || (known && (isOutOfTime() || !row().versionAfter.isEmpty()))) {
         row().versionAfter = version;
         row().wasAway = m_wasAway;
         spendTime();
@@ -251,9 +256,17 @@ void BoxUpgrade::takeVersion(const QString& answer)
     }
     // To read is harmless, to write and to restart it is not: before it was really away it may
     // still be at work on its package, and with the old version it may have to begin with it yet.
-    const bool mayWrite = isOutOfTime() || (changed && m_wasAway);
-    if (mayWrite || (changed && row().settings != Settings::Waiting))
+    if (isOutOfTime() || (changed && (m_wasAway || isOldNews())))
         changeOverEnded();
+}
+
+/// A box may tell the package's version before it restarts with it. Where nothing is to be written
+/// it is left to others after a while, as its restart may have been too short to be seen.
+bool BoxUpgrade::isOldNews()
+{
+    if (m_changedAt < 0)
+        m_changedAt = m_clock.ms();
+    return row().settings != Settings::Waiting && m_clock.ms() >= m_changedAt + ticks(graceTicks);
 }
 
 void BoxUpgrade::changeOverEnded()

@@ -58,6 +58,8 @@ private slots:
 
 void tst_UpgradeSimulation::noBoxIsHarmed()
 {
+    // A set's order is one of what a history hangs on.
+    qSetGlobalQHashSeed(0);
     if (qEnvironmentVariableIsSet("TARN_SEED")) {
         QCOMPARE(runWorld(quint32(qEnvironmentVariableIntValue("TARN_SEED")), true).bad, 0);
         return;

@@ -19,7 +19,8 @@ public:
             Deaf,       ///< box `box` cannot be reached
             PowerCut,   ///< it has no power
             Swap,       ///< two boxes get each other's addresses
-            Elsewhere,  ///< somebody else gave it another version
+            Elsewhere,  ///< somebody else gives it another version, and it restarts
+            Written,    ///< somebody else writes `value` to its setting `name`
             FullDisk,   ///< that of the program
             EndProgram, ///< and its next start after `lasts`
             Batch,      ///< of all boxes; `keep`: with their settings
@@ -29,6 +30,8 @@ public:
         int lasts = 0;
         int box = 0; ///< of all boxes, counted from 0
         bool keep = false;
+        QString name;
+        QString value; ///< empty: an address that no box has had
     };
 
     explicit UpgradeStory(quint32 seed) : m_random(seed) {}

@@ -4,6 +4,10 @@
 namespace
 {
 
+using Settings = UpgradeRow::Settings;
+
+/// One does not tell its version.
+const QStringList packages{"/KORA_1.2.0.623.dat", "/KORA_1.2.0.700.dat", "/KORA.dat"};
 const QString ownAddress = "eParam_IPAddress";
 constexpr qint64 longest = 6000000;
 
@@ -24,6 +28,8 @@ UpgradeWorld::UpgradeWorld(quint32 seed) : m_story(seed)
     const int boxes = 1 + m_story.draw(5);
     for (int n = 0; n < boxes; ++n)
         addBox(n);
+    m_lan.setActed(
+        [this](const sim::ModelBox& box, const QString& act) { checkJournals(box, act); });
     m_lan.setAppeared([this](const sim::ModelBox& box) {
         // The search finds it, some time later.
         m_time.in(2000 + m_story.draw(9000), [this, &box] {
@@ -50,12 +56,15 @@ void UpgradeWorld::trace()
 
 void UpgradeWorld::addBox(int n)
 {
-    const bool twin = n > 0 && m_story.chance(2);
+    const bool twin = n > 0 && m_story.chance(5);
     const QString mac = twin ? m_lan.boxes().front()->mac
                              : QString("02:4B:4F:00:00:%1").arg(n + 1, 2, 16, QChar('0'));
     sim::ModelBox& box = m_lan.add(mac, m_lan.freshAddress());
-    box.settings["eParam_NDIName"] = "name of " + mac;
-    box.settings["eParam_NTPServer"] = "ntp of " + mac;
+    box.settings["eParam_NDIName"] = QString("name of %1, %2").arg(mac).arg(n);
+    box.settings["eParam_NTPServer"] = QString("ntp of %1, %2").arg(mac).arg(n);
+    if (m_story.chance(10))
+        box.settings["eParam_FirmVersion"] =
+            UpgradeJudgement::versionIn(packages.at(m_story.draw(2)));
     box.settings["eParam_DHCP"] = m_story.chance(50) ? "0" : "1";
     box.settings[ownAddress] = box.address;
     box.habits = m_story.habits();
@@ -87,7 +96,13 @@ void UpgradeWorld::happen(const UpgradeStory::Event& event)
         break;
     case Event::Elsewhere:
         box.settings["eParam_FirmVersion"] = UpgradeStory::versionFromElsewhere();
+        box.isInOtherHands = true;
         m_lan.powerCycle(box, event.lasts);
+        break;
+    case Event::Written:
+        box.settings[event.name] = box.writtenElsewhere[event.name] =
+            event.value.isEmpty() ? m_lan.freshAddress() : event.value;
+        m_lan.note("somebody else writes " + event.name + " of " + box.mac);
         break;
     case Event::FullDisk:
         m_store.isFull = true;
@@ -112,6 +127,16 @@ void UpgradeWorld::swap(const UpgradeStory::Event& event)
     m_lan.powerCycle(b, 6000 + m_story.draw(6000), address);
 }
 
+/// One of them may never have been there when the other was.
+void UpgradeWorld::planTwins()
+{
+    const auto& boxes = m_lan.boxes();
+    for (const auto& box : boxes) {
+        if (boxes.size() > 1 && box->mac == boxes.front()->mac && m_story.chance(20))
+            m_lan.powerCycle(*box, 5000 + m_story.draw(100000));
+    }
+}
+
 void UpgradeWorld::startProgram()
 {
     if (m_fleet)
@@ -124,33 +149,46 @@ void UpgradeWorld::startProgram()
                      [this](const QMap<QString, QVariantMap>& found, const QDateTime&) {
                          const QStringList macs = found.keys();
                          const bool wanted = m_story.chance(85);
-                         m_lastEvent = qMax(m_lastEvent, m_time.now() + 20000);
-                         m_time.in(m_story.draw(20000),
-                                   [this, macs, wanted, run = m_store.program] {
-                                       if (!m_fleet || run != m_store.program)
-                                           return;
-                                       if (wanted)
-                                           m_fleet->release(macs);
-                                       else
-                                           m_fleet->dropSettings(macs);
-                                   });
+                         const int when = m_story.draw(m_story.chance(30) ? 300000 : 20000);
+                         m_lastEvent = qMax(m_lastEvent, m_time.now() + when);
+                         m_time.in(when, [this, macs, wanted, run = m_store.program] {
+                             if (!m_fleet || run != m_store.program)
+                                 return;
+                             if (wanted)
+                                 m_fleet->release(macs);
+                             else
+                                 m_fleet->dropSettings(macs);
+                         });
                      });
     QObject::connect(m_fleet.get(), &UpgradeFleet::boxIdentified, m_fleet.get(), [this] {
-        if (!m_story.chance(1))
+        if (!m_story.chance(m_store.delay > 2000 ? 8 : 1))
             return;
-        const int when = m_story.draw(4000);
+        const int when = m_story.draw(4000 + 2 * m_store.delay);
         m_lastEvent = qMax(m_lastEvent, m_time.now() + when + 5000);
         m_time.in(when, [this] {
             endProgram();
             m_time.in(3000, [this] { startProgram(); });
         });
     });
+    QObject::connect(m_fleet.get(), &UpgradeFleet::restored, m_fleet.get(),
+                     [this](const QString& ip, bool verified) {
+                         for (const auto& box : m_lan.boxes())
+                             if (verified && box->isOn && box->address == ip &&
+                                 !(box->untold - QSet<QString>{box->habits.missing}).isEmpty())
+                                 m_checker.complain(box->mac, "restored, but not read again");
+                     });
     m_lan.note("the program starts");
     QObject::connect(m_fleet.get(), &UpgradeFleet::told, m_fleet.get(),
                      [this](BoxUpgrade* box, const QString& line) {
                          m_lan.note(box->row().mac + " tells: " + line);
                      });
+    QObject::connect(m_fleet.get(), &UpgradeFleet::boxChanged, m_fleet.get(),
+                     [this](BoxUpgrade* box) { stepped(*box); });
     m_fleet->adopt(sessionsOf(m_store.journals));
+    const int soon = m_story.draw(20000);
+    if (m_store.program > 1 && m_story.chance(25))
+        m_time.in(soon, [this] { beginBatch(m_story.chance(60)); });
+    m_lastEvent = qMax(m_lastEvent, m_time.now() + soon);
 }
 
 /// Killed: nothing more is saved. Sometimes closed instead.
@@ -159,7 +197,44 @@ void UpgradeWorld::endProgram()
     if (m_fleet && m_story.chance(70))
         ++m_store.program;
     m_fleet.reset();
+    m_steps.clear();
     m_lan.note("the program ends");
+}
+
+/// Each step has its limit. While settings are read or saved, another box may take
+/// the address at once.
+void UpgradeWorld::stepped(const BoxUpgrade& box)
+{
+    using Step = BoxUpgrade::Step;
+    auto& [step, since] = m_steps[&box];
+    if (step == box.step())
+        return;
+    const int most = step == Step::Restarting ? 400 : step <= Step::ReadingSettings ? 140 : 100000;
+    if (m_time.now() - since > most * 1000 && since > 0)
+        m_checker.complain(box.row().mac, QString("step %1 took too long").arg(int(step)));
+    step = box.step();
+    since = m_time.now();
+    const bool isSaving = step == Step::SwitchingDhcp || step == Step::Activating;
+    if (step == Step::ReadingSettings ? m_story.chance(4)
+                                      : isSaving && m_store.delay > 2000 && m_story.chance(10))
+        m_time.in(m_story.draw(isSaving ? 2000 : 800),
+                  [this, &box, step = step] { swapNow(&box, step); });
+}
+
+void UpgradeWorld::swapNow(const BoxUpgrade* upgrade, BoxUpgrade::Step step)
+{
+    if (m_hasSwapped || m_steps.value(upgrade).first != step)
+        return;
+    sim::ModelBox* one = m_lan.at(upgrade->row().address);
+    sim::ModelBox& other = boxAt(m_story.draw(int(m_lan.boxes().size())));
+    for (auto it = m_steps.cbegin(); it != m_steps.cend(); ++it)
+        if (it.key()->row().mac == other.mac && it.key()->isOwner() &&
+            it.key()->step() > BoxUpgrade::Step::ReadingSettings)
+            return;
+    if (!one || one->mac != upgrade->row().mac)
+        return;
+    m_hasSwapped = true;
+    m_lan.swapAddresses(*one, other);
 }
 
 void UpgradeWorld::beginBatch(bool keep)
@@ -167,6 +242,7 @@ void UpgradeWorld::beginBatch(bool keep)
     if (!m_fleet)
         return;
     bool begun = false;
+    const QString package = packages.at(m_story.draw(packages.size()));
     for (auto it = m_list.cbegin(); it != m_list.cend(); ++it) {
         // Its row may not have been told yet who it is.
         const QString known = m_story.chance(5) ? QString() : it.value();
@@ -174,8 +250,7 @@ void UpgradeWorld::beginBatch(bool keep)
             continue;
         if (!begun)
             m_lan.note(keep ? "batch that keeps" : "batch"),
-                m_fleet->begin({"/KORA_" + UpgradeStory::packageVersion() + ".dat", "digest",
-                                UpgradeStory::packageVersion()});
+                m_fleet->begin({package, "digest", UpgradeJudgement::versionIn(package)});
         begun = true;
         m_fleet->add(it.key(), known, keep);
         ++m_lives;
@@ -204,14 +279,16 @@ bool UpgradeWorld::isQuiet() const
 QStringList UpgradeWorld::run()
 {
     m_isDetailed = m_story.chance(10);
-    m_store.delay = m_story.chance(5) ? 2500 : 5;
+    m_store.delay = m_story.chance(5) ? 2500 : m_story.chance(3) ? 15000 : 5;
     m_lan.setLoss(m_story.chance(10) ? 2 : 0);
     startProgram();
     plan(m_story.troubles(int(m_lan.boxes().size())));
     plan(m_story.operation());
+    planTwins();
     beginBatch(m_story.chance(75));
     // Quiet for so long that nobody will be found any more, and everything is saved.
-    for (int quiet = 0; quiet < 25 && m_time.now() < longest; quiet = isQuiet() ? quiet + 1 : 0) {
+    for (int quiet = 0; quiet < 25 + m_store.delay / 300 && m_time.now() < longest;
+         quiet = isQuiet() ? quiet + 1 : 0) {
         // What is saved when matters: more often than once a second, as in the window, now and
         // then.
         for (int part = 0; m_isDetailed && part < 4; ++part) {
@@ -225,20 +302,50 @@ QStringList UpgradeWorld::run()
     return check();
 }
 
+void UpgradeWorld::checkJournals(const sim::ModelBox& box, const QString& act)
+{
+    bool isHere = false;
+    bool isActivated = false;
+    bool isRestoring = false;
+    bool isWaiting = false;
+    const bool isUpload = act == "upload";
+    // A package without its order does nothing, but belongs to a box that is to be upgraded.
+    if (isUpload && m_fleet)
+        for (const UpgradeSession* session : m_fleet->sessions())
+            for (const UpgradeRow& row : session->rows)
+                isHere |= !row.settled && (row.mac.isEmpty() || row.mac == box.mac);
+    for (const UpgradeSession& session : qAsConst(m_store.journals)) {
+        for (const UpgradeRow& row : session.rows) {
+            if (row.mac.isEmpty() ? row.address != box.address : row.mac != box.mac)
+                continue;
+            isActivated |= row.stage == UpgradeRow::Stage::Activated && !row.settled;
+            isWaiting |= row.settings == Settings::Waiting && !row.saved.isEmpty();
+            isRestoring |= row.lastTry || row.settings == Settings::Restored ||
+                           row.settings == Settings::Unverified;
+        }
+    }
+    if (act == "restart")
+        // One that is not on disk loses nothing: the settings wait there still.
+        isWaiting = isRestoring || m_store.wasFull;
+    if (isUpload ? !isHere : act == "activate" ? !isActivated : !isWaiting)
+        m_checker.complain(box.mac, act + ", and nothing on disk tells why");
+}
+
 QStringList UpgradeWorld::check()
 {
+    const qint64 passed = m_clock.date().toMSecsSinceEpoch() - m_time.now();
     for (const UpgradeSession& session : qAsConst(m_store.reports))
-        m_checker.addReport(session.baseName(), UpgradeChecker::told(session),
+        m_checker.addReport(session.baseName(), UpgradeChecker::told(session, passed),
                             m_store.journals.contains(session.baseName()));
     QVector<UpgradeChecker::Truth> boxes;
     for (const auto& box : m_lan.boxes())
-        boxes << UpgradeChecker::Truth{
-            box->mac,       box->address,  box->isOn,      box->changedByOrder,
-            box->unapplied, box->settings, box->violations};
-    QStringList problems = m_checker.judge(boxes, m_store.program == 1);
+        boxes << UpgradeChecker::Truth{box->mac,         box->address,          box->isOn,
+                                       box->unapplied,   box->settings,         box->violations,
+                                       box->changes,     box->writtenElsewhere, box->isInOtherHands,
+                                       box->writtenApart};
     if (m_time.now() >= longest)
-        problems << "a story has no end";
-    return problems;
+        m_checker.complain("world", "a story has no end");
+    return m_checker.judge(boxes);
 }
 
 QMap<QString, int> UpgradeWorld::endings() const

@@ -6,6 +6,7 @@
 #include "tests/upgrade/upgrade_story.h"
 #include "upgrade/kept_settings.h"
 #include "upgrade/upgrade_fleet.h"
+#include "upgrade/upgrade_judgement.h"
 
 /// The engine over modelled boxes, in their time.
 class ModelLink final : public BoxLink
@@ -21,9 +22,11 @@ public:
     {
         m_lan.write(ip, parameter, value, std::move(answered));
     }
-    void upload(const QString& ip, const QString&, Answered answered) override
+    void upload(const QString& ip, const QString& file, Answered answered) override
     {
-        m_lan.upload(ip, UpgradeStory::packageVersion(), "digest", std::move(answered));
+        // One package does not tell its version in its name.
+        const QString told = UpgradeJudgement::versionIn(file);
+        m_lan.upload(ip, told.isEmpty() ? "1.2.0.660" : told, "digest", std::move(answered));
     }
     void abandonUpload(const QString& ip) override { m_lan.abandonUpload(ip); }
     void order(const QString& ip, BoxOrder order, Answered answered) override
@@ -70,6 +73,7 @@ public:
                 journals.remove(session.baseName());
             if (!full)
                 reports[session.baseName()] = session;
+            wasFull = wasFull || full;
             saved(!full);
         });
     }
@@ -77,8 +81,9 @@ public:
     QMap<QString, UpgradeSession> journals; ///< those to go on with
     QMap<QString, UpgradeSession> reports;  ///< all
     bool isFull = false;
-    int delay = 5;   ///< of each write, in milliseconds
-    int program = 0; ///< which run of it saves
+    bool wasFull = false; ///< something could not be saved
+    int delay = 5;        ///< of each write, in milliseconds
+    int program = 0;      ///< which run of it saves
 
 private:
     sim::ModelTime& m_time;
@@ -122,13 +127,18 @@ private:
     sim::ModelBox& boxAt(int n) { return *m_lan.boxes()[size_t(n)]; }
     void addBox(int n);
     void plan(const QVector<UpgradeStory::Event>& events);
+    void planTwins();
     void happen(const UpgradeStory::Event& event);
     void swap(const UpgradeStory::Event& event);
     void startProgram();
     void endProgram();
     void beginBatch(bool keep);
+    void stepped(const BoxUpgrade& box);
+    void swapNow(const BoxUpgrade* upgrade, BoxUpgrade::Step step);
     void second();
     bool isQuiet() const;
+    /// What must be on disk before it is done is there when it arrives.
+    void checkJournals(const sim::ModelBox& box, const QString& act);
     QStringList check();
 
     UpgradeStory m_story;
@@ -139,9 +149,11 @@ private:
     ModelStore m_store{m_time};
     std::unique_ptr<ModelKept> m_kept;
     std::unique_ptr<UpgradeFleet> m_fleet;
+    QHash<const BoxUpgrade*, QPair<BoxUpgrade::Step, qint64>> m_steps; ///< and since when
     QMap<QString, QString> m_list; ///< rows of the device list: address to MAC address
     UpgradeChecker m_checker;
     qint64 m_lastEvent = 0;
     int m_lives = 0;
     bool m_isDetailed = false;
+    bool m_hasSwapped = false;
 };
