@@ -122,8 +122,7 @@ void tst_SparkHttp::failuresGiveAnEmptyBody_data()
 
 void tst_SparkHttp::failuresGiveAnEmptyBody()
 {
-    QFETCH(QString, fault);
-    QFETCH(int, requests);
+    const auto [fault, requests] = cells<QString, int>();
     QVERIFY(m_box->addFault(fault));
     QSignalSpy answers(m_http, &Spark_Http::S_finished);
     for (int n = 0; n < requests; ++n)

@@ -151,9 +151,7 @@ void tst_CrashHandler::crashes_data()
 
 void tst_CrashHandler::crashes()
 {
-    QFETCH(int, signal);
-    QFETCH(QString, signalName);
-    QFETCH(QString, function);
+    const auto [signal, signalName, function] = cells<int, QString, QString>();
     const QString dump = dumpOf({QTest::currentDataTag()}, signal);
     QVERIFY(!dump.isEmpty());
     const QString view = inspect(dump);
@@ -261,10 +259,9 @@ void tst_CrashHandler::endsWhenTheHandlerFails_data()
 
 void tst_CrashHandler::endsWhenTheHandlerFails()
 {
-    QFETCH(QString, failure);
-    QFETCH(int, limitMs);
+    const auto [failure, signal, limitMs] = cells<QString, int, int>();
     const Ending ending = runVictim(m_folder, {"null", failure});
-    QTEST(ending.signal, "signal");
+    QCOMPARE(ending.signal, signal);
     QVERIFY2(ending.ms < limitMs, qPrintable(QString::number(ending.ms)));
     const QStringList files = filesIn(m_folder);
     QVERIFY2(files.filter(QRegularExpression("\\.dmp$")).isEmpty(), qPrintable(files.join(' ')));

@@ -116,8 +116,7 @@ void tst_Recording::namesStayInTheirFolder_data()
 
 void tst_Recording::namesStayInTheirFolder()
 {
-    QFETCH(QString, name);
-    QFETCH(QString, file);
+    const auto [name, file] = cells<QString, QString>();
     const QByteArray content("the bytes of " + name.toUtf8());
     m_box->addRecording(name, content);
     const DownloadResult result = download(name);
@@ -155,8 +154,7 @@ void tst_Recording::brokenDownloadsSayWhy_data()
 
 void tst_Recording::brokenDownloadsSayWhy()
 {
-    QFETCH(QString, fault);
-    QFETCH(QString, reason);
+    const auto [fault, reason] = cells<QString, QString>();
     const bool isHalf = fault.contains("50 on");
     if (!fault.isEmpty()) {
         m_box->addRecording("a.mp4", whole);

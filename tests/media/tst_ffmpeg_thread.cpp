@@ -161,8 +161,7 @@ void tst_FFmpegThread::unusualSources_data()
 
 void tst_FFmpegThread::unusualSources()
 {
-    QFETCH(QString, file);
-    QFETCH(int, pictures);
+    const auto [file, pictures] = cells<QString, int>();
     Player player(file);
     QTRY_VERIFY2_WITH_TIMEOUT(player.pictures >= pictures,
                               qPrintable(QString::number(player.pictures)), 3000);
@@ -201,8 +200,7 @@ void tst_FFmpegThread::stopEndsEveryWait_data()
 
 void tst_FFmpegThread::stopEndsEveryWait()
 {
-    QFETCH(QString, scheme);
-    QFETCH(bool, afterPictures);
+    const auto [scheme, afterPictures] = cells<QString, bool>();
     const QByteArray film = m_clips.content(
         m_clips.make("live.ts", QString(Small) + " -t 4 -c:v libx264 -tune zerolatency"));
     const ScriptedServer server(TEST_BLOCK ".3",
@@ -236,9 +234,7 @@ void tst_FFmpegThread::networkStreamsPlay_data()
 
 void tst_FFmpegThread::networkStreamsPlay()
 {
-    QFETCH(QString, format);
-    QFETCH(QString, target);
-    QFETCH(QString, source);
+    const auto [format, target, source] = cells<QString, QString, QString>();
     QStringList arguments = QString("-v error -nostdin -re " + QString(Small) +
                                     " -t 30 -c:v libx264 -g 10 -tune zerolatency -f " + format)
                                 .split(' ');

@@ -99,9 +99,7 @@ void tst_FFmpegWidget::pictureIsFittedAndCentred_data()
 
 void tst_FFmpegWidget::pictureIsFittedAndCentred()
 {
-    QFETCH(QSize, area);
-    QFETCH(QSize, picture);
-    QFETCH(QRect, shown);
+    const auto [area, picture, shown] = cells<QSize, QSize, QRect>();
     m_widget->resize(area);
     m_widget->updateImage(oneColour(picture, Qt::red));
     m_widget->findChild<QWidget*>("video_state")->hide();

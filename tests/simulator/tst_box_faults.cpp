@@ -103,8 +103,7 @@ void tst_BoxFaults::replies_data()
 
 void tst_BoxFaults::replies()
 {
-    QFETCH(QString, fault);
-    QFETCH(QString, name);
+    const auto [fault, name] = cells<QString, QString>();
     m_box->setParameter("eParam_NDIHXBitRate", "9000");
     Fault spoiling = parseFault(fault).value();
     spoiling.target = name;
@@ -132,13 +131,12 @@ void tst_BoxFaults::failuresHaveTargets_data()
 
 void tst_BoxFaults::failuresHaveTargets()
 {
-    QFETCH(QString, fault);
+    const auto [fault, write] = cells<QString, QString>();
     m_box->setParameter("eParam_SDIVolume", "1");
     QVERIFY(m_box->addFault(fault));
     QTEST(writeParameter(home, "eParam_SDIVolume", "2").status(), "write");
     QTEST(writeParameter(home, "eParam_LineinVolume", "2").status(), "other");
     QTEST(command(home, "ndienc_on").status(), "command");
-    QFETCH(QString, write);
     QCOMPARE(m_box->parameter("eParam_SDIVolume"), write == "set success" ? "2" : "1");
 }
 
@@ -264,9 +262,7 @@ void tst_BoxFaults::otaFaults_data()
 
 void tst_BoxFaults::otaFaults()
 {
-    QFETCH(QString, fault);
-    QFETCH(QString, address);
-    QFETCH(bool, keepsSettings);
+    const auto [fault, address, version, keepsSettings] = cells<QString, QString, QString, bool>();
     QVERIFY(fault.isEmpty() || m_box->addFault(fault));
     const QString mac = m_box->parameter("eParam_MACAddress");
     runOta();
@@ -276,7 +272,7 @@ void tst_BoxFaults::otaFaults()
         return;
     }
     QTRY_VERIFY(m_box->isOn());
-    QTEST(valueOf(address, "eParam_FirmVersion"), "version");
+    QCOMPARE(valueOf(address, "eParam_FirmVersion"), version);
     QCOMPARE(valueOf(address, "eParam_NTPServer") == "time.example", keepsSettings);
     QCOMPARE(valueOf(address, "eParam_MACAddress"), mac);
 }

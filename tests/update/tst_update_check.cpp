@@ -250,8 +250,7 @@ void tst_UpdateCheck::badPackagesLeaveNothing_data()
 
 void tst_UpdateCheck::badPackagesLeaveNothing()
 {
-    QFETCH(sim::HttpReply, reply);
-    QFETCH(QString, digest);
+    const auto [reply, digest] = cells<sim::HttpReply, QString>();
     m_server->set("/fw", reply);
     m_server->offerFirmware(digest, m_server->url("/fw"));
     check();

@@ -186,9 +186,7 @@ void TestWebView::namesDownloads_data()
 
 void TestWebView::namesDownloads()
 {
-    QFETCH(QString, suggested);
-    QFETCH(QString, name);
-    QFETCH(QString, filter);
+    const auto [suggested, name, filter] = cells<QString, QString, QString>();
     QCOMPARE(offeredName(suggested), name);
     QCOMPARE(saveFilter(name), filter);
 }

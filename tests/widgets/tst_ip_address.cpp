@@ -109,9 +109,7 @@ void TestIPAddress::typing_data()
 
 void TestIPAddress::typing()
 {
-    QFETCH(QString, keys);
-    QFETCH(QString, texts);
-    QFETCH(int, field);
+    const auto [keys, texts, field] = cells<QString, QString, int>();
     type(keys);
     QCOMPARE(this->texts().join('|'), texts);
     QCOMPARE(focused(), field);
@@ -184,9 +182,7 @@ void TestIPAddress::pasting_data()
 
 void TestIPAddress::pasting()
 {
-    QFETCH(QString, clipboard);
-    QFETCH(QString, texts);
-    QFETCH(int, field);
+    const auto [clipboard, texts, field] = cells<QString, QString, int>();
     m_editor->setIP("1.2.3.4");
     m_fields[2]->setFocus();
     m_fields[2]->selectAll();
@@ -216,8 +212,7 @@ void TestIPAddress::validity_data()
 
 void TestIPAddress::validity()
 {
-    QFETCH(QString, address);
-    QFETCH(bool, valid);
+    const auto [address, valid] = cells<QString, bool>();
     m_editor->setIP("9.8.7.6");
     m_editor->setIP(address);
     QCOMPARE(m_editor->getIP(), valid ? address : QString("9.8.7.6"));

@@ -113,10 +113,7 @@ void tst_Configuration::oddValues_data()
 
 void tst_Configuration::oddValues()
 {
-    QFETCH(QString, parameter);
-    QFETCH(QString, value);
-    QFETCH(QString, widget);
-    QFETCH(QString, shows);
+    const auto [parameter, value, widget, shows] = cells<QString, QString, QString, QString>();
     select(7, {parameter + "=" + value});
     QCOMPARE(shown(widget), shows);
 }

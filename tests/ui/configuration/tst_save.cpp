@@ -74,10 +74,8 @@ void tst_Save::appliesWhatChanged_data()
 
 void tst_Save::appliesWhatChanged()
 {
-    QFETCH(QString, dhcpBefore);
-    QFETCH(bool, dhcp);
-    QFETCH(QString, address);
-    QFETCH(QString, message);
+    const auto [dhcpBefore, dhcp, address, actions, message] =
+        cells<QString, bool, QString, QStringList, QString>();
     sim::VirtualBox* box = selectBox();
     m_fixture->select(7, {"DHCP=" + dhcpBefore});
     QCOMPARE(m_fixture->shown("DHCP"), QString(dhcpBefore == "1" ? "on" : "off"));
@@ -88,7 +86,6 @@ void tst_Save::appliesWhatChanged()
     m_fixture->click("save");
     QTRY_COMPARE(notices.texts(), QStringList{message});
     QTRY_COMPARE(told(box).filter("=").size(), 12);
-    QFETCH(QStringList, actions);
     QTRY_COMPARE(told(box).mid(12), actions);
 }
 
@@ -191,9 +188,7 @@ void tst_Save::onlyWhatIsKnownIsSent_data()
 
 void tst_Save::onlyWhatIsKnownIsSent()
 {
-    QFETCH(QStringList, settings);
-    QFETCH(QString, fault);
-    QFETCH(QString, message);
+    const auto [settings, fault, sent, message] = cells<QStringList, QString, int, QString>();
     sim::VirtualBox* box = selectBox();
     QVERIFY(box->addFault(fault));
     m_fixture->select(7, settings);
@@ -203,7 +198,7 @@ void tst_Save::onlyWhatIsKnownIsSent()
     const DialogAnswerer notices;
     m_fixture->click("save");
     QTRY_COMPARE(notices.texts(), QStringList{message});
-    QTEST(told(box).size(), "sent");
+    QCOMPARE(told(box).size(), sent);
     QCOMPARE(box->parameters(), before);
 }
 

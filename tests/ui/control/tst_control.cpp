@@ -83,11 +83,8 @@ void tst_Control::encoderCommands_data()
 
 void tst_Control::encoderCommands()
 {
-    QFETCH(QString, mode);
-    QFETCH(QString, format);
-    QFETCH(QString, button);
-    QFETCH(QString, sent);
-    QFETCH(QString, checked);
+    const auto [mode, format, button, sent, checked] =
+        cells<QString, QString, QString, QString, QString>();
     select(mode, format);
     const DialogAnswerer notices;
     click(button.toUtf8().constData());
@@ -121,16 +118,14 @@ void tst_Control::encoderFailure_data()
 
 void tst_Control::encoderFailure()
 {
-    QFETCH(QString, button);
-    QFETCH(QString, fault);
-    QFETCH(QString, message);
+    const auto [button, fault, commands, message] = cells<QString, QString, int, QString>();
     auto* clicked = child<QAbstractButton>(button.toUtf8().constData());
     const bool before = clicked->isChecked();
     QVERIFY(m_box->addFault(fault));
     const DialogAnswerer notices;
     click(button.toUtf8().constData());
     QTRY_COMPARE(notices.texts(), QStringList{message});
-    QTEST(told().size(), "commands");
+    QCOMPARE(told().size(), commands);
     if (button != "H265")
         QCOMPARE(clicked->isChecked(), before);
     // What was unchecked for the new mode stays so.

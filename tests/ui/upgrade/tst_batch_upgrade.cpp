@@ -113,9 +113,7 @@ void tst_BatchUpgrade::refusals_data()
 
 void tst_BatchUpgrade::refusals()
 {
-    QFETCH(bool, selected);
-    QFETCH(QStringList, files);
-    QFETCH(QString, text);
+    const auto [selected, files, text] = cells<bool, QStringList, QString>();
     addBoxes(1);
     if (selected)
         select({1});

@@ -201,8 +201,7 @@ void tst_UpdatePrompt::runningWorkGoesFirst_data()
 
 void tst_UpdatePrompt::runningWorkGoesFirst()
 {
-    QFETCH(QVariantMap, box);
-    QFETCH(QVariantMap, window);
+    const auto [box, window] = cells<QVariantMap, QVariantMap>();
     open("1.0.0.10");
     QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7), 12000);
     const auto set = [](QObject* object, const QVariantMap& values, bool on) {
