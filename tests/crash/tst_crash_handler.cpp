@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "crash/crash_dumps.h"
 #include "crash/crash_handler_file.h"
+#include "tests/support/files.h"
 #include "tests/support/table.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -40,11 +39,6 @@ Ending runVictim(const QString& folder, const QStringList& way,
     return {victim.exitCode(), ms}; // QProcess gives the signal here
 }
 
-QStringList filesIn(const QString& folder)
-{
-    return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
-}
-
 QString lldb()
 {
     static const QString found = QStandardPaths::findExecutable("lldb");
@@ -66,8 +60,8 @@ QString inspect(const QString& dump)
 
 void makeDump(const QString& path, const QDateTime& time)
 {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
+    QFile file(writeFile(path, {}));
+    QVERIFY(file.open(QIODevice::Append));
     QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
 }
 
@@ -302,9 +296,7 @@ void tst_CrashHandler::makesTheFolderAgain()
 void tst_CrashHandler::endsWithoutAPlaceToWrite()
 {
     // A file where the folder should be: not even root can write there.
-    const QString blocked = m_folder + "file";
-    QFile file(blocked);
-    QVERIFY(file.open(QIODevice::WriteOnly));
+    const QString blocked = writeFile(m_folder + "file", {});
     const Ending ending = runVictim(blocked + "/Dump/", {"null"});
     QCOMPARE(ending.signal, SIGSEGV);
     QVERIFY2(ending.ms < 5000, qPrintable(QString::number(ending.ms)));
@@ -321,10 +313,8 @@ void tst_CrashHandler::keepsTheEnvironmentSecret()
 {
     const QByteArray secret = "open sesame " + QByteArray::number(getpid());
     qputenv("TARN_TEST_PASSWORD", secret);
-    QFile dump(dumpOf({"null"}, SIGSEGV));
+    const QByteArray content = readFile(dumpOf({"null"}, SIGSEGV));
     qunsetenv("TARN_TEST_PASSWORD");
-    QVERIFY(dump.open(QIODevice::ReadOnly));
-    const QByteArray content = dump.readAll();
     QVERIFY(content.contains("crash_victim"));
     QVERIFY(!content.contains(secret));
 }
@@ -359,9 +349,7 @@ void tst_CrashHandler::keepsTheNewest()
     for (int age = 0; age < 10; ++age)
         expected << QString("TarnHub-1.0.0.%1-20260101-000000.dmp").arg(age);
     expected.sort();
-    QStringList left = filesIn(m_folder);
-    left.sort();
-    QCOMPARE(left, expected);
+    QCOMPARE(filesIn(m_folder), expected);
 }
 
 void tst_CrashHandler::tellsOfEachDumpOnce()

@@ -149,7 +149,7 @@ void tst_FFmpegWidget::playsARecordingOfABox()
 {
     sim::VirtualBox box(TEST_BLOCK ".1");
     QVERIFY2(box.plugIn(), qPrintable(box.errorString()));
-    box.addRecording("a.mp4", m_clips.content(film()));
+    box.addRecording("a.mp4", readFile(film()));
     QSignalSpy statuses(m_widget.get(), &FFmpegWidget::playstatus);
     const QString url = "http://" TEST_BLOCK ".1:8081/media/a.mp4";
     m_widget->open(url);
@@ -199,9 +199,7 @@ void tst_FFmpegWidget::saysThatItCannotPlay()
 
 void tst_FFmpegWidget::saysThatTheSignalIsLost()
 {
-    const QByteArray ts = m_clips.content(m_clips.make(
-        "live.ts",
-        "-f lavfi -i testsrc2=size=320x180:rate=25 -t 4 -c:v libx264 -tune zerolatency"));
+    const QByteArray ts = readFile(m_clips.live());
     ScriptedServer server(TEST_BLOCK ".4", httpReply("video/mp2t", ts));
     m_widget->open(server.url("http"));
     QTRY_COMPARE_WITH_TIMEOUT(m_widget->state(), State::Playing, 10000);

@@ -85,16 +85,12 @@ void tst_UpgradeRecord::init()
 void tst_UpgradeRecord::verdicts_data()
 {
     columns<UpgradeRow, bool, Verdict>("row", "settled", "verdict");
-    row("same version", rowAt(Stage::Activated, "1.2.0.517"), true, Verdict::NotProved);
     row("new version", rowAt(Stage::Activated, "1.2.0.623"), false, Verdict::Proved);
     row("failed, and changed all the same", rowAt(Stage::UploadFailed, "1.3"), true,
         Verdict::Proved);
     UpgradeRow unknown = rowAt(Stage::Activated, "1.2.0.623");
     unknown.mac.clear();
     row("nobody knows which box", unknown, true, Verdict::NotProved);
-    unknown = rowAt(Stage::Activated, "1.2.0.623");
-    unknown.versionBefore.clear();
-    row("nobody knows the old version", unknown, true, Verdict::NotProved);
 }
 
 void tst_UpgradeRecord::verdicts()
