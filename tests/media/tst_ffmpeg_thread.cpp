@@ -3,10 +3,10 @@
 #include "tests/support/clips.h"
 #include "tests/support/player.h"
 #include "tests/support/scripted_server.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 
 #include <ctime>
 #include <memory>
@@ -93,10 +93,9 @@ void tst_FFmpegThread::playsToTheEndAndStaysThere()
     const double before = processorSeconds();
     QTest::qWait(1500);
     const double used = (processorSeconds() - before) / 1.5;
-    QVERIFY2(used < 0.02, qPrintable(QString::number(used)));
+    VERIFY_BELOW(used, 0.02);
     QVERIFY(player.thread.isRunning());
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     player.thread.stop();
     QCOMPARE(player.statuses.last(), int(FFmpegThread::Stopped));
     QVERIFY(player.thread.wait(500));
@@ -209,12 +208,11 @@ void tst_FFmpegThread::stopEndsEveryWait()
         QTRY_VERIFY_WITH_TIMEOUT(player.thread.silentMs() > 300 && player.pictures > 10, 9000);
     else
         QTest::qWait(400);
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     player.thread.stop();
     QCOMPARE(player.statuses.last(), int(FFmpegThread::Stopped));
     QVERIFY(player.thread.wait(2000));
-    QVERIFY2(clock.elapsed() < 300, qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), 300);
     QTest::qWait(20);
     // What was stopped has not failed.
     QVERIFY(!player.statuses.contains(FFmpegThread::OpenFailed));
@@ -283,10 +281,9 @@ void tst_FFmpegThread::growingFileGoesOn()
     QVERIFY(file.open(QIODevice::Append));
     file.write(film);
     file.close();
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     QTRY_VERIFY_WITH_TIMEOUT(player.pictures > before, 2000);
-    QVERIFY2(clock.elapsed() < 200, qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), 200);
     QVERIFY(!player.thread.isAtEnd());
     QTRY_COMPARE_WITH_TIMEOUT(player.pictures + player.thread.droppedPictures(), 200, 6000);
 }
@@ -343,7 +340,7 @@ void tst_FFmpegThread::roundsLeaveNothingBehind()
     qInfo("200 rounds: %lld kB more", static_cast<long long>(grown));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     // The allocator keeps a few megabytes more or less; one picture per round would be 46.
-    QVERIFY2(grown < 6000, qPrintable(QString::number(grown)));
+    VERIFY_BELOW(grown, 6000);
 #endif
 }
 

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "media/ffmpeg_widget.h"
-#include "simulator/virtual_box.h"
 #include "tests/support/box_client.h"
 #include "tests/support/clips.h"
 #include "tests/support/dialog_answerer.h"
+#include "tests/support/plugged_box.h"
 #include "tests/support/scripted_server.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 #include "widgets/elided_label.h"
 
@@ -134,8 +135,7 @@ void tst_FFmpegWidget::paintsOncePerPicture()
     m_widget->installEventFilter(&counter);
     qint64 key = m_widget->picture().cacheKey();
     int pictures = 0;
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     while (clock.elapsed() < 1000) {
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
         pictures += m_widget->picture().cacheKey() != key ? 1 : 0;
@@ -147,9 +147,8 @@ void tst_FFmpegWidget::paintsOncePerPicture()
 
 void tst_FFmpegWidget::playsARecordingOfABox()
 {
-    sim::VirtualBox box(TEST_BLOCK ".1");
-    QVERIFY2(box.plugIn(), qPrintable(box.errorString()));
-    box.addRecording("a.mp4", readFile(film()));
+    const auto box = pluggedBox(TEST_BLOCK ".1");
+    box->addRecording("a.mp4", readFile(film()));
     QSignalSpy statuses(m_widget.get(), &FFmpegWidget::playstatus);
     const QString url = "http://" TEST_BLOCK ".1:8081/media/a.mp4";
     m_widget->open(url);
@@ -168,15 +167,14 @@ void tst_FFmpegWidget::playsARecordingOfABox()
 
 void tst_FFmpegWidget::playsALiveStream()
 {
-    sim::VirtualBox box(TEST_BLOCK ".2");
-    QVERIFY2(box.plugIn(), qPrintable(box.errorString()));
+    const auto box = pluggedBox(TEST_BLOCK ".2");
     const QString url = command(TEST_BLOCK ".2", "stream_on&stream_url='rtmp://h/app'")
                             .json()
                             .value("pull_url")
                             .toString();
     m_widget->open(url);
     QTRY_COMPARE_WITH_TIMEOUT(m_widget->state(), State::Playing, 10000);
-    box.unplug();
+    box->unplug();
     QTRY_COMPARE_WITH_TIMEOUT(m_widget->state(), State::Silent, 6000);
 }
 

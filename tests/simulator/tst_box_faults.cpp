@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "simulator/virtual_box.h"
 #include "tests/support/box_client.h"
 #include "tests/support/files.h"
+#include "tests/support/plugged_box.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
 #include <QJsonArray>
@@ -55,11 +56,8 @@ private:
 
 void tst_BoxFaults::init()
 {
-    BoxSetup setup;
-    setup.address = home;
-    setup.rebootMs = 200;
-    m_box = std::make_unique<VirtualBox>(setup);
-    QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
+    m_box.reset();
+    m_box = pluggedBox(home, 200);
 }
 
 /// What curl brought back, in words.
@@ -165,7 +163,7 @@ void tst_BoxFaults::silentBoxHoldsNobodyElseUp()
     for (const char* address : {home, TEST_BLOCK ".2"}) {
         const CurlResult quick = readParameter(address, "eParam_NetMask");
         QCOMPARE(quick.exitCode, 0);
-        QVERIFY2(quick.ms < 1000, qPrintable(QString::number(quick.ms)));
+        VERIFY_BELOW(quick.ms, 1000);
     }
     for (const auto& socket : waiting) {
         QCOMPARE(socket->bytesAvailable(), 0);
