@@ -50,6 +50,7 @@ void tst_Item::cleanup()
 {
     CommandRunner::endAll();
     m_item.reset();
+    m_box.reset();
 }
 
 void tst_Item::startsWithItsDefaults()
