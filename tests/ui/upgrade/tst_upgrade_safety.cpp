@@ -141,7 +141,7 @@ void tst_UpgradeSafety::leavesABusyBoxAlone()
         m_fixture->click(name);
     drop({m_package});
     QTRY_COMPARE(answers.texts().size(), 6);
-    QVERIFY(m_fixture->item(1)->isOwned());
+    QVERIFY(m_fixture->item(1) && m_fixture->item(1)->isOwned());
     QCOMPARE(answers.texts().count(refusal), 5);
     QCOMPARE(answers.texts().last(), QString("请您在设备列表中选择要升级固件的设备!"));
     QTRY_COMPARE_WITH_TIMEOUT(answers.texts().last(),
