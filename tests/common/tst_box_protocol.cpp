@@ -85,8 +85,7 @@ void tst_BoxProtocol::addresses_data()
 
 void tst_BoxProtocol::addresses()
 {
-    QFETCH(QString, text);
-    QFETCH(bool, valid);
+    const auto [text, valid] = cells<QString, bool>();
     QCOMPARE(BoxProtocol::isIpv4Address(text), valid);
 }
 

@@ -3,11 +3,11 @@
 #include "common/command_runner.h"
 #include "common/json_map.h"
 #include "common/platform.h"
-#include "simulator/virtual_box.h"
 #include "tests/support/files.h"
+#include "tests/support/plugged_box.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
-#include <QElapsedTimer>
 #include <QPointer>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -61,8 +61,8 @@ void tst_CommandRunner::init()
     m_started.clear();
     m_replies.clear();
     m_ended = 0;
-    m_box = std::make_unique<sim::VirtualBox>(boxIp);
-    QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
+    m_box.reset();
+    m_box = pluggedBox(boxIp);
     m_runner = std::make_unique<CommandRunner>("Tarn_Hub", [this](QProcess* process) {
         m_started << process;
         connect(process, &QProcess::readyReadStandardOutput, this,
@@ -131,12 +131,10 @@ void tst_CommandRunner::waitingServesEventsAndEnds()
     QTimer ticker;
     connect(&ticker, &QTimer::timeout, this, [&] { ++ticks; });
     ticker.start(5);
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     const QString reply =
         m_runner->execCurlWait(boxIp, BoxProtocol::controlCommand("hxenc_on", boxIp));
-    QVERIFY2(clock.elapsed() < CommandRunner::WaitLimitMs + 1000,
-             qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), CommandRunner::WaitLimitMs + 1000);
     QVERIFY(ticks > 0);
     QVERIFY(!jsonToMap(reply).contains("status"));
 }

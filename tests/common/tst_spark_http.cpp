@@ -2,12 +2,12 @@
 #include "common/box_protocol.h"
 #include "common/spark_download.h"
 #include "common/spark_http.h"
-#include "simulator/virtual_box.h"
 #include "tests/support/files.h"
+#include "tests/support/plugged_box.h"
 #include "tests/support/scripted_server.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
-#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -89,9 +89,9 @@ void tst_SparkHttp::initTestCase()
 
 void tst_SparkHttp::init()
 {
-    m_box = std::make_unique<sim::VirtualBox>(boxIp);
+    m_box.reset();
+    m_box = pluggedBox(boxIp);
     m_box->setParameter("eParam_DeviceName", QString::fromUtf8("舞台 <b>Left</b> & \"x\""));
-    QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
 }
 
 void tst_SparkHttp::answerCarriesItsTags()
@@ -122,8 +122,7 @@ void tst_SparkHttp::failuresGiveAnEmptyBody_data()
 
 void tst_SparkHttp::failuresGiveAnEmptyBody()
 {
-    QFETCH(QString, fault);
-    QFETCH(int, requests);
+    const auto [fault, requests] = cells<QString, int>();
     QVERIFY(m_box->addFault(fault));
     QSignalSpy answers(m_http, &Spark_Http::S_finished);
     for (int n = 0; n < requests; ++n)
@@ -142,10 +141,9 @@ void tst_SparkHttp::slowReadsAllArrive()
     for (int n = 0; n < 24; ++n)
         m_http->get(QString::number(n), read("eParam_DeviceName"), false);
     // Who waits for an answer does not wait for all of them.
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     QVERIFY(m_http->get("x", read("eParam_SdkVersion"), true).contains("value"));
-    QVERIFY2(clock.elapsed() < 3900, qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), 3900);
     QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 24, 12000);
     for (const QVariantList& answer : qAsConst(answers))
         QVERIFY(answer.first().toMap().value("body").toString().contains("value"));
@@ -174,11 +172,9 @@ void tst_SparkHttp::blockingReadEndsByItself()
 {
     QVERIFY(m_http->get("x", read("eParam_DeviceName"), true).contains("value"));
     QVERIFY(m_box->addFault("silent"));
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     QCOMPARE(m_http->get("x", read("eParam_DeviceName"), true), QString());
-    QVERIFY2(clock.elapsed() < Spark_Http::TransferLimitMs + 1500,
-             qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), Spark_Http::TransferLimitMs + 1500);
 }
 
 void tst_SparkHttp::blockingReadsMayNest()

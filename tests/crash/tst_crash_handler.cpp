@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "crash/crash_dumps.h"
 #include "crash/crash_handler_file.h"
+#include "tests/support/files.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
 #include <QDateTime>
-#include <QDir>
-#include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -29,8 +28,7 @@ Ending runVictim(const QString& folder, const QStringList& way,
 {
     QProcess victim;
     victim.setProcessChannelMode(QProcess::MergedChannels);
-    QElapsedTimer timer;
-    timer.start();
+    Stopwatch timer;
     victim.start(program, QStringList{folder} + way);
     if (!victim.waitForFinished(30000))
         return {};
@@ -38,11 +36,6 @@ Ending runVictim(const QString& folder, const QStringList& way,
     if (victim.exitStatus() != QProcess::CrashExit)
         return {-victim.exitCode(), ms};
     return {victim.exitCode(), ms}; // QProcess gives the signal here
-}
-
-QStringList filesIn(const QString& folder)
-{
-    return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
 }
 
 QString lldb()
@@ -66,8 +59,8 @@ QString inspect(const QString& dump)
 
 void makeDump(const QString& path, const QDateTime& time)
 {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
+    QFile file(writeFile(path, {}));
+    QVERIFY(file.open(QIODevice::Append));
     QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
 }
 
@@ -151,15 +144,12 @@ void tst_CrashHandler::crashes_data()
 
 void tst_CrashHandler::crashes()
 {
-    QFETCH(int, signal);
-    QFETCH(QString, signalName);
-    QFETCH(QString, function);
+    const auto [signal, signalName, function] = cells<int, QString, QString>();
     const QString dump = dumpOf({QTest::currentDataTag()}, signal);
     QVERIFY(!dump.isEmpty());
     const QString view = inspect(dump);
     QVERIFY2(view.contains("stop reason = signal " + signalName), qPrintable(view));
-    QVERIFY2(QRegularExpression("frame #\\d+:.*" + function).match(view).hasMatch(),
-             qPrintable(view));
+    QVERIFY2(view.contains(QRegularExpression("frame #\\d+:.*" + function)), qPrintable(view));
 }
 
 void tst_CrashHandler::namesTheFile()
@@ -223,9 +213,8 @@ void tst_CrashHandler::showsRegisters()
     for (const char* expected : {"r12 = 0x1122334455667788", "r13 = 0x99aabbccddeeff01",
                                  "rsi = 0x000000000000002a", "cs = 0x0000000000000033"})
         QVERIFY2(view.contains(expected), qPrintable(view));
-    QVERIFY2(QRegularExpression("rip = 0x[0-9a-f]+ +crash_victim`writeWithKnownRegisters")
-                 .match(view)
-                 .hasMatch(),
+    QVERIFY2(view.contains(
+                 QRegularExpression("rip = 0x[0-9a-f]+ +crash_victim`writeWithKnownRegisters")),
              qPrintable(view));
 }
 
@@ -247,8 +236,8 @@ void tst_CrashHandler::writesWhereTheSystemForbids()
     QVERIFY(!dump.isEmpty());
     const QString view = inspect(dump);
     QVERIFY2(view.contains("stop reason = signal SIGSEGV"), qPrintable(view));
-    QVERIFY2(QRegularExpression("frame #0:.*writeToNowhere").match(view).hasMatch() &&
-                 QRegularExpression("frame #[1-9]:.*main").match(view).hasMatch(),
+    QVERIFY2(view.contains(QRegularExpression("frame #0:.*writeToNowhere")) &&
+                 view.contains(QRegularExpression("frame #[1-9]:.*main")),
              qPrintable(view));
 }
 
@@ -261,11 +250,10 @@ void tst_CrashHandler::endsWhenTheHandlerFails_data()
 
 void tst_CrashHandler::endsWhenTheHandlerFails()
 {
-    QFETCH(QString, failure);
-    QFETCH(int, limitMs);
+    const auto [failure, signal, limitMs] = cells<QString, int, int>();
     const Ending ending = runVictim(m_folder, {"null", failure});
-    QTEST(ending.signal, "signal");
-    QVERIFY2(ending.ms < limitMs, qPrintable(QString::number(ending.ms)));
+    QCOMPARE(ending.signal, signal);
+    VERIFY_BELOW(ending.ms, limitMs);
     const QStringList files = filesIn(m_folder);
     QVERIFY2(files.filter(QRegularExpression("\\.dmp$")).isEmpty(), qPrintable(files.join(' ')));
 }
@@ -275,7 +263,7 @@ void tst_CrashHandler::threadsCrashingTogetherLeaveOneDump()
     for (int round = 0; round < 20; ++round) {
         const Ending ending = runVictim(m_folder, {"all-at-once"});
         QCOMPARE(ending.signal, SIGSEGV);
-        QVERIFY2(ending.ms < 5000, qPrintable(QString::number(ending.ms)));
+        VERIFY_BELOW(ending.ms, 5000);
         const QStringList files = filesIn(m_folder);
         QVERIFY2(files.size() == 1 && files.first().endsWith(".dmp"), qPrintable(files.join(' ')));
         QVERIFY(QFile::remove(m_folder + files.first()));
@@ -305,12 +293,10 @@ void tst_CrashHandler::makesTheFolderAgain()
 void tst_CrashHandler::endsWithoutAPlaceToWrite()
 {
     // A file where the folder should be: not even root can write there.
-    const QString blocked = m_folder + "file";
-    QFile file(blocked);
-    QVERIFY(file.open(QIODevice::WriteOnly));
+    const QString blocked = writeFile(m_folder + "file", {});
     const Ending ending = runVictim(blocked + "/Dump/", {"null"});
     QCOMPARE(ending.signal, SIGSEGV);
-    QVERIFY2(ending.ms < 5000, qPrintable(QString::number(ending.ms)));
+    VERIFY_BELOW(ending.ms, 5000);
     QCOMPARE(filesIn(m_folder), QStringList{"file"});
 }
 
@@ -324,10 +310,8 @@ void tst_CrashHandler::keepsTheEnvironmentSecret()
 {
     const QByteArray secret = "open sesame " + QByteArray::number(getpid());
     qputenv("TARN_TEST_PASSWORD", secret);
-    QFile dump(dumpOf({"null"}, SIGSEGV));
+    const QByteArray content = readFile(dumpOf({"null"}, SIGSEGV));
     qunsetenv("TARN_TEST_PASSWORD");
-    QVERIFY(dump.open(QIODevice::ReadOnly));
-    const QByteArray content = dump.readAll();
     QVERIFY(content.contains("crash_victim"));
     QVERIFY(!content.contains(secret));
 }
@@ -362,9 +346,7 @@ void tst_CrashHandler::keepsTheNewest()
     for (int age = 0; age < 10; ++age)
         expected << QString("TarnHub-1.0.0.%1-20260101-000000.dmp").arg(age);
     expected.sort();
-    QStringList left = filesIn(m_folder);
-    left.sort();
-    QCOMPARE(left, expected);
+    QCOMPARE(filesIn(m_folder), expected);
 }
 
 void tst_CrashHandler::tellsOfEachDumpOnce()

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "common/box_protocol.h"
 #include "device/item.h"
-#include "simulator/virtual_box.h"
 #include "tests/support/files.h"
+#include "tests/support/plugged_box.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -41,11 +41,7 @@ void tst_Item::initTestCase()
 
 void tst_Item::init()
 {
-    sim::BoxSetup setup;
-    setup.address = boxIp;
-    setup.rebootMs = 300;
-    m_box = std::make_unique<sim::VirtualBox>(setup);
-    QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
+    m_box = pluggedBox(boxIp);
     m_item = std::make_unique<Item>();
     m_item->setProperty("deviceip", boxIp);
 }
@@ -54,6 +50,7 @@ void tst_Item::cleanup()
 {
     CommandRunner::endAll();
     m_item.reset();
+    m_box.reset();
 }
 
 void tst_Item::startsWithItsDefaults()

@@ -57,8 +57,7 @@ void tst_RowZones::clicksOnABox_data()
 
 void tst_RowZones::clicksOnABox()
 {
-    QFETCH(int, x);
-    QFETCH(int, y);
+    const auto [x, y] = cells<int, int>();
     QTEST(int(RowZones({0, 0, 300, 32}, *m_box, false).at({x, y})), "action");
     // Wherever the row stands in its list.
     QTEST(int(RowZones({7, 640, 300, 32}, *m_box, false).at({x + 7, y + 640})), "action");

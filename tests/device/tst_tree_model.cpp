@@ -115,8 +115,7 @@ void tst_TreeModel::newFirmware_data()
 
 void tst_TreeModel::newFirmware()
 {
-    QFETCH(QString, own);
-    QFETCH(QString, package);
+    const auto [own, package] = cells<QString, QString>();
     Item item;
     item.setProperty("FirmVersion", own);
     item.setProperty("otaFile", package);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "media/event_sockets.h"
-#include "simulator/virtual_box.h"
+#include "tests/support/plugged_box.h"
 #include "tests/support/table.h"
 
 #include <QSignalSpy>
@@ -18,15 +18,6 @@ private slots:
     void lostConnectionComesBack();
     void refusingBoxIsAskedAtAPace();
     void anotherBoxTakesOver();
-
-private:
-    static std::unique_ptr<sim::VirtualBox> box(const QString& ip)
-    {
-        auto made = std::make_unique<sim::VirtualBox>(ip);
-        if (!made->plugIn())
-            qFatal("no box: %s", qPrintable(made->errorString()));
-        return made;
-    }
 };
 
 void tst_EventSockets::recordTime_data()
@@ -54,7 +45,7 @@ void tst_EventSockets::recordTime()
 
 void tst_EventSockets::messagesArriveAndTheClockRuns()
 {
-    const auto one = box(TEST_BLOCK ".1");
+    const auto one = pluggedBox(TEST_BLOCK ".1");
     EventSockets sockets;
     QSignalSpy clock(&sockets, &EventSockets::recordTime);
     QSignalSpy stream(&sockets.stream(), &EventSocket::message);
@@ -78,7 +69,7 @@ void tst_EventSockets::messagesArriveAndTheClockRuns()
 
 void tst_EventSockets::lostConnectionComesBack()
 {
-    const auto one = box(TEST_BLOCK ".1");
+    const auto one = pluggedBox(TEST_BLOCK ".1");
     EventSockets sockets;
     QSignalSpy clock(&sockets, &EventSockets::recordTime);
     QSignalSpy lost(&sockets.stream(), &EventSocket::reconnecting);
@@ -101,14 +92,14 @@ void tst_EventSockets::refusingBoxIsAskedAtAPace()
     const int limit = 2000 / EventSocket::AttemptPaceMs + 2;
     QVERIFY2(tries.size() >= 3 && tries.size() <= limit, qPrintable(QString::number(tries.size())));
     // It is found once it is there.
-    const auto late = box(TEST_BLOCK ".9");
+    const auto late = pluggedBox(TEST_BLOCK ".9");
     QTRY_COMPARE(late->mediaListeners(), 1);
 }
 
 void tst_EventSockets::anotherBoxTakesOver()
 {
-    const auto one = box(TEST_BLOCK ".1");
-    const auto two = box(TEST_BLOCK ".2");
+    const auto one = pluggedBox(TEST_BLOCK ".1");
+    const auto two = pluggedBox(TEST_BLOCK ".2");
     EventSockets sockets;
     QSignalSpy lost(&sockets.stream(), &EventSocket::reconnecting);
     for (int n = 0; n < 10; ++n)

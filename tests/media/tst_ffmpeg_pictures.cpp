@@ -65,7 +65,7 @@ void tst_FFmpegPictures::followsAChangeOfSize()
     const QString two = m_clips.make("wide.ts", "-f lavfi -i testsrc2=size=480x200:rate=25 -t 1 "
                                                 "-pix_fmt yuv422p -c:v libx264");
     const QString one = m_clips.make("first.ts", QString(Small) + " -t 1 -c:v libx264");
-    Player player(m_clips.write("both.ts", m_clips.content(one) + m_clips.content(two)));
+    Player player(writeFile(m_clips.path("both.ts"), readFile(one) + readFile(two)));
     QTRY_COMPARE(player.last.size(), QSize(320, 180));
     QTRY_COMPARE(player.last.size(), QSize(480, 200));
     QTRY_VERIFY(player.thread.isAtEnd());

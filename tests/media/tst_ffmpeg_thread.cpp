@@ -3,10 +3,10 @@
 #include "tests/support/clips.h"
 #include "tests/support/player.h"
 #include "tests/support/scripted_server.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 
 #include <ctime>
 #include <memory>
@@ -93,10 +93,9 @@ void tst_FFmpegThread::playsToTheEndAndStaysThere()
     const double before = processorSeconds();
     QTest::qWait(1500);
     const double used = (processorSeconds() - before) / 1.5;
-    QVERIFY2(used < 0.02, qPrintable(QString::number(used)));
+    VERIFY_BELOW(used, 0.02);
     QVERIFY(player.thread.isRunning());
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     player.thread.stop();
     QCOMPARE(player.statuses.last(), int(FFmpegThread::Stopped));
     QVERIFY(player.thread.wait(500));
@@ -107,18 +106,18 @@ void tst_FFmpegThread::cannotBePlayed_data()
 {
     columns<QString>("url");
     row("no file", m_clips.path("nowhere.mp4"));
-    row("no film", m_clips.write("text.mp4", "no film at all\n"));
-    row("nothing", m_clips.write("empty.mp4", {}));
+    row("no film", writeFile(m_clips.path("text.mp4"), "no film at all\n"));
+    row("nothing", writeFile(m_clips.path("empty.mp4"), {}));
     row("only sound", m_clips.make("sound.m4a", "-f lavfi -i sine -t 1 -c:a aac"));
     row("refusing server", "http://" TEST_BLOCK ".1:9/x");
     row("no such protocol", "nosuch://" TEST_BLOCK ".1/x");
     row("no address", "rtsp://");
     row("empty", "");
     // A film whose sound nobody can decode: the name of the codec overwritten in the file.
-    QByteArray film = m_clips.content(
+    QByteArray film = readFile(
         m_clips.make("sound.mkv", QString(Small) + " -f lavfi -i sine -t 1 -c:v libx264 -c:a aac"));
     film.replace("A_AAC", "A_XYZ");
-    row("unknown sound", m_clips.write("unknown.mkv", film));
+    row("unknown sound", writeFile(m_clips.path("unknown.mkv"), film));
 }
 
 void tst_FFmpegThread::cannotBePlayed()
@@ -143,8 +142,8 @@ void tst_FFmpegThread::unusualSources_data()
                      "-ss 0.7 -i " + m_clips.make("two.mp4", small + " -t 2 -c:v libx264 -bf 3") +
                          " -c copy"),
         20);
-    const QByteArray film = m_clips.content(m_clips.make("one.ts", small + " -t 1 -c:v libx264"));
-    row("stamps begin again", m_clips.write("twice.ts", film + film), 40);
+    const QByteArray film = readFile(m_clips.make("one.ts", small + " -t 1 -c:v libx264"));
+    row("stamps begin again", writeFile(m_clips.path("twice.ts"), film + film), 40);
     row("cover and sound",
         m_clips.make("cover.m4a", "-f lavfi -i sine -f lavfi -i testsrc2=size=64x64 -t 1 "
                                   "-frames:v 1 -c:a aac -c:v mjpeg -disposition:v attached_pic"),
@@ -155,14 +154,13 @@ void tst_FFmpegThread::unusualSources_data()
     QByteArray damaged = film;
     for (int n = 3000; n < damaged.size(); n += 997)
         damaged[n] = char(n);
-    row("damaged", m_clips.write("damaged.ts", damaged), 1);
-    row("cut off", m_clips.write("cut.ts", film.left(film.size() / 2)), 5);
+    row("damaged", writeFile(m_clips.path("damaged.ts"), damaged), 1);
+    row("cut off", writeFile(m_clips.path("cut.ts"), film.left(film.size() / 2)), 5);
 }
 
 void tst_FFmpegThread::unusualSources()
 {
-    QFETCH(QString, file);
-    QFETCH(int, pictures);
+    const auto [file, pictures] = cells<QString, int>();
     Player player(file);
     QTRY_VERIFY2_WITH_TIMEOUT(player.pictures >= pictures,
                               qPrintable(QString::number(player.pictures)), 3000);
@@ -201,10 +199,8 @@ void tst_FFmpegThread::stopEndsEveryWait_data()
 
 void tst_FFmpegThread::stopEndsEveryWait()
 {
-    QFETCH(QString, scheme);
-    QFETCH(bool, afterPictures);
-    const QByteArray film = m_clips.content(
-        m_clips.make("live.ts", QString(Small) + " -t 4 -c:v libx264 -tune zerolatency"));
+    const auto [scheme, afterPictures] = cells<QString, bool>();
+    const QByteArray film = readFile(m_clips.live());
     const ScriptedServer server(TEST_BLOCK ".3",
                                 afterPictures ? httpReply("video/mp2t", film) : QByteArray());
     Player player(server.url(scheme, ""));
@@ -212,12 +208,11 @@ void tst_FFmpegThread::stopEndsEveryWait()
         QTRY_VERIFY_WITH_TIMEOUT(player.thread.silentMs() > 300 && player.pictures > 10, 9000);
     else
         QTest::qWait(400);
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     player.thread.stop();
     QCOMPARE(player.statuses.last(), int(FFmpegThread::Stopped));
     QVERIFY(player.thread.wait(2000));
-    QVERIFY2(clock.elapsed() < 300, qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), 300);
     QTest::qWait(20);
     // What was stopped has not failed.
     QVERIFY(!player.statuses.contains(FFmpegThread::OpenFailed));
@@ -236,9 +231,7 @@ void tst_FFmpegThread::networkStreamsPlay_data()
 
 void tst_FFmpegThread::networkStreamsPlay()
 {
-    QFETCH(QString, format);
-    QFETCH(QString, target);
-    QFETCH(QString, source);
+    const auto [format, target, source] = cells<QString, QString, QString>();
     QStringList arguments = QString("-v error -nostdin -re " + QString(Small) +
                                     " -t 30 -c:v libx264 -g 10 -tune zerolatency -f " + format)
                                 .split(' ');
@@ -262,8 +255,7 @@ void tst_FFmpegThread::networkStreamsPlay()
 
 void tst_FFmpegThread::pausedStreamGoesOn()
 {
-    const QByteArray film = m_clips.content(
-        m_clips.make("live.ts", QString(Small) + " -t 4 -c:v libx264 -tune zerolatency"));
+    const QByteArray film = readFile(m_clips.live());
     ScriptedServer server(TEST_BLOCK ".4", httpReply("video/mp2t", film));
     Player player(server.url("http"));
     // Longer than a read waits: reads fail meanwhile.
@@ -279,9 +271,8 @@ void tst_FFmpegThread::pausedStreamGoesOn()
 
 void tst_FFmpegThread::growingFileGoesOn()
 {
-    const QByteArray film = m_clips.content(
-        m_clips.make("live.ts", QString(Small) + " -t 4 -c:v libx264 -tune zerolatency"));
-    const QString path = m_clips.write("growing.ts", film);
+    const QByteArray film = readFile(m_clips.live());
+    const QString path = writeFile(m_clips.path("growing.ts"), film);
     Player player(path);
     QTRY_VERIFY_WITH_TIMEOUT(player.thread.isAtEnd(), 9000);
     const int before = player.pictures;
@@ -290,10 +281,9 @@ void tst_FFmpegThread::growingFileGoesOn()
     QVERIFY(file.open(QIODevice::Append));
     file.write(film);
     file.close();
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     QTRY_VERIFY_WITH_TIMEOUT(player.pictures > before, 2000);
-    QVERIFY2(clock.elapsed() < 200, qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), 200);
     QVERIFY(!player.thread.isAtEnd());
     QTRY_COMPARE_WITH_TIMEOUT(player.pictures + player.thread.droppedPictures(), 200, 6000);
 }
@@ -305,7 +295,7 @@ void tst_FFmpegThread::networkReachesNoFiles()
     const QByteArray list = "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\nfile://" +
                             film.toUtf8() + "\n#EXT-X-ENDLIST\n";
     // The list as such is fine: from this computer it may name the file.
-    Player local(m_clips.write("list.m3u8", list));
+    Player local(writeFile(m_clips.path("list.m3u8"), list));
     QTRY_COMPARE_WITH_TIMEOUT(local.statuses, QList<int>{FFmpegThread::Playing}, 5000);
 
     const ScriptedServer server(TEST_BLOCK ".5", httpReply("application/vnd.apple.mpegurl", list));
@@ -350,7 +340,7 @@ void tst_FFmpegThread::roundsLeaveNothingBehind()
     qInfo("200 rounds: %lld kB more", static_cast<long long>(grown));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     // The allocator keeps a few megabytes more or less; one picture per round would be 46.
-    QVERIFY2(grown < 6000, qPrintable(QString::number(grown)));
+    VERIFY_BELOW(grown, 6000);
 #endif
 }
 

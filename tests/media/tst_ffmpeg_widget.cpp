@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "media/ffmpeg_widget.h"
-#include "simulator/virtual_box.h"
 #include "tests/support/box_client.h"
 #include "tests/support/clips.h"
 #include "tests/support/dialog_answerer.h"
+#include "tests/support/plugged_box.h"
 #include "tests/support/scripted_server.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 #include "widgets/elided_label.h"
 
@@ -99,9 +100,7 @@ void tst_FFmpegWidget::pictureIsFittedAndCentred_data()
 
 void tst_FFmpegWidget::pictureIsFittedAndCentred()
 {
-    QFETCH(QSize, area);
-    QFETCH(QSize, picture);
-    QFETCH(QRect, shown);
+    const auto [area, picture, shown] = cells<QSize, QSize, QRect>();
     m_widget->resize(area);
     m_widget->updateImage(oneColour(picture, Qt::red));
     m_widget->findChild<QWidget*>("video_state")->hide();
@@ -136,8 +135,7 @@ void tst_FFmpegWidget::paintsOncePerPicture()
     m_widget->installEventFilter(&counter);
     qint64 key = m_widget->picture().cacheKey();
     int pictures = 0;
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     while (clock.elapsed() < 1000) {
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
         pictures += m_widget->picture().cacheKey() != key ? 1 : 0;
@@ -149,9 +147,8 @@ void tst_FFmpegWidget::paintsOncePerPicture()
 
 void tst_FFmpegWidget::playsARecordingOfABox()
 {
-    sim::VirtualBox box(TEST_BLOCK ".1");
-    QVERIFY2(box.plugIn(), qPrintable(box.errorString()));
-    box.addRecording("a.mp4", m_clips.content(film()));
+    const auto box = pluggedBox(TEST_BLOCK ".1");
+    box->addRecording("a.mp4", readFile(film()));
     QSignalSpy statuses(m_widget.get(), &FFmpegWidget::playstatus);
     const QString url = "http://" TEST_BLOCK ".1:8081/media/a.mp4";
     m_widget->open(url);
@@ -170,15 +167,14 @@ void tst_FFmpegWidget::playsARecordingOfABox()
 
 void tst_FFmpegWidget::playsALiveStream()
 {
-    sim::VirtualBox box(TEST_BLOCK ".2");
-    QVERIFY2(box.plugIn(), qPrintable(box.errorString()));
+    const auto box = pluggedBox(TEST_BLOCK ".2");
     const QString url = command(TEST_BLOCK ".2", "stream_on&stream_url='rtmp://h/app'")
                             .json()
                             .value("pull_url")
                             .toString();
     m_widget->open(url);
     QTRY_COMPARE_WITH_TIMEOUT(m_widget->state(), State::Playing, 10000);
-    box.unplug();
+    box->unplug();
     QTRY_COMPARE_WITH_TIMEOUT(m_widget->state(), State::Silent, 6000);
 }
 
@@ -201,9 +197,7 @@ void tst_FFmpegWidget::saysThatItCannotPlay()
 
 void tst_FFmpegWidget::saysThatTheSignalIsLost()
 {
-    const QByteArray ts = m_clips.content(m_clips.make(
-        "live.ts",
-        "-f lavfi -i testsrc2=size=320x180:rate=25 -t 4 -c:v libx264 -tune zerolatency"));
+    const QByteArray ts = readFile(m_clips.live());
     ScriptedServer server(TEST_BLOCK ".4", httpReply("video/mp2t", ts));
     m_widget->open(server.url("http"));
     QTRY_COMPARE_WITH_TIMEOUT(m_widget->state(), State::Playing, 10000);

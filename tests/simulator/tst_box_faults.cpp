@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "simulator/virtual_box.h"
 #include "tests/support/box_client.h"
 #include "tests/support/files.h"
+#include "tests/support/plugged_box.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
 #include <QJsonArray>
@@ -55,11 +56,8 @@ private:
 
 void tst_BoxFaults::init()
 {
-    BoxSetup setup;
-    setup.address = home;
-    setup.rebootMs = 200;
-    m_box = std::make_unique<VirtualBox>(setup);
-    QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
+    m_box.reset();
+    m_box = pluggedBox(home, 200);
 }
 
 /// What curl brought back, in words.
@@ -103,8 +101,7 @@ void tst_BoxFaults::replies_data()
 
 void tst_BoxFaults::replies()
 {
-    QFETCH(QString, fault);
-    QFETCH(QString, name);
+    const auto [fault, name] = cells<QString, QString>();
     m_box->setParameter("eParam_NDIHXBitRate", "9000");
     Fault spoiling = parseFault(fault).value();
     spoiling.target = name;
@@ -132,13 +129,12 @@ void tst_BoxFaults::failuresHaveTargets_data()
 
 void tst_BoxFaults::failuresHaveTargets()
 {
-    QFETCH(QString, fault);
+    const auto [fault, write] = cells<QString, QString>();
     m_box->setParameter("eParam_SDIVolume", "1");
     QVERIFY(m_box->addFault(fault));
     QTEST(writeParameter(home, "eParam_SDIVolume", "2").status(), "write");
     QTEST(writeParameter(home, "eParam_LineinVolume", "2").status(), "other");
     QTEST(command(home, "ndienc_on").status(), "command");
-    QFETCH(QString, write);
     QCOMPARE(m_box->parameter("eParam_SDIVolume"), write == "set success" ? "2" : "1");
 }
 
@@ -167,7 +163,7 @@ void tst_BoxFaults::silentBoxHoldsNobodyElseUp()
     for (const char* address : {home, TEST_BLOCK ".2"}) {
         const CurlResult quick = readParameter(address, "eParam_NetMask");
         QCOMPARE(quick.exitCode, 0);
-        QVERIFY2(quick.ms < 1000, qPrintable(QString::number(quick.ms)));
+        VERIFY_BELOW(quick.ms, 1000);
     }
     for (const auto& socket : waiting) {
         QCOMPARE(socket->bytesAvailable(), 0);
@@ -264,9 +260,7 @@ void tst_BoxFaults::otaFaults_data()
 
 void tst_BoxFaults::otaFaults()
 {
-    QFETCH(QString, fault);
-    QFETCH(QString, address);
-    QFETCH(bool, keepsSettings);
+    const auto [fault, address, version, keepsSettings] = cells<QString, QString, QString, bool>();
     QVERIFY(fault.isEmpty() || m_box->addFault(fault));
     const QString mac = m_box->parameter("eParam_MACAddress");
     runOta();
@@ -276,7 +270,7 @@ void tst_BoxFaults::otaFaults()
         return;
     }
     QTRY_VERIFY(m_box->isOn());
-    QTEST(valueOf(address, "eParam_FirmVersion"), "version");
+    QCOMPARE(valueOf(address, "eParam_FirmVersion"), version);
     QCOMPARE(valueOf(address, "eParam_NTPServer") == "time.example", keepsSettings);
     QCOMPARE(valueOf(address, "eParam_MACAddress"), mac);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "simulator/virtual_box.h"
 #include "tests/support/box_client.h"
+#include "tests/support/plugged_box.h"
 
 #include <QTest>
 #include <QWebSocket>
@@ -74,8 +74,7 @@ private:
 
 void tst_BoxMedia::init()
 {
-    m_box = std::make_unique<VirtualBox>(home);
-    QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
+    m_box = pluggedBox(home);
 }
 
 void tst_BoxMedia::recordsARealFilm()

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "simulator/virtual_box.h"
 #include "tests/support/box_client.h"
 #include "tests/support/files.h"
+#include "tests/support/plugged_box.h"
+#include "tests/support/stopwatch.h"
 
-#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -39,12 +39,8 @@ private:
 
 void tst_BoxPower::init()
 {
-    BoxSetup setup;
-    setup.address = home;
-    setup.rebootMs = rebootMs;
-    setup.restartMs = rebootMs;
-    m_box = std::make_unique<VirtualBox>(setup);
-    QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
+    m_box.reset();
+    m_box = pluggedBox(home, rebootMs);
     QCoreApplication::processEvents(); // the signal of that is none of the tests' business
 }
 
@@ -54,8 +50,7 @@ void tst_BoxPower::firmwareChange()
     QCOMPARE(writeParameter(home, "eParam_SDIVolume", "31").status(), "set success");
     QCOMPARE(upload(home, writePackage(m_dir.filePath("KORA_9.8.7.6.dat"), 8)).status(), "success");
     QVERIFY(m_box->parameter("eParam_FirmVersion") != "9.8.7.6"); // only an upload so far
-    QElapsedTimer away;
-    away.start();
+    Stopwatch away;
     QCOMPARE(command(home, "ota").status(), "success");
     QTRY_COMPARE(reachable.size(), 1);
     QVERIFY(isRefused(home, 8081));
@@ -114,10 +109,9 @@ void tst_BoxPower::unpluggingIsQuickAndFinal()
     waiting.write("GET /config?action=get&param_name=eParam_DHCP HTTP/1.1\r\nHost: x\r\n\r\n");
     QTRY_COMPARE(m_box->requests().size(), 1);
 
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     m_box->unplug();
-    QVERIFY2(clock.elapsed() < 100, qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), 100);
     for (const quint16 port : {8081, 8001, 8002})
         QVERIFY(isRefused(home, port));
     QTRY_COMPARE(idle.state(), QAbstractSocket::UnconnectedState);

@@ -41,8 +41,7 @@ void tst_BoxRules::form_data()
 
 void tst_BoxRules::form()
 {
-    QFETCH(QByteArray, body);
-    QFETCH(QString, value);
+    const auto [body, value] = cells<QByteArray, QString>();
     QCOMPARE(parseForm(body).value("value"), value);
 }
 
@@ -70,8 +69,7 @@ void tst_BoxRules::faultLines_data()
 
 void tst_BoxRules::faultLines()
 {
-    QFETCH(QString, line);
-    QFETCH(QString, normal);
+    const auto [line, normal] = cells<QString, QString>();
     QString error;
     const auto fault = parseFault(line, &error);
     QCOMPARE(fault.has_value(), !normal.isEmpty());
@@ -116,9 +114,7 @@ void tst_BoxRules::acceptedValues_data()
 
 void tst_BoxRules::acceptedValues()
 {
-    QFETCH(QString, name);
-    QFETCH(QStringList, good);
-    QFETCH(QStringList, bad);
+    const auto [name, good, bad] = cells<QString, QStringList, QStringList>();
     for (const QString& value : good)
         QVERIFY2(isAcceptable(name, value), qPrintable(value));
     for (const QString& value : bad)

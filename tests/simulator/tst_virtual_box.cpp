@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "simulator/virtual_box.h"
 #include "tests/support/box_client.h"
 #include "tests/support/files.h"
+#include "tests/support/plugged_box.h"
 #include "tests/support/table.h"
 
 #include <QTemporaryDir>
@@ -43,8 +43,7 @@ private:
 
 void tst_VirtualBox::init()
 {
-    m_box = std::make_unique<VirtualBox>(home);
-    QVERIFY2(m_box->plugIn(), qPrintable(m_box->errorString()));
+    m_box = pluggedBox(home);
 }
 
 void tst_VirtualBox::writtenValuesStay()

@@ -5,8 +5,8 @@
 #include "simulator/virtual_lan.h"
 #include "tests/support/box_client.h"
 #include "tests/support/files.h"
+#include "tests/support/stopwatch.h"
 
-#include <QElapsedTimer>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSignalSpy>
@@ -214,8 +214,7 @@ void tst_VirtualLan::aFullSubnet()
     LanPlan full = plan(TEST_BLOCK ".0/24", boxes);
     full.first = 1;
     VirtualLan lan;
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     QVERIFY(lan.populate(full));
     QVERIFY2(lan.plugInAll(), qPrintable(lan.errorString()));
     qInfo("%d boxes plugged in after %lld ms", boxes, clock.elapsed());

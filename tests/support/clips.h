@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QFile>
+#include "tests/support/files.h"
+
 #include <QProcess>
-#include <QString>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -26,20 +26,11 @@ public:
     /// What `ffmpeg ARGUMENTS` writes, e.g. the pictures of a film as plain numbers.
     QByteArray output(const QString& arguments) const { return run(arguments, "pipe:1"); }
 
-    QByteArray content(const QString& file) const
+    /// Four seconds that can be sent as they come.
+    QString live() const
     {
-        QFile source(file);
-        if (!source.open(QIODevice::ReadOnly))
-            qFatal("cannot read %s", qPrintable(file));
-        return source.readAll();
-    }
-
-    QString write(const QString& name, const QByteArray& content) const
-    {
-        QFile file(path(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write %s", qPrintable(name));
-        return file.fileName();
+        return make("live.ts", "-f lavfi -i testsrc2=size=320x180:rate=25 -t 4 -c:v libx264 "
+                               "-tune zerolatency");
     }
 
 private:

@@ -148,6 +148,14 @@ public:
         QCoreApplication::processEvents();
     }
 
+    /// Saves the configuration; the operator is told this, and nothing else.
+    void save(const QString& message) const
+    {
+        const DialogAnswerer notices;
+        click("save");
+        QTRY_COMPARE(notices.texts(), QStringList{message});
+    }
+
     /// Drops files on an area.
     static void drop(QWidget* area, const QStringList& paths)
     {

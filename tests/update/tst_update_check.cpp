@@ -2,12 +2,12 @@
 #include "common/spark_http.h"
 #include "simulator/update_server.h"
 #include "tests/support/files.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 #include "update/update_check.h"
 #include "update/version.h"
 
 #include <QDirIterator>
-#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
@@ -250,8 +250,7 @@ void tst_UpdateCheck::badPackagesLeaveNothing_data()
 
 void tst_UpdateCheck::badPackagesLeaveNothing()
 {
-    QFETCH(sim::HttpReply, reply);
-    QFETCH(QString, digest);
+    const auto [reply, digest] = cells<sim::HttpReply, QString>();
     m_server->set("/fw", reply);
     m_server->offerFirmware(digest, m_server->url("/fw"));
     check();
@@ -339,12 +338,11 @@ void tst_UpdateCheck::slowPackagesHoldNobodyUp()
     box.bytesPerSecond = 5;
     m_server->set("/box", box);
 
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     const auto check = started();
     QCOMPARE(Spark_Http::instance()->get("x", m_server->url("/box"), true), QString("{}"));
     const qint64 answeredMs = clock.elapsed();
-    QVERIFY2(answeredMs < 1500, qPrintable(QString::number(answeredMs)));
+    VERIFY_BELOW(answeredMs, 1500);
     QVERIFY(check->isBusy());
     QTRY_VERIFY_WITH_TIMEOUT(!check->isBusy(), 15000);
     QVERIFY2(clock.elapsed() > 2500, "the packages were not slow");
@@ -359,10 +357,9 @@ void tst_UpdateCheck::givenUpDownloadsLeaveNothing()
     m_server->offerFirmware(md5Of(slow.body), m_server->url("/slow"));
     auto check = started();
     QTRY_COMPARE(m_server->requests().count("GET /slow"), 2);
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     check.reset();
-    QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), 1000);
     QCOMPARE(filesBelowData().filter("/upgrade"), QStringList());
 }
 

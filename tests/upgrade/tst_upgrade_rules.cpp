@@ -76,17 +76,14 @@ void tst_UpgradeRules::proof_data()
 
 void tst_UpgradeRules::proof()
 {
-    QFETCH(QString, before);
-    QFETCH(QString, expected);
-    QFETCH(QString, after);
-    QFETCH(QString, seen);
-    QFETCH(bool, proved);
+    const auto [before, expected, after, seen, changed, proved] =
+        cells<QString, QString, QString, QString, bool, bool>();
     UpgradeRow row = rowAt(Stage::Activated);
     row.versionBefore = before;
     row.expected = expected;
     row.wasAway = seen.contains("away");
     row.ambiguous = seen.contains("twins");
-    QTEST(UpgradeJudgement::hasChangedOver(row, after, row.wasAway), "changed");
+    QCOMPARE(UpgradeJudgement::hasChangedOver(row, after, row.wasAway), changed);
     row.versionAfter = after;
     QCOMPARE(row.isProved(), proved);
     if (!proved)
@@ -106,10 +103,8 @@ void tst_UpgradeRules::interruptedRows_data()
 
 void tst_UpgradeRules::interruptedRows()
 {
-    QFETCH(Stage, stage);
-    QFETCH(bool, ended);
-    QFETCH(int, daysAgo);
-    QFETCH(int, underWay);
+    const auto [stage, ended, daysAgo, stageNow, settingsNow, underWay] =
+        cells<Stage, bool, int, Stage, Settings, int>();
     UpgradeSession session;
     session.started = now.addDays(-daysAgo);
     session.ended = ended;
@@ -120,8 +115,8 @@ void tst_UpgradeRules::interruptedRows()
     session.rows = {row, elsewhere};
     QCOMPARE(markInterrupted(session, now), underWay);
     QCOMPARE(session.interrupted, underWay > 0);
-    QTEST(session.rows[0].stage, "stageNow");
-    QTEST(session.rows[0].settings, "settingsNow");
+    QCOMPARE(session.rows[0].stage, stageNow);
+    QCOMPARE(session.rows[0].settings, settingsNow);
     // Nothing but an address is ever asked.
     QCOMPARE(session.rows[0].address, QString("127.0.0.1"));
     QCOMPARE(session.rows[1].address, QString());

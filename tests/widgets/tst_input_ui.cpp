@@ -128,8 +128,7 @@ void TestInputui::clickListsSuggestions_data()
 
 void TestInputui::clickListsSuggestions()
 {
-    QFETCH(QStringList, list);
-    QFETCH(bool, shown);
+    const auto [list, shown] = cells<QStringList, bool>();
     QStringListModel model(list);
     QCompleter completer(&model);
     m_panel->setCompleter(&completer);

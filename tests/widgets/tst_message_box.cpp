@@ -177,8 +177,7 @@ void TestMessageBox::textIsShownAsItStands_data()
 
 void TestMessageBox::textIsShownAsItStands()
 {
-    QFETCH(QString, text);
-    QFETCH(bool, scrolls);
+    const auto [text, scrolls] = cells<QString, bool>();
     messageBox box(text);
     box.show();
     QVERIFY(QTest::qWaitForWindowExposed(&box));

@@ -36,9 +36,7 @@ private:
             window().R_refreshDeviceIP({ip(7), ip(8)});
             // Whoever types goes on where he is; nothing is saved that has not been read again.
             QVERIFY(child<QWidget>("eParam_NTPServer")->isEnabled());
-            const DialogAnswerer notices;
-            click("save");
-            QTRY_COMPARE(notices.texts(), QStringList{"尚未读到设备的参数,没有可保存的内容."});
+            save("尚未读到设备的参数,没有可保存的内容.");
         });
     }
 
@@ -113,10 +111,7 @@ void tst_Configuration::oddValues_data()
 
 void tst_Configuration::oddValues()
 {
-    QFETCH(QString, parameter);
-    QFETCH(QString, value);
-    QFETCH(QString, widget);
-    QFETCH(QString, shows);
+    const auto [parameter, value, widget, shows] = cells<QString, QString, QString, QString>();
     select(7, {parameter + "=" + value});
     QCOMPARE(shown(widget), shows);
 }
@@ -199,9 +194,7 @@ void tst_Configuration::typedStaysUntilSaved()
     // By now the box has what the operator chose.
     QCOMPARE(state("quality_1"), QString("read"));
     QCOMPARE(child<QLabel>("config_state")->text(), QString("2 项未保存"));
-    const DialogAnswerer notices;
-    click("save");
-    QTRY_COMPARE(notices.texts(), QStringList{"设置参数成功."});
+    save("设置参数成功.");
     QCOMPARE(m_box->parameter("eParam_NDIName"), QString("Typed"));
     QCOMPARE(child<QLabel>("config_state")->text(), QString());
     child<Inputui>("eParam_NDIName")->setText("Typed again");
@@ -220,9 +213,7 @@ void tst_Configuration::typedIsNotForAnotherBox()
     window().R_refreshDeviceIP({ip(8)});
     window().R_refreshDeviceIP({ip(7), ip(8)});
     QTRY_COMPARE(child<QLabel>("config_state")->text(), QString("1 项未保存"));
-    const DialogAnswerer notices;
-    click("save");
-    QTRY_COMPARE(notices.texts(), QStringList{"设置参数成功.\n1 项参数未从设备读到,没有保存."});
+    save("设置参数成功.\n1 项参数未从设备读到,没有保存.");
     QCOMPARE(m_box->parameter("eParam_NDIName"), QString("Stage Left"));
     QTRY_COMPARE(shown("eParam_NDIName"), QString("Stage Left"));
     QTRY_COMPARE(child<QLabel>("config_state")->text(), QString());

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 #include "tests/support/window_fixture.h"
 
-#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QSpinBox>
 
@@ -50,9 +50,7 @@ void tst_Save::savesInOrderAndAsTyped()
     m_fixture->child<Inputui>("eParam_NDIName")->setText(name);
     m_fixture->child<QSpinBox>("eParam_NDIHXBitRate")->setValue(12);
     m_fixture->click("quality_1");
-    const DialogAnswerer notices;
-    m_fixture->click("save");
-    QTRY_COMPARE(notices.texts(), QStringList{"设置参数成功."});
+    m_fixture->save("设置参数成功.");
     const QString sent = QString(name).replace('=', "%3D");
     QCOMPARE(told(box),
              (QStringList{"DHCP=0", "HDMIMode=1", "HXControlRate=CBR", "HXEncProfile=main",
@@ -74,21 +72,16 @@ void tst_Save::appliesWhatChanged_data()
 
 void tst_Save::appliesWhatChanged()
 {
-    QFETCH(QString, dhcpBefore);
-    QFETCH(bool, dhcp);
-    QFETCH(QString, address);
-    QFETCH(QString, message);
+    const auto [dhcpBefore, dhcp, address, actions, message] =
+        cells<QString, bool, QString, QStringList, QString>();
     sim::VirtualBox* box = selectBox();
     m_fixture->select(7, {"DHCP=" + dhcpBefore});
     QCOMPARE(m_fixture->shown("DHCP"), QString(dhcpBefore == "1" ? "on" : "off"));
     if ((m_fixture->shown("DHCP") == "on") != dhcp)
         m_fixture->child<QAbstractButton>("DHCP")->click();
     m_fixture->child<IPAddress>("eParam_IPAddress")->setIP(address);
-    const DialogAnswerer notices;
-    m_fixture->click("save");
-    QTRY_COMPARE(notices.texts(), QStringList{message});
+    m_fixture->save(message);
     QTRY_COMPARE(told(box).filter("=").size(), 12);
-    QFETCH(QStringList, actions);
     QTRY_COMPARE(told(box).mid(12), actions);
 }
 
@@ -148,11 +141,10 @@ void tst_Save::boxThatIsOffEndsInTime()
 {
     sim::VirtualBox* box = selectBox();
     QVERIFY(box->addFault("silent"));
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     const DialogAnswerer notices;
     m_fixture->click("save");
-    QVERIFY2(clock.elapsed() < 40000, qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), 40000);
     QCOMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
 }
 
@@ -165,9 +157,7 @@ void tst_Save::boxThatGoesMeanwhileIsNamedOnce()
         // Gone from the list as well.
         m_fixture->deviceView()->treeModel()->remove(m_fixture->item(7));
     });
-    const DialogAnswerer notices;
-    m_fixture->click("save");
-    QTRY_COMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
+    m_fixture->save("设置参数部分失败,请检查KORA网络状态后重试.");
     QVERIFY(!told(box).isEmpty());
     QCOMPARE(m_fixture->shown("eParam_NDIName"), QString("Stage Left"));
 }
@@ -191,19 +181,15 @@ void tst_Save::onlyWhatIsKnownIsSent_data()
 
 void tst_Save::onlyWhatIsKnownIsSent()
 {
-    QFETCH(QStringList, settings);
-    QFETCH(QString, fault);
-    QFETCH(QString, message);
+    const auto [settings, fault, sent, message] = cells<QStringList, QString, int, QString>();
     sim::VirtualBox* box = selectBox();
     QVERIFY(box->addFault(fault));
     m_fixture->select(7, settings);
     const QMap<QString, QString> before = box->parameters();
     if (settings == QStringList{"DHCP=1"})
         m_fixture->child<QAbstractButton>("DHCP")->click();
-    const DialogAnswerer notices;
-    m_fixture->click("save");
-    QTRY_COMPARE(notices.texts(), QStringList{message});
-    QTEST(told(box).size(), "sent");
+    m_fixture->save(message);
+    QCOMPARE(told(box).size(), sent);
     QCOMPARE(box->parameters(), before);
 }
 
@@ -223,9 +209,7 @@ void tst_Save::changedDhcpReallyReboots()
 {
     sim::VirtualBox* box = selectBox();
     m_fixture->child<QAbstractButton>("DHCP")->click();
-    const DialogAnswerer notices;
-    m_fixture->click("save");
-    QTRY_COMPARE(notices.texts(), QStringList{"设置成功,正在重启KORA软件."});
+    m_fixture->save("设置成功,正在重启KORA软件.");
     QTRY_VERIFY(!box->isOn());
     QTRY_VERIFY_WITH_TIMEOUT(box->isOn(), 10000);
     QCOMPARE(box->activity().reboots, 1);
@@ -240,10 +224,9 @@ void tst_Save::closingMeanwhileIsSafe()
     QVERIFY(box->addFault("slow 200 on write"));
     QTimer::singleShot(500, this, [&] { m_fixture->window().close(); });
     const DialogAnswerer notices;
-    QElapsedTimer clock;
-    clock.start();
+    Stopwatch clock;
     m_fixture->click("save");
-    QVERIFY2(clock.elapsed() < 1500, qPrintable(QString::number(clock.elapsed())));
+    VERIFY_BELOW(clock.elapsed(), 1500);
     QVERIFY(notices.texts().isEmpty());
     const int sent = told(box).size();
     QVERIFY2(sent > 0 && sent < 12, qPrintable(QString::number(sent)));

@@ -29,6 +29,12 @@ private slots:
 private:
     void select(const QString& mode, const QString& format);
     QStringList told() const { return WindowFixture::told(*m_box); }
+    static void drag(QSlider* slider, int value)
+    {
+        slider->setSliderDown(true);
+        slider->setValue(value);
+        slider->setSliderDown(false);
+    }
 
     sim::VirtualBox* m_box = nullptr;
 };
@@ -83,11 +89,8 @@ void tst_Control::encoderCommands_data()
 
 void tst_Control::encoderCommands()
 {
-    QFETCH(QString, mode);
-    QFETCH(QString, format);
-    QFETCH(QString, button);
-    QFETCH(QString, sent);
-    QFETCH(QString, checked);
+    const auto [mode, format, button, sent, checked] =
+        cells<QString, QString, QString, QString, QString>();
     select(mode, format);
     const DialogAnswerer notices;
     click(button.toUtf8().constData());
@@ -121,16 +124,14 @@ void tst_Control::encoderFailure_data()
 
 void tst_Control::encoderFailure()
 {
-    QFETCH(QString, button);
-    QFETCH(QString, fault);
-    QFETCH(QString, message);
+    const auto [button, fault, commands, message] = cells<QString, QString, int, QString>();
     auto* clicked = child<QAbstractButton>(button.toUtf8().constData());
     const bool before = clicked->isChecked();
     QVERIFY(m_box->addFault(fault));
     const DialogAnswerer notices;
     click(button.toUtf8().constData());
     QTRY_COMPARE(notices.texts(), QStringList{message});
-    QTEST(told().size(), "commands");
+    QCOMPARE(told().size(), commands);
     if (button != "H265")
         QCOMPARE(clicked->isChecked(), before);
     // What was unchecked for the new mode stays so.
@@ -168,14 +169,9 @@ void tst_Control::onlyDraggingSends()
 void tst_Control::lastDraggedSliderCounts()
 {
     auto* volume = child<QSlider>("eParam_LineinVolumeSlider");
-    auto* delay = child<QSlider>("eParam_LineinDelaySlider");
-    volume->setSliderDown(true);
-    volume->setValue(volume->value() == 3 ? 4 : 3);
-    volume->setSliderDown(false);
+    drag(volume, volume->value() == 3 ? 4 : 3);
     QTest::qWait(50);
-    delay->setSliderDown(true);
-    delay->setValue(55);
-    delay->setSliderDown(false);
+    drag(child<QSlider>("eParam_LineinDelaySlider"), 55);
     QTRY_COMPARE(told(), QStringList{"LineinDelay=55"});
     QTest::qWait(600);
     QCOMPARE(told().size(), 1);
@@ -186,9 +182,7 @@ void tst_Control::refusedLevelNamesItsCaption()
     QVERIFY(m_box->addFault("fail eParam_SDIVolume"));
     auto* slider = child<QSlider>("eParam_SDIVolumeSlider");
     const DialogAnswerer notices;
-    slider->setSliderDown(true);
-    slider->setValue(30);
-    slider->setSliderDown(false);
+    drag(slider, 30);
     QTRY_COMPARE(notices.texts(), QStringList{"控制 SDI音量 (0~32) 失败,请重试!"});
     QCOMPARE(slider->value(), 30);
 }
@@ -216,10 +210,7 @@ void tst_Control::ownedBoxIsLeftAlone()
     const QString before = looks();
     const DialogAnswerer notices;
     if (whileDragged) {
-        auto* slider = child<QSlider>(QTest::currentDataTag());
-        slider->setSliderDown(true);
-        slider->setValue(30);
-        slider->setSliderDown(false);
+        drag(child<QSlider>(QTest::currentDataTag()), 30);
         item(7)->setOwned(true);
     } else {
         item(7)->setOwned(true);

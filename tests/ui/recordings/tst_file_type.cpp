@@ -40,9 +40,7 @@ void tst_FileType::suffixDecides_data()
 
 void tst_FileType::suffixDecides()
 {
-    QFETCH(QString, name);
-    QFETCH(FileType, type);
-    QFETCH(QString, icon);
+    const auto [name, type, icon] = cells<QString, FileType, QString>();
     QCOMPARE(int(fileType(name)), int(type));
     QCOMPARE(fileTypeIcon(type), ":/spark/img/suffix/" + icon + ".svg");
     QVERIFY(QFile::exists(fileTypeIcon(type)));

@@ -1,39 +1,24 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/box_client.h"
 #include "tests/support/files.h"
-#include "tests/support/table.h"
-#include "tests/support/window_fixture.h"
-
+#include "tests/ui/recordings/recordings_fixture.h"
 #include "ui/recordings/download_list.h"
-#include "ui/recordings/list_widget.h"
 
-#include <QCheckBox>
 #include <QCloseEvent>
-#include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
-#include <QRadioButton>
-#include <QRegularExpression>
-#include <QToolButton>
 
-/// The storage list, recording, playing, deleting and downloading.
-class tst_Recordings : public QObject, WindowFixture
+/// The storage list: playing, deleting and downloading.
+class tst_Recordings : public QObject, RecordingsFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() { openBoxes(); }
+    void init() { forgetRecordings(); }
+    void cleanup() { stopPlaying(); }
     void onlyVideosAreListed();
     void otherBoxClearsTheList();
     void hostileNamesAreShownPlain();
-    void recordsUnderItsOwnName();
-    void boxDecidesWhatRecordShows_data();
-    void boxDecidesWhatRecordShows();
-    void clockTellsWhatTheBoxDoes();
-    void lateAnswerPlaysNothing();
-    void upgradeLeavesNothingElseToDo();
     void nothingSelectedPlaysNothing();
     void stepsToTheNeighbours();
     void failureIsSaid();
@@ -44,70 +29,9 @@ private slots:
     void rowsThatGoDuringAQuestion();
 
 private:
-    ListWidget* list() const { return child<ListWidget>("storageWidget"); }
-    QStringList titles() const;
-    QStringList playing() const;
-    QString address() const { return child<QLabel>("decodeaddress")->text(); }
-    void clickEntry(int row, Qt::KeyboardModifiers modifiers = {});
     void playEntry(int row);
-    void record(bool on);
     void downloadAll(DialogAnswerer& answers, const QString& folder);
-    void selectBox(int host, const QStringList& recordings);
-    QStringList told(const QString& action) const
-    {
-        return WindowFixture::told(*m_box).filter(QRegularExpression("^" + action));
-    }
-
-    sim::VirtualBox* m_box = nullptr;
-    sim::VirtualBox* m_other = nullptr;
 };
-
-void tst_Recordings::initTestCase()
-{
-    m_box = addBox(7);
-    m_other = addBox(8);
-    openKnowing({7, 8});
-}
-
-void tst_Recordings::init()
-{
-    m_box->clearFaults();
-    const QStringList left = m_box->recordings();
-    for (const QString& name : left)
-        m_box->removeRecording(name);
-}
-
-void tst_Recordings::cleanup()
-{
-    if (child<QToolButton>("video_play")->isChecked())
-        click("video_play");
-    QTRY_COMPARE(address(), QString());
-}
-
-QStringList tst_Recordings::titles() const
-{
-    QStringList rows;
-    for (int n = 0; n < list()->count(); ++n)
-        rows << list()->item(n)->text();
-    return rows;
-}
-
-QStringList tst_Recordings::playing() const
-{
-    QStringList names;
-    for (const auto& entry : list()->entries()) {
-        if (entry->property("ispaly").toBool())
-            names << entry->title();
-    }
-    return names;
-}
-
-void tst_Recordings::clickEntry(int row, Qt::KeyboardModifiers modifiers)
-{
-    list()->scrollToItem(list()->item(row));
-    QTest::mouseClick(list()->viewport(), Qt::LeftButton, modifiers,
-                      list()->visualItemRect(list()->item(row)).center());
-}
 
 void tst_Recordings::playEntry(int row)
 {
@@ -115,27 +39,6 @@ void tst_Recordings::playEntry(int row)
     QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {},
                        list()->visualItemRect(list()->item(row)).center());
     QTRY_VERIFY_WITH_TIMEOUT(list()->entries()[row]->property("ispaly").toBool(), 20000);
-}
-
-/// Clicks, and waits for the box's answer.
-void tst_Recordings::record(bool on)
-{
-    auto* recode = child<QCheckBox>("recode");
-    QCOMPARE(recode->isChecked(), !on);
-    click("recode");
-    QTRY_VERIFY_WITH_TIMEOUT(recode->isEnabled() && recode->isChecked() == on, 9000);
-}
-
-/// `recordings` from top to bottom.
-void tst_Recordings::selectBox(int host, const QStringList& recordings)
-{
-    sim::VirtualBox* box = host == 7 ? m_box : m_other;
-    // The newest is listed first.
-    for (int n = recordings.size() - 1; n >= 0; --n)
-        box->addRecording(recordings.at(n));
-    clickRow(host);
-    QTRY_COMPARE(titles(), recordings);
-    box->clearRequests();
 }
 
 void tst_Recordings::onlyVideosAreListed()
@@ -153,7 +56,7 @@ void tst_Recordings::onlyVideosAreListed()
 
 void tst_Recordings::otherBoxClearsTheList()
 {
-    selectBox(7, {"a.mp4"});
+    selectBox({"a.mp4"});
     QVERIFY(m_other->addFault("silent on eParam_RecordList"));
     clickRow(8);
     // Whatever the box does: the other's recordings are not taken for its own.
@@ -174,150 +77,9 @@ void tst_Recordings::hostileNamesAreShownPlain()
     QCOMPARE(titles(), QStringList(name));
 }
 
-void tst_Recordings::recordsUnderItsOwnName()
-{
-    selectBox(7, {});
-    QTest::mouseClick(child<QRadioButton>("recodemov"), Qt::LeftButton);
-    click("recode");
-    auto* recode = child<QCheckBox>("recode");
-    QVERIFY(!recode->isEnabled());
-    QTRY_VERIFY(recode->isEnabled() && recode->isChecked());
-    const QString name = item(7)->property("recodefilename").toString();
-    QVERIFY(QRegularExpression("^Tarn_Hub_Recode\\d{14}\\.mov$").match(name).hasMatch());
-    QCOMPARE(told("record_on"), QStringList("record_on&file_name=" + name));
-
-    // Another box does not record; coming back, this one still does.
-    clickRow(8);
-    QTRY_VERIFY(!recode->isChecked());
-    clickRow(7);
-    QTRY_VERIFY(recode->isChecked());
-    QTRY_VERIFY(child<QLabel>("recodeTime")->text() > "00:00:01");
-
-    DialogAnswerer answers;
-    click("recode");
-    QTRY_COMPARE_WITH_TIMEOUT(answers.texts(), QStringList("录制完成,是否现在查看 [" + name + "]"),
-                              10000);
-    QVERIFY(!recode->isChecked());
-    QTRY_COMPARE_WITH_TIMEOUT(playing(), QStringList(name), 10000);
-    QCOMPARE(address(), "http://" + ip(7) + ":8081/media/" + name);
-    QTest::mouseClick(child<QRadioButton>("recodemp4"), Qt::LeftButton);
-}
-
-void tst_Recordings::boxDecidesWhatRecordShows_data()
-{
-    // "recording": before the click; "away": the operator goes on to another box meanwhile
-    columns<QString, bool, bool, QString>("fault", "recording", "away", "text");
-    const QString notStarted("开启录制失败,请重试.");
-    const QString notStopped("停止录制失败,请重试.");
-    row("start refused", "fail on record_on", false, false, notStarted);
-    row("stop refused", "fail on record_off", true, false, notStopped);
-    row("stop unanswered", "silent on record_off", true, true, ip(7) + ": " + notStopped);
-}
-
-void tst_Recordings::boxDecidesWhatRecordShows()
-{
-    QFETCH(QString, fault);
-    QFETCH(bool, recording);
-    QFETCH(bool, away);
-    QFETCH(QString, text);
-    selectBox(7, {});
-    DialogAnswerer answers(Qt::Key_Escape);
-    if (recording)
-        record(true);
-    QVERIFY(m_box->addFault(fault));
-    click("recode");
-    QVERIFY(!child<QCheckBox>("recode")->isEnabled());
-    if (away)
-        clickRow(8);
-    QTRY_COMPARE_WITH_TIMEOUT(answers.texts(), QStringList(text), 9000);
-    m_box->clearFaults();
-    // Whatever came of it: the operator can record, and stop.
-    clickRow(8);
-    QTRY_VERIFY(!child<QCheckBox>("recode")->isChecked());
-    clickRow(7);
-    QCOMPARE(child<QCheckBox>("recode")->isChecked(), recording);
-    if (!recording)
-        record(true);
-    record(false);
-    QTRY_COMPARE(answers.texts().size(), 2);
-}
-
-void tst_Recordings::clockTellsWhatTheBoxDoes()
-{
-    auto* recode = child<QCheckBox>("recode");
-    selectBox(7, {});
-    // Started and stopped by somebody else.
-    QCOMPARE(command(ip(7), "record_on&file_name=elsewhere.mp4").status(), QString("success"));
-    QTRY_VERIFY(recode->isChecked());
-    QCOMPARE(command(ip(7), "record_off").status(), QString("success"));
-    QTRY_VERIFY(!recode->isChecked());
-    // Started by somebody else, stopped here: there is no name to ask about.
-    QCOMPARE(command(ip(7), "record_on&file_name=elsewhere2.mp4").status(), QString("success"));
-    QTRY_VERIFY(recode->isChecked());
-    DialogAnswerer answers(Qt::Key_Escape);
-    record(false);
-
-    // It loses its power in the middle, and comes back.
-    record(true);
-    QTRY_VERIFY(child<QLabel>("recodeTime")->text() > "00:00:00.000");
-    m_box->unplug();
-    QTRY_VERIFY(!recode->isChecked());
-    QCOMPARE(answers.texts(), QStringList());
-    // A start that nobody answers is told of.
-    click("recode");
-    QTRY_COMPARE_WITH_TIMEOUT(answers.texts(), QStringList("开启录制失败,请重试."), 9000);
-    QVERIFY(!recode->isChecked());
-    // Known to be away, and to be back: that has the list read again.
-    QTRY_VERIFY_WITH_TIMEOUT(!item(7)->isOnline(), 15000);
-    QVERIFY(m_box->plugIn());
-    readAfter(7, [this] { QTRY_VERIFY_WITH_TIMEOUT(item(7)->isOnline(), 15000); });
-    QTRY_COMPARE(item(7)->property("recodefilename").toString(), QString());
-    record(true);
-    // Its clock is not shown as another's.
-    QTRY_VERIFY(child<QLabel>("recodeTime")->text() > "00:00:00.000");
-    clickRow(8);
-    QCOMPARE(child<QLabel>("recodeTime")->text(), QString("00:00:00.000"));
-    clickRow(7);
-    record(false);
-    QTRY_COMPARE(answers.texts().size(), 2);
-}
-
-void tst_Recordings::lateAnswerPlaysNothing()
-{
-    selectBox(7, {});
-    record(true);
-    DialogAnswerer answers;
-    answers.expect<messageBox>([this](messageBox& question) {
-        emit deviceView()->S_ActionClicked(Action::Select, item(8));
-        QTest::keyClick(&question, Qt::Key_Return);
-    });
-    record(false);
-    QTRY_VERIFY(answers.isDone());
-    // Nor when the box is selected again and its recordings are listed.
-    clickRow(7);
-    QTRY_COMPARE(titles().size(), 1);
-    QCOMPARE(address(), QString());
-}
-
-void tst_Recordings::upgradeLeavesNothingElseToDo()
-{
-    selectBox(7, {"a.mp4"});
-    item(7)->setOwned(true);
-    DialogAnswerer answers;
-    click("recode");
-    QTRY_COMPARE(answers.texts().size(), 1);
-    clickEntry(0);
-    QTest::keyClick(list(), Qt::Key_Delete);
-    QTRY_COMPARE(answers.texts().size(), 2);
-    item(7)->setOwned(false);
-    QVERIFY(!child<QCheckBox>("recode")->isChecked());
-    QCOMPARE(told("record"), QStringList());
-    QCOMPARE(titles(), QStringList("a.mp4"));
-}
-
 void tst_Recordings::nothingSelectedPlaysNothing()
 {
-    selectBox(7, {"a.mp4"});
+    selectBox({"a.mp4"});
     list()->clearSelection();
     DialogAnswerer answers;
     click("video_play");
@@ -327,7 +89,7 @@ void tst_Recordings::nothingSelectedPlaysNothing()
 
 void tst_Recordings::stepsToTheNeighbours()
 {
-    selectBox(7, {"a b.mp4", "b.mp4"});
+    selectBox({"a b.mp4", "b.mp4"});
     playEntry(0);
     QVERIFY(child<QToolButton>("video_play")->isChecked());
     QCOMPARE(address(), "http://" + ip(7) + ":8081/media/a%20b.mp4");
@@ -353,7 +115,7 @@ void tst_Recordings::stepsToTheNeighbours()
 
 void tst_Recordings::failureIsSaid()
 {
-    selectBox(7, {"a.mp4"});
+    selectBox({"a.mp4"});
     QVERIFY(m_box->addFault("http-error 404 on media"));
     DialogAnswerer answers;
     clickEntry(0);
@@ -366,7 +128,7 @@ void tst_Recordings::failureIsSaid()
 
 void tst_Recordings::playingOneIsNotDeleted()
 {
-    selectBox(7, {"a.mp4", "b.mp4", "c.mp4"});
+    selectBox({"a.mp4", "b.mp4", "c.mp4"});
     playEntry(1);
     DialogAnswerer answers(Qt::Key_Escape);
     list()->selectAll();
@@ -382,7 +144,7 @@ void tst_Recordings::playingOneIsNotDeleted()
 
 void tst_Recordings::refusedDeletionComesBack()
 {
-    selectBox(7, {"a.mp4"});
+    selectBox({"a.mp4"});
     QVERIFY(m_box->addFault("fail on record_del"));
     DialogAnswerer answers;
     clickEntry(0);
@@ -474,7 +236,7 @@ void tst_Recordings::downloadsWaitForTheirTurn()
 void tst_Recordings::downloadsIntoTheChosenFolder()
 {
     const QTemporaryDir folder;
-    m_box->addRecording("slow.mp4", QByteArray(400000, 's'));
+    m_box->addRecording("slow.mp4", QByteArray(150000, 's'));
     m_box->addRecording("gone.mp4", "x");
     clickRow(7);
     QTRY_COMPARE(titles(), QStringList({"gone.mp4", "slow.mp4"}));
@@ -493,12 +255,12 @@ void tst_Recordings::downloadsIntoTheChosenFolder()
     QCOMPARE(answers.texts().last(), QString("下载完成,是否前往文件所在文件夹?"));
     QVERIFY(!downloads->isVisible());
     QCOMPARE(filesIn(folder.path()), QStringList("slow.mp4"));
-    QCOMPARE(QFileInfo(folder.path() + "/slow.mp4").size(), qint64(400000));
+    QCOMPARE(QFileInfo(folder.path() + "/slow.mp4").size(), qint64(150000));
 }
 
 void tst_Recordings::rowsThatGoDuringAQuestion()
 {
-    selectBox(7, {"a.mp4", "b.mp4"});
+    selectBox({"a.mp4", "b.mp4"});
     clickEntry(0);
     DialogAnswerer answers;
     answers.expect<messageBox>([this](messageBox& question) {

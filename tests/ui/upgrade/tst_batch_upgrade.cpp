@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/report_look.h"
 #include "tests/support/table.h"
-#include "tests/support/window_fixture.h"
+#include "tests/ui/upgrade/upgrade_fixture.h"
 
 #include <QDebug>
 #include <QLabel>
@@ -10,31 +9,14 @@
 
 #include <csignal>
 
-namespace
-{
-
-Options quickUpgrades()
-{
-    Options options = WindowFixture::options();
-    options.upgradeTickMs = 50;
-    return options;
-}
-
-QString question(int boxes)
-{
-    return QString("即将对您选择的%1个KORA进行升级固件操作,是否确认?").arg(boxes);
-}
-
-} // namespace
-
 /// Starting, joining and ending a batch, and what survives the end of the program.
-class tst_BatchUpgrade : public QObject
+class tst_BatchUpgrade : public QObject, UpgradeFixture
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() { begin(); }
+    void cleanup() { end(); }
     void refusals_data();
     void refusals();
     void unreadablePackageStartsNothing();
@@ -42,62 +24,10 @@ private slots:
     void secondBatchJoins();
     void packageDialogSpeaksOfFirmware();
     void md5ToolShowsTheDigest();
-    void noMacNamesAProperty_data();
     void noMacNamesAProperty();
     void secondFailedWriteBackIsFinal();
     void survivesBeingKilled();
-
-private:
-    void addBoxes(int count);
-    void select(const QList<int>& hosts);
-    void drop(const QStringList& files)
-    {
-        WindowFixture::drop(m_fixture->child<QWidget>("device_list"), files);
-    }
-    QStringList told(int host) const { return WindowFixture::told(*m_boxes[host]); }
-    void deliver(const QString& type, const QString& parameter, const QString& value);
-
-    std::unique_ptr<WindowFixture> m_fixture;
-    QMap<int, sim::VirtualBox*> m_boxes;
-    QString m_package;
 };
-
-void tst_BatchUpgrade::init()
-{
-    m_fixture = std::make_unique<WindowFixture>();
-    m_package = writePackage(m_fixture->appData() + "/KORA_1.2.0.623.dat", 100000);
-}
-
-void tst_BatchUpgrade::cleanup()
-{
-    m_fixture.reset();
-    m_boxes.clear();
-}
-
-void tst_BatchUpgrade::addBoxes(int count)
-{
-    for (int host = 1; host <= count; ++host)
-        m_boxes[host] = m_fixture->addBox(host);
-    m_fixture->openKnowing(m_boxes.keys(), quickUpgrades());
-}
-
-void tst_BatchUpgrade::select(const QList<int>& hosts)
-{
-    TreeView* view = m_fixture->deviceView();
-    view->clearSelection();
-    for (int host : hosts)
-        view->selectionModel()->select(view->treeModel()->indexOf(m_fixture->item(host)),
-                                       QItemSelectionModel::Select);
-}
-
-/// As if a box had answered a request of this type.
-void tst_BatchUpgrade::deliver(const QString& type, const QString& parameter, const QString& value)
-{
-    m_fixture->window().R_finished(
-        {{"type", type},
-         {"deviceip", m_fixture->ip(1)},
-         {"body", QString("{\"param_name\":\"%1\",\"value\":\"%2\"}").arg(parameter, value)}});
-}
 
 void tst_BatchUpgrade::refusals_data()
 {
@@ -113,9 +43,7 @@ void tst_BatchUpgrade::refusals_data()
 
 void tst_BatchUpgrade::refusals()
 {
-    QFETCH(bool, selected);
-    QFETCH(QStringList, files);
-    QFETCH(QString, text);
+    const auto [selected, files, text] = cells<bool, QStringList, QString>();
     addBoxes(1);
     if (selected)
         select({1});
@@ -213,23 +141,14 @@ void tst_BatchUpgrade::md5ToolShowsTheDigest()
              "KORA_1.2.0.623.dat\nMD5: " + md5Of(readFile(m_package)));
 }
 
-void tst_BatchUpgrade::noMacNamesAProperty_data()
-{
-    columns<QString>("mac");
-    row("a property of the window", "deviceip");
-    row("a property of every widget", "enabled");
-    row("the list itself", "needrestore");
-    row("nothing", "");
-    row("nearly one", "02:4B:4F:00:00:0G");
-    row("more than one", "02:4B:4F:00:00:01\nenabled");
-}
-
 void tst_BatchUpgrade::noMacNamesAProperty()
 {
-    QFETCH(QString, mac);
     addBoxes(1);
     Tarn_Hub& window = m_fixture->window();
-    window.setProperty("needrestore", QStringList{mac});
+    const QStringList macs{"deviceip", // a property of the window
+                           "enabled",  // and of every widget
+                           "needrestore", "", "02:4B:4F:00:00:0G", "02:4B:4F:00:00:01\nenabled"};
+    window.setProperty("needrestore", macs);
     const auto state = [&window] {
         QString all;
         QDebug debug(&all);
@@ -241,9 +160,11 @@ void tst_BatchUpgrade::noMacNamesAProperty()
     const QString before = state();
     m_boxes[1]->clearRequests();
     // An answer that nobody asked for says nothing of any box.
-    deliver("upgradeRead", "eParam_MACAddress", mac);
-    deliver("upgradeRead", "eParam_DHCP", "0");
-    deliver("getDeviceinfo", "eParam_MACAddress", mac);
+    for (const QString& mac : macs) {
+        deliver("upgradeRead", "eParam_MACAddress", mac);
+        deliver("upgradeRead", "eParam_DHCP", "0");
+        deliver("getDeviceinfo", "eParam_MACAddress", mac);
+    }
     QTest::qWait(300); // for what must not come
     QCOMPARE(state(), before);
     QCOMPARE(told(1), QStringList());
@@ -255,18 +176,15 @@ void tst_BatchUpgrade::secondFailedWriteBackIsFinal()
     Tarn_Hub& window = m_fixture->window();
     const QString mac = m_fixture->item(1)->macAddress();
     QVERIFY(m_boxes[1]->addFault("fail write+eParam_NDIName"));
-    window.setProperty(mac.toLatin1(), QVariantMap{{"eParam_NDIHXGopLength", "33"},
-                                                   {"eParam_NDIName", "a=b"},
-                                                   {"eParam_NTPServer", "x"}});
-    window.setProperty("needrestore", QStringList{mac});
-    m_boxes[1]->clearRequests();
-    deliver("getDeviceinfo", "eParam_MACAddress", mac);
+    leaveWaiting(
+        {{"eParam_NDIHXGopLength", "33"}, {"eParam_NDIName", "a=b"}, {"eParam_NTPServer", "x"}});
+    hearBox();
     QTRY_COMPARE(window.property("needrestore").toStringList(), (QStringList{mac, mac + "1"}));
     QTRY_COMPARE(m_boxes[1]->activity().reboots, 1);
     QCOMPARE(told(1), (QStringList{"NDIHXGopLength=33", "NDIName=a%3Db", "NTPServer=x", "reboot"}));
     QCOMPARE(m_fixture->item(1)->property("restoreconfig").toMap().size(), 3);
     QTRY_VERIFY_WITH_TIMEOUT(m_boxes[1]->isOn(), 5000);
-    deliver("getDeviceinfo", "eParam_MACAddress", mac);
+    hearBox();
     QTRY_VERIFY(window.property("needrestore").toStringList().isEmpty());
     QTRY_VERIFY(window.findChild<messageBox*>());
     QCOMPARE(window.findChild<messageBox*>()->text(),
@@ -310,9 +228,7 @@ void tst_BatchUpgrade::survivesBeingKilled()
 
     const DialogAnswerer answers("okpushButton");
     // Nobody saw whether the first box was away: it gets its settings after the whole allowance.
-    Options options = quickUpgrades();
-    options.upgradeTickMs = 20;
-    m_fixture->open(options);
+    m_fixture->open(quickUpgrades(20));
     QTRY_COMPARE_WITH_TIMEOUT(answers.texts().size(), 1, 5000);
     QVERIFY2(answers.texts().first().contains("有3个KORA的设置尚未恢复"),
              qPrintable(answers.texts().first()));

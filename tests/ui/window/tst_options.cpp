@@ -33,8 +33,7 @@ void tst_Options::wrongOptionsAreNamed_data()
 
 void tst_Options::wrongOptionsAreNamed()
 {
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, named);
+    const auto [arguments, named] = cells<QStringList, QString>();
     const OptionsResult result = readOptions(QStringList{"tarn-hub"} + arguments);
     QCOMPARE(result.outcome, OptionsResult::Error);
     QVERIFY2(result.text.contains(named), qPrintable(result.text));

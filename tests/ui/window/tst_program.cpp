@@ -24,9 +24,7 @@ void tst_Program::answersWithoutDisplay_data()
 
 void tst_Program::answersWithoutDisplay()
 {
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, output);
-    QFETCH(QString, error);
+    const auto [arguments, exitCode, output, error] = cells<QStringList, int, QString, QString>();
     QProcess program;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove("DISPLAY");
@@ -35,7 +33,7 @@ void tst_Program::answersWithoutDisplay()
     program.start(TARN_HUB_PROGRAM, arguments);
     QVERIFY(program.waitForFinished(10000));
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-    QTEST(program.exitCode(), "exitCode");
+    QCOMPARE(program.exitCode(), exitCode);
     const QString out = QString::fromUtf8(program.readAllStandardOutput());
     const QString err = QString::fromUtf8(program.readAllStandardError());
     QVERIFY2(output.isEmpty() ? out.isEmpty() : out.contains(output), qPrintable(out));

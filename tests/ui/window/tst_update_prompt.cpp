@@ -24,6 +24,7 @@ private slots:
     void closedWindowStartsNothing();
     void runningWorkGoesFirst_data();
     void runningWorkGoesFirst();
+    void restartWithSettingsGoesFirst();
 
 private:
     static QString updater() { return QCoreApplication::applicationDirPath() + "/Upgrade.exe"; }
@@ -68,6 +69,7 @@ void tst_UpdatePrompt::open(const QString& latest)
     m_server->set("/Tarn_Hub_setup.exe", sim::UpdateServer::file("installer"));
     Options options = WindowFixture::options();
     options.updateServer = m_server->url();
+    options.upgradeTickMs = 50;
     m_fixture->open(options);
 }
 
@@ -124,7 +126,6 @@ void tst_UpdatePrompt::changedInstallerIsNotStarted_data()
 {
     columns<QString>("content");
     row("another of the same length", "another!!");
-    row("longer", "installer and more");
     row("gone", "");
 }
 
@@ -201,8 +202,7 @@ void tst_UpdatePrompt::runningWorkGoesFirst_data()
 
 void tst_UpdatePrompt::runningWorkGoesFirst()
 {
-    QFETCH(QVariantMap, box);
-    QFETCH(QVariantMap, window);
+    const auto [box, window] = cells<QVariantMap, QVariantMap>();
     open("1.0.0.10");
     QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7), 12000);
     const auto set = [](QObject* object, const QVariantMap& values, bool on) {
@@ -218,6 +218,30 @@ void tst_UpdatePrompt::runningWorkGoesFirst()
     set(m_fixture->item(7), box, false);
     set(&m_fixture->window(), window, false);
     QTRY_COMPARE_WITH_TIMEOUT(questions(), QStringList("发现新版本,是否立即升级?"), 8000);
+}
+
+/// They are written and wait no longer, but do not count before the box has restarted.
+void tst_UpdatePrompt::restartWithSettingsGoesFirst()
+{
+    open("1.0.0.10");
+    QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7) && WindowFixture::isKnown(*m_fixture->item(7)),
+                             12000);
+    sim::VirtualBox* box = m_fixture->lan().find(m_fixture->ip(7));
+    box->setRebootTime(4000, 4000);
+    const QString mac = m_fixture->item(7)->macAddress();
+    Tarn_Hub& window = m_fixture->window();
+    window.setProperty(mac.toLatin1(), QVariantMap{{"eParam_NDIName", "kept"}});
+    window.setProperty("needrestore", QStringList(mac));
+    m_fixture->clickRow(7); // has it asked who it is
+    QTRY_COMPARE(box->activity().reboots, 1);
+    QCOMPARE(window.property("needrestore").toStringList(), QStringList());
+    offerNow();
+    QTRY_VERIFY(QFileInfo::exists(m_fixture->dataFolder() + "upgrade/Tarn_Hub_setup.exe"));
+    QTest::qWait(1500);
+    const QString question("发现新版本,是否立即升级?");
+    QVERIFY(!box->isOn() && !questions().contains(question));
+    QTRY_VERIFY_WITH_TIMEOUT(questions().contains(question), 10000);
+    QVERIFY(box->isOn());
 }
 
 QTEST_MAIN(tst_UpdatePrompt)

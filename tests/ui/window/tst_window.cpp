@@ -23,7 +23,6 @@ private slots:
     void scrollingChangesNoValue();
     void fullScreenComesAndGoes();
     void filesMayBeDroppedOnTwoAreas();
-    void closingIsRefusedDuringAnUpgrade();
 
 private:
     void chooseLanguage(int row);
@@ -178,26 +177,6 @@ void tst_Window::filesMayBeDroppedOnTwoAreas()
         QVERIFY(!other.isAccepted());
         QVERIFY(!area->property("dragOver").toBool());
     }
-}
-
-void tst_Window::closingIsRefusedDuringAnUpgrade()
-{
-    TreeModel* model = child<TreeView>("deviceView")->treeModel();
-    auto* group = new Item;
-    group->setProperty("title", "KORA");
-    group->setProperty("isdir", true);
-    model->append(group, model->root(), true);
-    auto* box = new Item;
-    box->setProperty("deviceip", ip(200));
-    box->setProperty("upgrading", true);
-    model->append(box, group, false);
-
-    const DialogAnswerer notices;
-    QVERIFY(!window().close());
-    QCOMPARE(notices.texts().size(), 1);
-    box->setProperty("upgradtimeout", true);
-    QVERIFY(window().close());
-    QCOMPARE(notices.texts().size(), 1);
 }
 
 QTEST_MAIN(tst_Window)
