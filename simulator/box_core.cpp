@@ -157,9 +157,10 @@ void BoxCore::install(const QString& version)
         m_state.resetSettings(reset->text.split(QLatin1Char(' ')));
     if (const auto move = m_faults.strike(FaultKind::OtaMoves, tags))
         m_lease = mayUse(move->text) ? move->text : m_lease;
-    m_state.changeActivity([changed = !keepsOld && !older](BoxActivity& activity) {
+    m_state.changeActivity([&version, changed = !keepsOld && !older](BoxActivity& activity) {
         activity.changingFirmware = false;
-        activity.changed = activity.changed || changed;
+        if (changed)
+            activity.changes << BoxChange{QDateTime::currentMSecsSinceEpoch(), version};
         ++activity.reboots;
     });
     goDown(Power::Rebooting, m_setup.rebootMs);

@@ -28,6 +28,12 @@ struct BoxBreach {
     qint64 afterMs = 0; ///< since it was told to change over
 };
 
+/// A change of firmware.
+struct BoxChange {
+    qint64 at = 0; ///< ms since the epoch
+    QString version;
+};
+
 /// What a box is doing.
 struct BoxActivity {
     bool fullEncoder = false;       ///< switched by ndienc_on, ndienc_off
@@ -40,7 +46,7 @@ struct BoxActivity {
     bool changingFirmware = false;  ///< took the order and has not gone yet ("ota-slow")
     int brokenChanges = 0;          ///< changes of firmware that a restart or power cut ended
     qint64 changeOrderedAt = 0;     ///< ms since the epoch
-    bool changed = false;           ///< runs a package that it was told to change over to
+    QVector<BoxChange> changes;     ///< to a package, as it was told
     bool unapplied = false;         ///< something was written since its last start
     QVector<BoxBreach> breaches;
 };

@@ -27,6 +27,15 @@ void addFor(VirtualBox& box, FaultKind kind, const QString& tag, const QString& 
             fault(kind, tag.isEmpty() ? parameter : tag + QLatin1Char('+') + parameter, -1, text));
 }
 
+/// So many uploads go wrong.
+void addTimes(VirtualBox& box, FaultKind kind, int times)
+{
+    Fault made = fault(kind, QStringLiteral("upload"));
+    made.strikes = times;
+    if (times > 0)
+        box.addFault(made);
+}
+
 void addChange(VirtualBox& box, const ModelBoxHabits& habits, int pace)
 {
     using Change = ModelBoxHabits::Change;
@@ -81,10 +90,8 @@ void giveHabits(VirtualBox& box, const ModelBoxHabits& habits, int pace)
     box.addFault(fault(FaultKind::Slow, QStringLiteral("write"), habits.writeMs / pace));
     const QString upload = QStringLiteral("upload");
     box.addFault(fault(FaultKind::Slow, upload, habits.uploadMs / pace));
-    Fault failure = fault(FaultKind::Fail, upload);
-    failure.strikes = habits.uploadFailures;
-    if (habits.uploadFailures > 0)
-        box.addFault(failure);
+    addTimes(box, FaultKind::Fail, habits.uploadFailures);
+    addTimes(box, FaultKind::WrongMd5, habits.damagedUploads);
     if (!habits.takesUpload)
         box.addFault(fault(FaultKind::WrongMd5, upload));
     addChange(box, habits, pace);

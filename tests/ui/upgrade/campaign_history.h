@@ -69,7 +69,8 @@ private:
     QElapsedTimer m_clock; ///< since the first batch
     qint64 m_lastEvent = 0;
     int m_nextHost;
-    int m_starts = 0;
+    QHash<const sim::VirtualBox*, QMap<QString, QString>> m_written; ///< by somebody else
+    QSet<QString> m_twins;                                           ///< their MAC address
     int m_lives = 0;
     QMap<QString, int> m_endings;
     QStringList m_notes; ///< milliseconds since the epoch, and what happened
