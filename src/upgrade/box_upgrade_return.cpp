@@ -243,8 +243,11 @@ void BoxUpgrade::takeVersion(const QString& answer)
     if (known)
         m_host.versionTold(row().address, version);
     const bool changed = known && UpgradeJudgement::hasChangedOver(row(), version, m_wasAway);
-    if (known && !changed)
+    // Whatever it was away for, or told for a moment, it has not changed over.
+    if (known && !changed) {
         m_changedAt = -1;
+        m_wasAway = false;
+    }
     // What it told before may have been too early.
     if (changed || (known && (isOutOfTime() || !row().versionAfter.isEmpty()))) {
         row().versionAfter = version;

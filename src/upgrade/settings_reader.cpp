@@ -19,6 +19,7 @@ void SettingsReader::start(const QString& ip, const QString& mac, int limitTicks
     m_mac = mac;
     m_missing = BoxProtocol::configurationParameters();
     m_values.clear();
+    m_told.clear();
     m_failures = 0;
     m_sure = true;
     m_done = std::move(done);
@@ -46,32 +47,47 @@ void SettingsReader::tick()
 void SettingsReader::goOn()
 {
     m_asking = true;
-    if (m_missing.isEmpty() || !m_sure)
-        confirm();
-    else
+    if (m_sure)
         read(m_missing.first());
+    else
+        confirm();
 }
 
 void SettingsReader::confirm()
 {
     if (m_mac.isEmpty()) {
-        m_sure = true;
-        m_missing.isEmpty() ? finish(!m_values.isEmpty()) : goOn();
+        keep();
         return;
     }
     m_link.read(m_ip, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
         m_asking = false;
         const QString mac = HttpResult::fromBody(answer).value.toString();
-        m_sure = BoxProtocol::isSameMac(mac, m_mac);
-        if (!m_sure && BoxProtocol::isMacAddress(mac))
+        if (BoxProtocol::isSameMac(mac, m_mac)) {
+            keep();
+        } else if (BoxProtocol::isMacAddress(mac)) {
             finish(false);
-        else if (!m_sure)
+        } else {
+            m_told.clear();
             pause();
-        else if (m_missing.isEmpty())
-            finish(!m_values.isEmpty());
-        else
-            goOn();
+        }
     }));
+}
+
+/// What was told came from the box that was asked before and after it.
+void SettingsReader::keep()
+{
+    m_sure = true;
+    if (!m_told.isEmpty()) {
+        m_missing.removeOne(m_told);
+        if (m_value.isValid())
+            m_values.insert(m_told, m_value.toString());
+        m_told.clear();
+        m_failures = 0;
+    }
+    if (m_missing.isEmpty())
+        finish(!m_values.isEmpty());
+    else
+        goOn();
 }
 
 void SettingsReader::read(const QString& name)
@@ -86,23 +102,22 @@ void SettingsReader::take(const QString& name, const QString& answer)
     const HttpResult result = HttpResult::fromBody(answer);
     const bool isAnswer = result.parameterName == name;
     const bool hasValue = isAnswer && KeptSettings::isValue(result.value);
-    m_missing.removeOne(name);
+    m_sure = false;
     // A box that says that it has no such parameter has answered, too.
-    if (!hasValue && !(isAnswer && !result.value.isValid())) {
-        // The others first: it may be this one that is never told.
-        m_missing << name;
-        pause();
+    if (hasValue || (isAnswer && !result.value.isValid())) {
+        m_told = name;
+        m_value = hasValue ? result.value : QVariant();
+        goOn();
         return;
     }
-    if (hasValue)
-        m_values.insert(name, result.value.toString());
-    m_failures = 0;
-    goOn();
+    // The others first: it may be this one that is never told.
+    m_missing.removeOne(name);
+    m_missing << name;
+    pause();
 }
 
 void SettingsReader::pause()
 {
-    m_sure = false;
     const int ticks = qMin(1 << qMin(m_failures++, longestReadPauseTicks), longestReadPauseTicks);
     m_next = m_clock.ms() + qint64(ticks) * m_clock.tickMs();
 }

@@ -8,8 +8,8 @@
 #include <QVariantMap>
 
 /// Reads the settings of one box, one after the other, and asks again for what is missing only,
-/// with growing pauses. Whenever the box was silent, and in the end, it is asked who it is: its
-/// address may have passed to another box meanwhile.
+/// with growing pauses. Before and after each of them it is asked who it is: its address may pass
+/// to another box meanwhile, and back, as where two boxes claim the same one.
 class SettingsReader
 {
 public:
@@ -31,6 +31,7 @@ public:
 private:
     void goOn();
     void confirm();
+    void keep();
     void read(const QString& name);
     void pause();
     void take(const QString& name, const QString& answer);
@@ -45,7 +46,9 @@ private:
     QVariantMap m_values;
     Done m_done;
     bool m_asking = false;
-    bool m_sure = false; ///< it is still the box that began
+    bool m_sure = false; ///< who it is was the last that it told
+    QString m_told;      ///< a parameter that it, or another box, has told since
+    QVariant m_value;    ///< of that; invalid: it has none of that name
     int m_failures = 0;  ///< in a row
     qint64 m_next = 0;   ///< not before
     qint64 m_limit = 0;

@@ -14,7 +14,7 @@ QVector<UpgradeChecker::Told> UpgradeChecker::told(const UpgradeSession& session
                      row.settings, row.failedSettings,
                      row.settled,  !row.aftermath.isEmpty(),
                      row.wasAway,  row.started.toMSecsSinceEpoch() - passed,
-                     row.expected};
+                     row.expected, row.ambiguous};
     return rows;
 }
 
@@ -95,7 +95,9 @@ void UpgradeChecker::checkVerdict(const Told& row, const QVector<Truth>& boxes)
         if (row.expected.isEmpty() && row.wasAway && box.isInOtherHands)
             return;
     }
-    if (!isTrue || ++m_proved[row.mac] > changes)
+    // Twins that were never seen together nobody can tell apart.
+    const bool isTwin = m_twins.contains(row.mac);
+    if (isTwin ? row.isAmbiguous : !isTrue || ++m_proved[row.mac] > changes)
         complain(row.mac, "proved, and it is not so");
 }
 

@@ -23,6 +23,7 @@ public:
         bool wasAway = false;
         qint64 from = 0;  ///< when its upgrade began, or earlier
         QString expected; ///< the version that its package tells
+        bool isAmbiguous = false;
     };
     /// A box in the end.
     struct Truth {
