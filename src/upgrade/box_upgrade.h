@@ -233,14 +233,14 @@ private:
     bool m_refused = false; ///< the order to change over
     bool m_ordered = false; ///< to change over, which has not ended yet
     qint64 m_orderedAt = 0; ///< since when it is watched
-    bool m_wasAway = false; ///< since then
+    /// Since when it has told another version without a break; below 0: not.
+    qint64 m_changedAt = -1;
     qint64 m_nextRound = 0;
+    bool m_wasAway = false;     ///< since it is watched
     QSet<QString> m_candidates; ///< addresses to be asked, besides the row's
     QSet<QString> m_asked;      ///< those whose answer is still to come in this round
     QStringList m_answered;     ///< those at which the box answered in this round
     bool m_askingVersion = false;
-    qint64 m_changedAt =
-        -1;           ///< since when it has told another version without a break, below 0: not
     int m_missed = 0; ///< rounds in a row in which it did not answer
     qint64 m_missedSince = 0;
     int m_lost = 0; ///< write-backs that were broken off
