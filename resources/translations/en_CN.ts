@@ -136,6 +136,10 @@
       <source>设置写回后程序曾中断,设备可能尚未重启</source>
       <translation>The program ended after the settings were written back: the device may not have restarted</translation>
     </message>
+    <message>
+      <source>设置已写回,设备可能尚未重启</source>
+      <translation>The settings were written back, the device may not have restarted</translation>
+    </message>
   </context>
   <context>
     <name>ConfigurationArea</name>

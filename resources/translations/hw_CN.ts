@@ -136,6 +136,10 @@
       <source>设置写回后程序曾中断,设备可能尚未重启</source>
       <translation>설정을 다시 쓴 후 프로그램이 종료되어 장치가 다시 시작되지 않았을 수 있습니다</translation>
     </message>
+    <message>
+      <source>设置已写回,设备可能尚未重启</source>
+      <translation>설정을 다시 썼으나 장치가 다시 시작되지 않았을 수 있습니다</translation>
+    </message>
   </context>
   <context>
     <name>ConfigurationArea</name>

@@ -196,6 +196,7 @@ private:
     void confirmRestart();
     void orderRestart();
     void beginRestart();
+    void noRestartSeen();
     void restarted();
 
     UpgradeSession& m_session;
@@ -242,5 +243,6 @@ private:
     qint64 m_missedSince = 0;
     int m_lost = 0; ///< write-backs that were broken off
     int m_restartOrders = 0;
-    bool m_restartNoticed = false; ///< it answered the order, or was silent after it
+    bool m_restartSent = false;    ///< the last of them has been: the box was there to hear it
+    bool m_restartNoticed = false; ///< it answered the order
 };

@@ -196,9 +196,13 @@ void BoxUpgrade::takeWhereabouts()
     }
     m_candidates.clear();
     if (m_step == Step::Restarting) {
-        const bool noticed = m_restartNoticed || m_restartOrders >= mostRestartOrders;
-        if (m_wasAway || (isOutOfTime() && noticed))
+        const bool isLast = m_restartOrders >= mostRestartOrders;
+        if (!m_restartSent && !isLast)
+            orderRestart(); // it could not be asked who it is, and now it has answered
+        else if (m_restartSent && (m_wasAway || (isOutOfTime() && m_restartNoticed)))
             restarted();
+        else if (isLast && (isOutOfTime() || !m_restartSent))
+            noRestartSeen();
         else if (isOutOfTime())
             orderRestart();
     } else if (m_ordered) {
@@ -213,8 +217,6 @@ void BoxUpgrade::noteAbsence()
     const qint64 now = m_clock.ms();
     if (m_missed++ == 0)
         m_missedSince = now;
-    else
-        m_restartNoticed = true;
     if (m_wasAway || m_missed < missedWhenAway || now - m_missedSince < ticks(shortestAbsenceTicks))
         return;
     m_wasAway = true;
@@ -361,7 +363,9 @@ void BoxUpgrade::orderRestart()
     m_nextRound = m_clock.ms() + ticks(restartTicks);
     m_link.read(
         row().address, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
-            if (BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), row().mac))
+            m_restartSent =
+                BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), row().mac);
+            if (m_restartSent)
                 m_link.order(row().address, BoxOrder::Restart,
                              m_orders.hear([this](const QString& reply) {
                                  m_restartNoticed = m_restartNoticed || !reply.isEmpty();
@@ -380,6 +384,14 @@ void BoxUpgrade::beginRestart()
     if (BoxProtocol::isIpv4Address(own))
         m_candidates << own;
     watch();
+}
+
+/// Nothing came of any order: what was written may not count yet.
+void BoxUpgrade::noRestartSeen()
+{
+    if (row().settings != Settings::Waiting)
+        row().aftermath = tr("设置已写回,设备可能尚未重启");
+    restarted();
 }
 
 void BoxUpgrade::restarted()

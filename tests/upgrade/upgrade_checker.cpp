@@ -10,7 +10,8 @@ QVector<UpgradeChecker::Told> UpgradeChecker::told(const UpgradeSession& session
 {
     QVector<Told> rows;
     for (const UpgradeRow& row : session.rows)
-        rows << Told{row.mac, row.verdict(), row.settings, row.failedSettings, row.settled};
+        rows << Told{row.mac, row.verdict(), row.settings, row.failedSettings, row.settled,
+                     row.aftermath};
     return rows;
 }
 
@@ -88,7 +89,7 @@ void UpgradeChecker::checkBox(const Truth& box, bool oneRun)
         return;
     const Told& latest = m_latest[box.mac];
     // A program that ended before the restart does not make up for it: the box may be in use.
-    if (oneRun && box.isOn && box.unapplied &&
+    if (oneRun && box.isOn && box.unapplied && latest.aftermath.isEmpty() &&
         (latest.settings == Settings::Restored || latest.settings == Settings::Unverified))
         complain(box.mac, "restored, but never restarted");
     if (!m_twins.contains(box.mac))

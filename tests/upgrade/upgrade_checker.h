@@ -19,6 +19,7 @@ public:
         UpgradeRow::Settings settings = UpgradeRow::Settings::NotKept;
         QStringList failedSettings; ///< "name=value"
         bool settled = false;
+        QString aftermath;
     };
     /// A box in the end.
     struct Truth {

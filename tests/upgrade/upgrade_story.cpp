@@ -42,11 +42,11 @@ QVector<UpgradeStory::Event> UpgradeStory::troubles(int boxes)
         if (chance(percent))
             events << Event{what, draw(latest), shortest + draw(more), draw(boxes), false};
     };
-    add(Event::Deaf, 20, 120000, 500, 4000);
+    add(Event::Deaf, 20, 120000, 500, 12000);
     add(Event::PowerCut, 10, 200000, 5000, 60000);
     if (boxes > 1)
         add(Event::Swap, 10, 200000, 6000, 6000);
-    add(Event::Elsewhere, 5, 200000, 9000, 1);
+    add(Event::Elsewhere, 10, 200000, 9000, 1);
     return events;
 }
 
