@@ -153,6 +153,8 @@ private:
     void askTwins(const QStringList& addresses, std::function<void(bool twins)> then);
     void askNextTwin(QStringList questions, std::function<void(bool twins)> then);
     void askVersionBefore();
+    bool takeVersionBefore(const QString& answer);
+    static constexpr int versionTries = 3;
     void identified();
     /// Asks who answers at the row's address; `same` follows if it is this box. One that does not
     /// answer is asked again, another box ends the story.
@@ -170,6 +172,8 @@ private:
     void uploadAgain();
     void takeUpload(const QString& answer);
     void activate();
+    void askVersionAgain();
+    void keepActivation();
     void orderActivation();
     void takeActivation(const QString& answer);
     void succeed();
