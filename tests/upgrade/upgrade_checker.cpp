@@ -10,8 +10,8 @@ QVector<UpgradeChecker::Told> UpgradeChecker::told(const UpgradeSession& session
 {
     QVector<Told> rows;
     for (const UpgradeRow& row : session.rows)
-        rows << Told{row.mac, row.verdict(), row.settings, row.failedSettings, row.settled,
-                     row.aftermath};
+        rows << Told{row.mac,     row.verdict(), row.settings, row.failedSettings,
+                     row.settled, row.aftermath};
     return rows;
 }
 

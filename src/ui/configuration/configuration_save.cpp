@@ -71,8 +71,9 @@ void ConfigurationSave::save()
     messageBox::ask(message, m_hub.window);
 }
 
-/// What one box has told must not be written to another that has its address by now, which nobody may
-/// have noticed yet. It blocks and serves events. Of a box without a MAC address nobody can tell.
+/// What one box has told must not be written to another that has its address by now, which nobody
+/// may have noticed yet. It blocks and serves events. Of a box without a MAC address nobody can
+/// tell.
 bool ConfigurationSave::isAt(const QString& ip, const QString& mac) const
 {
     if (mac.isEmpty())
