@@ -1141,6 +1141,10 @@ Close the program?</translation>
       <source>MAC地址重复,未恢复</source>
       <translation>MAC address not unique, not restored</translation>
     </message>
+    <message>
+      <source>已切换为DHCP</source>
+      <translation>Switched to DHCP</translation>
+    </message>
   </context>
   <context>
     <name>UpgradeReportDialog</name>

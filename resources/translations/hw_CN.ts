@@ -1141,6 +1141,10 @@
       <source>MAC地址重复,未恢复</source>
       <translation>MAC 주소 중복, 복원되지 않음</translation>
     </message>
+    <message>
+      <source>已切换为DHCP</source>
+      <translation>DHCP로 전환됨</translation>
+    </message>
   </context>
   <context>
     <name>UpgradeReportDialog</name>

@@ -14,7 +14,6 @@ using Settings = UpgradeRow::Settings;
 
 constexpr int identifyTicks = 120;
 constexpr int longestPauseTicks = 8;
-constexpr int versionTries = 3;
 constexpr int twinQuestions = 3;
 
 } // namespace
@@ -74,6 +73,7 @@ void BoxUpgrade::tick()
         return;
     }
     watchTime(now);
+    lookOut(now);
     if (!m_next || now < m_due)
         return;
     const auto next = m_next;
@@ -301,19 +301,23 @@ void BoxUpgrade::askVersionBefore()
 {
     m_link.read(row().address, BoxProtocol::FirmVersion,
                 m_listener.hear([this](const QString& answer) {
-                    const HttpResult told = HttpResult::fromBody(answer);
-                    const bool known = told.parameterName == BoxProtocol::FirmVersion &&
-                                       !told.value.toString().isEmpty();
-                    if (!known && ++m_versionTries < versionTries) {
+                    if (takeVersionBefore(answer) || ++m_versionTries >= versionTries)
+                        identified();
+                    else
                         askAgain(&BoxUpgrade::askVersionBefore);
-                        return;
-                    }
-                    row().versionBefore =
-                        known ? told.value.toString().left(UpgradeRow::LongestVersion) : QString();
-                    if (known)
-                        m_host.versionTold(row().address, told.value.toString());
-                    identified();
                 }));
+}
+
+/// False when it is none.
+bool BoxUpgrade::takeVersionBefore(const QString& answer)
+{
+    const HttpResult told = HttpResult::fromBody(answer);
+    const QString version = told.value.toString();
+    if (told.parameterName != BoxProtocol::FirmVersion || version.isEmpty())
+        return false;
+    row().versionBefore = version.left(UpgradeRow::LongestVersion);
+    m_host.versionTold(row().address, version);
+    return true;
 }
 
 void BoxUpgrade::identified()

@@ -97,7 +97,7 @@ public:
     void awaitBox();
     /// A later upgrade of the same box takes over what waits for it; this one ends with
     /// endHandedOver(), once the later one is safe on disk.
-    void handOver(UpgradeRow& to) const;
+    void handOver(UpgradeRow& to);
     void endHandedOver();
 
     /// Time has passed.
@@ -153,6 +153,8 @@ private:
     void askTwins(const QStringList& addresses, std::function<void(bool twins)> then);
     void askNextTwin(QStringList questions, std::function<void(bool twins)> then);
     void askVersionBefore();
+    bool takeVersionBefore(const QString& answer);
+    static constexpr int versionTries = 3;
     void identified();
     /// Asks who answers at the row's address; `same` follows if it is this box. One that does not
     /// answer is asked again, another box ends the story.
@@ -170,6 +172,8 @@ private:
     void uploadAgain();
     void takeUpload(const QString& answer);
     void activate();
+    void askVersionAgain();
+    void keepActivation();
     void orderActivation();
     void takeActivation(const QString& answer);
     void succeed();
@@ -178,6 +182,8 @@ private:
     bool isWatching() const;
     void watch();
     void watchTime(qint64 now);
+    bool isLookingOut() const;
+    void lookOut(qint64 now);
     int patience() const;
     bool isOutOfTime() const;
     void askAround();
@@ -226,8 +232,9 @@ private:
     bool m_timedOut = false;
     bool m_succeeded = false;
     bool m_uploaded = false;
-    bool m_held = false; ///< the operator has not said whether the settings are wanted
-    QString m_problem;   ///< why the last upload failed
+    bool m_handingOver = false; ///< a later upgrade has taken over what waits
+    bool m_held = false;        ///< the operator has not said whether the settings are wanted
+    QString m_problem;          ///< why the last upload failed
     int m_secondsLeft = AllowanceTicks;
 
     bool m_refused = false; ///< the order to change over
@@ -245,6 +252,7 @@ private:
     qint64 m_missedSince = 0;
     int m_lost = 0; ///< write-backs that were broken off
     int m_restartOrders = 0;
+    bool m_restartSent = false;     ///< the last order: the box was there to hear it
     bool m_restartAnswered = false; ///< the order
     bool m_restartNoticed = false;  ///< it was silent after it, which may have been the network
 };

@@ -124,10 +124,29 @@ void BoxUpgrade::uploadAgain()
     confirm(&BoxUpgrade::upload);
 }
 
-/// From here on the box may change over at any moment: that is on disk before it is told to.
+/// Somebody else may have given it another version since it was asked first: taken for the one
+/// before, that would pass for a change of this upgrade.
 void BoxUpgrade::activate()
 {
     enter(Step::Activating);
+    m_versionTries = 0;
+    confirm(&BoxUpgrade::askVersionAgain);
+}
+
+void BoxUpgrade::askVersionAgain()
+{
+    m_link.read(row().address, BoxProtocol::FirmVersion,
+                m_listener.hear([this](const QString& answer) {
+                    if (takeVersionBefore(answer) || ++m_versionTries >= versionTries)
+                        keepActivation();
+                    else
+                        askAgain(&BoxUpgrade::askVersionAgain);
+                }));
+}
+
+/// From here on the box may change over at any moment: that is on disk before it is told to.
+void BoxUpgrade::keepActivation()
+{
     row().stage = Stage::Activated;
     m_host.keep(*this, [this](bool kept) {
         if (m_step != Step::Activating)

@@ -20,6 +20,7 @@ constexpr int missedWhenAway = 3;
 constexpr int shortestAbsenceTicks = 6;
 constexpr int restartTicks = 120;
 constexpr int graceTicks = 30;
+constexpr int lookOutTicks = 30;
 constexpr int mostLost = 10;
 constexpr int mostRestartOrders = 3;
 
@@ -47,7 +48,7 @@ void BoxUpgrade::resume()
 void BoxUpgrade::release()
 {
     m_held = false;
-    if (m_step == Step::Missing)
+    if (m_step == Step::Missing && !m_handingOver)
         awaitBox();
 }
 
@@ -73,8 +74,10 @@ void BoxUpgrade::dropSettings()
         m_host.changed(*this);
 }
 
-void BoxUpgrade::handOver(UpgradeRow& to) const
+void BoxUpgrade::handOver(UpgradeRow& to)
 {
+    // From now on only the later one writes.
+    m_handingOver = true;
     to.settings = Settings::Waiting;
     to.saved = row().saved;
     to.dhcpForced = row().dhcpForced;
@@ -95,10 +98,35 @@ void BoxUpgrade::heardAt(const QString& ip)
         m_candidates << ip;
         m_missed = 0;
     }
-    if (m_step != Step::Missing || m_held || row().settings != Settings::Waiting)
+    if (!isLookingOut())
         return;
     m_candidates << ip;
     awaitBox();
+}
+
+bool BoxUpgrade::isLookingOut() const
+{
+    return m_step == Step::Missing && !m_held && !m_handingOver &&
+           row().settings == Settings::Waiting;
+}
+
+/// A box that answered ping all the time is not heard by anybody when it can be talked to again.
+void BoxUpgrade::lookOut(qint64 now)
+{
+    if (!isLookingOut() || row().mac.isEmpty() || now < m_nextRound)
+        return;
+    m_nextRound = now + ticks(lookOutTicks);
+    m_round.forget();
+    const QStringList known = m_host.otherAddresses(row().mac, row().address) << row().address;
+    for (const QString& ip : known) {
+        if (BoxProtocol::isIpv4Address(ip))
+            m_link.read(ip, BoxProtocol::MACAddress,
+                        m_round.hear([this, ip](const QString& answer) {
+                            const QString mac = HttpResult::fromBody(answer).value.toString();
+                            if (BoxProtocol::isSameMac(mac, row().mac))
+                                heardAt(ip);
+                        }));
+    }
 }
 
 bool BoxUpgrade::isWatching() const
@@ -200,9 +228,11 @@ void BoxUpgrade::takeWhereabouts()
     }
     m_candidates.clear();
     if (m_step == Step::Restarting) {
-        const bool noticed =
-            m_restartAnswered || m_restartNoticed || m_restartOrders >= mostRestartOrders;
-        if (m_wasAway || (isOutOfTime() && noticed))
+        const bool isLast = m_restartOrders >= mostRestartOrders;
+        const bool isNoticed = m_restartAnswered || (m_restartSent && m_restartNoticed) || isLast;
+        if (!m_restartSent && !isLast)
+            orderRestart(); // it could not be asked who it is, and now it has answered
+        else if (m_wasAway || (isOutOfTime() && isNoticed))
             restarted();
         else if (isOutOfTime())
             orderRestart();
@@ -218,8 +248,6 @@ void BoxUpgrade::noteAbsence()
     const qint64 now = m_clock.ms();
     if (m_missed++ == 0)
         m_missedSince = now;
-    else
-        m_restartNoticed = true;
     if (m_wasAway || m_missed < missedWhenAway || now - m_missedSince < ticks(shortestAbsenceTicks))
         return;
     m_wasAway = true;
@@ -283,6 +311,7 @@ void BoxUpgrade::changeOverEnded()
 void BoxUpgrade::giveUpWaiting()
 {
     m_ordered = false;
+    m_round.forget();
     if (m_step == Step::Restarting && row().settings != Settings::Waiting) {
         row().aftermath = tr("恢复设置后重启,未再回应");
         end();
@@ -381,7 +410,9 @@ void BoxUpgrade::orderRestart()
     m_nextRound = m_clock.ms() + ticks(restartTicks);
     m_link.read(
         row().address, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
-            if (BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), row().mac))
+            m_restartSent =
+                BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), row().mac);
+            if (m_restartSent)
                 m_link.order(row().address, BoxOrder::Restart,
                              m_orders.hear([this](const QString& reply) {
                                  m_restartAnswered = m_restartAnswered || !reply.isEmpty();

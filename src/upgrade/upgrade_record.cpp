@@ -61,6 +61,10 @@ QString noteText(const UpgradeRow& row)
         parts << UpgradeJudgement::doubt(row);
     if (!row.aftermath.isEmpty())
         parts << row.aftermath;
+    // Nothing puts it back any more.
+    if (row.dhcpForced &&
+        (row.settings == Settings::Dropped || row.settings == Settings::Ambiguous))
+        parts << QCoreApplication::translate("UpgradeReport", "已切换为DHCP");
     // "Success", as a box was told it in its activation, is no evidence and would pass for it.
     if (!row.note.isEmpty() && row.stage != Stage::Activated)
         parts << row.note;

@@ -26,12 +26,12 @@ QVector<UpgradeStory::Event> UpgradeStory::troubles(int boxes)
         if (chance(percent))
             events << Event{what, draw(latest), shortest + draw(more), draw(boxes), false, {}, {}};
     };
-    add(Event::Deaf, 20, 120000, 500, 4000);
+    add(Event::Deaf, 20, 120000, 500, 12000);
     add(Event::PowerCut, 9, 200000, 5000, 60000);
     add(Event::PowerCut, 2, 200000, 700000, 200000);
     if (boxes > 1)
         add(Event::Swap, 10, 200000, 6000, 6000);
-    add(Event::Elsewhere, 5, 200000, chance(50) ? 9000 : 2000, 1);
+    add(Event::Elsewhere, 10, 200000, chance(50) ? 9000 : 2000, 1);
     if (chance(15)) {
         const QString name = parameters().at(draw(parameters().size()));
         const QString value = name == BoxProtocol::IPAddress ? QString() : QString::number(draw(2));

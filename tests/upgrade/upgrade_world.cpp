@@ -280,7 +280,7 @@ QStringList UpgradeWorld::run()
 {
     m_isDetailed = m_story.chance(10);
     m_store.delay = m_story.chance(5) ? 2500 : m_story.chance(3) ? 15000 : 5;
-    m_lan.setLoss(m_story.chance(10) ? 2 : 0);
+    m_lan.setLoss(m_story.chance(10) ? 1 + m_story.draw(6) : 0);
     startProgram();
     plan(m_story.troubles(int(m_lan.boxes().size())));
     plan(m_story.operation());

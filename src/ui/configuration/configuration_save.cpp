@@ -3,6 +3,8 @@
 
 #include "common/box_protocol.h"
 #include "common/command_runner.h"
+#include "common/http_result.h"
+#include "common/spark_http.h"
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
@@ -37,6 +39,7 @@ void ConfigurationSave::save()
         return;
     // All taken before the first wait: another box may be selected, or this one gone, meanwhile.
     const QString ip = device->address();
+    const QString mac = device->macAddress();
     const Network before{lastReported(*device, BoxProtocol::DHCP),
                          lastReported(*device, BoxProtocol::IPAddress),
                          lastReported(*device, BoxProtocol::NetMask)};
@@ -53,7 +56,8 @@ void ConfigurationSave::save()
     QStringList commands;
     for (auto it = values.cbegin(); it != values.cend(); ++it)
         commands << BoxProtocol::setCommand(it.key(), it.value(), ip);
-    const SequenceResult result = runCommands(m_hub, ip, commands, true);
+    const SequenceResult result =
+        runCommands(m_hub, ip, commands, true, [this, ip, mac] { return isAt(ip, mac); });
     run.end();
     if (result == SequenceResult::WindowClosed)
         return;
@@ -65,6 +69,18 @@ void ConfigurationSave::save()
     if (unread > 0)
         message += QLatin1Char('\n') + tr("%1 项参数未从设备读到,没有保存.").arg(unread);
     messageBox::ask(message, m_hub.window);
+}
+
+/// What one box has told must not be written to another that has its address by now, which nobody
+/// may have noticed yet. It blocks and serves events. Of a box without a MAC address nobody can
+/// tell.
+bool ConfigurationSave::isAt(const QString& ip, const QString& mac) const
+{
+    if (mac.isEmpty())
+        return true;
+    const QString answer = m_hub.http.get(QStringLiteral("saveIdentity"),
+                                          BoxProtocol::readUrl(ip, BoxProtocol::MACAddress), true);
+    return BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), mac);
 }
 
 /// Why these values must not be sent; empty when they may.

@@ -34,6 +34,7 @@ private:
         QString mask;
     };
 
+    bool isAt(const QString& ip, const QString& mac) const;
     QString objection(const QMap<QString, QString>& values, const Network& before) const;
     QString apply(const QString& ip, const QMap<QString, QString>& sent, const Network& before);
 

@@ -10,10 +10,15 @@
 #include <QWidget>
 
 SequenceResult runCommands(const Hub& hub, const QString& ip, const QStringList& commands,
-                           bool exact)
+                           bool exact, const std::function<bool()>& isSameBox)
 {
     bool allSucceeded = true;
+    bool isSure = !isSameBox;
     for (const QString& command : commands) {
+        // An address passes on only while nobody answers at it.
+        if (!isSure && !isSameBox())
+            return hub.window->isVisible() ? SequenceResult::SomeFailed
+                                           : SequenceResult::WindowClosed;
         // An upgrade has taken the box meanwhile: nobody else may tell it anything.
         const Item* box = hub.devices.model().find(ip);
         if (box && box->isOwned())
@@ -21,7 +26,9 @@ SequenceResult runCommands(const Hub& hub, const QString& ip, const QStringList&
         const BoxReply reply(hub.runner.execCurlWait(ip, command));
         if (!hub.window->isVisible())
             return SequenceResult::WindowClosed;
-        allSucceeded &= exact ? reply.isSetSuccess() : reply.containsSuccess();
+        const bool succeeded = exact ? reply.isSetSuccess() : reply.containsSuccess();
+        allSucceeded &= succeeded;
+        isSure = succeeded || !isSameBox;
     }
     return allSucceeded ? SequenceResult::AllSucceeded : SequenceResult::SomeFailed;
 }

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 /// How a run of blocking commands ended.
 enum class SequenceResult {
     AllSucceeded,
@@ -14,8 +16,9 @@ enum class SequenceResult {
 };
 
 /// Sends `commands` to the box at `ip` one after the other; a failure does not stop the list, an
-/// upgrade that takes the box meanwhile does, and counts as one. A
-/// command succeeds when the "status" of its reply contains "success", or equals "set success" when
+/// upgrade that takes the box meanwhile does, and counts as one; so does another box, if
+/// `isSameBox` is given to ask before the first command and after each that failed. A command
+/// succeeds when the "status" of its reply contains "success", or equals "set success" when
 /// `exact`. Blocks, serving events: callers hold nothing that may go away.
 SequenceResult runCommands(const Hub& hub, const QString& ip, const QStringList& commands,
-                           bool exact = false);
+                           bool exact = false, const std::function<bool()>& isSameBox = {});

@@ -26,6 +26,8 @@ private slots:
     void onlyWhatIsKnownIsSent();
     void upgradeThatTakesTheBoxStopsTheRun();
     void changedDhcpReallyReboots();
+    void anotherBoxAtTheAddressIsToldNothing_data();
+    void anotherBoxAtTheAddressIsToldNothing();
     void closingMeanwhileIsSafe();
 
 private:
@@ -216,6 +218,39 @@ void tst_Save::changedDhcpReallyReboots()
     m_fixture->clickRow(7);
     QTRY_COMPARE(m_fixture->item(7)->property("eParam_DHCP").toString(), QString("1"));
     QCOMPARE(m_fixture->shown("DHCP"), QString("on"));
+}
+
+void tst_Save::anotherBoxAtTheAddressIsToldNothing_data()
+{
+    columns<int>("afterMs");
+    row("before", 0);
+    row("in the middle", 1000);
+}
+
+/// Nobody has noticed yet that the address has passed on.
+void tst_Save::anotherBoxAtTheAddressIsToldNothing()
+{
+    QFETCH(int, afterMs);
+    m_fixture->addBox(7);
+    m_fixture->addBox(8);
+    m_fixture->openKnowing({7, 8});
+    sim::VirtualBox* box = m_fixture->select(7, WindowFixture::settings());
+    sim::VirtualBox* other = m_fixture->lan().find(WindowFixture::ip(8));
+    QVERIFY(box->addFault("slow 700 on write"));
+    bool hasMoved = false;
+    const auto passOn = [&] {
+        box->unplug();
+        hasMoved = other->moveTo(WindowFixture::ip(7));
+    };
+    if (afterMs > 0)
+        QTimer::singleShot(afterMs, this, passOn);
+    else
+        passOn();
+    const DialogAnswerer notices;
+    m_fixture->click("save");
+    QTRY_COMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
+    QVERIFY(hasMoved);
+    QCOMPARE(told(other), QStringList());
 }
 
 void tst_Save::closingMeanwhileIsSafe()
