@@ -232,18 +232,18 @@ private:
     bool m_timedOut = false;
     bool m_succeeded = false;
     bool m_uploaded = false;
-    bool m_handingOver = false; ///< a later upgrade has taken over what waits
-    bool m_held = false;        ///< the operator has not said whether the settings are wanted
-    QString m_problem;          ///< why the last upload failed
+    bool m_held = false; ///< the operator has not said whether the settings are wanted
+    QString m_problem;   ///< why the last upload failed
     int m_secondsLeft = AllowanceTicks;
 
-    bool m_refused = false; ///< the order to change over
-    bool m_ordered = false; ///< to change over, which has not ended yet
-    qint64 m_orderedAt = 0; ///< since when it is watched
+    bool m_refused = false;     ///< the order to change over
+    bool m_ordered = false;     ///< to change over, which has not ended yet
+    bool m_wasAway = false;     ///< since it is watched
+    bool m_handingOver = false; ///< a later upgrade has taken over what waits
+    qint64 m_orderedAt = 0;     ///< since when it is watched
     /// Since when it has told another version without a break; below 0: not.
     qint64 m_changedAt = -1;
     qint64 m_nextRound = 0;
-    bool m_wasAway = false;     ///< since it is watched
     QSet<QString> m_candidates; ///< addresses to be asked, besides the row's
     QSet<QString> m_asked;      ///< those whose answer is still to come in this round
     QStringList m_answered;     ///< those at which the box answered in this round

@@ -213,7 +213,7 @@ void tst_Configuration::typedIsNotForAnotherBox()
     window().R_refreshDeviceIP({ip(8)});
     window().R_refreshDeviceIP({ip(7), ip(8)});
     QTRY_COMPARE(child<QLabel>("config_state")->text(), QString("1 项未保存"));
-    save("设置参数成功.\n1 项参数未从设备读到,没有保存.");
+    save("设置参数部分失败,请检查KORA网络状态后重试.\n1 项参数未从设备读到,没有保存.");
     QCOMPARE(m_box->parameter("eParam_NDIName"), QString("Stage Left"));
     QTRY_COMPARE(shown("eParam_NDIName"), QString("Stage Left"));
     QTRY_COMPARE(child<QLabel>("config_state")->text(), QString());
