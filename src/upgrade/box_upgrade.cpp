@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The life of a box under upgrade, and who it is; box_upgrade_change.cpp and box_upgrade_return.cpp
-// have the rest.
+// The life of a box under upgrade, and who it is; box_upgrade_change.cpp, box_upgrade_return.cpp
+// and box_upgrade_restore.cpp have the rest.
 #include "upgrade/box_upgrade.h"
 
 #include "common/box_protocol.h"

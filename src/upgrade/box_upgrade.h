@@ -189,6 +189,7 @@ private:
     void askAround();
     void takeAnswer(const QString& ip, const QString& answer);
     void takeWhereabouts();
+    void takeRestart();
     void noteAbsence();
     void askVersion();
     void takeVersion(const QString& answer);
@@ -254,5 +255,4 @@ private:
     int m_restartOrders = 0;
     bool m_restartSent = false;     ///< the last order: the box was there to hear it
     bool m_restartAnswered = false; ///< the order
-    bool m_restartNoticed = false;  ///< it was silent after it, which may have been the network
 };

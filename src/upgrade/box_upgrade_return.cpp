@@ -18,11 +18,8 @@ constexpr int shortestRoundMs = 250;
 /// been away: a few requests lost on a busy network are no restart.
 constexpr int missedWhenAway = 3;
 constexpr int shortestAbsenceTicks = 6;
-constexpr int restartTicks = 120;
 constexpr int graceTicks = 30;
 constexpr int lookOutTicks = 30;
-constexpr int mostLost = 10;
-constexpr int mostRestartOrders = 3;
 
 } // namespace
 
@@ -160,11 +157,6 @@ void BoxUpgrade::watchTime(qint64 now)
         askAround();
 }
 
-int BoxUpgrade::patience() const
-{
-    return m_step == Step::Restarting ? restartTicks : AllowanceTicks;
-}
-
 bool BoxUpgrade::isOutOfTime() const
 {
     return m_clock.ms() >= m_orderedAt + ticks(patience());
@@ -228,14 +220,7 @@ void BoxUpgrade::takeWhereabouts()
     }
     m_candidates.clear();
     if (m_step == Step::Restarting) {
-        const bool isLast = m_restartOrders >= mostRestartOrders;
-        const bool isNoticed = m_restartAnswered || (m_restartSent && m_restartNoticed) || isLast;
-        if (!m_restartSent && !isLast)
-            orderRestart(); // it could not be asked who it is, and now it has answered
-        else if (m_wasAway || (isOutOfTime() && isNoticed))
-            restarted();
-        else if (isOutOfTime())
-            orderRestart();
+        takeRestart();
     } else if (m_ordered) {
         askVersion();
     } else {
@@ -330,116 +315,4 @@ void BoxUpgrade::giveUpWaiting()
     row().settled = true;
     m_timedOut = !m_succeeded;
     enter(Step::Missing);
-}
-
-// --- what it gets back -------------------------------------------------------------------------
-
-void BoxUpgrade::writeBack()
-{
-    if (row().settings != Settings::Waiting) {
-        end();
-        return;
-    }
-    if (m_held) {
-        row().settled = true;
-        enter(Step::Missing);
-        return;
-    }
-    enter(Step::WritingBack);
-    askTwins(m_host.otherAddresses(row().mac, row().address),
-             [this](bool twins) { beginWriting(twins); });
-}
-
-void BoxUpgrade::beginWriting(bool twins)
-{
-    row().ambiguous = row().ambiguous || twins;
-    // Nothing written is nothing restored.
-    if (row().ambiguous || row().saved.isEmpty()) {
-        row().settings = row().ambiguous ? Settings::Ambiguous : Settings::NotSaved;
-        m_host.writeBackEnded(*this);
-        end();
-        return;
-    }
-    m_host.writeBackBegins(*this, row().saved);
-    m_writer.start(row().address, row().mac, row().saved,
-                   [this](const SettingsWriter::Outcome& outcome) { takeOutcome(outcome); });
-}
-
-void BoxUpgrade::takeOutcome(const SettingsWriter::Outcome& outcome)
-{
-    if (outcome.lost) {
-        if (++m_lost < mostLost)
-            awaitBox();
-        else
-            giveUpWaiting();
-        return;
-    }
-    const QStringList failed = outcome.refused + outcome.different;
-    if (failed.isEmpty()) {
-        row().settings = outcome.unread.isEmpty() ? Settings::Restored : Settings::Unverified;
-        row().lastTry = false;
-        m_host.writeBackEnded(*this);
-        m_host.keep(*this, [this](bool) { confirmRestart(); });
-    } else if (row().lastTry) {
-        row().settings = Settings::SomeFailed;
-        for (const QString& name : failed)
-            row().failedSettings << name + QLatin1Char('=') + row().saved.value(name).toString();
-        m_host.writeBackEnded(*this);
-        end();
-    } else {
-        row().lastTry = true;
-        m_host.lastTryFollows(*this);
-        m_host.keep(*this, [this](bool) { confirmRestart(); });
-    }
-}
-
-void BoxUpgrade::confirmRestart()
-{
-    if (m_step != Step::WritingBack)
-        return;
-    m_restartOrders = 0;
-    orderRestart();
-}
-
-/// Again when nothing at all came of it: what was written counts after a restart only.
-void BoxUpgrade::orderRestart()
-{
-    ++m_restartOrders;
-    m_restartAnswered = false;
-    m_restartNoticed = false;
-    m_nextRound = m_clock.ms() + ticks(restartTicks);
-    m_link.read(
-        row().address, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
-            m_restartSent =
-                BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), row().mac);
-            if (m_restartSent)
-                m_link.order(row().address, BoxOrder::Restart,
-                             m_orders.hear([this](const QString& reply) {
-                                 m_restartAnswered = m_restartAnswered || !reply.isEmpty();
-                             }));
-            beginRestart();
-        }));
-}
-
-void BoxUpgrade::beginRestart()
-{
-    enter(Step::Restarting);
-    m_wasAway = false;
-    // With its own address it comes back there.
-    m_candidates << row().addressBefore;
-    const QString own = row().saved.value(BoxProtocol::IPAddress).toString();
-    if (BoxProtocol::isIpv4Address(own))
-        m_candidates << own;
-    watch();
-}
-
-void BoxUpgrade::restarted()
-{
-    if (row().settings == Settings::Waiting) {
-        writeBack();
-        return;
-    }
-    if (!m_wasAway && !m_restartAnswered)
-        row().aftermath = tr("设置已写回,但未见设备重启");
-    end();
 }
