@@ -193,7 +193,7 @@ private:
     void noteAbsence();
     void askVersion();
     void takeVersion(const QString& answer);
-    bool isOldNews();
+    bool isSteady();
     void changeOverEnded();
     void giveUpWaiting();
 

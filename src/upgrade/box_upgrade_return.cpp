@@ -18,6 +18,8 @@ constexpr int shortestRoundMs = 250;
 /// been away: a few requests lost on a busy network are no restart.
 constexpr int missedWhenAway = 3;
 constexpr int shortestAbsenceTicks = 6;
+/// How long a box that was away, or was not, has to tell its new version.
+constexpr int steadyTicks = 2;
 constexpr int graceTicks = 30;
 constexpr int lookOutTicks = 30;
 
@@ -272,17 +274,20 @@ void BoxUpgrade::takeVersion(const QString& answer)
     }
     // To read is harmless, to write and to restart it is not: before it was really away it may
     // still be at work on its package, and with the old version it may have to begin with it yet.
-    if (isOutOfTime() || (changed && (m_wasAway || isOldNews())))
+    if (isOutOfTime() || (changed && isSteady()))
         changeOverEnded();
 }
 
-/// A box may tell the package's version before it restarts with it. Where nothing is to be written
-/// it is left to others after a while, as its restart may have been too short to be seen.
-bool BoxUpgrade::isOldNews()
+/// A box may tell the package's version a moment before it restarts with it, and what passed for
+/// its restart may have been the network. Where nothing is to be written it is left to others after
+/// a while, as its restart may have been too short to be seen.
+bool BoxUpgrade::isSteady()
 {
     if (m_changedAt < 0)
         m_changedAt = m_clock.ms();
-    return row().settings != Settings::Waiting && m_clock.ms() >= m_changedAt + ticks(graceTicks);
+    if (!m_wasAway && row().settings == Settings::Waiting)
+        return false;
+    return m_clock.ms() >= m_changedAt + ticks(m_wasAway ? steadyTicks : graceTicks);
 }
 
 void BoxUpgrade::changeOverEnded()

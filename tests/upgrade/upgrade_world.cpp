@@ -280,14 +280,15 @@ QStringList UpgradeWorld::run()
 {
     m_isDetailed = m_story.chance(10);
     m_store.delay = m_story.chance(5) ? 2500 : m_story.chance(3) ? 15000 : 5;
-    m_lan.setLoss(m_story.chance(10) ? 1 + m_story.draw(6) : 0);
+    const int loss = m_story.chance(10) ? 1 + m_story.draw(6) : 0;
+    m_lan.setLoss(loss);
     startProgram();
     plan(m_story.troubles(int(m_lan.boxes().size())));
     plan(m_story.operation());
     planTwins();
     beginBatch(m_story.chance(75));
     // Quiet for so long that nobody will be found any more, and everything is saved.
-    for (int quiet = 0; quiet < 25 + m_store.delay / 300 && m_time.now() < longest;
+    for (int quiet = 0; quiet < 40 + loss * 20 + m_store.delay / 300 && m_time.now() < longest;
          quiet = isQuiet() ? quiet + 1 : 0) {
         // What is saved when matters: more often than once a second, as in the window, now and
         // then.
