@@ -220,10 +220,13 @@ void BoxUpgrade::takeWhereabouts()
         m_host.identified(ip, row().mac);
         m_host.changed(*this);
     }
-    m_candidates.clear();
     if (m_step == Step::Restarting) {
+        // Where it may come back stays worth asking: it may have answered before it went.
         takeRestart();
-    } else if (m_ordered) {
+        return;
+    }
+    m_candidates.clear();
+    if (m_ordered) {
         askVersion();
     } else {
         writeBack();

@@ -164,6 +164,14 @@ void tst_UpgradeSixty::upgradesSixtyBoxes()
         return std::count_if(boxes.begin(), boxes.end(), [](auto* box) { return box->isOwned(); });
     };
     QTRY_COMPARE_WITH_TIMEOUT(int(busy()), 0, 20000);
+    // Where they are is told when they have been seen there.
+    const auto isTold = [this] {
+        const auto rows = reportRows(*m_fixture);
+        return std::all_of(m_boxes.keyBegin(), m_boxes.keyEnd(), [&](int host) {
+            return rows[m_fixture->ip(host)]["设备"].section(' ', -1) == m_boxes[host]->address();
+        });
+    };
+    (void)QTest::qWaitFor(isTold, 10000);
     const auto rows = reportRows(*m_fixture);
     QCOMPARE(rows.size(), count);
     for (auto it = m_boxes.cbegin(); it != m_boxes.cend(); ++it)
