@@ -14,6 +14,11 @@ using Stage = UpgradeRow::Stage;
 using Settings = UpgradeRow::Settings;
 
 constexpr int readTicks = 120;
+/// What is read beside the upload begins so much later, not of all boxes at the same moment, and
+/// may take so much longer.
+constexpr int readPauseTicks = 1;
+constexpr int readSpreadTicks = 5;
+constexpr int lateReadTicks = 10;
 /// The pause before an upload that was refused is tried again, in milliseconds: a box that refuses
 /// at once must not keep the computer busy.
 constexpr int uploadRetryMs = 400;
@@ -82,11 +87,16 @@ void BoxUpgrade::beginUploading()
     enter(Step::Uploading);
     row().stage = Stage::Uploading;
     tell(tr("开始上传固件(%1)").arg(QFileInfo(m_package.path).fileName()));
-    // Nobody waits for these, and nothing is done with them but to keep them.
+    // Nothing is done with these but to keep them: the other boxes' uploads start first.
     if (!m_keep && !m_tookOver)
         m_reader.start(
             row().address, row().mac, readTicks,
-            [this](const QVariantMap& values, bool) { m_host.settingsRead(*this, values); });
+            [this](const QVariantMap& values, bool) {
+                m_host.settingsRead(*this, values);
+                if (m_uploaded)
+                    activate();
+            },
+            readPauseTicks + row().address.right(1).toInt() % readSpreadTicks);
     // The version was asked after the identity, settings may have been read for minutes.
     confirm(&BoxUpgrade::upload);
 }
@@ -106,8 +116,10 @@ void BoxUpgrade::takeUpload(const QString& answer)
         m_timedOut = m_secondsLeft < 1;
         m_problem.clear();
         tell(tr("上传固件 成功"));
-        m_reader.stop();
-        activate();
+        if (m_reader.isReading())
+            m_reader.hurry(lateReadTicks);
+        else
+            activate();
         return;
     }
     if (!answer.isEmpty()) {

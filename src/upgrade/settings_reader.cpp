@@ -9,10 +9,14 @@ namespace
 {
 
 constexpr int longestReadPauseTicks = 8;
+/// The most that is told between two questions who it is: each costs a batch time, and what comes
+/// between them must have come from one box.
+constexpr int mostTold = 4;
 
 } // namespace
 
-void SettingsReader::start(const QString& ip, const QString& mac, int limitTicks, Done done)
+void SettingsReader::start(const QString& ip, const QString& mac, int limitTicks, Done done,
+                           int pauseTicks)
 {
     stop();
     m_ip = ip;
@@ -24,7 +28,16 @@ void SettingsReader::start(const QString& ip, const QString& mac, int limitTicks
     m_sure = true;
     m_done = std::move(done);
     m_limit = m_clock.ms() + qint64(limitTicks) * m_clock.tickMs();
-    goOn();
+    m_next = m_clock.ms() + qint64(pauseTicks) * m_clock.tickMs();
+    if (pauseTicks == 0)
+        goOn();
+}
+
+void SettingsReader::hurry(int limitTicks)
+{
+    m_limit = qMin(m_limit, m_clock.ms() + qint64(limitTicks) * m_clock.tickMs());
+    if (!m_asking)
+        goOn();
 }
 
 void SettingsReader::stop()
@@ -47,7 +60,7 @@ void SettingsReader::tick()
 void SettingsReader::goOn()
 {
     m_asking = true;
-    if (m_sure)
+    if (m_sure && m_told.size() < mostTold && !m_missing.isEmpty())
         read(m_missing.first());
     else
         confirm();
@@ -67,7 +80,7 @@ void SettingsReader::confirm()
         } else if (BoxProtocol::isMacAddress(mac)) {
             finish(false);
         } else {
-            m_told.clear();
+            forgetTold();
             pause();
         }
     }));
@@ -77,17 +90,24 @@ void SettingsReader::confirm()
 void SettingsReader::keep()
 {
     m_sure = true;
-    if (!m_told.isEmpty()) {
-        m_missing.removeOne(m_told);
-        if (m_value.isValid())
-            m_values.insert(m_told, m_value.toString());
-        m_told.clear();
+    for (const auto& [name, value] : qAsConst(m_told)) {
+        if (value.isValid())
+            m_values.insert(name, value.toString());
         m_failures = 0;
     }
+    m_told.clear();
     if (m_missing.isEmpty())
         finish(!m_values.isEmpty());
     else
         goOn();
+}
+
+/// Nobody knows who told it: it is asked again.
+void SettingsReader::forgetTold()
+{
+    for (const auto& told : qAsConst(m_told))
+        m_missing << told.first;
+    m_told.clear();
 }
 
 void SettingsReader::read(const QString& name)
@@ -102,16 +122,15 @@ void SettingsReader::take(const QString& name, const QString& answer)
     const HttpResult result = HttpResult::fromBody(answer);
     const bool isAnswer = result.parameterName == name;
     const bool hasValue = isAnswer && KeptSettings::isValue(result.value);
-    m_sure = false;
+    m_missing.removeOne(name);
     // A box that says that it has no such parameter has answered, too.
     if (hasValue || (isAnswer && !result.value.isValid())) {
-        m_told = name;
-        m_value = hasValue ? result.value : QVariant();
+        m_told.append({name, hasValue ? result.value : QVariant()});
         goOn();
         return;
     }
+    m_sure = false;
     // The others first: it may be this one that is never told.
-    m_missing.removeOne(name);
     m_missing << name;
     pause();
 }

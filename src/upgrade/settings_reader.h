@@ -8,7 +8,7 @@
 #include <QVariantMap>
 
 /// Reads the settings of one box, one after the other, and asks again for what is missing only,
-/// with growing pauses. Before and after each of them it is asked who it is: its address may pass
+/// with growing pauses. Before and after every few it is asked who it is: its address may pass
 /// to another box meanwhile, and back, as where two boxes claim the same one.
 class SettingsReader
 {
@@ -20,8 +20,11 @@ public:
     SettingsReader(BoxLink& link, const UpgradeClock& clock) : m_link(link), m_clock(clock) {}
 
     /// Takes `limitTicks` at most, and the time of one read. `done` is called once, later. `mac`
-    /// may be empty for a box that tells none.
-    void start(const QString& ip, const QString& mac, int limitTicks, Done done);
+    /// may be empty for a box that tells none. Begins after `pauseTicks`.
+    void start(const QString& ip, const QString& mac, int limitTicks, Done done,
+               int pauseTicks = 0);
+    /// Somebody waits for it now: no pause any more, and `limitTicks` from now at most.
+    void hurry(int limitTicks);
     /// Nothing more is asked, and `done` is not called.
     void stop();
     bool isReading() const { return bool(m_done); }
@@ -32,6 +35,7 @@ private:
     void goOn();
     void confirm();
     void keep();
+    void forgetTold();
     void read(const QString& name);
     void pause();
     void take(const QString& name, const QString& answer);
@@ -46,10 +50,10 @@ private:
     QVariantMap m_values;
     Done m_done;
     bool m_asking = false;
-    bool m_sure = false; ///< who it is was the last that it told
-    QString m_told;      ///< a parameter that it, or another box, has told since
-    QVariant m_value;    ///< of that; invalid: it has none of that name
-    int m_failures = 0;  ///< in a row
-    qint64 m_next = 0;   ///< not before
+    bool m_sure = false; ///< it said who it is, and has answered since
+    /// What it, or another box, has told since; invalid: it has none of that name.
+    QList<QPair<QString, QVariant>> m_told;
+    int m_failures = 0; ///< in a row
+    qint64 m_next = 0;  ///< not before
     qint64 m_limit = 0;
 };

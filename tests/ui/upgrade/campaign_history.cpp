@@ -279,10 +279,11 @@ QStringList CampaignHistory::run()
 {
     startProgram();
     QByteArray said;
-    [&] {
-        QTRY_VERIFY_WITH_TIMEOUT((said += m_program.readAllStandardOutput()).contains("all known"),
-                                 30000);
-    }();
+    const auto isReady = [&] {
+        return (said += m_program.readAllStandardOutput()).contains("ready");
+    };
+    if (!QTest::qWaitFor(isReady, 30000))
+        return {"the program does not find all boxes"};
     m_clock.start();
     command(m_story.chance(75) ? "keep" : "plain");
     for (int n = 0; n < Boxes / 5; ++n)
