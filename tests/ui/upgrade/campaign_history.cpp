@@ -307,7 +307,7 @@ QStringList CampaignHistory::run()
         truth << truthOf(*box.box);
     QStringList problems = m_checker.judge(truth);
     if (!ended)
-        problems << "a story has no end";
+        problems << "a story has no end: " + openStories().join(", ");
     return problems;
 }
 
@@ -335,6 +335,19 @@ bool CampaignHistory::isQuiet() const
         return std::all_of(report.rows.begin(), report.rows.end(),
                            [](const UpgradeChecker::Told& row) { return row.settled; });
     });
+}
+
+QStringList CampaignHistory::openStories() const
+{
+    QStringList open;
+    const auto all = reports();
+    for (const Report& report : all) {
+        for (int n = 0; n < report.rows.size(); ++n) {
+            if (!report.rows.at(n).settled)
+                open << report.rows.at(n).mac + ' ' + report.endings.at(n);
+        }
+    }
+    return open;
 }
 
 QVector<CampaignHistory::Report> CampaignHistory::reports() const

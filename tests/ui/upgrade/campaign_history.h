@@ -57,6 +57,7 @@ private:
     bool isQuiet() const;
     bool waitForEnd();
     QVector<Report> reports() const;
+    QStringList openStories() const;
     UpgradeChecker::Truth truthOf(const sim::VirtualBox& box) const;
 
     UpgradeStory m_story;
