@@ -23,6 +23,16 @@ constexpr int longestMs = 240000;
 constexpr int quietMs = 10000;
 constexpr int slowestOrderMs = 5000;
 
+/// How long it lasts here. How long the program waits for an answer is not of the boxes' clock; and
+/// a swap is slower than the slowest command, as boxes are: between the question who is there and
+/// what is sent then, nobody starts.
+int realMs(const UpgradeStory::Event& event)
+{
+    using Event = UpgradeStory::Event;
+    const bool isReal = event.what == Event::Deaf || event.what == Event::Swap;
+    return isReal ? event.lasts : event.lasts / CampaignHistory::Pace;
+}
+
 QString ip(int host)
 {
     return TEST_BLOCK "." + QString::number(host);
@@ -134,7 +144,7 @@ QString CampaignHistory::freshAddress()
 void CampaignHistory::plan(const QVector<UpgradeStory::Event>& events)
 {
     for (const UpgradeStory::Event& event : events) {
-        m_lastEvent = qMax(m_lastEvent, event.at / Pace + event.lasts);
+        m_lastEvent = qMax(m_lastEvent, event.at / Pace + realMs(event));
         QTimer::singleShot(int(event.at / Pace), &m_lan, [this, event] { happen(event); });
     }
 }
@@ -170,11 +180,10 @@ void CampaignHistory::happen(const UpgradeStory::Event& event)
     using Event = UpgradeStory::Event;
     sim::VirtualBox& box = *m_boxes[size_t(event.box)].box;
     sim::VirtualBox& next = *m_boxes[size_t(event.box + 1) % m_boxes.size()].box;
-    const int ms = event.lasts / Pace;
+    const int ms = realMs(event);
     switch (event.what) {
     case Event::Deaf:
-        // How long the program waits for an answer is not of the boxes' clock.
-        setDeaf(box, event.lasts);
+        setDeaf(box, ms);
         break;
     case Event::PowerCut:
         powerCycle(box, ms);
@@ -183,10 +192,8 @@ void CampaignHistory::happen(const UpgradeStory::Event& event)
         const QString address = box.address();
         box.setLease(next.address());
         next.setLease(address);
-        // Slower than the slowest command, as boxes are: between the question who is there and what
-        // is sent then, nobody starts.
-        powerCycle(box, event.lasts);
-        powerCycle(next, event.lasts);
+        powerCycle(box, ms);
+        powerCycle(next, ms);
         break;
     }
     case Event::Elsewhere:

@@ -22,7 +22,7 @@ void tst_UpgradeCampaign::noBoxIsHarmed()
 {
     const bool single = qEnvironmentVariableIsSet("TARN_SEED");
     const int asked = qEnvironmentVariableIntValue("TARN_LIVES");
-    const int wanted = asked > 0 ? asked : single ? 1 : 120;
+    const int wanted = asked > 0 ? asked : single ? 1 : 500;
     auto seed = quint32(qEnvironmentVariableIntValue("TARN_SEED"));
     int lives = 0;
     QMap<QString, int> endings;
