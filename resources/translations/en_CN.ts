@@ -137,8 +137,8 @@
       <translation>The program ended after the settings were written back: the device may not have restarted</translation>
     </message>
     <message>
-      <source>设置已写回,但未见设备重启</source>
-      <translation>The settings were written back, but the device was not seen to restart</translation>
+      <source>设置已写回,但不能确定设备已重启</source>
+      <translation>The settings were written back, but it is not certain that the device restarted</translation>
     </message>
   </context>
   <context>

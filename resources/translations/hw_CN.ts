@@ -137,8 +137,8 @@
       <translation>설정을 다시 쓴 후 프로그램이 종료되어 장치가 다시 시작되지 않았을 수 있습니다</translation>
     </message>
     <message>
-      <source>设置已写回,但未见设备重启</source>
-      <translation>설정을 다시 썼으나 장치가 다시 시작되는 것을 확인하지 못했습니다</translation>
+      <source>设置已写回,但不能确定设备已重启</source>
+      <translation>설정을 다시 썼으나 장치가 다시 시작되었는지 확실하지 않습니다</translation>
     </message>
   </context>
   <context>

@@ -205,6 +205,7 @@ private:
     void orderRestart();
     void beginRestart();
     void restarted();
+    bool wasSurelyAway() const;
 
     UpgradeSession& m_session;
     const int m_index;
@@ -240,6 +241,7 @@ private:
     bool m_refused = false;     ///< the order to change over
     bool m_ordered = false;     ///< to change over, which has not ended yet
     bool m_wasAway = false;     ///< since it is watched
+    bool m_hasMoved = false;    ///< away, as it answers elsewhere
     bool m_handingOver = false; ///< a later upgrade has taken over what waits
     qint64 m_orderedAt = 0;     ///< since when it is watched
     /// Since when it has told another version without a break; below 0: not.

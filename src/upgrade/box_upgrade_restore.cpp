@@ -13,6 +13,9 @@ using Settings = UpgradeRow::Settings;
 constexpr int restartTicks = 120;
 constexpr int mostLost = 10;
 constexpr int mostRestartOrders = 3;
+/// Where the order was not answered it may not have arrived, and a shorter silence be the
+/// network's.
+constexpr int sureAbsenceTicks = 20;
 
 } // namespace
 
@@ -111,6 +114,7 @@ void BoxUpgrade::beginRestart()
 {
     enter(Step::Restarting);
     m_wasAway = false;
+    m_hasMoved = false;
     // With its own address it comes back there.
     m_candidates << row().addressBefore;
     const QString own = row().saved.value(BoxProtocol::IPAddress).toString();
@@ -135,7 +139,13 @@ void BoxUpgrade::restarted()
         writeBack();
         return;
     }
-    if (!m_wasAway && !m_restartAnswered)
-        row().aftermath = tr("设置已写回,但未见设备重启");
+    if (!m_restartAnswered && !wasSurelyAway())
+        row().aftermath = tr("设置已写回,但不能确定设备已重启");
     end();
+}
+
+/// The silence that has just ended was no matter of a busy network.
+bool BoxUpgrade::wasSurelyAway() const
+{
+    return m_wasAway && (m_hasMoved || m_clock.ms() - m_missedSince >= ticks(sureAbsenceTicks));
 }

@@ -215,6 +215,7 @@ void BoxUpgrade::takeWhereabouts()
         ip = m_answered.first();
         row().address = ip;
         m_wasAway = true;
+        m_hasMoved = true;
         if (m_ordered)
             succeed();
         m_host.identified(ip, row().mac);
