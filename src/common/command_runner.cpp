@@ -156,6 +156,12 @@ void CommandRunner::execCurl(const QString& ip, const QString& command,
     startQueue().add(process, command);
 }
 
+void CommandRunner::limit(QProcess* process, int limitMs)
+{
+    QObject::connect(process, &QProcess::started, process,
+                     [process, limitMs] { QTimer::singleShot(limitMs, process, &QProcess::kill); });
+}
+
 void CommandRunner::stop(QProcess* process)
 {
     process->setProperty(stoppedMark, true);

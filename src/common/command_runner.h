@@ -48,6 +48,13 @@ public:
     /// afterwards.
     QString execCurlWait(const QString& ip, const QString& command);
 
+    /// An order of the operator is for now: one that reaches its box later than this after its
+    /// start, in milliseconds, would come as a surprise, maybe in the middle of an upgrade.
+    static constexpr int OrderLimitMs = 10000;
+
+    /// For the owner's wire: ends the process so long after its start.
+    static void limit(QProcess* process, int limitMs);
+
     /// Ends `process`, one of execCurl(), also while it still waits for its start: then it ends
     /// before it does anything.
     static void stop(QProcess* process);

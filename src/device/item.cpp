@@ -46,6 +46,7 @@ QString koraFamily()
 
 Item::Item(Item* parentItem)
     : m_parentItem(parentItem), m_runner(QStringLiteral("Item"), [this](QProcess* process) {
+        CommandRunner::limit(process, CommandRunner::OrderLimitMs);
         connect(process, &QProcess::readyReadStandardOutput, this,
                 &Item::R_readyReadStandardOutput);
         connect(process, &QProcess::stateChanged, this, &Item::R_stateChanged);

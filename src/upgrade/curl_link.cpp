@@ -13,15 +13,12 @@ CurlLink::CurlLink(Spark_Http& http)
     , m_runner(QStringLiteral("BoxUpgrade"), [this](QProcess* made) {
         m_made = made;
         m_commands.insert(made, m_next);
-        const int limitMs = m_next.limitMs;
+        if (m_next.limitMs > 0)
+            CommandRunner::limit(made, m_next.limitMs);
         connect(made, &QProcess::readyReadStandardOutput, this, [this, made] { collect(made); });
         connect(made, &QProcess::stateChanged, this, [this, made](QProcess::ProcessState state) {
             if (state == QProcess::NotRunning)
                 ended(made);
-        });
-        connect(made, &QProcess::started, made, [made, limitMs] {
-            if (limitMs > 0)
-                QTimer::singleShot(limitMs, made, &QProcess::kill);
         });
     })
 {

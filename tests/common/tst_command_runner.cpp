@@ -37,6 +37,7 @@ private slots:
     void waitingServesEventsAndEnds();
     void missingProgramGivesAnEmptyReply();
     void burstStartsOneATurn();
+    void orderEndsAtItsLimit();
     void everyEventIsLogged();
     void nothingOutlivesTheProgram();
     void commandsStartAgainAfterAnEnd();
@@ -177,6 +178,15 @@ void tst_CommandRunner::burstStartsOneATurn()
     QCOMPARE(m_box->requests().size(), count - 2);
     for (const auto& request : m_box->requests())
         QVERIFY(!request.body.endsWith("value=" + QByteArray::number(stopped)));
+}
+
+void tst_CommandRunner::orderEndsAtItsLimit()
+{
+    QVERIFY(m_box->addFault("silent"));
+    m_runner->execCurl(boxIp, BoxProtocol::controlCommand("reboot", boxIp), {});
+    CommandRunner::limit(m_started.first(), 200);
+    QTRY_COMPARE_WITH_TIMEOUT(m_ended, 1, 3000);
+    QCOMPARE(m_replies, QStringList());
 }
 
 void tst_CommandRunner::everyEventIsLogged()

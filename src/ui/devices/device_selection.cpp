@@ -46,9 +46,9 @@ void DeviceSelection::restart(Item* item)
     const int answer = messageBox::ask(tr("确认要重启KORA设备吗? ") + ip, m_hub.window);
     if (answer != messageBox::Confirmed)
         return;
-    // An upgrade may have begun while the question was open.
+    // An upgrade may have begun while the question was open, or the box have left the list.
     const Item* box = m_hub.devices.model().find(ip);
-    if (!box || m_hub.isFree(*box))
+    if (box && m_hub.isFree(*box))
         m_hub.runner.execCurl(ip, BoxProtocol::rebootCommand(ip), {});
 }
 

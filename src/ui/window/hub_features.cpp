@@ -50,6 +50,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , state(window)
     , runner(QStringLiteral("Tarn_Hub"),
              [window](QProcess* process) {
+                 CommandRunner::limit(process, CommandRunner::OrderLimitMs);
                  QObject::connect(process, &QProcess::readyReadStandardOutput, window,
                                   &Tarn_Hub::R_readyReadStandardOutput);
                  QObject::connect(process, &QProcess::stateChanged, window,
