@@ -100,8 +100,9 @@ void ParameterPanel::noteMac(const QString& ip, const QString& mac)
         m_ip.clear();
         getConfigDeviceinfo();
     }
+    // What was typed for a box that had not told who it is may have been for another one.
+    m_sameBox = !m_mac.isEmpty();
     m_mac = mac;
-    m_sameBox = true;
 }
 
 /// For the box that it belongs to, selected or not.

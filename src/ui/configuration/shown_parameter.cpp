@@ -38,10 +38,12 @@ void ShownParameter::hear()
     m_stays = false;
 }
 
+/// A box may say so in the middle of its start: what the operator typed outlives that.
 void ShownParameter::refuse()
 {
     hear();
-    blank(FieldState::Missing);
+    if (!m_changed)
+        blank(FieldState::Missing);
 }
 
 void ShownParameter::fail()

@@ -187,6 +187,11 @@ void tst_Configuration::typedStaysUntilSaved()
     m_box->setParameter("eParam_NDIName", "From elsewhere");
     m_box->setParameter("eParam_NDIHXQuality", "1");
     m_box->setParameter("eParam_NDIHXGopLength", "77");
+    // In the midst of its start a box may deny what it has.
+    QVERIFY(m_box->addFault("unknown on eParam_NDIName"));
+    comeOnlineAgain();
+    QCOMPARE(shown("eParam_NDIName"), QString("Typed"));
+    m_box->clearFaults();
     comeOnlineAgain();
     QCOMPARE(shown("eParam_NDIName"), QString("Typed"));
     QCOMPARE(shown("eParam_NDIHXBitRate"), QString("33"));
