@@ -22,6 +22,8 @@ namespace
 
 /// The name of the recording that a command is about, kept with the command.
 const char* const fileNameProperty = "recodefilename";
+/// Which of the commands to its box it is: an answer may come after the next one was sent.
+const char* const numberProperty = "recordnumber";
 
 QString newFileName(bool mp4)
 {
@@ -66,6 +68,7 @@ void RecordControl::setRecording(bool on)
         command = BoxProtocol::recordOnCommand(ip, name);
     }
     const int number = ++m_lastNumber;
+    keys.insert(QLatin1String(numberProperty), number);
     m_pending.insert(ip, {number, on, name});
     m_widgets.group.setEnabled(false);
     QTimer::singleShot(AnswerLimitMs, this, [this, ip, number] { giveUp(ip, number); });
@@ -113,11 +116,11 @@ void RecordControl::followClock(const QString& ip)
     show();
 }
 
-/// True when the box at `ip` was to answer such a command; it is no longer.
-bool RecordControl::takePending(const QString& ip, bool on)
+/// True when the box was to answer this very command; it is no longer.
+bool RecordControl::takePending(const QProcess& process)
 {
-    const auto command = m_pending.find(ip);
-    if (command == m_pending.end() || command->on != on)
+    const auto command = m_pending.find(process.property("deviceip").toString());
+    if (command == m_pending.end() || command->number != process.property(numberProperty).toInt())
         return false;
     m_pending.erase(command);
     return true;
@@ -144,7 +147,7 @@ void RecordControl::giveUp(const QString& ip, int number)
 void RecordControl::handleStarted(const QProcess& process, bool succeeded)
 {
     const QString ip = process.property("deviceip").toString();
-    const bool wasPending = takePending(ip, true);
+    const bool wasPending = takePending(process);
     if (succeeded)
         noteStarted(ip, process.property(fileNameProperty).toString());
     else
@@ -157,7 +160,7 @@ void RecordControl::handleStarted(const QProcess& process, bool succeeded)
 void RecordControl::handleStopped(const QProcess& process, bool succeeded)
 {
     const QString ip = process.property("deviceip").toString();
-    const bool wasPending = takePending(ip, false);
+    const bool wasPending = takePending(process);
     if (succeeded) {
         noteStopped(ip);
         return;

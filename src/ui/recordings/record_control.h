@@ -51,7 +51,7 @@ private:
     void show();
     void showBox(const Item& box);
     void followClock(const QString& ip);
-    bool takePending(const QString& ip, bool on);
+    bool takePending(const QProcess& process);
     void handleStarted(const QProcess& process, bool succeeded);
     void handleStopped(const QProcess& process, bool succeeded);
     void giveUp(const QString& ip, int number);
