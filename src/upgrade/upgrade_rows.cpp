@@ -66,7 +66,14 @@ void UpgradeRows::correct(const QString& ip, const QString& mac)
 
 void UpgradeRows::markOwned()
 {
+    QStringList released;
     const QList<Item*> items = m_devices.model().items(koraFamily());
-    for (Item* item : items)
-        item->setOwned(m_fleet.owns(item->macAddress(), item->address()));
+    for (Item* item : items) {
+        const bool isOwned = m_fleet.owns(item->macAddress(), item->address());
+        if (item->isOwned() && !isOwned)
+            released << item->address();
+        item->setOwned(isOwned);
+    }
+    for (const QString& ip : qAsConst(released))
+        emit boxReleased(ip);
 }

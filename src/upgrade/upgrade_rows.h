@@ -23,6 +23,10 @@ public:
     /// `item` is the row of `box`; it may go before it.
     void bind(BoxUpgrade& box, Item& item);
 
+signals:
+    /// Nothing of an upgrade happens any more to the box of the row at `ip`.
+    void boxReleased(const QString& ip);
+
 private:
     Item* rowOf(BoxUpgrade* box);
     void show(BoxUpgrade* box);

@@ -48,6 +48,12 @@ void UpgradeFeatures::connectEngine()
     connect(batch, &BatchUpgrade::started, this, &UpgradeFeatures::showStarted);
     connect(batch, &BatchUpgrade::ticked, this, &UpgradeFeatures::showProgress);
     connect(batch, &BatchUpgrade::ended, this, &UpgradeFeatures::showEnd);
+    // What the panels show was read before the upgrade, or in its midst: to save that would undo
+    // it.
+    connect(&m_engine.rows, &UpgradeRows::boxReleased, this, [this](const QString& ip) {
+        if (ip == m_hub.state.deviceIp())
+            emit m_hub.state.readingWanted();
+    });
     const UpgradeFleet* fleet = &m_engine.fleet;
     connect(fleet, &UpgradeFleet::reportChanged, this,
             [this, fleet] { m_widgets.report->setVisible(!fleet->sessions().isEmpty()); });
