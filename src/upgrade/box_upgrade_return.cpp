@@ -216,7 +216,7 @@ void BoxUpgrade::takeWhereabouts()
         row().address = ip;
         m_wasAway = true;
         m_hasMoved = true;
-        if (m_ordered)
+        if (m_ordered && !m_refused)
             succeed();
         m_host.identified(ip, row().mac);
         m_host.changed(*this);

@@ -25,7 +25,7 @@ void SettingsReader::start(const QString& ip, const QString& mac, int limitTicks
     m_values.clear();
     m_told.clear();
     m_failures = 0;
-    m_sure = true;
+    m_sure = false;
     m_done = std::move(done);
     m_limit = m_clock.ms() + qint64(limitTicks) * m_clock.tickMs();
     m_next = m_clock.ms() + qint64(pauseTicks) * m_clock.tickMs();
@@ -129,7 +129,6 @@ void SettingsReader::take(const QString& name, const QString& answer)
         goOn();
         return;
     }
-    m_sure = false;
     // The others first: it may be this one that is never told.
     m_missing << name;
     pause();
@@ -137,6 +136,7 @@ void SettingsReader::take(const QString& name, const QString& answer)
 
 void SettingsReader::pause()
 {
+    m_sure = false;
     const int ticks = qMin(1 << qMin(m_failures++, longestReadPauseTicks), longestReadPauseTicks);
     m_next = m_clock.ms() + qint64(ticks) * m_clock.tickMs();
 }
