@@ -250,6 +250,10 @@
       <source>未读到设备的静态IP地址和子网掩码,不能关闭DHCP.</source>
       <translation>DHCP cannot be switched off: the static IP address and subnet mask of the box are unknown.</translation>
     </message>
+    <message>
+      <source>设置已写入,但KORA没有应答重启命令,重启后才会生效.</source>
+      <translation>The settings are written, but KORA did not answer the restart command. They take effect after a restart.</translation>
+    </message>
   </context>
   <context>
     <name>ControlArea</name>
@@ -407,6 +411,10 @@
     <message>
       <source>确认要重启KORA设备吗? </source>
       <translation>Restart the KORA box? </translation>
+    </message>
+    <message>
+      <source>KORA %1 未重启,请检查KORA网络状态后重试.</source>
+      <translation>KORA %1 was not restarted. Please check the KORA network and retry.</translation>
     </message>
   </context>
   <context>
@@ -588,6 +596,10 @@
     <message>
       <source>开启直播服务失败</source>
       <translation>Starting the live service failed</translation>
+    </message>
+    <message>
+      <source>关闭直播服务失败</source>
+      <translation>Stopping the live service failed</translation>
     </message>
   </context>
   <context>

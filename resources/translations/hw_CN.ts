@@ -250,6 +250,10 @@
       <source>未读到设备的静态IP地址和子网掩码,不能关闭DHCP.</source>
       <translation>장치의 고정 IP 주소와 서브넷 마스크를 읽지 못하여 DHCP를 끌 수 없습니다.</translation>
     </message>
+    <message>
+      <source>设置已写入,但KORA没有应答重启命令,重启后才会生效.</source>
+      <translation>설정을 기록했지만 KORA가 다시 시작 명령에 응답하지 않았습니다. 다시 시작해야 적용됩니다.</translation>
+    </message>
   </context>
   <context>
     <name>ControlArea</name>
@@ -407,6 +411,10 @@
     <message>
       <source>确认要重启KORA设备吗? </source>
       <translation>KORA 장치를 다시 시작할까요? </translation>
+    </message>
+    <message>
+      <source>KORA %1 未重启,请检查KORA网络状态后重试.</source>
+      <translation>KORA %1을(를) 다시 시작하지 못했습니다. KORA 네트워크 상태를 확인한 후 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
@@ -588,6 +596,10 @@
     <message>
       <source>开启直播服务失败</source>
       <translation>라이브 서비스를 시작하지 못했습니다</translation>
+    </message>
+    <message>
+      <source>关闭直播服务失败</source>
+      <translation>라이브 서비스를 중지하지 못했습니다</translation>
     </message>
   </context>
   <context>

@@ -52,7 +52,7 @@ QNetworkAccessManager& Spark_Http::manager()
 
 QString Spark_Http::get(const QString& type, const QString& url, bool isblocking)
 {
-    Request request{type, url, isblocking, {}, nullptr};
+    Request request{type, url, isblocking, isblocking, {}, nullptr};
     if (!isblocking) {
         const QString id = QUuid::createUuid().toString(QUuid::Id128);
         request.ids << id;
@@ -64,6 +64,13 @@ QString Spark_Http::get(const QString& type, const QString& url, bool isblocking
     enqueue(request);
     loop.exec(QEventLoop::ExcludeUserInputEvents);
     return loop.property("body").toString();
+}
+
+QString Spark_Http::getFirst(const QString& type, const QString& url)
+{
+    const QString id = QUuid::createUuid().toString(QUuid::Id128);
+    enqueue({type, url, false, true, {id}, nullptr});
+    return id;
 }
 
 /// True when `request` need not wait in a place of its own.
@@ -82,7 +89,7 @@ void Spark_Http::enqueue(const Request& request)
 {
     const QString key = serverKey(httpRequest(request.url).url());
     Server& server = m_servers[key];
-    if (request.isblocking) {
+    if (request.goesFirst) {
         server.waiting.prepend(request);
     } else if (joinWaiting(server, request)) {
         return;

@@ -41,6 +41,8 @@ public:
     /// answer comes by S_finished. Blocking: goes before what waits, serves events other than user
     /// input, and returns the body. `type` is the routing word of the answer.
     QString get(const QString& type, const QString& url, bool isblocking);
+    /// As non-blocking get(), but goes before what waits.
+    QString getFirst(const QString& type, const QString& url);
 
     /// Blocking, serving events: SparkDownload::start(). Returns the path written, empty on
     /// failure. `savePath` is a folder and ends in "/".
@@ -67,6 +69,7 @@ private:
         QString type;
         QString url;
         bool isblocking = false;
+        bool goesFirst = false;
         QStringList ids;
         QPointer<QEventLoop> loop; // guarded: the program may close, and the loop with it
     };

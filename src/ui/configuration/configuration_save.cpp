@@ -2,15 +2,11 @@
 #include "ui/configuration/configuration_save.h"
 
 #include "common/box_protocol.h"
-#include "common/command_runner.h"
-#include "common/http_result.h"
-#include "common/spark_http.h"
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
 #include "ui/configuration/configuration_area.h"
 #include "ui/configuration/parameter_panel.h"
-#include "ui/hub/command_sequence.h"
 #include "widgets/message_box.h"
 
 namespace
@@ -39,7 +35,8 @@ void ConfigurationSave::save()
         return;
     // All taken before the first wait: another box may be selected, or this one gone, meanwhile.
     const QString ip = device->address();
-    const QString mac = device->macAddress();
+    // The values are those of the box that the panel was read from, whatever the row says by now.
+    const BoxId box{ip, m_panel.mac()};
     const Network before{lastReported(*device, BoxProtocol::DHCP),
                          lastReported(*device, BoxProtocol::IPAddress),
                          lastReported(*device, BoxProtocol::NetMask)};
@@ -56,31 +53,18 @@ void ConfigurationSave::save()
     QStringList commands;
     for (auto it = values.cbegin(); it != values.cend(); ++it)
         commands << BoxProtocol::setCommand(it.key(), it.value(), ip);
-    const SequenceResult result =
-        runCommands(m_hub, ip, commands, true, [this, ip, mac] { return isAt(ip, mac); });
-    run.end();
-    if (result == SequenceResult::WindowClosed)
-        return;
+    SequenceResult result = m_hub.orders.run(box, commands, true);
     QString message = tr("设置参数部分失败,请检查KORA网络状态后重试.");
     if (result == SequenceResult::AllSucceeded) {
         m_panel.noteSaved(ip, values);
-        message = apply(ip, values, before);
+        result = apply(box, values, before, message);
     }
+    run.end();
+    if (result == SequenceResult::WindowClosed)
+        return;
     if (unread > 0)
         message += QLatin1Char('\n') + tr("%1 项参数未从设备读到,没有保存.").arg(unread);
     messageBox::ask(message, m_hub.window);
-}
-
-/// What one box has told must not be written to another that has its address by now, which nobody
-/// may have noticed yet. It blocks and serves events. Of a box without a MAC address nobody can
-/// tell.
-bool ConfigurationSave::isAt(const QString& ip, const QString& mac) const
-{
-    if (mac.isEmpty())
-        return true;
-    const QString answer = m_hub.http.get(QStringLiteral("saveIdentity"),
-                                          BoxProtocol::readUrl(ip, BoxProtocol::MACAddress), true);
-    return BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), mac);
 }
 
 /// Why these values must not be sent; empty when they may.
@@ -104,26 +88,37 @@ QString ConfigurationSave::objection(const QMap<QString, QString>& values,
     return QString();
 }
 
-QString ConfigurationSave::apply(const QString& ip, const QMap<QString, QString>& sent,
-                                 const Network& before)
+/// Makes the box use what it was sent, and says so in `message`. Blocks, serving events.
+SequenceResult ConfigurationSave::apply(const BoxId& box, const QMap<QString, QString>& sent,
+                                        const Network& before, QString& message)
 {
+    message = tr("设置参数成功.");
     // An upgrade has taken it meanwhile, and restarts it in its own time.
-    const Item* box = m_hub.devices.model().find(ip);
-    if (box && box->isOwned())
-        return tr("设置参数成功.");
+    const Item* row = m_hub.devices.model().find(box.ip);
+    if (row && row->isOwned())
+        return SequenceResult::AllSucceeded;
     // What was not sent cannot differ.
     const auto differs = [&sent](QLatin1String name, const QString& was) {
         return sent.value(name, was) != was;
     };
+    QString command;
+    QString applied;
     if (differs(BoxProtocol::DHCP, before.dhcp)) {
-        m_hub.runner.execCurl(ip, BoxProtocol::rebootCommand(ip), {});
-        return tr("设置成功,正在重启KORA软件.");
+        command = BoxProtocol::rebootCommand(box.ip);
+        applied = tr("设置成功,正在重启KORA软件.");
+    } else if (sent.value(BoxProtocol::DHCP) == QLatin1String("0") &&
+               (differs(BoxProtocol::IPAddress, before.ip) ||
+                differs(BoxProtocol::NetMask, before.mask))) {
+        command = BoxProtocol::restartCommand(box.ip);
+        applied = tr("设置成功,正在重启KORA设备.");
     }
-    if (sent.value(BoxProtocol::DHCP) == QLatin1String("0") &&
-        (differs(BoxProtocol::IPAddress, before.ip) ||
-         differs(BoxProtocol::NetMask, before.mask))) {
-        m_hub.runner.execCurl(ip, BoxProtocol::restartCommand(ip), {});
-        return tr("设置成功,正在重启KORA设备.");
-    }
-    return tr("设置参数成功.");
+    if (command.isEmpty())
+        return SequenceResult::AllSucceeded;
+    // Part of saving: a window that closes before the box has heard it would leave the box with
+    // settings that it does not use.
+    const SequenceResult result = m_hub.orders.run(box, {command});
+    message = result == SequenceResult::AllSucceeded
+                  ? applied
+                  : tr("设置已写入,但KORA没有应答重启命令,重启后才会生效.");
+    return result;
 }

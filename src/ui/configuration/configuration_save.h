@@ -3,6 +3,7 @@
 
 #include "ui/hub/busy.h"
 #include "ui/hub/hub.h"
+#include "ui/hub/orders.h"
 
 #include <QMap>
 #include <QObject>
@@ -34,9 +35,9 @@ private:
         QString mask;
     };
 
-    bool isAt(const QString& ip, const QString& mac) const;
     QString objection(const QMap<QString, QString>& values, const Network& before) const;
-    QString apply(const QString& ip, const QMap<QString, QString>& sent, const Network& before);
+    SequenceResult apply(const BoxId& box, const QMap<QString, QString>& sent,
+                         const Network& before, QString& message);
 
     const Hub m_hub;
     ParameterPanel& m_panel;

@@ -98,7 +98,8 @@ void ParameterPanel::noteMac(const QString& ip, const QString& mac)
         return;
     if (isOther(mac, m_mac)) {
         m_ip.clear();
-        getConfigDeviceinfo();
+        // What else is shown of the selected box is not this one's either.
+        emit m_hub.state.readingWanted();
     }
     // What was typed for a box that had not told who it is may have been for another one.
     m_sameBox = !m_mac.isEmpty();

@@ -34,6 +34,8 @@ public:
     /// nothing of that one stays.
     void noteMac(const QString& ip, const QString& mac);
 
+    /// Of the box that the panels are about; empty until it has told it.
+    QString mac() const { return m_mac; }
     /// What saving sends to the box at `ip`: parameter to text, in the order of sending. Empty
     /// while the box has told nothing that can be saved.
     QMap<QString, QString> valuesToSave(const QString& ip) const;

@@ -4,8 +4,6 @@
 #include "common/box_protocol.h"
 #include "device/item.h"
 #include "ui/control/control_area.h"
-#include "ui/hub/busy.h"
-#include "ui/hub/command_sequence.h"
 #include "ui/hub/hub_state.h"
 #include "widgets/message_box.h"
 
@@ -16,8 +14,8 @@ constexpr int restMs = 400;
 
 } // namespace
 
-AudioLevels::AudioLevels(const Hub& hub, Ui::ControlArea& area, Busy& busy)
-    : QObject(nullptr), m_hub(hub), m_area(area), m_busy(busy)
+AudioLevels::AudioLevels(const Hub& hub, Ui::ControlArea& area)
+    : QObject(nullptr), m_hub(hub), m_area(area)
 {
     m_timer.setSingleShot(true);
     m_timer.setInterval(restMs);
@@ -27,7 +25,8 @@ void AudioLevels::sliderMoved(const QSlider* slider, const QString& parameter)
 {
     if (!slider->isSliderDown())
         return;
-    m_ip = m_hub.state.deviceIp();
+    const Item* box = m_hub.findSelectedDevice();
+    m_box = box ? BoxId::of(*box) : BoxId();
     m_value = slider->value();
     m_timer.setProperty("slider_type", parameter);
     m_timer.start();
@@ -35,13 +34,14 @@ void AudioLevels::sliderMoved(const QSlider* slider, const QString& parameter)
 
 void AudioLevels::send()
 {
-    // The value must not be lost to a run of other commands; it waits its turn.
-    if (m_busy.isRunning()) {
+    // The value must not be lost to a run of other commands, nor overtake the one before; it waits
+    // its turn.
+    if (m_hub.orders.isRunning()) {
         m_timer.start();
         return;
     }
     // Another box's value stands in the slider by now.
-    if (m_ip != m_hub.state.deviceIp())
+    if (m_box.ip != m_hub.state.deviceIp())
         return;
     const QString parameter = m_timer.property("slider_type").toString();
     QSlider* slider = m_area.eParam_LineinDelaySlider;
@@ -62,7 +62,7 @@ void AudioLevels::send()
     }
     slider->setValue(m_value);
     const QString failure = tr("控制 %1 失败,请重试!").arg(caption->text());
-    const QString command = BoxProtocol::setCommand(parameter, QString::number(m_value), m_ip);
-    if (runCommands(m_hub, m_ip, {command}) == SequenceResult::SomeFailed)
+    const QString command = BoxProtocol::setCommand(parameter, QString::number(m_value), m_box.ip);
+    if (m_hub.orders.run(m_box, {command}) == SequenceResult::SomeFailed)
         messageBox::ask(failure, m_hub.window);
 }

@@ -2,11 +2,11 @@
 #pragma once
 
 #include "ui/hub/hub.h"
+#include "ui/hub/orders.h"
 
 #include <QObject>
 #include <QTimer>
 
-class Busy;
 class QSlider;
 namespace Ui
 {
@@ -19,8 +19,7 @@ class AudioLevels : public QObject
     Q_OBJECT
 
 public:
-    /// `busy` is that of the control area, shared by everything in it.
-    AudioLevels(const Hub& hub, Ui::ControlArea& area, Busy& busy);
+    AudioLevels(const Hub& hub, Ui::ControlArea& area);
 
     /// The timer whose timeout means that the slider rests.
     QTimer& timer() { return m_timer; }
@@ -33,8 +32,7 @@ public:
 private:
     const Hub m_hub;
     Ui::ControlArea& m_area;
-    Busy& m_busy;
     QTimer m_timer;
-    QString m_ip;    ///< the box whose slider was dragged
+    BoxId m_box;     ///< the box whose slider was dragged
     int m_value = 0; ///< where to: a read that arrives meanwhile may move the slider
 };

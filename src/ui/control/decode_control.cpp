@@ -8,8 +8,8 @@
 #include "ui/control/encoder_control.h"
 #include "ui/control/setui.h"
 #include "ui/hub/busy.h"
-#include "ui/hub/command_sequence.h"
 #include "ui/hub/exchange.h"
+#include "ui/hub/orders.h"
 #include "widgets/message_box.h"
 
 namespace
@@ -66,29 +66,30 @@ void DecodeControl::ask()
         messageBox::ask(tr("尚未读到设备的编码状态,请稍后重试."), m_hub.window);
         return;
     }
-    const QString ip = device->address();
+    const BoxId box = BoxId::of(*device);
+    const QString ip = box.ip;
     auto* dialog = new setui(setui::Page::Decode, ip, m_hub.http, m_hub.window);
     const bool encoding = m_encoder.isEncoding();
     const int result = dialog->exec();
     const QString source = dialog->source();
     dialog->deleteLater();
     if (result == setui::StartDecoding)
-        run(ip, startCommands(ip, encoding, source), tr("开启"), source);
+        run(box, startCommands(ip, encoding, source), tr("开启"), source);
     else if (result == setui::StopDecoding)
-        run(ip, stopCommands(ip, encoding), tr("关闭"), source);
+        run(box, stopCommands(ip, encoding), tr("关闭"), source);
 }
 
-void DecodeControl::run(const QString& ip, const QStringList& commands, const QString& operation,
+void DecodeControl::run(const BoxId& box, const QStringList& commands, const QString& operation,
                         const QString& source)
 {
     // An upgrade may have taken it while the dialog was open.
-    const Item* device = m_hub.devices.model().find(ip);
+    const Item* device = m_hub.devices.model().find(box.ip);
     if (device && !m_hub.isFree(*device))
         return;
     Busy::Run run(m_busy);
     if (!run)
         return;
-    const SequenceResult result = runCommands(m_hub, ip, commands);
+    const SequenceResult result = m_hub.orders.run(box, commands);
     run.end();
     if (result == SequenceResult::WindowClosed)
         return;

@@ -7,6 +7,7 @@
 
 class Busy;
 class EncoderControl;
+struct BoxId;
 
 /// Makes the selected box decode an NDI source that the operator picks, or stop.
 class DecodeControl : public QObject
@@ -22,7 +23,7 @@ public:
 
 private:
     void tellSuccess(const QString& command, const QString& text);
-    void run(const QString& ip, const QStringList& commands, const QString& operation,
+    void run(const BoxId& box, const QStringList& commands, const QString& operation,
              const QString& source);
 
     const Hub m_hub;

@@ -23,11 +23,11 @@ enum Codec { H264 = 0, H265 = 1 };
 class EncoderControl::Commands
 {
 public:
-    explicit Commands(QString ip) : m_ip(std::move(ip)) {}
+    explicit Commands(const Item& box) : m_box(BoxId::of(box)) {}
 
     Commands& control(QLatin1String action)
     {
-        m_commands << BoxProtocol::controlCommand(action, m_ip);
+        m_commands << BoxProtocol::controlCommand(action, m_box.ip);
         return *this;
     }
     Commands& controlIf(bool wanted, QLatin1String action)
@@ -36,7 +36,7 @@ public:
     }
     Commands& set(QLatin1String parameter, int value)
     {
-        m_commands << BoxProtocol::setCommand(parameter, QString::number(value), m_ip);
+        m_commands << BoxProtocol::setCommand(parameter, QString::number(value), m_box.ip);
         m_format = parameter == BoxProtocol::NDIHXFormat ? QString::number(value) : m_format;
         return *this;
     }
@@ -48,13 +48,13 @@ public:
             .control(BoxProtocol::HxEncoderOn);
     }
 
-    const QString& ip() const { return m_ip; }
+    const BoxId& box() const { return m_box; }
     const QStringList& commands() const { return m_commands; }
     /// The format that the box has afterwards; empty when the list leaves it as it is.
     const QString& format() const { return m_format; }
 
 private:
-    const QString m_ip;
+    const BoxId m_box;
     QStringList m_commands;
     QString m_format;
 };
@@ -74,13 +74,13 @@ bool EncoderControl::isModeKnown() const
     return FieldMark::of(m_area.HB) != FieldState::Unknown;
 }
 
-/// False, after a message, when the box may not be told anything: `clicked` goes back to what it
-/// showed.
-bool EncoderControl::mayCommand(QAbstractButton* clicked) const
+/// The selected box; null, after a message, when it may not be told anything: `clicked` goes back
+/// to what it showed.
+const Item* EncoderControl::boxToCommand(QAbstractButton* clicked) const
 {
     const Item* device = m_hub.findSelectedDevice();
     if (device && !device->isOwned())
-        return true;
+        return device;
     if (!clicked->autoExclusive())
         clicked->toggle();
     else if (m_hub.state.encoderFormat().toInt() % 2 != 0)
@@ -88,14 +88,15 @@ bool EncoderControl::mayCommand(QAbstractButton* clicked) const
     else
         m_area.H265->setChecked(true);
     m_hub.freeDevice();
-    return false;
+    return nullptr;
 }
 
 void EncoderControl::setHb(bool on)
 {
-    if (!mayCommand(m_area.HB))
+    const Item* box = boxToCommand(m_area.HB);
+    if (!box)
         return;
-    Commands list(m_hub.state.deviceIp());
+    Commands list(*box);
     if (on) {
         list.controlIf(m_area.HX2->isChecked() || m_area.HX3->isChecked(),
                        BoxProtocol::HxEncoderOff);
@@ -123,9 +124,10 @@ void EncoderControl::setHx3(bool on)
 void EncoderControl::setHx(QCheckBox* button, QCheckBox* other, int h264Format, bool on,
                            const QString& failure)
 {
-    if (!mayCommand(button))
+    const Item* box = boxToCommand(button);
+    if (!box)
         return;
-    Commands list(m_hub.state.deviceIp());
+    Commands list(*box);
     if (on) {
         list.controlIf(m_area.HB->isChecked(), BoxProtocol::FullEncoderOff);
         list.controlIf(other->isChecked(), BoxProtocol::HxEncoderOff);
@@ -144,9 +146,9 @@ SequenceResult EncoderControl::run(const Commands& list)
     Busy::Run run(m_busy);
     if (!run)
         return SequenceResult::WindowClosed;
-    const SequenceResult result = runCommands(m_hub, list.ip(), list.commands());
+    const SequenceResult result = m_hub.orders.run(list.box(), list.commands());
     if (result == SequenceResult::AllSucceeded && !list.format().isEmpty() &&
-        m_hub.state.deviceIp() == list.ip())
+        m_hub.state.deviceIp() == list.box().ip)
         m_hub.state.setEncoderFormat(list.format());
     return result;
 }
@@ -155,8 +157,8 @@ void EncoderControl::switchMode(QCheckBox* button, const Commands& list, const Q
 {
     if (run(list) != SequenceResult::SomeFailed)
         return;
-    // The button may stand for another box by now.
-    if (m_hub.state.deviceIp() == list.ip())
+    // The button may stand for another box by now, one that has told nothing yet.
+    if (m_hub.state.deviceIp() == list.box().ip && isModeKnown())
         button->toggle();
     messageBox::ask(failure, m_hub.window);
 }
@@ -175,9 +177,10 @@ void EncoderControl::setH265(bool on)
 
 void EncoderControl::setCodec(int codec)
 {
-    if (!mayCommand(codec == H264 ? m_area.H264 : m_area.H265))
+    const Item* box = boxToCommand(codec == H264 ? m_area.H264 : m_area.H265);
+    if (!box)
         return;
-    Commands list(m_hub.state.deviceIp());
+    Commands list(*box);
     if (m_area.HX2->isChecked() || m_area.HX3->isChecked()) {
         const int format = m_area.HX2->isChecked() ? hx2Format : hx3Format;
         list.control(BoxProtocol::HxEncoderOff).startHx(format + codec);

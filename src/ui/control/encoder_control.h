@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ui/hub/command_sequence.h"
+#include "ui/hub/hub.h"
+#include "ui/hub/orders.h"
 
 #include <QObject>
 
 class Busy;
 class QAbstractButton;
 class QCheckBox;
+class Item;
 namespace Ui
 {
 class ControlArea;
@@ -38,7 +40,7 @@ public:
 private:
     class Commands;
 
-    bool mayCommand(QAbstractButton* clicked) const;
+    const Item* boxToCommand(QAbstractButton* clicked) const;
     void setHx(QCheckBox* button, QCheckBox* other, int h264Format, bool on,
                const QString& failure);
     void setCodec(int codec);

@@ -2,12 +2,12 @@
 #include "ui/control/live_control.h"
 
 #include "common/box_protocol.h"
-#include "common/command_runner.h"
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
 #include "ui/control/setui.h"
 #include "ui/hub/exchange.h"
+#include "ui/hub/orders.h"
 #include "widgets/message_box.h"
 
 LiveControl::LiveControl(const Hub& hub) : QObject(nullptr), m_hub(hub)
@@ -32,7 +32,8 @@ void LiveControl::ask()
     const Item* device = m_hub.freeDevice();
     if (!device)
         return;
-    const QString ip = device->address();
+    const BoxId box = BoxId::of(*device);
+    const QString ip = box.ip;
     auto* dialog = new setui(setui::Page::Live, ip, m_hub.http, m_hub.window);
     const int result = dialog->exec();
     const QString address = BoxProtocol::escapeEquals(dialog->address());
@@ -44,11 +45,13 @@ void LiveControl::ask()
     device = m_hub.devices.model().find(ip);
     if (device && !m_hub.isFree(*device))
         return;
-    if (result == setui::StopLive)
-        m_hub.runner.execCurl(ip, BoxProtocol::controlCommand(BoxProtocol::StreamOff, ip), {});
-    else
-        m_hub.runner.execCurl(ip,
-                              port.isEmpty() ? BoxProtocol::streamPushCommand(ip, address)
-                                             : BoxProtocol::streamListenCommand(ip, port, address),
-                              {});
+    const bool stops = result == setui::StopLive;
+    QString command = BoxProtocol::controlCommand(BoxProtocol::StreamOff, ip);
+    if (!stops)
+        command = port.isEmpty() ? BoxProtocol::streamPushCommand(ip, address)
+                                 : BoxProtocol::streamListenCommand(ip, port, address);
+    m_hub.orders.send(box, command, {}, this, [this, stops](bool isSent) {
+        if (!isSent)
+            messageBox::ask(stops ? tr("关闭直播服务失败") : tr("开启直播服务失败"), m_hub.window);
+    });
 }

@@ -9,6 +9,7 @@
 #include "device/tree_view.h"
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
+#include "ui/hub/orders.h"
 
 namespace
 {
@@ -78,6 +79,11 @@ DeviceInfo::DeviceInfo(const Hub& hub, TreeView* infoView)
     m_again.setInterval(questionPauseMs);
     connect(&m_again, &QTimer::timeout, this, &DeviceInfo::askAgain);
     connect(&hub.state, &HubState::readingWanted, this, [this] { getDeviceinfo(QString()); });
+    connect(&hub.orders, &Orders::identified, this, [this](const QString& ip, const QString& mac) {
+        emit macReported(ip, mac);
+        if (ip != m_hub.state.deviceIp()) // the selected one is read as a whole
+            getDeviceinfo(ip);
+    });
 }
 
 void DeviceInfo::read(const QString& ip, const QString& parameter)

@@ -2,12 +2,12 @@
 #include "ui/devices/device_selection.h"
 
 #include "common/box_protocol.h"
-#include "common/command_runner.h"
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
+#include "ui/hub/orders.h"
 #include "widgets/message_box.h"
 
 DeviceSelection::DeviceSelection(const Hub& hub) : QObject(hub.window), m_hub(hub)
@@ -42,14 +42,19 @@ void DeviceSelection::restart(Item* item)
     if (!item || !m_hub.isFree(*item))
         return;
     // Taken now: the box may leave the list while the question is open.
-    const QString ip = item->address();
+    const BoxId target = BoxId::of(*item);
+    const QString ip = target.ip;
     const int answer = messageBox::ask(tr("确认要重启KORA设备吗? ") + ip, m_hub.window);
     if (answer != messageBox::Confirmed)
         return;
     // An upgrade may have begun while the question was open, or the box have left the list.
     const Item* box = m_hub.devices.model().find(ip);
-    if (box && m_hub.isFree(*box))
-        m_hub.runner.execCurl(ip, BoxProtocol::rebootCommand(ip), {});
+    if (!box || !m_hub.isFree(*box))
+        return;
+    m_hub.orders.send(target, BoxProtocol::rebootCommand(ip), {}, this, [this, ip](bool isSent) {
+        if (!isSent)
+            messageBox::ask(tr("KORA %1 未重启,请检查KORA网络状态后重试.").arg(ip), m_hub.window);
+    });
 }
 
 void DeviceSelection::handleCameOnline(const QString& ip)

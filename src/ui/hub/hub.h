@@ -3,11 +3,11 @@
 
 #include <QCoreApplication>
 
-class CommandRunner;
 class DeviceRegistry;
 class Exchange;
 class HubState;
 class Item;
+class Orders;
 class QWidget;
 class Spark_Http;
 
@@ -30,7 +30,7 @@ public:
 
     HubState& state;
     DeviceRegistry& devices;
-    CommandRunner& runner;
+    Orders& orders; ///< the only way of a command to a box
     Spark_Http& http;
     Exchange& exchange;
     QWidget* window; ///< parent of dialogs

@@ -3,12 +3,12 @@
 
 #include "common/box_protocol.h"
 #include "common/box_reply.h"
-#include "common/command_runner.h"
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
+#include "ui/hub/orders.h"
 #include "ui/recordings/recordings.h"
 #include "widgets/message_box.h"
 
@@ -71,8 +71,22 @@ void RecordControl::setRecording(bool on)
     keys.insert(QLatin1String(numberProperty), number);
     m_pending.insert(ip, {number, on, name});
     m_widgets.group.setEnabled(false);
-    QTimer::singleShot(AnswerLimitMs, this, [this, ip, number] { giveUp(ip, number); });
-    m_hub.runner.execCurl(ip, command, keys);
+    m_hub.orders.send(BoxId::of(*device), command, keys, this, [this, ip, number](bool isSent) {
+        if (isSent)
+            QTimer::singleShot(AnswerLimitMs, this, [this, ip, number] { giveUp(ip, number); });
+        else
+            handleNotSent(ip, number);
+    });
+}
+
+void RecordControl::handleNotSent(const QString& ip, int number)
+{
+    const Command command = m_pending.value(ip);
+    if (command.number != number)
+        return;
+    m_pending.remove(ip);
+    show();
+    tell(ip, command.on ? tr("开启录制失败,请重试.") : tr("停止录制失败,请重试."));
 }
 
 /// What its clock says; without one, what it has last answered.

@@ -54,6 +54,7 @@ private:
     bool takePending(const QProcess& process);
     void handleStarted(const QProcess& process, bool succeeded);
     void handleStopped(const QProcess& process, bool succeeded);
+    void handleNotSent(const QString& ip, int number);
     void giveUp(const QString& ip, int number);
     void noteStarted(const QString& ip, const QString& name);
     void noteStopped(const QString& ip);

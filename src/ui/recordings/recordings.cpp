@@ -9,6 +9,7 @@
 #include "media/ffmpeg_widget.h"
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
+#include "ui/hub/orders.h"
 #include "ui/recordings/file_type.h"
 #include "ui/recordings/list_widget.h"
 #include "widgets/message_box.h"
@@ -79,12 +80,17 @@ void Recordings::handleReply(const HttpResult& result)
     m_listedIp = result.deviceIp;
     m_list.clearEntries();
     const QVariantList names = result.value.toList();
+    const Item* box = m_hub.devices.model().find(result.deviceIp);
     if (names.size() > mostRecordings)
         qWarning().noquote() << result.deviceIp << "lists" << names.size() << "recordings";
     for (const QVariant& value : names.mid(0, mostRecordings)) {
         const QString name = value.type() == QVariant::String ? value.toString() : QString();
-        if (fileType(name) == FileType::Video)
-            m_list.addEntry(Item::makeRecording(name, result.deviceIp));
+        if (fileType(name) == FileType::Video) {
+            auto recording = Item::makeRecording(name, result.deviceIp);
+            // Whose it is: another box may have the address by the time that it is deleted.
+            recording->setMacAddress(box ? box->macAddress() : QString());
+            m_list.addEntry(std::move(recording));
+        }
     }
     // The one that plays stays marked, so that it is not deleted while it is watched.
     if (QUrl(m_playing).host() == result.deviceIp)
@@ -223,7 +229,12 @@ void Recordings::startDelete(std::unique_ptr<Item> recording)
     m_deleting.push_back(std::move(recording));
     connect(item, &Item::deleteEnded, this,
             [this, item](bool succeeded) { noteDeleted(item, succeeded); });
-    item->record_del();
+    m_hub.orders.confirm(BoxId::of(*item), item, [this, item](bool may) {
+        if (may)
+            item->record_del();
+        else
+            noteDeleted(item, false);
+    });
 }
 
 void Recordings::noteDeleted(Item* recording, bool succeeded)

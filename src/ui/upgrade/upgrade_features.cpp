@@ -57,6 +57,7 @@ void UpgradeFeatures::connectEngine()
     const UpgradeFleet* fleet = &m_engine.fleet;
     connect(fleet, &UpgradeFleet::reportChanged, this,
             [this, fleet] { m_widgets.report->setVisible(!fleet->sessions().isEmpty()); });
+    connect(fleet, &UpgradeFleet::boxIdentified, this, &UpgradeFeatures::boxIdentified);
     connect(fleet, &UpgradeFleet::settingsFound, this, &UpgradeFeatures::offerSettings,
             Qt::QueuedConnection);
     connect(fleet, &UpgradeFleet::interruptedFound, this, &UpgradeFeatures::tellInterrupted);

@@ -57,6 +57,8 @@ public:
 signals:
     /// The selected box is being upgraded from now on.
     void waitingWanted();
+    /// The box at `ip` has told its MAC address, and its row has it.
+    void boxIdentified(const QString& ip, const QString& mac);
     /// No box is being upgraded any more.
     void monitorWanted();
     /// The selected box is not upgraded after all; its panes are to be shown again.

@@ -57,7 +57,8 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
                                   &Tarn_Hub::R_stateChanged);
              })
     , devices(makeRegistry(window, form, options))
-    , hub{state, *devices, runner, *Spark_Http::instance(), exchange, window}
+    , orders({*devices, runner, *Spark_Http::instance(), exchange, *window})
+    , hub{state, *devices, orders, *Spark_Http::instance(), exchange, window}
     , language(nullptr)
     , frame(form, window)
     , localAddresses(form.device_list->ui.localip)
@@ -74,7 +75,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , save(hub, form.config_area->ui, panel)
     , controlBusy(form.control_area->ui.busy_control, {form.control_area->ui.control_body})
     , encoder(hub, form.control_area->ui, controlBusy)
-    , audio(hub, form.control_area->ui, controlBusy)
+    , audio(hub, form.control_area->ui)
     , decode(hub, encoder, controlBusy)
     , live(hub)
     , recordings(hub, *form.monitor_bottom->ui.storageWidget,
@@ -107,8 +108,9 @@ void Tarn_Hub::Features::connectRooms()
     QObject::connect(&monitor, &Monitor::recordClock, &record.watch(), &RecordWatch::hear);
     QObject::connect(&monitor, &Monitor::streamLost, &record.watch(), &RecordWatch::lose);
     QObject::connect(&deviceInfo, &DeviceInfo::deviceChanged, &deviceList, &DeviceList::repaint);
-    QObject::connect(&deviceInfo, &DeviceInfo::macReported, &panel, &ParameterPanel::noteMac);
+    // The engine corrects the row first, and hears from boxes by itself.
     QObject::connect(&deviceInfo, &DeviceInfo::macReported, &upgrade, &UpgradeFeatures::noteMac);
+    QObject::connect(&upgrade, &UpgradeFeatures::boxIdentified, &panel, &ParameterPanel::noteMac);
     QObject::connect(&upgrade, &UpgradeFeatures::waitingWanted, &frame, &WindowFrame::showWaiting);
     QObject::connect(&upgrade, &UpgradeFeatures::monitorWanted, &frame,
                      &WindowFrame::showMonitorPage);

@@ -17,6 +17,7 @@
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub.h"
 #include "ui/hub/hub_state.h"
+#include "ui/hub/orders.h"
 #include "ui/monitor/monitor.h"
 #include "ui/recordings/record_control.h"
 #include "ui/recordings/recording_downloads.h"
@@ -50,6 +51,7 @@ struct Tarn_Hub::Features {
     CommandRunner runner;
     std::unique_ptr<DeviceRegistry> devices;
     Exchange exchange;
+    Orders orders;
     const Hub hub;
 
     Language language;

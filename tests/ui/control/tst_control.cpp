@@ -117,9 +117,9 @@ void tst_Control::encoderFailure_data()
     row("HB, action fails", "HB", "fail ndienc_on", 4, "控制 HB 失败,请重试!");
     row("HB, first fails", "HB", "fail hxenc_off", 4, "控制 HB 失败,请重试!");
     row("HX3, write fails", "HX3", "fail write", 5, "控制 HX3 失败,请重试!");
-    row("HX2 off, garbage", "HX2", "garbage", 1, "控制 HX2 失败,请重试!");
+    row("HX2 off, garbage", "HX2", "garbage on control", 1, "控制 HX2 失败,请重试!");
     row("H.265", "H265", "fail hxenc_on", 5, "控制 H264 失败,请重试!");
-    row("HB, box hangs up", "HB", "hang-up 0", 4, "控制 HB 失败,请重试!");
+    row("HB, box hangs up", "HB", "hang-up 0", 0, "控制 HB 失败,请重试!");
 }
 
 void tst_Control::encoderFailure()

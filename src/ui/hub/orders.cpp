@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include "ui/hub/orders.h"
+
+#include "common/box_protocol.h"
+#include "common/box_reply.h"
+#include "common/command_runner.h"
+#include "common/http_result.h"
+#include "common/spark_http.h"
+#include "device/device_registry.h"
+#include "device/item.h"
+#include "device/tree_model.h"
+#include "ui/hub/exchange.h"
+
+#include <QEventLoop>
+#include <QTimer>
+#include <QWidget>
+
+namespace
+{
+
+const QString requestType = QStringLiteral("orderIdentity");
+/// One lost answer must not fail an order; an operator who waits for it must not wait long.
+constexpr int mostQuestions = 3;
+constexpr int questionPauseMs = 200;
+
+} // namespace
+
+BoxId BoxId::of(const Item& box)
+{
+    return {box.address(), box.macAddress()};
+}
+
+Orders::Orders(const Ways& ways) : QObject(nullptr), m_ways(ways)
+{
+    ways.exchange.onResult(requestType, [this](const HttpResult& result) { handleAnswer(result); });
+}
+
+void Orders::confirm(const BoxId& box, const QObject* context, std::function<void(bool may)> then)
+{
+    if (!isFree(box.ip)) {
+        QTimer::singleShot(0, context, [then = std::move(then)] { then(false); });
+        return;
+    }
+    // Those who come while it is asked wait for the same answer, or a later order might overtake an
+    // earlier one.
+    Question& question = m_questions[box.ip];
+    question.waiters << Waiter{box, context, std::move(then)};
+    if (question.waiters.size() == 1)
+        ask(box.ip);
+}
+
+void Orders::ask(const QString& ip)
+{
+    Question& question = m_questions[ip];
+    ++question.asked;
+    question.id =
+        m_ways.http.getFirst(requestType, BoxProtocol::readUrl(ip, BoxProtocol::MACAddress));
+}
+
+void Orders::handleAnswer(const HttpResult& result)
+{
+    const QString ip = result.deviceIp;
+    const Question question = m_questions.value(ip);
+    if (question.id != result.id)
+        return;
+    const bool hasAnswered =
+        result.isRefusal() ||
+        (result.value.isValid() && result.parameterName == BoxProtocol::MACAddress);
+    if (!hasAnswered && question.asked < mostQuestions) {
+        QTimer::singleShot(questionPauseMs, this, [this, ip] { ask(ip); });
+        return;
+    }
+    m_questions.remove(ip);
+    const QString mac = result.value.toString();
+    const Item* row = m_ways.devices.model().find(ip);
+    if (row && BoxProtocol::isMacAddress(mac) && !BoxProtocol::isSameMac(mac, row->macAddress()))
+        emit identified(ip, mac);
+    for (const Waiter& waiter : question.waiters) {
+        if (!waiter.context)
+            continue;
+        // Of a box that never told its MAC address nobody can say that this is another one: the
+        // only order that goes to whoever answers.
+        const bool isMeant =
+            waiter.box.mac.isEmpty() ? hasAnswered : BoxProtocol::isSameMac(mac, waiter.box.mac);
+        // Each on its own: one may block, and the answer would be old for the next.
+        QTimer::singleShot(0, waiter.context, [this, waiter, isMeant] {
+            waiter.then(isMeant && isFree(waiter.box.ip) && m_ways.window.isVisible());
+        });
+    }
+}
+
+/// Of a box that has left the list nobody knows whether an upgrade has it.
+bool Orders::isFree(const QString& ip) const
+{
+    const Item* row = m_ways.devices.model().find(ip);
+    return row && !row->isOwned();
+}
+
+void Orders::send(const BoxId& box, const QString& command, const QVariantMap& properties,
+                  const QObject* context, std::function<void(bool isSent)> then)
+{
+    confirm(box, context,
+            [this, ip = box.ip, command, properties, then = std::move(then)](bool may) {
+                if (!m_ways.window.isVisible())
+                    return;
+                if (may)
+                    m_ways.runner.execCurl(ip, command, properties);
+                then(may);
+            });
+}
+
+/// Blocks, serving events.
+bool Orders::mayRun(const BoxId& box)
+{
+    bool mayRun = false;
+    QEventLoop loop;
+    confirm(box, &loop, [&](bool may) {
+        mayRun = may;
+        loop.quit();
+    });
+    loop.exec();
+    return mayRun;
+}
+
+SequenceResult Orders::run(BoxId box, QStringList commands, bool exact)
+{
+    ++m_running;
+    const SequenceResult result = sendAll(box, commands, exact);
+    --m_running;
+    return m_ways.window.isVisible() ? result : SequenceResult::WindowClosed;
+}
+
+SequenceResult Orders::sendAll(const BoxId& box, const QStringList& commands, bool exact)
+{
+    bool allSucceeded = true;
+    bool isSure = false;
+    for (const QString& command : commands) {
+        // An address passes on only while nobody answers at it.
+        isSure = isSure || mayRun(box);
+        // An upgrade may have taken the box meanwhile: nobody else may tell it anything.
+        if (!isSure || !isFree(box.ip) || !m_ways.window.isVisible())
+            return SequenceResult::SomeFailed;
+        const BoxReply reply(m_ways.runner.execCurlWait(box.ip, command));
+        isSure = exact ? reply.isSetSuccess() : reply.containsSuccess();
+        allSucceeded &= isSure;
+    }
+    return allSucceeded ? SequenceResult::AllSucceeded : SequenceResult::SomeFailed;
+}
