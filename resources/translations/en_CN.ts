@@ -142,6 +142,13 @@
     </message>
   </context>
   <context>
+    <name>Closing</name>
+    <message>
+      <source>正在向KORA发送设置,完成后将自动关闭.</source>
+      <translation>Settings are being sent to KORA. The program closes when this is done.</translation>
+    </message>
+  </context>
+  <context>
     <name>ConfigurationArea</name>
     <message>
       <source>配置区域:</source>

@@ -142,6 +142,13 @@
     </message>
   </context>
   <context>
+    <name>Closing</name>
+    <message>
+      <source>正在向KORA发送设置,完成后将自动关闭.</source>
+      <translation>KORA에 설정을 보내는 중입니다. 완료되면 프로그램이 자동으로 닫힙니다.</translation>
+    </message>
+  </context>
+  <context>
     <name>ConfigurationArea</name>
     <message>
       <source>配置区域:</source>

@@ -92,6 +92,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , updateCheck(*Spark_Http::instance(), options.updateServer, applicationVersion())
     , updatePrompt(hub, updateCheck, applicationVersion(), QCoreApplication::applicationDirPath(),
                    [this] { return mustNotEnd(); })
+    , closing(orders, *window)
 {
 }
 
@@ -136,5 +137,5 @@ void Tarn_Hub::Features::start()
 
 bool Tarn_Hub::Features::mustNotEnd() const
 {
-    return !upgrade.isIdle() || !downloads.isIdle();
+    return !upgrade.isIdle() || orders.isRunning() || !downloads.isIdle();
 }

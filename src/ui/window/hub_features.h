@@ -24,6 +24,7 @@
 #include "ui/recordings/recordings.h"
 #include "ui/upgrade/drop_areas.h"
 #include "ui/upgrade/upgrade_features.h"
+#include "ui/window/closing.h"
 #include "ui/window/crash_notice.h"
 #include "ui/window/language.h"
 #include "ui/window/tarn_hub.h"
@@ -43,7 +44,8 @@ struct Tarn_Hub::Features {
     /// What the features begin with, once the window has its size.
     void start();
 
-    /// Boxes are being upgraded or get their settings back, or recordings are being downloaded.
+    /// Boxes are being upgraded or get their settings back, one is being told a list of commands,
+    /// or recordings are being downloaded.
     bool mustNotEnd() const;
 
     Ui::Tarn_Hub form;
@@ -77,4 +79,5 @@ struct Tarn_Hub::Features {
     UpgradeFeatures upgrade;
     UpdateCheck updateCheck;
     UpdatePrompt updatePrompt;
+    Closing closing;
 };

@@ -69,7 +69,7 @@ bool Tarn_Hub::eventFilter(QObject* watched, QEvent* event)
 
 void Tarn_Hub::closeEvent(QCloseEvent* event)
 {
-    event->setAccepted(m->upgrade.mayClose() && m->downloads.mayClose());
+    event->setAccepted(m->closing.mayClose() && m->upgrade.mayClose() && m->downloads.mayClose());
 }
 
 void Tarn_Hub::refreshLocalIP()

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "ui/window/closing.h"
+
+#include "ui/hub/orders.h"
+#include "widgets/message_box.h"
+
+#include <QApplication>
+#include <QWidget>
+
+Closing::Closing(const Orders& orders, QWidget& window)
+    : QObject(nullptr), m_orders(orders), m_window(window)
+{
+    m_again.setInterval(100);
+    connect(&m_again, &QTimer::timeout, this, &Closing::tryAgain);
+}
+
+bool Closing::mayClose()
+{
+    if (!m_orders.isRunning())
+        return true;
+    if (!m_again.isActive())
+        m_notice = messageBox::notify(tr("正在向KORA发送设置,完成后将自动关闭."), &m_window);
+    m_again.start();
+    return false;
+}
+
+void Closing::tryAgain()
+{
+    if (m_orders.isRunning() || QApplication::activeModalWidget())
+        return;
+    m_again.stop();
+    if (m_notice)
+        m_notice->close();
+    m_window.close();
+}
