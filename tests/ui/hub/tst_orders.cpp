@@ -16,8 +16,9 @@ private slots:
     void cleanup() { m_fixture.reset(); }
     void anotherBoxIsToldNothing_data();
     void anotherBoxIsToldNothing();
-    void lostAnswersFailNothing();
     void boxThatNeverToldIsWhoeverAnswers();
+    void whatHappensMeanwhileCounts_data();
+    void whatHappensMeanwhileCounts();
 
 private:
     /// What the operator does: "what", or "page/button in its dialog".
@@ -105,21 +106,14 @@ void tst_Orders::anotherBoxIsToldNothing()
     m_fixture->save("设置参数成功.");
 }
 
-void tst_Orders::lostAnswersFailNothing()
-{
-    m_fixture->openKnowing({7});
-    m_fixture->select(7, WindowFixture::settings());
-    QVERIFY(m_box->addFault("garbage on read+eParam_MACAddress times 2"));
-    m_fixture->save("设置参数成功.");
-}
-
-/// And from then on it is that one, for the panels as well.
+/// And from then on it is that one, for the panels as well. One lost answer changes nothing.
 void tst_Orders::boxThatNeverToldIsWhoeverAnswers()
 {
     QVERIFY(m_box->addFault("garbage on read+eParam_MACAddress times 2")); // found, then selected
     m_fixture->openWith({7, 8});
     m_fixture->select(7, WindowFixture::settings());
     QCOMPARE(m_fixture->item(7)->macAddress(), QString());
+    QVERIFY(m_box->addFault("garbage on read+eParam_MACAddress times 2"));
     m_fixture->save("设置参数成功.");
     QCOMPARE(m_fixture->item(7)->macAddress(), m_box->parameter("eParam_MACAddress"));
     passOn();
@@ -127,6 +121,39 @@ void tst_Orders::boxThatNeverToldIsWhoeverAnswers()
     m_fixture->item(7)->setMacAddress(m_other->parameter("eParam_MACAddress"));
     m_fixture->save("设置参数部分失败,请检查KORA网络状态后重试.");
     QCOMPARE(WindowFixture::told(*m_other), QStringList());
+}
+
+void tst_Orders::whatHappensMeanwhileCounts_data()
+{
+    columns<QString, QString>("order", "meanwhile");
+    row("mode of a box that an upgrade takes", "HB", "owned");
+    row("recording on a box that leaves the list", "recode", "gone");
+    row("restart of a box that an upgrade takes", "restart", "owned");
+    row("restart and end", "restart", "closed");
+}
+
+/// While the box has not said who it is.
+void tst_Orders::whatHappensMeanwhileCounts()
+{
+    const auto [order, meanwhile] = cells<QString, QString>();
+    m_fixture->openKnowing({7});
+    m_fixture->select(7, WindowFixture::settings());
+    QVERIFY(m_box->addFault("slow 900 on read+eParam_MACAddress"));
+    QTimer::singleShot(600, this, [this, meanwhile = meanwhile] {
+        if (meanwhile == "owned")
+            m_fixture->item(7)->setOwned(true);
+        else if (meanwhile == "gone")
+            m_fixture->deviceView()->treeModel()->remove(m_fixture->item(7));
+        else
+            m_fixture->window().hide();
+    });
+    DialogAnswerer answers;
+    act(order, answers);
+    const int asked = order == "restart" ? 1 : 0;
+    QTRY_COMPARE(answers.texts().size(), asked + (meanwhile == "closed" ? 0 : 1));
+    QTRY_COMPARE(m_box->requests().size(), 1);
+    QTest::qWait(600); // for what must not come
+    QCOMPARE(WindowFixture::told(*m_box), QStringList());
 }
 
 QTEST_MAIN(tst_Orders)
