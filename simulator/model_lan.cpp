@@ -106,14 +106,15 @@ void ModelLan::read(const QString& ip, const QString& parameter, Answered answer
     trace(ip, QStringLiteral("read"), parameter);
     ask(
         ip, ReadLimitMs, &ModelBoxHabits::readMs,
-        [parameter](ModelBox& box) {
+        [this, parameter](ModelBox& box) {
             if (parameter == box.habits.unreadable)
                 return QString();
             const QString name = quoted(parameter);
             if (parameter == QLatin1String("eParam_FirmVersion") && box.tellsPackage)
                 return QStringLiteral("{\"param_name\":%1,\"value\":%2}")
                     .arg(name, quoted(box.packageVersion));
-            if (parameter == box.habits.missing || !box.settings.contains(parameter))
+            const bool isDenied = parameter == box.habits.denied && m_time.now() < box.deniesUntil;
+            if (isDenied || parameter == box.habits.missing || !box.settings.contains(parameter))
                 return QStringLiteral("{\"param_name\":%1,\"status\":\"failed\"}").arg(name);
             return QStringLiteral("{\"param_name\":%1,\"value\":%2}")
                 .arg(name, quoted(box.settings.value(parameter)));
@@ -322,14 +323,19 @@ void ModelLan::swapAddresses(ModelBox& a, ModelBox& b)
     }
 }
 
-/// `awayMs` below 0: for good. `before` happens when it is off.
-void ModelLan::goAway(ModelBox& box, int awayMs, std::function<void()> before)
+int ModelLan::turnOff(ModelBox& box)
 {
-    trace(box.address, box.mac, QStringLiteral("goes away"));
     box.isOn = false;
     box.isChanging = box.tellsPackage = false;
     box.hasPackage = false;
-    const int life = ++box.life;
+    return ++box.life;
+}
+
+/// `awayMs` below 0: for good. `before` happens when it is off.
+void ModelLan::goAway(ModelBox& box, int awayMs, const std::function<void()>& before)
+{
+    trace(box.address, box.mac, QStringLiteral("goes away"));
+    const int life = turnOff(box);
     if (before)
         before();
     if (awayMs < 0)
@@ -346,10 +352,7 @@ void ModelLan::goAway(ModelBox& box, int awayMs, std::function<void()> before)
 void ModelLan::powerCycle(ModelBox& box, int awayMs, const QString& address)
 {
     trace(box.address, box.mac, QStringLiteral("loses its power"));
-    box.isOn = false;
-    box.isChanging = box.tellsPackage = false;
-    box.hasPackage = false;
-    const int life = ++box.life;
+    const int life = turnOff(box);
     m_time.in(awayMs, [this, &box, life, address] {
         if (box.life == life)
             comeBack(box, address);
@@ -366,6 +369,7 @@ void ModelLan::comeBack(ModelBox& box, const QString& address)
     box.unapplied = false;
     box.isOn = true;
     box.reachableSince = m_time.now();
+    box.deniesUntil = m_time.now() + box.habits.denyMs;
     trace(wanted, box.mac, QStringLiteral("is there"));
     if (m_appeared)
         m_appeared(box);

@@ -48,10 +48,6 @@ struct ModelBoxHabits {
     enum class Change { Normal, StaysAway, FallsBack, OlderVersion, Refuses, NeverBegins };
     enum class Answer { AtOnce, Late, Never, HangsUp };
 
-    /// Of any kind, most of them good. `draw` gives a number from 0 to below its argument.
-    static ModelBoxHabits drawn(const std::function<int(int below)>& draw,
-                                const QStringList& parameters);
-
     int readMs = 20;
     int writeMs = 30;
     int uploadMs = 8000;
@@ -68,8 +64,10 @@ struct ModelBoxHabits {
     QStringList resets;          ///< settings that the new firmware puts back
     QString unreadable;          ///< a parameter whose reads are never answered
     QString missing;             ///< a parameter that it does not have
-    QString unwritable;          ///< a parameter that it refuses
-    QString misunderstood;       ///< a parameter that it takes as something else
+    QString denied;              ///< a parameter that it denies for `denyMs` after its start
+    int denyMs = 0;
+    QString unwritable;    ///< a parameter that it refuses
+    QString misunderstood; ///< a parameter that it takes as something else
 };
 
 /// A box without sockets, on a ModelLan. It notes what may never happen to it.
@@ -88,6 +86,7 @@ struct ModelBox {
     qint64 orderedAt = -1;     ///< its last activation
     bool tellsPackage = false; ///< as its version, before it runs it
     qint64 reachableSince = -1000000;
+    qint64 deniesUntil = 0;
     QMap<QString, QString> writtenElsewhere; ///< settings, by somebody else
     bool isInOtherHands = false;             ///< somebody else has changed its version
     bool unapplied = false;                  ///< something was written since its last start
@@ -175,7 +174,9 @@ private:
              std::function<QString(ModelBox&)> handle, Answered answered);
     void acted(const ModelBox& box, const QString& act) const;
     void noteTwins(ModelBox& box, const QString& parameter);
-    void goAway(ModelBox& box, int awayMs, std::function<void()> before);
+    /// Off; a number of this time of its life.
+    int turnOff(ModelBox& box);
+    void goAway(ModelBox& box, int awayMs, const std::function<void()>& before);
     void changeOver(ModelBox& box);
     void comeBack(ModelBox& box, const QString& address);
 

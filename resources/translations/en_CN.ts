@@ -59,6 +59,37 @@
     </message>
   </context>
   <context>
+    <name>BoxGuard</name>
+    <message>
+      <source>设备可能仍在更新固件</source>
+      <translation>The device may still be at work on its firmware</translation>
+    </message>
+    <message>
+      <source>未确认此地址上是哪台设备</source>
+      <translation>It was not confirmed which device is at this address</translation>
+    </message>
+    <message>
+      <source>不能确定设置属于哪台设备</source>
+      <translation>It is not certain whose settings these are</translation>
+    </message>
+    <message>
+      <source>设置尚未写入磁盘</source>
+      <translation>The settings are not on disk yet</translation>
+    </message>
+    <message>
+      <source>写入的不是此设备的设置</source>
+      <translation>What was to be written is not a setting of this device</translation>
+    </message>
+    <message>
+      <source>设备已经收到过更新固件的命令</source>
+      <translation>The device has been told to update already</translation>
+    </message>
+    <message>
+      <source>更新固件的命令尚未写入磁盘</source>
+      <translation>The order to update is not on disk yet</translation>
+    </message>
+  </context>
+  <context>
     <name>BoxUpgrade</name>
     <message>
       <source>开始上传固件(%1)</source>
@@ -139,6 +170,10 @@
     <message>
       <source>设置已写回,但不能确定设备已重启</source>
       <translation>The settings were written back, but it is not certain that the device restarted</translation>
+    </message>
+    <message>
+      <source>内部检查未通过(%1),已停止对此设备的操作</source>
+      <translation>An internal check failed (%1): nothing more is sent to this device</translation>
     </message>
   </context>
   <context>
@@ -1009,10 +1044,6 @@ Close the program?</translation>
   <context>
     <name>UpgradeReport</name>
     <message>
-      <source>未保留,已切换为DHCP</source>
-      <translation>Not kept, switched to DHCP</translation>
-    </message>
-    <message>
       <source>未保留</source>
       <translation>Not kept</translation>
     </message>
@@ -1163,6 +1194,14 @@ Close the program?</translation>
     <message>
       <source>已切换为DHCP</source>
       <translation>Switched to DHCP</translation>
+    </message>
+    <message>
+      <source>内部检查已停止此升级:%1</source>
+      <translation>Stopped by an internal check: %1</translation>
+    </message>
+    <message>
+      <source>设备称没有这些设置:%1</source>
+      <translation>Settings that the device says it does not have: %1</translation>
     </message>
   </context>
   <context>

@@ -59,6 +59,37 @@
     </message>
   </context>
   <context>
+    <name>BoxGuard</name>
+    <message>
+      <source>设备可能仍在更新固件</source>
+      <translation>장치가 아직 펌웨어를 업데이트 중일 수 있습니다</translation>
+    </message>
+    <message>
+      <source>未确认此地址上是哪台设备</source>
+      <translation>이 주소에 어떤 장치가 있는지 확인되지 않았습니다</translation>
+    </message>
+    <message>
+      <source>不能确定设置属于哪台设备</source>
+      <translation>설정이 어느 장치의 것인지 확실하지 않습니다</translation>
+    </message>
+    <message>
+      <source>设置尚未写入磁盘</source>
+      <translation>설정이 아직 디스크에 저장되지 않았습니다</translation>
+    </message>
+    <message>
+      <source>写入的不是此设备的设置</source>
+      <translation>쓰려는 값이 이 장치의 설정이 아닙니다</translation>
+    </message>
+    <message>
+      <source>设备已经收到过更新固件的命令</source>
+      <translation>장치에 이미 업데이트 명령을 보냈습니다</translation>
+    </message>
+    <message>
+      <source>更新固件的命令尚未写入磁盘</source>
+      <translation>업데이트 명령이 아직 디스크에 기록되지 않았습니다</translation>
+    </message>
+  </context>
+  <context>
     <name>BoxUpgrade</name>
     <message>
       <source>开始上传固件(%1)</source>
@@ -139,6 +170,10 @@
     <message>
       <source>设置已写回,但不能确定设备已重启</source>
       <translation>설정을 다시 썼으나 장치가 다시 시작되었는지 확실하지 않습니다</translation>
+    </message>
+    <message>
+      <source>内部检查未通过(%1),已停止对此设备的操作</source>
+      <translation>내부 검사 실패(%1): 이 장치에 더 이상 아무것도 보내지 않습니다</translation>
     </message>
   </context>
   <context>
@@ -1009,10 +1044,6 @@
   <context>
     <name>UpgradeReport</name>
     <message>
-      <source>未保留,已切换为DHCP</source>
-      <translation>유지 안 함, DHCP로 전환됨</translation>
-    </message>
-    <message>
       <source>未保留</source>
       <translation>유지 안 함</translation>
     </message>
@@ -1163,6 +1194,14 @@
     <message>
       <source>已切换为DHCP</source>
       <translation>DHCP로 전환됨</translation>
+    </message>
+    <message>
+      <source>内部检查已停止此升级:%1</source>
+      <translation>내부 검사로 중지됨: %1</translation>
+    </message>
+    <message>
+      <source>设备称没有这些设置:%1</source>
+      <translation>장치에 없다고 응답한 설정: %1</translation>
     </message>
   </context>
   <context>

@@ -5,6 +5,7 @@
 
 #include "common/box_protocol.h"
 #include "common/http_result.h"
+#include "upgrade/box_answer.h"
 
 namespace
 {
@@ -15,6 +16,7 @@ using Settings = UpgradeRow::Settings;
 constexpr int identifyTicks = 120;
 constexpr int longestPauseTicks = 8;
 constexpr int twinQuestions = 3;
+constexpr int versionTries = 3;
 
 } // namespace
 
@@ -22,11 +24,11 @@ BoxUpgrade::BoxUpgrade(UpgradeSession& session, int row, BoxLink& link, const Up
                        UpgradeHost& host)
     : m_session(session)
     , m_index(row)
-    , m_link(link)
+    , m_link(session, row, link, clock)
     , m_clock(clock)
     , m_host(host)
-    , m_reader(link, clock)
-    , m_writer(link)
+    , m_reader(m_link, clock)
+    , m_writer(m_link)
 {
 }
 
@@ -66,6 +68,10 @@ void BoxUpgrade::askAgain(void (BoxUpgrade::*what)())
 
 void BoxUpgrade::tick()
 {
+    if (!m_link.breach().isEmpty() && isOwner()) {
+        stopSafely();
+        return;
+    }
     m_reader.tick();
     const qint64 now = m_clock.ms();
     if (m_step == Step::Identifying && now >= m_limit && m_next) {
@@ -153,6 +159,41 @@ void BoxUpgrade::end()
     enter(Step::Ended);
 }
 
+/// Something that may never happen was about to: nothing more is sent, and what it had waits for
+/// the operator's word.
+void BoxUpgrade::stopSafely()
+{
+    m_reader.stop();
+    m_writer.stop();
+    m_orders.forget();
+    m_round.forget();
+    m_link.abandonUpload(row().address);
+    m_ordered = false;
+    m_timedOut = !m_succeeded;
+    row().stopped = m_link.breach();
+    m_host.tell(*this, tr("内部检查未通过(%1),已停止对此设备的操作").arg(row().stopped));
+    if (row().stage < Stage::Activated)
+        row().stage = Stage::UploadFailed;
+    if (row().settings != Settings::Waiting) {
+        end();
+        return;
+    }
+    spendTime();
+    row().settled = true;
+    m_held = true;
+    enter(Step::Missing);
+}
+
+/// What is known of the box goes to disk; `then` is told whether it did.
+void BoxUpgrade::keep(std::function<void(bool)> then)
+{
+    m_host.keep(*this, [this, asked = row(), then = std::move(then)](bool kept) {
+        if (kept)
+            m_link.kept(asked);
+        then(kept);
+    });
+}
+
 void BoxUpgrade::spendTime()
 {
     if (row().durationMs == 0)
@@ -177,11 +218,11 @@ void BoxUpgrade::confirmNow()
     }
     m_link.read(row().address, BoxProtocol::MACAddress,
                 m_listener.hear([this](const QString& answer) {
-                    const QString mac = HttpResult::fromBody(answer).value.toString();
+                    const QString mac = BoxAnswer::mac(answer);
                     if (BoxProtocol::isSameMac(mac, row().mac)) {
                         m_failures = 0;
                         (this->*m_confirmed)();
-                    } else if (BoxProtocol::isMacAddress(mac)) {
+                    } else if (!mac.isEmpty()) {
                         anotherBox(mac);
                     } else {
                         askAgain(&BoxUpgrade::confirmNow);
@@ -217,18 +258,17 @@ void BoxUpgrade::takeIdentity(const QString& answer)
         askAgain(&BoxUpgrade::askIdentity);
         return;
     }
-    const QString mac = told.value.toString();
-    const bool isMac = BoxProtocol::isMacAddress(mac);
+    const QString mac = BoxAnswer::mac(answer);
     if (!row().mac.isEmpty() && !BoxProtocol::isSameMac(mac, row().mac)) {
-        if (isMac)
-            anotherBox(mac);
-        else
+        if (mac.isEmpty())
             askAgain(&BoxUpgrade::askIdentity);
+        else
+            anotherBox(mac);
         return;
     }
-    if (!isMac) {
+    if (mac.isEmpty()) {
         // It has none to tell: nothing can be proved of it, and nothing kept.
-        askVersionBefore();
+        askVersionBefore(&BoxUpgrade::identified);
         return;
     }
     row().mac = mac;
@@ -241,7 +281,7 @@ void BoxUpgrade::takeIdentity(const QString& answer)
     m_tookOver = m_host.takeOver(*this);
     askTwins(m_host.otherAddresses(mac, row().address), [this](bool twins) {
         row().ambiguous = row().ambiguous || twins;
-        askVersionBefore();
+        askVersionBefore(&BoxUpgrade::identified);
     });
 }
 
@@ -285,8 +325,7 @@ void BoxUpgrade::askNextTwin(QStringList questions, std::function<void(bool)> th
     const QString ip = questions.takeFirst();
     m_link.read(ip, BoxProtocol::MACAddress,
                 m_listener.hear([this, ip, questions, then](const QString& answer) {
-                    const QString mac = HttpResult::fromBody(answer).value.toString();
-                    if (BoxProtocol::isSameMac(mac, row().mac)) {
+                    if (BoxAnswer::isMac(answer, row().mac)) {
                         then(true);
                         return;
                     }
@@ -297,27 +336,28 @@ void BoxUpgrade::askNextTwin(QStringList questions, std::function<void(bool)> th
                 }));
 }
 
-void BoxUpgrade::askVersionBefore()
+void BoxUpgrade::askVersionBefore(void (BoxUpgrade::*then)())
+{
+    m_versionAsked = then;
+    m_versionTries = 0;
+    askVersionNow();
+}
+
+void BoxUpgrade::askVersionNow()
 {
     m_link.read(row().address, BoxProtocol::FirmVersion,
                 m_listener.hear([this](const QString& answer) {
-                    if (takeVersionBefore(answer) || ++m_versionTries >= versionTries)
-                        identified();
-                    else
-                        askAgain(&BoxUpgrade::askVersionBefore);
+                    const QString version = BoxAnswer::version(answer);
+                    if (version.isEmpty() && ++m_versionTries < versionTries) {
+                        askAgain(&BoxUpgrade::askVersionNow);
+                        return;
+                    }
+                    if (!version.isEmpty()) {
+                        row().versionBefore = version;
+                        m_host.versionTold(row().address, version);
+                    }
+                    (this->*m_versionAsked)();
                 }));
-}
-
-/// False when it is none.
-bool BoxUpgrade::takeVersionBefore(const QString& answer)
-{
-    const HttpResult told = HttpResult::fromBody(answer);
-    const QString version = told.value.toString();
-    if (told.parameterName != BoxProtocol::FirmVersion || version.isEmpty())
-        return false;
-    row().versionBefore = version.left(UpgradeRow::LongestVersion);
-    m_host.versionTold(row().address, version);
-    return true;
 }
 
 void BoxUpgrade::identified()

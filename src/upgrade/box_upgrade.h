@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "upgrade/box_guard.h"
 #include "upgrade/settings_reader.h"
 #include "upgrade/settings_writer.h"
 #include "upgrade/upgrade_record.h"
@@ -75,7 +76,7 @@ public:
         Away,        ///< until it was away and is back, or tells the package's version
         WritingBack, ///< settings, then read again
         Restarting,  ///< after its settings were written
-        Missing,     ///< not back in time, its settings wait for it: nothing is sent
+        Missing,     ///< not back in time, its settings wait: it is only asked who it is
         Ended,
     };
 
@@ -106,8 +107,10 @@ public:
     void countDown();
     /// The batch is over: an upload that still runs is given up.
     void endBatch();
-    /// Somebody has heard this box at `ip`.
+    /// This box has told somebody at `ip` who it is.
     void heardAt(const QString& ip);
+    /// Somebody answers at `ip`, which may be this box.
+    void cameOnline(const QString& ip);
 
     Step step() const { return m_step; }
     UpgradeRow& row() const { return m_session.rows[m_index]; }
@@ -117,6 +120,8 @@ public:
 
     /// Its settings wait for the operator's word.
     bool isHeld() const { return m_held; }
+    /// A later upgrade has taken over what waits.
+    bool isHandingOver() const { return m_handingOver; }
     /// It has told who it is, in this run of the program or an earlier one.
     bool isIdentified() const { return m_identified || m_step >= Step::Away; }
 
@@ -128,9 +133,10 @@ public:
     int secondsLeft() const { return m_secondsLeft; }
 
     /// How long an upgrade may take, and a box stay away, in the upgrade's seconds.
-    static constexpr int AllowanceTicks = 600;
+    static constexpr int AllowanceTicks = BoxGuard::AllowanceTicks;
 
 private:
+    static constexpr int RestartTicks = 120;
     using Next = void (BoxUpgrade::*)();
 
     void enter(Step step);
@@ -141,6 +147,8 @@ private:
     void leaveAlone(const QString& reason);
     void giveUpUpload(const QString& reason);
     void end();
+    void stopSafely();
+    void keep(std::function<void(bool kept)> then);
     void spendTime();
     qint64 ticks(int count) const { return qint64(count) * m_clock.tickMs(); }
 
@@ -152,9 +160,9 @@ private:
     void anotherBox(const QString& mac);
     void askTwins(const QStringList& addresses, std::function<void(bool twins)> then);
     void askNextTwin(QStringList questions, std::function<void(bool twins)> then);
-    void askVersionBefore();
-    bool takeVersionBefore(const QString& answer);
-    static constexpr int versionTries = 3;
+    /// Asks for the version before the change; `then` follows, with it or without.
+    void askVersionBefore(Next then);
+    void askVersionNow();
     void identified();
     /// Asks who answers at the row's address; `same` follows if it is this box. One that does not
     /// answer is asked again, another box ends the story.
@@ -182,6 +190,7 @@ private:
     bool isWatching() const;
     void watch();
     void watchTime(qint64 now);
+    void lookAt(const QString& ip);
     bool isLookingOut() const;
     void lookOut(qint64 now);
     int patience() const;
@@ -193,7 +202,7 @@ private:
     void noteAbsence();
     void askVersion();
     void takeVersion(const QString& answer);
-    bool isSteady();
+    bool isSteady() const;
     void changeOverEnded();
     void giveUpWaiting();
 
@@ -209,7 +218,7 @@ private:
 
     UpgradeSession& m_session;
     const int m_index;
-    BoxLink& m_link;
+    BoxGuard m_link;
     const UpgradeClock& m_clock;
     UpgradeHost& m_host;
     SettingsReader m_reader;
@@ -222,6 +231,7 @@ private:
     Step m_step = Step::Queued;
     Next m_next = nullptr; ///< what is to be done at m_due
     Next m_confirmed = nullptr;
+    Next m_versionAsked = nullptr;
     qint64 m_due = 0;
     qint64 m_limit = 0;     ///< of the identification
     int m_failures = 0;     ///< questions in a row without an answer

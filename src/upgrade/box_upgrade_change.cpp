@@ -4,6 +4,7 @@
 
 #include "common/box_protocol.h"
 #include "common/box_reply.h"
+#include "upgrade/kept_settings.h"
 
 #include <QFileInfo>
 
@@ -41,6 +42,7 @@ void BoxUpgrade::readSettings()
                            return;
                        }
                        row().saved = values;
+                       row().absent = KeptSettings::missingFrom(values);
                        row().settings = Settings::Waiting;
                        m_host.settingsRead(*this, values);
                        switchDhcp();
@@ -52,7 +54,7 @@ void BoxUpgrade::switchDhcp()
 {
     enter(Step::SwitchingDhcp);
     row().dhcpForced = row().saved.value(BoxProtocol::DHCP) == QLatin1String("0");
-    m_host.keep(*this, [this](bool kept) {
+    keep([this](bool kept) {
         if (m_step != Step::SwitchingDhcp)
             return;
         if (kept) {
@@ -70,8 +72,8 @@ void BoxUpgrade::switchDhcp()
 
 void BoxUpgrade::orderDhcp()
 {
-    // Dropped meanwhile: nobody would undo it.
-    if (row().settings != Settings::Waiting) {
+    // Dropped meanwhile, or never told: nobody would undo it.
+    if (row().settings != Settings::Waiting || !row().saved.contains(BoxProtocol::DHCP)) {
         row().dhcpForced = false;
         beginUploading();
         return;
@@ -141,26 +143,19 @@ void BoxUpgrade::uploadAgain()
 void BoxUpgrade::activate()
 {
     enter(Step::Activating);
-    m_versionTries = 0;
     confirm(&BoxUpgrade::askVersionAgain);
 }
 
 void BoxUpgrade::askVersionAgain()
 {
-    m_link.read(row().address, BoxProtocol::FirmVersion,
-                m_listener.hear([this](const QString& answer) {
-                    if (takeVersionBefore(answer) || ++m_versionTries >= versionTries)
-                        keepActivation();
-                    else
-                        askAgain(&BoxUpgrade::askVersionAgain);
-                }));
+    askVersionBefore(&BoxUpgrade::keepActivation);
 }
 
 /// From here on the box may change over at any moment: that is on disk before it is told to.
 void BoxUpgrade::keepActivation()
 {
     row().stage = Stage::Activated;
-    m_host.keep(*this, [this](bool kept) {
+    keep([this](bool kept) {
         if (m_step != Step::Activating)
             return;
         if (kept) {

@@ -3,14 +3,13 @@
 #include "upgrade/box_upgrade.h"
 
 #include "common/box_protocol.h"
-#include "common/http_result.h"
+#include "upgrade/box_answer.h"
 
 namespace
 {
 
 using Settings = UpgradeRow::Settings;
 
-constexpr int restartTicks = 120;
 constexpr int mostLost = 10;
 constexpr int mostRestartOrders = 3;
 /// Where the order was not answered it may not have arrived, and a shorter silence be the
@@ -19,10 +18,56 @@ constexpr int sureAbsenceTicks = 20;
 
 } // namespace
 
-int BoxUpgrade::patience() const
+// --- whose word and whose box ------------------------------------------------------------------
+
+void BoxUpgrade::release()
 {
-    return m_step == Step::Restarting ? restartTicks : AllowanceTicks;
+    m_held = false;
+    if (m_step == Step::Missing && !m_handingOver)
+        awaitBox();
 }
+
+void BoxUpgrade::awaitBox()
+{
+    m_ordered = false;
+    row().settled = false;
+    enter(Step::Away);
+    watch();
+}
+
+void BoxUpgrade::dropSettings()
+{
+    // Half of them written is worse than all.
+    const bool begun = m_step == Step::WritingBack || m_step == Step::Restarting;
+    if (row().settings != Settings::Waiting || begun)
+        return;
+    row().settings = Settings::Dropped;
+    m_held = false;
+    if (m_step == Step::Missing)
+        end();
+    else
+        m_host.changed(*this);
+}
+
+void BoxUpgrade::handOver(UpgradeRow& to)
+{
+    // From now on only the later one writes.
+    m_handingOver = true;
+    to.settings = Settings::Waiting;
+    to.saved = row().saved;
+    to.dhcpForced = row().dhcpForced;
+}
+
+void BoxUpgrade::endHandedOver()
+{
+    if (row().settings != Settings::Waiting)
+        return;
+    row().settings = Settings::HandedOver;
+    end();
+}
+
+// --- writing
+// ---------------------------------------------------------------------------------------
 
 void BoxUpgrade::writeBack()
 {
@@ -69,17 +114,19 @@ void BoxUpgrade::takeOutcome(const SettingsWriter::Outcome& outcome)
         row().settings = outcome.unread.isEmpty() ? Settings::Restored : Settings::Unverified;
         row().lastTry = false;
         m_host.writeBackEnded(*this);
-        m_host.keep(*this, [this](bool) { confirmRestart(); });
+        keep([this](bool) { confirmRestart(); });
     } else if (row().lastTry) {
         row().settings = Settings::SomeFailed;
-        for (const QString& name : failed)
+        // What was not to be read again may have failed as well.
+        const QStringList doubtful = failed + outcome.unread;
+        for (const QString& name : doubtful)
             row().failedSettings << name + QLatin1Char('=') + row().saved.value(name).toString();
         m_host.writeBackEnded(*this);
         end();
     } else {
         row().lastTry = true;
         m_host.lastTryFollows(*this);
-        m_host.keep(*this, [this](bool) { confirmRestart(); });
+        keep([this](bool) { confirmRestart(); });
     }
 }
 
@@ -96,18 +143,17 @@ void BoxUpgrade::orderRestart()
 {
     ++m_restartOrders;
     m_restartAnswered = false;
-    m_nextRound = m_clock.ms() + ticks(restartTicks);
-    m_link.read(
-        row().address, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
-            m_restartSent =
-                BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), row().mac);
-            if (m_restartSent)
-                m_link.order(row().address, BoxOrder::Restart,
-                             m_orders.hear([this](const QString& reply) {
-                                 m_restartAnswered = m_restartAnswered || !reply.isEmpty();
-                             }));
-            beginRestart();
-        }));
+    m_nextRound = m_clock.ms() + ticks(RestartTicks);
+    m_link.read(row().address, BoxProtocol::MACAddress,
+                m_listener.hear([this](const QString& answer) {
+                    m_restartSent = BoxAnswer::isMac(answer, row().mac);
+                    if (m_restartSent)
+                        m_link.order(row().address, BoxOrder::Restart,
+                                     m_orders.hear([this](const QString& reply) {
+                                         m_restartAnswered = m_restartAnswered || !reply.isEmpty();
+                                     }));
+                    beginRestart();
+                }));
 }
 
 void BoxUpgrade::beginRestart()

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// A box from its activation until its story has ended.
+// A box that has been ordered to change over, or to restart, until it is there again.
 #include "upgrade/box_upgrade.h"
 
 #include "common/box_protocol.h"
-#include "common/http_result.h"
+#include "upgrade/box_answer.h"
 #include "upgrade/upgrade_judgement.h"
 
 namespace
@@ -32,6 +32,7 @@ void BoxUpgrade::resume()
     m_held = row().settings == Settings::Waiting;
     m_ordered = row().stage == Stage::Activated;
     row().settled = false;
+    m_link.adopted();
     if (row().settings == Settings::Restored || row().settings == Settings::Unverified)
         row().aftermath = tr("设置写回后程序曾中断,设备可能尚未重启");
     if (m_ordered) {
@@ -44,63 +45,26 @@ void BoxUpgrade::resume()
     }
 }
 
-void BoxUpgrade::release()
-{
-    m_held = false;
-    if (m_step == Step::Missing && !m_handingOver)
-        awaitBox();
-}
-
-void BoxUpgrade::awaitBox()
-{
-    m_ordered = false;
-    row().settled = false;
-    enter(Step::Away);
-    watch();
-}
-
-void BoxUpgrade::dropSettings()
-{
-    // Half of them written is worse than all.
-    const bool begun = m_step == Step::WritingBack || m_step == Step::Restarting;
-    if (row().settings != Settings::Waiting || begun)
-        return;
-    row().settings = Settings::Dropped;
-    m_held = false;
-    if (m_step == Step::Missing)
-        end();
-    else
-        m_host.changed(*this);
-}
-
-void BoxUpgrade::handOver(UpgradeRow& to)
-{
-    // From now on only the later one writes.
-    m_handingOver = true;
-    to.settings = Settings::Waiting;
-    to.saved = row().saved;
-    to.dhcpForced = row().dhcpForced;
-}
-
-void BoxUpgrade::endHandedOver()
-{
-    if (row().settings != Settings::Waiting)
-        return;
-    row().settings = Settings::HandedOver;
-    end();
-}
-
 void BoxUpgrade::heardAt(const QString& ip)
 {
-    if (isWatching()) {
-        // It is there: whoever gives it up now would not hear of it again.
+    m_missed = 0;
+    lookAt(ip);
+}
+
+/// That is no end of an absence: many answer ping long before anything else.
+void BoxUpgrade::cameOnline(const QString& ip)
+{
+    m_missed = qMin(m_missed, missedWhenAway - 1);
+    lookAt(ip);
+}
+
+void BoxUpgrade::lookAt(const QString& ip)
+{
+    // Whoever gives it up now would not hear of it again.
+    if (isWatching() || isLookingOut())
         m_candidates << ip;
-        m_missed = 0;
-    }
-    if (!isLookingOut())
-        return;
-    m_candidates << ip;
-    awaitBox();
+    if (isLookingOut())
+        awaitBox();
 }
 
 bool BoxUpgrade::isLookingOut() const
@@ -121,8 +85,7 @@ void BoxUpgrade::lookOut(qint64 now)
         if (BoxProtocol::isIpv4Address(ip))
             m_link.read(ip, BoxProtocol::MACAddress,
                         m_round.hear([this, ip](const QString& answer) {
-                            const QString mac = HttpResult::fromBody(answer).value.toString();
-                            if (BoxProtocol::isSameMac(mac, row().mac))
+                            if (BoxAnswer::isMac(answer, row().mac))
                                 heardAt(ip);
                         }));
     }
@@ -159,6 +122,11 @@ void BoxUpgrade::watchTime(qint64 now)
         askAround();
 }
 
+int BoxUpgrade::patience() const
+{
+    return m_step == Step::Restarting ? RestartTicks : AllowanceTicks;
+}
+
 bool BoxUpgrade::isOutOfTime() const
 {
     return m_clock.ms() >= m_orderedAt + ticks(patience());
@@ -186,9 +154,8 @@ void BoxUpgrade::askAround()
 
 void BoxUpgrade::takeAnswer(const QString& ip, const QString& answer)
 {
-    const QString mac = HttpResult::fromBody(answer).value.toString();
     // Of a box without a MAC address whoever answers has to do.
-    if (row().mac.isEmpty() ? !answer.isEmpty() : BoxProtocol::isSameMac(mac, row().mac))
+    if (row().mac.isEmpty() ? !answer.isEmpty() : BoxAnswer::isMac(answer, row().mac))
         m_answered << ip;
     m_asked.remove(ip);
     if (m_asked.isEmpty())
@@ -256,9 +223,8 @@ void BoxUpgrade::askVersion()
 void BoxUpgrade::takeVersion(const QString& answer)
 {
     m_askingVersion = false;
-    const HttpResult told = HttpResult::fromBody(answer);
-    const QString version = told.value.toString().left(UpgradeRow::LongestVersion);
-    const bool known = told.parameterName == BoxProtocol::FirmVersion && !version.isEmpty();
+    const QString version = BoxAnswer::version(answer);
+    const bool known = !version.isEmpty();
     if (known)
         m_host.versionTold(row().address, version);
     const bool changed = known && UpgradeJudgement::hasChangedOver(row(), version, m_wasAway);
@@ -267,6 +233,8 @@ void BoxUpgrade::takeVersion(const QString& answer)
         m_changedAt = -1;
         m_wasAway = false;
     }
+    if (changed && m_changedAt < 0)
+        m_changedAt = m_clock.ms();
     // What it told before may have been too early.
     if (changed || (known && (isOutOfTime() || !row().versionAfter.isEmpty()))) {
         row().versionAfter = version;
@@ -285,10 +253,8 @@ void BoxUpgrade::takeVersion(const QString& answer)
 /// A box may tell the package's version a moment before it restarts with it, and what passed for
 /// its restart may have been the network. Where nothing is to be written it is left to others after
 /// a while, as its restart may have been too short to be seen.
-bool BoxUpgrade::isSteady()
+bool BoxUpgrade::isSteady() const
 {
-    if (m_changedAt < 0)
-        m_changedAt = m_clock.ms();
     if (!m_wasAway && row().settings == Settings::Waiting)
         return false;
     return m_clock.ms() >= m_changedAt + ticks(m_wasAway ? steadyTicks : graceTicks);

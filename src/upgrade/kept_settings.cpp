@@ -56,3 +56,13 @@ bool KeptSettings::isValue(const QVariant& value)
             value.type() == QVariant::LongLong) &&
            value.toString().size() <= longestValue;
 }
+
+QStringList KeptSettings::missingFrom(const QVariantMap& values)
+{
+    QStringList missing;
+    for (const QString& name : BoxProtocol::configurationParameters()) {
+        if (!values.contains(name))
+            missing << name;
+    }
+    return missing;
+}

@@ -31,6 +31,8 @@ public:
 
     /// True for what can be the value of a setting: a text or a number.
     static bool isValue(const QVariant& value);
+    /// The parameters that are read to be kept, and are not among `values`.
+    static QStringList missingFrom(const QVariantMap& values);
 
 protected:
     /// MAC addresses, and for a last try the address followed by a mark.

@@ -5,6 +5,8 @@
 #include "common/http_result.h"
 #include "upgrade/kept_settings.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -12,6 +14,8 @@ constexpr int longestReadPauseTicks = 8;
 /// The most that is told between two questions who it is: each costs a batch time, and what comes
 /// between them must have come from one box.
 constexpr int mostTold = 4;
+/// Between the first time that a box says that it lacks a parameter and the next.
+constexpr int deniedTicks = 15;
 
 } // namespace
 
@@ -24,6 +28,8 @@ void SettingsReader::start(const QString& ip, const QString& mac, int limitTicks
     m_missing = BoxProtocol::configurationParameters();
     m_values.clear();
     m_told.clear();
+    m_denied.clear();
+    m_isHurried = false;
     m_failures = 0;
     m_sure = false;
     m_done = std::move(done);
@@ -35,6 +41,7 @@ void SettingsReader::start(const QString& ip, const QString& mac, int limitTicks
 
 void SettingsReader::hurry(int limitTicks)
 {
+    m_isHurried = true;
     m_limit = qMin(m_limit, m_clock.ms() + qint64(limitTicks) * m_clock.tickMs());
     if (!m_asking)
         goOn();
@@ -60,10 +67,36 @@ void SettingsReader::tick()
 void SettingsReader::goOn()
 {
     m_asking = true;
-    if (m_sure && m_told.size() < mostTold && !m_missing.isEmpty())
-        read(m_missing.first());
-    else
+    const QString next = due();
+    if (m_sure && m_told.size() < mostTold && !next.isEmpty())
+        read(next);
+    else if (!m_sure || !m_told.isEmpty() || m_missing.isEmpty())
         confirm();
+    else
+        waitForDenied();
+}
+
+bool SettingsReader::isDue(const QString& name) const
+{
+    return m_isHurried || !m_denied.contains(name) ||
+           m_clock.ms() >= m_denied[name] + qint64(deniedTicks) * m_clock.tickMs();
+}
+
+/// What is to be read next; empty when nothing is, or not yet.
+QString SettingsReader::due() const
+{
+    const auto found = std::find_if(m_missing.begin(), m_missing.end(),
+                                    [this](const QString& name) { return isDue(name); });
+    return found == m_missing.end() ? QString() : *found;
+}
+
+void SettingsReader::waitForDenied()
+{
+    m_asking = false;
+    m_sure = false;
+    m_next = m_limit;
+    for (const QString& name : qAsConst(m_missing))
+        m_next = qMin(m_next, m_denied[name] + qint64(deniedTicks) * m_clock.tickMs());
 }
 
 void SettingsReader::confirm()
@@ -122,16 +155,29 @@ void SettingsReader::take(const QString& name, const QString& answer)
     const HttpResult result = HttpResult::fromBody(answer);
     const bool isAnswer = result.parameterName == name;
     const bool hasValue = isAnswer && KeptSettings::isValue(result.value);
+    const bool isDenied = isAnswer && !result.value.isValid();
     m_missing.removeOne(name);
     // A box that says that it has no such parameter has answered, too.
-    if (hasValue || (isAnswer && !result.value.isValid())) {
+    if (hasValue || (isDenied && isBelieved(name))) {
         m_told.append({name, hasValue ? result.value : QVariant()});
         goOn();
         return;
     }
     // The others first: it may be this one that is never told.
     m_missing << name;
-    pause();
+    if (isDenied)
+        goOn();
+    else
+        pause();
+}
+
+/// False the first time.
+bool SettingsReader::isBelieved(const QString& name)
+{
+    if (m_isHurried || m_denied.contains(name))
+        return true;
+    m_denied[name] = m_clock.ms();
+    return false;
 }
 
 void SettingsReader::pause()

@@ -4,6 +4,7 @@
 #include "upgrade/box_link.h"
 #include "upgrade/upgrade_clock.h"
 
+#include <QHash>
 #include <QStringList>
 #include <QVariantMap>
 
@@ -13,8 +14,8 @@
 class SettingsReader
 {
 public:
-    /// `whole`: every parameter has a value, or the box said that it has none of that name, and at
-    /// least one has a value.
+    /// `whole`: every parameter has a value, or the box said twice, with a while between, that it
+    /// has none of that name (some say so while they start), and at least one has a value.
     using Done = std::function<void(const QVariantMap& values, bool whole)>;
 
     SettingsReader(BoxLink& link, const UpgradeClock& clock) : m_link(link), m_clock(clock) {}
@@ -23,7 +24,8 @@ public:
     /// may be empty for a box that tells none. Begins after `pauseTicks`.
     void start(const QString& ip, const QString& mac, int limitTicks, Done done,
                int pauseTicks = 0);
-    /// Somebody waits for it now: no pause any more, and `limitTicks` from now at most.
+    /// Somebody waits for it now: no pause any more, what a box says that it lacks is believed, and
+    /// `limitTicks` from now at most.
     void hurry(int limitTicks);
     /// Nothing more is asked, and `done` is not called.
     void stop();
@@ -36,8 +38,12 @@ private:
     void confirm();
     void keep();
     void forgetTold();
+    QString due() const;
+    bool isDue(const QString& name) const;
+    bool isBelieved(const QString& name);
     void read(const QString& name);
     void pause();
+    void waitForDenied();
     void take(const QString& name, const QString& answer);
     void finish(bool whole);
 
@@ -53,6 +59,8 @@ private:
     bool m_sure = false; ///< it said who it is, and has answered since
     /// What it, or another box, has told since; invalid: it has none of that name.
     QList<QPair<QString, QVariant>> m_told;
+    QHash<QString, qint64> m_denied; ///< when it said first that it has none of that name
+    bool m_isHurried = false;
     int m_failures = 0; ///< in a row
     qint64 m_next = 0;  ///< not before
     qint64 m_limit = 0;

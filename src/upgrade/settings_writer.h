@@ -17,8 +17,6 @@ public:
         QStringList refused;   ///< parameters that the box did not take
         QStringList different; ///< taken, but read again as something else
         QStringList unread;    ///< taken, but not to be read again
-
-        bool isGood() const { return !lost && refused.isEmpty() && different.isEmpty(); }
     };
     using Done = std::function<void(const Outcome& outcome)>;
 

@@ -108,7 +108,7 @@ void UpgradeFleet::cameOnline(const QString& ip)
 {
     for (const auto& box : m_boxes) {
         if (box->row().address == ip || m_addresses(box->row().mac).contains(ip))
-            box->heardAt(ip);
+            box->cameOnline(ip);
     }
 }
 
@@ -144,6 +144,9 @@ void UpgradeFleet::adopt(const QVector<UpgradeSession>& found)
             const bool later = waiting.contains(row.mac) || find(row.mac);
             if (row.settings == Settings::Waiting && later)
                 row.settings = Settings::HandedOver;
+            // One begun later has the box: this one had let go of it, whatever the disk knows.
+            if (row.settings != Settings::Waiting && waiting.contains(row.mac))
+                row.settled = true;
             if (row.settings == Settings::Waiting) {
                 waiting.insert(row.mac, row.saved);
                 when = qMax(when, session.started);
@@ -168,19 +171,20 @@ void UpgradeFleet::adopt(const QVector<UpgradeSession>& found)
 
 void UpgradeFleet::release(const QStringList& macs)
 {
-    for (const QString& mac : macs) {
-        if (BoxUpgrade* box = find(mac))
+    for (const auto& box : m_boxes) {
+        if (box->isHeld() && macs.contains(box->row().mac, Qt::CaseInsensitive))
             box->release();
     }
 }
 
 void UpgradeFleet::dropSettings(const QStringList& macs)
 {
-    for (const QString& mac : macs) {
-        if (BoxUpgrade* box = find(mac))
+    for (const auto& box : m_boxes) {
+        if (macs.contains(box->row().mac, Qt::CaseInsensitive))
             box->dropSettings();
-        m_kept.removeWaiting(mac);
     }
+    for (const QString& mac : macs)
+        m_kept.removeWaiting(mac);
 }
 
 UpgradeCounts UpgradeFleet::counts() const
@@ -287,7 +291,8 @@ bool UpgradeFleet::takeOver(BoxUpgrade& box)
 {
     for (auto it = m_boxes.rbegin(); it != m_boxes.rend(); ++it) {
         BoxUpgrade& other = **it;
-        if (&other != &box && !other.isOwner() && other.row().settings == Settings::Waiting &&
+        if (&other != &box && !other.isOwner() && !other.isHandingOver() &&
+            other.row().settings == Settings::Waiting &&
             BoxProtocol::isSameMac(other.row().mac, box.row().mac)) {
             other.handOver(box.row());
             m_takenOver.insert(&box, &other);

@@ -26,8 +26,7 @@ QString settingsText(const UpgradeRow& row)
 {
     switch (row.settings) {
     case Settings::NotKept:
-        return row.dhcpForced ? QCoreApplication::translate("UpgradeReport", "未保留,已切换为DHCP")
-                              : QCoreApplication::translate("UpgradeReport", "未保留");
+        return QCoreApplication::translate("UpgradeReport", "未保留");
     case Settings::NotSaved:
         return QCoreApplication::translate("UpgradeReport", "未能完整读取,不恢复");
     case Settings::Waiting:
@@ -55,6 +54,9 @@ QString settingsText(const UpgradeRow& row)
 QString noteText(const UpgradeRow& row)
 {
     QStringList parts;
+    if (!row.stopped.isEmpty())
+        parts << QCoreApplication::translate("UpgradeReport", "内部检查已停止此升级:%1")
+                     .arg(row.stopped);
     if (!row.failedSettings.isEmpty())
         parts << row.failedSettings.join(QStringLiteral(", "));
     if (row.settled && row.verdict() == Verdict::NotProved)
@@ -65,6 +67,9 @@ QString noteText(const UpgradeRow& row)
     if (row.dhcpForced &&
         (row.settings == Settings::Dropped || row.settings == Settings::Ambiguous))
         parts << QCoreApplication::translate("UpgradeReport", "已切换为DHCP");
+    if (!row.absent.isEmpty())
+        parts << QCoreApplication::translate("UpgradeReport", "设备称没有这些设置:%1")
+                     .arg(row.absent.join(QStringLiteral(", ")));
     // "Success", as a box was told it in its activation, is no evidence and would pass for it.
     if (!row.note.isEmpty() && row.stage != Stage::Activated)
         parts << row.note;
@@ -146,6 +151,8 @@ QString readRow(const QJsonObject& json, int format, UpgradeRow* row)
     row->aftermath = json.value(key("aftermath")).toString();
     row->started = QDateTime::fromString(json.value(key("started")).toString(), Qt::ISODateWithMs);
     row->durationMs = qint64(json.value(key("durationMs")).toDouble());
+    row->absent = json.value(key("absent")).toVariant().toStringList();
+    row->stopped = json.value(key("stopped")).toString();
     row->note = json.value(key("note")).toString();
     return QString();
 }
@@ -170,6 +177,8 @@ QJsonObject rowToJson(const UpgradeRow& row)
             {key("aftermath"), row.aftermath},
             {key("started"), row.started.toString(Qt::ISODateWithMs)},
             {key("durationMs"), double(row.durationMs)},
+            {key("absent"), QJsonArray::fromStringList(row.absent)},
+            {key("stopped"), row.stopped},
             {key("note"), row.note}};
 }
 

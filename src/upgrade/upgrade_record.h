@@ -65,6 +65,8 @@ public:
     QDateTime started;
     qint64 durationMs = 0; ///< from the start until the verdict; 0 until then
     QString aftermath;     ///< what is worth telling of the time after its settings were written
+    QStringList absent;    ///< settings that it said it does not have, when it was read to be kept
+    QString stopped;       ///< what a check that must never fail has found
     QString note;          ///< the last thing worth telling, as the box or the program put it
 };
 

@@ -14,7 +14,8 @@ QVector<UpgradeChecker::Told> UpgradeChecker::told(const UpgradeSession& session
                      row.settings, row.failedSettings,
                      row.settled,  !row.aftermath.isEmpty(),
                      row.wasAway,  row.started.toMSecsSinceEpoch() - passed,
-                     row.expected, row.ambiguous};
+                     row.expected, row.ambiguous,
+                     row.absent,   row.stopped};
     return rows;
 }
 
@@ -60,6 +61,8 @@ void UpgradeChecker::addRow(const Told& row)
         m_unverified << row.mac;
     for (const QString& setting : row.failedSettings)
         m_named << row.mac + setting.section('=', 0, 0);
+    for (const QString& name : row.absent)
+        m_named << row.mac + name;
 }
 
 QStringList UpgradeChecker::judge(const QVector<Truth>& boxes)
@@ -75,6 +78,8 @@ QStringList UpgradeChecker::judge(const QVector<Truth>& boxes)
 
 void UpgradeChecker::checkVerdict(const Told& row, const QVector<Truth>& boxes)
 {
+    if (!row.stopped.isEmpty())
+        complain(row.mac, "its guard had to stop it: " + row.stopped);
     if (!row.settled)
         complain(row.mac, "not settled");
     if (row.verdict == Verdict::UnderWay)

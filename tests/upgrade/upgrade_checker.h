@@ -24,6 +24,8 @@ public:
         qint64 from = 0;  ///< when its upgrade began, or earlier
         QString expected; ///< the version that its package tells
         bool isAmbiguous = false;
+        QStringList absent{}; ///< settings that the box said it does not have
+        QString stopped{};    ///< what the upgrade's own guard refused
     };
     /// A box in the end.
     struct Truth {

@@ -14,9 +14,44 @@ const QStringList& parameters()
 
 } // namespace
 
+/// Of any kind, most of them good.
 sim::ModelBoxHabits UpgradeStory::habits()
 {
-    return sim::ModelBoxHabits::drawn([this](int below) { return draw(below); }, parameters());
+    using Habits = sim::ModelBoxHabits;
+    const auto some = [this](int percent) {
+        return chance(percent) ? parameters().at(draw(parameters().size())) : QString();
+    };
+    Habits habits;
+    habits.readMs = chance(10) ? 1500 : 1 + draw(60);
+    habits.writeMs = chance(5) ? 2500 : 1 + draw(80);
+    habits.uploadMs = 1000 + draw(30000);
+    habits.uploadFailures = chance(15) ? draw(4) : 0;
+    habits.takesUpload = !chance(5);
+    habits.damagedUploads = chance(10) ? draw(4) : 0;
+    habits.awayMs = chance(10) ? 500 + draw(5500) : 6000 + draw(30000);
+    habits.diesOfRestart = chance(2);
+    habits.changeMs = chance(15) ? draw(400000) : draw(5000);
+    habits.earlyMs = chance(10) ? 900 : 0;
+    habits.movesOnRestart = chance(20);
+    if (chance(20))
+        habits.change = Habits::Change(draw(6));
+    if (chance(20))
+        habits.answer = Habits::Answer(draw(4));
+    if (chance(30))
+        habits.resets << QStringLiteral("eParam_NDIName") << QStringLiteral("eParam_DHCP")
+                      << QStringLiteral("eParam_NDIHXQuality");
+    if (chance(10))
+        habits.resets << QStringLiteral("eParam_IPAddress");
+    habits.unreadable = some(3);
+    habits.missing = some(5);
+    if (chance(3))
+        habits.missing =
+            chance(50) ? QStringLiteral("eParam_MACAddress") : QStringLiteral("eParam_FirmVersion");
+    habits.unwritable = some(5);
+    habits.misunderstood = some(3);
+    habits.denied = some(6);
+    habits.denyMs = 1000 + draw(20000);
+    return habits;
 }
 
 QVector<UpgradeStory::Event> UpgradeStory::troubles(int boxes)

@@ -68,6 +68,7 @@ void UpgradeWorld::addBox(int n)
     box.settings["eParam_DHCP"] = m_story.chance(50) ? "0" : "1";
     box.settings[ownAddress] = box.address;
     box.habits = m_story.habits();
+    box.deniesUntil = m_story.chance(50) ? box.habits.denyMs : 0;
     m_list[box.address] = box.mac;
     m_checker.addBox(mac, box.settings, box.habits);
 }

@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: MIT
+#include "tests/upgrade/upgrade_world.h"
+
+#include <QTest>
+
+namespace
+{
+
+const QString mac = "02:4B:4F:00:00:01";
+const QString ip = "127.1.0.1";
+const QString name = "eParam_NDIName";
+
+/// The engine over one modelled box that takes some seconds for everything.
+struct Bench {
+    Bench()
+    {
+        box.settings["eParam_DHCP"] = "1";
+        lan.setActed([this](const sim::ModelBox&, const QString& act) { acts << act; });
+    }
+
+    void pass(int seconds, const std::function<bool()>& until = {})
+    {
+        for (int n = 0; n < seconds && !(until && until()); ++n) {
+            time.runUntil(time.now() + 1000);
+            fleet.tick();
+            fleet.countDown();
+        }
+    }
+    BoxUpgrade& begin(bool keep)
+    {
+        fleet.begin({"/KORA_1.2.0.623.dat", "digest", "1.2.0.623"});
+        return fleet.add(ip, mac, keep);
+    }
+
+    sim::ModelTime time;
+    sim::ModelLan lan{time};
+    ModelLink link{lan};
+    ModelClock clock{time};
+    ModelStore store{time};
+    ModelKept kept;
+    UpgradeFleet fleet{link, clock, store, kept, [](const QString&) { return QStringList(ip); }};
+    sim::ModelBox& box = lan.add(mac, ip);
+    QStringList acts;
+};
+
+} // namespace
+
+/// What histories drawn at random reach too seldom, or never may.
+class tst_BoxUpgrade : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void guardRefusesWhatMayNeverHappen_data();
+    void guardRefusesWhatMayNeverHappen();
+    void aRefusalEndsTheUpgradeOfOneBox();
+    void aDenialIsBelievedTheSecondTime();
+    void pingEndsNoAbsence();
+    void anOlderUpgradeLeavesTheBoxToTheLater();
+};
+
+void tst_BoxUpgrade::guardRefusesWhatMayNeverHappen_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QString>("arrives");
+
+    QTest::newRow("in order") << "kept who dhcp who upload ordered who activate silent version "
+                                 "who write who restart"
+                              << "eParam_DHCP upload activate eParam_NDIName restart";
+    QTest::newRow("nobody asked who is there") << "kept dhcp"
+                                               << "";
+    QTest::newRow("asked before the last write") << "kept who dhcp upload"
+                                                 << "eParam_DHCP";
+    QTest::newRow("asked too long ago") << "kept who wait dhcp"
+                                        << "";
+    QTest::newRow("another box answers") << "kept other dhcp"
+                                         << "";
+    QTest::newRow("settings not on disk") << "who dhcp"
+                                          << "";
+    QTest::newRow("order not on disk") << "kept who upload who activate"
+                                       << "upload";
+    QTest::newRow("a second order") << "ordered who activate silent version who activate"
+                                    << "activate";
+    QTest::newRow("written while it may change") << "kept ordered who activate version who write"
+                                                 << "activate";
+    QTest::newRow("away, but with its old version") << "kept ordered who activate silent who write"
+                                                    << "activate";
+    QTest::newRow("restarted while it may change") << "ordered who activate version who restart"
+                                                   << "activate";
+    QTest::newRow("uploaded while it may change") << "ordered who activate version who upload"
+                                                  << "activate";
+    QTest::newRow("after the allowance") << "ordered who activate allowance who write"
+                                         << "activate eParam_NDIName";
+    QTest::newRow("a value of another box") << "ordered who activate allowance who foreign"
+                                            << "activate";
+    QTest::newRow("nothing after a refusal") << "dhcp kept who dhcp"
+                                             << "";
+}
+
+void tst_BoxUpgrade::guardRefusesWhatMayNeverHappen()
+{
+    QFETCH(QString, steps);
+    QFETCH(QString, arrives);
+    Bench bench;
+    sim::ModelBox& other = bench.lan.add("02:4B:4F:00:00:02", "127.1.0.2");
+    // What is judged is the guard, not how the box takes it.
+    bench.box.habits.change = sim::ModelBoxHabits::Change::Refuses;
+    bench.box.settings["eParam_FirmVersion"] = "1.0";
+    UpgradeSession session;
+    session.rows << UpgradeRow();
+    UpgradeRow& row = session.rows.first();
+    row.mac = mac;
+    row.address = ip;
+    row.versionBefore = "1.0";
+    row.settings = UpgradeRow::Settings::Waiting;
+    row.saved = {{name, "its name"}, {BoxProtocol::DHCP, "0"}};
+    BoxGuard guard(session, 0, bench.link, bench.clock);
+    const auto nothing = [](const QString&) {};
+    const auto pass = [&bench](qint64 ms) { bench.time.runUntil(bench.time.now() + ms); };
+
+    const QStringList list = steps.split(' ');
+    for (const QString& step : list) {
+        if (step == "kept") {
+            guard.kept(row);
+        } else if (step == "ordered") {
+            row.stage = UpgradeRow::Stage::Activated;
+            guard.kept(row);
+        } else if (step == "who" || step == "silent") {
+            bench.box.isDeaf = step == "silent";
+            guard.read(ip, BoxProtocol::MACAddress, nothing);
+            // So that what follows comes at once, as in an upgrade.
+            pass(step == "silent" ? 3000 : 30);
+            bench.box.isDeaf = false;
+        } else if (step == "other") {
+            bench.lan.swapAddresses(bench.box, other);
+            guard.read(ip, BoxProtocol::MACAddress, nothing);
+            pass(30);
+        } else if (step == "version") {
+            bench.box.settings["eParam_FirmVersion"] = "2.0";
+            guard.read(ip, BoxProtocol::FirmVersion, nothing);
+            pass(30);
+        } else if (step == "wait" || step == "allowance") {
+            pass(step == "wait" ? 5000 : 600000);
+        } else if (step == "upload") {
+            guard.upload(ip, "/KORA_2.0.dat", nothing);
+        } else if (step == "activate") {
+            guard.order(ip, BoxOrder::Activate, nothing);
+        } else if (step == "restart") {
+            guard.order(ip, BoxOrder::Restart, nothing);
+        } else if (step == "dhcp") {
+            guard.write(ip, BoxProtocol::DHCP, "1", nothing);
+        } else {
+            guard.write(ip, name, step == "write" ? "its name" : "another's", nothing);
+        }
+        pass(2);
+    }
+    QCOMPARE(bench.acts.join(' '), arrives);
+    QCOMPARE(guard.breach().isEmpty(),
+             QString(QTest::currentDataTag()) == "in order" ||
+                 QString(QTest::currentDataTag()) == "after the allowance");
+}
+
+/// What it had still waits for it, on disk, and the report says why.
+void tst_BoxUpgrade::aRefusalEndsTheUpgradeOfOneBox()
+{
+    Bench bench;
+    bench.box.habits.writeMs = 500;
+    BoxUpgrade& upgrade = bench.begin(true);
+    bench.pass(300, [&] { return upgrade.step() == BoxUpgrade::Step::WritingBack; });
+    QCOMPARE(upgrade.step(), BoxUpgrade::Step::WritingBack);
+    bench.acts.clear();
+    // As if another's settings had got into the row of this box.
+    for (QVariant& value : upgrade.row().saved)
+        value = "another's";
+    bench.pass(300);
+    QVERIFY2(bench.acts.size() <= 1, qPrintable(bench.acts.join(' ')));
+    QCOMPARE(upgrade.step(), BoxUpgrade::Step::Missing);
+    QVERIFY(upgrade.isHeld());
+    QVERIFY(!upgrade.row().stopped.isEmpty());
+    QCOMPARE(bench.store.journals.size(), 1);
+    const UpgradeSession& session = bench.store.journals.first();
+    QCOMPARE(session.rows.first().settings, UpgradeRow::Settings::Waiting);
+    QVERIFY(UpgradeText::cells(session, session.rows.first(), {})
+                .at(8)
+                .contains(upgrade.row().stopped));
+}
+
+/// Some boxes say for a while after their start that they have no such parameter.
+void tst_BoxUpgrade::aDenialIsBelievedTheSecondTime()
+{
+    for (const bool isThere : {true, false}) {
+        Bench bench;
+        bench.box.habits.denied = name;
+        bench.box.deniesUntil = isThere ? 10000 : 1000000;
+        BoxUpgrade& upgrade = bench.begin(true);
+        bench.pass(100, [&] { return upgrade.step() > BoxUpgrade::Step::ReadingSettings; });
+        QCOMPARE(upgrade.row().settings, UpgradeRow::Settings::Waiting);
+        QCOMPARE(upgrade.row().saved.contains(name), isThere);
+        QCOMPARE(upgrade.row().absent, isThere ? QStringList() : QStringList(name));
+        QVERIFY(bench.time.now() >= 15000);
+    }
+}
+
+/// Many boxes answer ping long before anything else.
+void tst_BoxUpgrade::pingEndsNoAbsence()
+{
+    Bench bench;
+    bench.box.habits.awayMs = 40000;
+    BoxUpgrade& upgrade = bench.begin(true);
+    bench.pass(300, [&] { return !bench.box.isOn; });
+    for (int n = 0; n < 60 && upgrade.step() == BoxUpgrade::Step::Away; ++n) {
+        bench.pass(4);
+        bench.fleet.cameOnline(ip);
+    }
+    bench.pass(30, [&] { return upgrade.step() == BoxUpgrade::Step::Restarting; });
+    QCOMPARE(upgrade.step(), BoxUpgrade::Step::Restarting);
+    QVERIFY2(bench.time.now() < 120000, qPrintable(QString::number(bench.time.now())));
+}
+
+/// On a slow disk an upgrade may have ended, and a later one begun, before the disk knows.
+void tst_BoxUpgrade::anOlderUpgradeLeavesTheBoxToTheLater()
+{
+    Bench bench;
+    UpgradeSession older;
+    older.started = QDateTime::fromMSecsSinceEpoch(1699990000000, Qt::UTC);
+    UpgradeRow row;
+    row.mac = mac;
+    row.address = row.addressBefore = ip;
+    row.started = older.started;
+    row.stage = UpgradeRow::Stage::Activated;
+    row.settings = UpgradeRow::Settings::Restored;
+    older.rows << row;
+    UpgradeSession later = older;
+    later.started = older.started.addSecs(60);
+    later.rows.first().stage = UpgradeRow::Stage::Uploading;
+    later.rows.first().settings = UpgradeRow::Settings::Waiting;
+    later.rows.first().saved = {{name, "its name"}};
+
+    bench.fleet.adopt({older, later});
+    bench.pass(10);
+    QVERIFY2(bench.acts.isEmpty(), qPrintable(bench.acts.join(' ')));
+    bench.fleet.release({mac});
+    bench.pass(100);
+    QCOMPARE(bench.acts.join(' '), QString(name + " restart"));
+    QVERIFY(bench.fleet.isIdle());
+}
+
+QTEST_GUILESS_MAIN(tst_BoxUpgrade)
+#include "tst_box_upgrade.moc"
