@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "common/http_result.h"
 
-#include "common/json_map.h"
+#include <QJsonDocument>
+#include <QJsonObject>
 
 namespace
 {
@@ -37,9 +38,10 @@ HttpResult HttpResult::fromBody(const QString& body)
 {
     HttpResult result;
     result.body = body;
-    const QVariantMap reply = jsonToMap(result.body);
+    // Not the whole of it as a map: many answers come while boxes are watched.
+    const QJsonObject reply = QJsonDocument::fromJson(body.toUtf8()).object();
     result.parameterName = reply.value(QStringLiteral("param_name")).toString();
-    result.value = reply.value(QStringLiteral("value"));
+    result.value = reply.value(QStringLiteral("value")).toVariant();
     result.status = reply.value(QStringLiteral("status")).toString();
     return result;
 }
