@@ -98,6 +98,10 @@ void giveHabits(VirtualBox& box, const ModelBoxHabits& habits, int pace)
     addAnswer(box, habits, pace);
     addFor(box, FaultKind::Garbage, QStringLiteral("read"), habits.unreadable);
     addFor(box, FaultKind::Unknown, {}, habits.missing);
+    Fault denied = fault(FaultKind::Unknown, habits.denied);
+    denied.strikes = 1;
+    if (!habits.denied.isEmpty())
+        box.addFault(denied);
     addFor(box, FaultKind::Fail, QStringLiteral("write"), habits.unwritable);
     addFor(box, FaultKind::Mistake, QStringLiteral("write"), habits.misunderstood,
            QStringLiteral("?"));
