@@ -5,20 +5,34 @@
 #include "common/http_result.h"
 #include "upgrade/upgrade_record.h"
 
+namespace
+{
+
+/// The guard and the step that asked look at the same answer one after the other.
+const HttpResult& parsed(const QString& answer)
+{
+    thread_local HttpResult last;
+    if (last.body != answer)
+        last = HttpResult::fromBody(answer);
+    return last;
+}
+
+} // namespace
+
 QString BoxAnswer::mac(const QString& answer)
 {
-    const QString told = HttpResult::fromBody(answer).value.toString();
+    const QString told = parsed(answer).value.toString();
     return BoxProtocol::isMacAddress(told) ? told : QString();
 }
 
 bool BoxAnswer::isMac(const QString& answer, const QString& mac)
 {
-    return BoxProtocol::isSameMac(HttpResult::fromBody(answer).value.toString(), mac);
+    return BoxProtocol::isSameMac(parsed(answer).value.toString(), mac);
 }
 
 QString BoxAnswer::version(const QString& answer)
 {
-    const HttpResult told = HttpResult::fromBody(answer);
+    const HttpResult& told = parsed(answer);
     if (told.parameterName != BoxProtocol::FirmVersion)
         return QString();
     return told.value.toString().left(UpgradeRow::LongestVersion);
