@@ -96,11 +96,14 @@ bool RecordControl::isRecording(const Item& box) const
     case RecordWatch::Clock::Runs:
         return true;
     case RecordWatch::Clock::Stopped:
-        return false;
+        // A feed that is gone says nothing against what was learned since.
+        if (m_watch.isAlive() || !m_unnamed.contains(box.address()))
+            return false;
+        break;
     case RecordWatch::Clock::Unknown:
         break;
     }
-    return !box.recordingInProgress().isEmpty();
+    return m_unnamed.contains(box.address()) || !box.recordingInProgress().isEmpty();
 }
 
 /// The check box speaks of the selected box only; another one's state shows when it is selected.
@@ -125,8 +128,10 @@ void RecordControl::followClock(const QString& ip)
     Item* box = m_hub.devices.model().find(ip);
     // A box that can be heard and whose clock stands has ended what it recorded, or lost it.
     if (box && m_watch.isAlive() && m_watch.clock(ip) == RecordWatch::Clock::Stopped &&
-        !m_pending.contains(ip))
+        !m_pending.contains(ip)) {
         box->setRecordingInProgress(QString());
+        m_unnamed.remove(ip);
+    }
     show();
 }
 
@@ -165,7 +170,7 @@ void RecordControl::handleStarted(const QProcess& process, bool succeeded)
     if (succeeded)
         noteStarted(ip, process.property(fileNameProperty).toString());
     else
-        show();
+        noteRefusal(ip, true);
     // One that was given up has been told of.
     if (!succeeded && wasPending)
         tell(ip, tr("开启录制失败,请重试."));
@@ -179,14 +184,15 @@ void RecordControl::handleStopped(const QProcess& process, bool succeeded)
         noteStopped(ip);
         return;
     }
-    noteRefusedStop(ip);
+    noteRefusal(ip, false);
     if (wasPending)
         tell(ip, tr("停止录制失败,请重试."));
 }
 
 void RecordControl::noteStarted(const QString& ip, const QString& name)
 {
-    m_refusedStops.remove(ip);
+    m_refused.remove(ip);
+    m_unnamed.remove(ip);
     if (Item* box = m_hub.devices.model().find(ip))
         box->setRecordingInProgress(name);
     if (m_watch.clock(ip) != RecordWatch::Clock::Runs)
@@ -196,7 +202,8 @@ void RecordControl::noteStarted(const QString& ip, const QString& name)
 
 void RecordControl::noteStopped(const QString& ip)
 {
-    m_refusedStops.remove(ip);
+    m_refused.remove(ip);
+    m_unnamed.remove(ip);
     QString name;
     if (Item* box = m_hub.devices.model().find(ip)) {
         name = box->recordingInProgress();
@@ -211,14 +218,21 @@ void RecordControl::noteStopped(const QString& ip)
         offerToView(ip, name);
 }
 
-/// A box refuses to stop, too, when it does not record. Without a clock that tells, the second
-/// refusal counts as that: the operator must be able to start again.
-void RecordControl::noteRefusedStop(const QString& ip)
+/// A box refuses to stop, too, when it does not record, and to start when it does. Without a clock
+/// that tells, the second refusal counts as that: the operator must be able to do the other.
+void RecordControl::noteRefusal(const QString& ip, bool on)
 {
+    const bool isSecond = m_refused.contains(ip) && m_refused.value(ip) == on;
+    m_refused.insert(ip, on);
+    const bool isDenied = m_watch.isAlive() && m_watch.clock(ip) == RecordWatch::Clock::Stopped;
     Item* box = m_hub.devices.model().find(ip);
-    if (box && m_refusedStops.contains(ip))
-        box->setRecordingInProgress(QString());
-    m_refusedStops.insert(ip);
+    if (isSecond && on && !isDenied) {
+        m_unnamed.insert(ip);
+    } else if (isSecond && !on) {
+        m_unnamed.remove(ip);
+        if (box)
+            box->setRecordingInProgress(QString());
+    }
     show();
 }
 
@@ -228,14 +242,18 @@ void RecordControl::offerToView(const QString& ip, const QString& name)
     const QString selected = m_hub.state.deviceIp();
     const QPointer<RecordControl> self(this);
     const QString question = BoxProtocol::fill(tr("录制完成,是否现在查看 [%1]"), {name});
-    const int answer = messageBox::ask(question, m_hub.window);
+    const int answer = messageBox::ask(named(ip, question), m_hub.window);
     if (self && answer == messageBox::Confirmed && m_hub.state.deviceIp() == selected)
         m_recordings.playNamed(ip, name);
 }
 
-/// The operator may have gone on to another box.
 void RecordControl::tell(const QString& ip, const QString& text)
 {
-    const bool isShown = ip == m_hub.state.deviceIp();
-    messageBox::ask(isShown ? text : ip + QStringLiteral(": ") + text, m_hub.window);
+    messageBox::ask(named(ip, text), m_hub.window);
+}
+
+/// The operator may have gone on to another box: then `text` says which one it is about.
+QString RecordControl::named(const QString& ip, const QString& text) const
+{
+    return ip == m_hub.state.deviceIp() ? text : ip + QStringLiteral(": ") + text;
 }

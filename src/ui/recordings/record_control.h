@@ -58,9 +58,10 @@ private:
     void giveUp(const QString& ip, int number);
     void noteStarted(const QString& ip, const QString& name);
     void noteStopped(const QString& ip);
-    void noteRefusedStop(const QString& ip);
+    void noteRefusal(const QString& ip, bool on);
     void offerToView(const QString& ip, const QString& name);
     void tell(const QString& ip, const QString& text);
+    QString named(const QString& ip, const QString& text) const;
 
     const Hub m_hub;
     const Widgets m_widgets;
@@ -68,5 +69,6 @@ private:
     RecordWatch m_watch;
     QHash<QString, Command> m_pending; ///< by the address of the box
     int m_lastNumber = 0;
-    QSet<QString> m_refusedStops; ///< addresses of boxes that have refused to stop
+    QHash<QString, bool> m_refused; ///< the order that a box has refused last: on or off
+    QSet<QString> m_unnamed;        ///< boxes that are taken to record, under a name nobody knows
 };

@@ -20,6 +20,8 @@ private slots:
     void boxDecidesWhatRecordShows();
     void silenceIsToldOfItsBox();
     void clockTellsWhatTheBoxDoes();
+    void twiceRefusedIsBelievedWithoutAClock_data();
+    void twiceRefusedIsBelievedWithoutAClock();
     void lateAnswerPlaysNothing();
     void upgradeLeavesNothingElseToDo();
 
@@ -120,8 +122,11 @@ void tst_Record::silenceIsToldOfItsBox()
     m_box->clearFaults();
     clickRow(7);
     QVERIFY(recode()->isChecked());
-    record(false);
-    QTRY_COMPARE(answers.texts().size(), 3);
+    const QString name = item(7)->property("recodefilename").toString();
+    click("recode");
+    clickRow(8);
+    QTRY_COMPARE_WITH_TIMEOUT(answers.texts().size(), 3, 9000);
+    QCOMPARE(answers.texts().last(), ip(7) + ": 录制完成,是否现在查看 [" + name + "]");
 }
 
 void tst_Record::clockTellsWhatTheBoxDoes()
@@ -158,6 +163,42 @@ void tst_Record::clockTellsWhatTheBoxDoes()
     clickRow(7);
     record(false);
     QTRY_COMPARE(answers.texts().size(), 1);
+}
+
+void tst_Record::twiceRefusedIsBelievedWithoutAClock_data()
+{
+    columns<bool>("records"); // the box, and nobody here knows
+    row("start refused, for it records", true);
+    row("stop refused, for it does not", false);
+}
+
+/// The feed of the box says nothing.
+void tst_Record::twiceRefusedIsBelievedWithoutAClock()
+{
+    QFETCH(bool, records);
+    clickRow(8);
+    QVERIFY(m_other->addFault("flood 0"));
+    DialogAnswerer answers(Qt::Key_Escape);
+    const auto other = [this](const char* order) { return command(ip(8), order).status(); };
+    if (records)
+        QCOMPARE(other("record_on&file_name=elsewhere.mp4"), QString("success"));
+    else
+        record(true);
+    if (!records)
+        QCOMPARE(other("record_off"), QString("success"));
+    for (int times = 1; times <= 2; ++times) {
+        QCOMPARE(recode()->isChecked(), !records);
+        click("recode");
+        QTRY_COMPARE(answers.texts().size(), times);
+        QVERIFY(recode()->isEnabled());
+    }
+    // What the operator does next is what the box can do.
+    QCOMPARE(recode()->isChecked(), records);
+    record(!records);
+    record(records);
+    m_other->clearFaults();
+    if (records)
+        record(false);
 }
 
 void tst_Record::lateAnswerPlaysNothing()
