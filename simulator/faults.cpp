@@ -24,6 +24,7 @@ constexpr KindRow kindRows[] = {
     {FaultKind::Silent, "silent", -1},
     {FaultKind::Refuse, "refuse", -1},
     {FaultKind::HangUp, "hang-up", 50},
+    {FaultKind::Stall, "stall", 50},
     {FaultKind::Garbage, "garbage", -1},
     {FaultKind::NotAnObject, "not-an-object", -1},
     {FaultKind::EmptyReply, "empty", -1},

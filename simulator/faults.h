@@ -17,6 +17,7 @@ enum class FaultKind {
     Silent,        ///< "silent": takes the request and never answers
     Refuse,        ///< "refuse": its web ports are closed, though it still answers ping
     HangUp,        ///< "hang-up": closes after `amount` percent of the reply (50); 0: says nothing
+    Stall,         ///< "stall": says nothing more after `amount` percent of the reply (50)
     Garbage,       ///< "garbage": the reply is not JSON
     NotAnObject,   ///< "not-an-object": the reply is JSON, but an array
     EmptyReply,    ///< "empty": the reply has no content

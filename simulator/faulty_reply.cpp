@@ -93,6 +93,10 @@ void spoilReply(FaultList* faults, const QStringList& tags, HttpReply* reply)
         reply->percent = int(std::min<qint64>(100, hangUp->amountOrDefault()));
         reply->cut = reply->percent == 0;
     }
+    if (const auto stall = faults->strike(FaultKind::Stall, tags)) {
+        reply->percent = int(std::min<qint64>(100, stall->amountOrDefault()));
+        reply->stalls = true;
+    }
 }
 
 void holdReply(FaultList* faults, const QStringList& tags, HttpWire* wire, HttpReply* reply)

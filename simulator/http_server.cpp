@@ -201,9 +201,12 @@ void sendSized(const HttpReply& reply, qint64 size, httplib::Response* out,
     auto pace = std::make_shared<Pace>(reply.bytesPerSecond);
     out->set_content_provider(
         static_cast<size_t>(size), reply.type.toStdString(),
-        [read = std::move(read), end, pace](size_t offset, size_t length, httplib::DataSink& sink) {
+        [read = std::move(read), end, pace, stalls = reply.stalls](size_t offset, size_t length,
+                                                                   httplib::DataSink& sink) {
             const qint64 wanted = std::min<qint64>(
                 end - qint64(offset), qint64(pace->pieceSize(std::min(length, pieceSize))));
+            if (wanted <= 0 && stalls)
+                HttpConnection::current()->wait(-1);
             const QByteArray piece = wanted > 0 ? read(qint64(offset), wanted) : QByteArray();
             return !piece.isEmpty() && sink.write(piece.constData(), size_t(piece.size())) &&
                    pace->after(piece.size());

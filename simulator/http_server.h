@@ -50,6 +50,7 @@ struct HttpReply {
     bool cut = false;                               ///< close without a word
     bool ranges = true;                             ///< send of `file` the ranges asked for
     int percent = 100;         ///< how much of body or file is sent before the connection is closed
+    bool stalls = false;       ///< it is not closed then, but nothing more comes
     qint64 bytesPerSecond = 0; ///< 0: as fast as it goes
     std::function<void()> afterwards; ///< called when the connection has been closed
 };
