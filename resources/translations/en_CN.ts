@@ -875,6 +875,10 @@
       <source>设备上的文件已改变</source>
       <translation>the file on the device has changed</translation>
     </message>
+    <message>
+      <source>此地址上现在是另一台设备</source>
+      <translation>another device has this address now</translation>
+    </message>
   </context>
   <context>
     <name>RecordingDownloads</name>

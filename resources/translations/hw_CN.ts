@@ -875,6 +875,10 @@
       <source>设备上的文件已改变</source>
       <translation>장치의 파일이 변경되었습니다</translation>
     </message>
+    <message>
+      <source>此地址上现在是另一台设备</source>
+      <translation>이 주소에는 지금 다른 장치가 있습니다</translation>
+    </message>
   </context>
   <context>
     <name>RecordingDownloads</name>

@@ -15,6 +15,9 @@
 namespace
 {
 
+/// To take a name that nobody takes in the same moment.
+constexpr int attempts = 5;
+
 /// Where the record of the part at `path` lies.
 QString recordPath(const QString& path)
 {
@@ -85,6 +88,13 @@ PartFile::PartFile(const QString& folder, RecordingSource source)
 {
 }
 
+PartFile::~PartFile()
+{
+    if (m_isAbandoned)
+        discard();
+    letGo();
+}
+
 qint64 PartFile::size() const
 {
     return QFileInfo(m_part).size();
@@ -133,15 +143,19 @@ bool PartFile::findKept()
 
 bool PartFile::makeNew()
 {
-    m_path = freePath(m_folder, m_name);
     m_length = -1;
-    QFile file(m_path + partSuffix());
-    if (!file.open(QIODevice::NewOnly | QIODevice::WriteOnly))
-        return false;
-    m_part = file.fileName();
-    forget(); // what was there under this name before
-    lock();
-    return true;
+    // Another download may take the free name first.
+    for (int n = 0; n < attempts; ++n) {
+        m_path = freePath(m_folder, m_name);
+        QFile file(m_path + partSuffix());
+        if (file.open(QIODevice::NewOnly | QIODevice::WriteOnly)) {
+            m_part = file.fileName();
+            forget(); // what was there under this name before
+            lock();
+            return true;
+        }
+    }
+    return false;
 }
 
 bool PartFile::lock()
@@ -186,7 +200,6 @@ bool PartFile::startOver(qint64 good)
 /// Renaming never replaces a file; one that came in the meantime makes us take another name.
 bool PartFile::giveName()
 {
-    constexpr int attempts = 3;
     for (int n = 0; n < attempts; ++n) {
         const QString record = recordPath(m_part);
         if (QFile::rename(m_part, m_path)) {
@@ -202,8 +215,10 @@ bool PartFile::giveName()
 
 void PartFile::discard()
 {
-    QFile::remove(m_part);
-    forget();
+    if (!m_part.isEmpty()) {
+        QFile::remove(m_part);
+        forget();
+    }
     m_lock.reset();
     m_part.clear();
 }

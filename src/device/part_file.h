@@ -5,6 +5,7 @@
 #include <QString>
 #include <QVector>
 
+#include <atomic>
 #include <memory>
 
 /// Which recording on which box. The MAC address may be unknown (empty): then the box is told by
@@ -24,10 +25,23 @@ struct KeptPart {
     qint64 length = -1; ///< of the whole recording
 };
 
+/// What a look at a part has shown.
+struct PartState {
+    QString path;     ///< the name it will have, or has
+    QString partPath; ///< where the data goes
+    qint64 size = 0;
+    qint64 length = -1;          ///< of the whole recording; -1 while unknown
+    bool isWorthKeeping = false; ///< something of it is there, or its disk is away for a moment
+
+    bool isWhole() const { return length >= 0 && size == length; }
+};
+
 /// The file of one download while its data comes: "<name>.part", which gets its name once it is
 /// whole. No file that was there before is touched. A part that is not whole stays when this object
 /// goes, with a record in the data folder of what it is a part of, so that a later download of the
 /// same recording into the same folder goes on with it. Nobody else uses it meanwhile.
+///
+/// All of it touches the disk, and hangs with it: not for the GUI thread.
 class PartFile
 {
     Q_DISABLE_COPY(PartFile)
@@ -35,7 +49,7 @@ class PartFile
 public:
     /// `folder` ends in "/".
     PartFile(const QString& folder, RecordingSource source);
-    ~PartFile() { letGo(); }
+    ~PartFile();
 
     /// All that the records in the data folder tell of and nobody uses; whether the files are there
     /// is not looked at.
@@ -58,7 +72,7 @@ public:
     qint64 length() const { return m_length; }
     /// Writes the record.
     void setLength(qint64 length);
-    bool isWhole() const { return m_length >= 0 && size() == m_length; }
+    PartState state() const { return {m_path, m_part, size(), m_length, isWorthKeeping()}; }
 
     /// What the part has is of no use for what the box has now: goes on with an empty one. The
     /// first `good` bytes are of the recording as it was; were they all of it, they get their name.
@@ -67,6 +81,8 @@ public:
     bool giveName();
     /// Removes the part.
     void discard();
+    /// Has the part removed when this object goes. From any thread.
+    void abandon() { m_isAbandoned = true; }
     /// Ends the use of the part: another download may go on with it. An empty one goes.
     void letGo();
 
@@ -83,4 +99,5 @@ private:
     QString m_part;
     qint64 m_length = -1;
     std::unique_ptr<QLockFile> m_lock;
+    std::atomic<bool> m_isAbandoned{false};
 };

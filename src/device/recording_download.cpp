@@ -2,6 +2,8 @@
 #include "device/recording_download.h"
 
 #include "common/box_protocol.h"
+#include "common/http_result.h"
+#include "common/spark_http.h"
 
 namespace
 {
@@ -15,6 +17,11 @@ enum CurlCode {
     Broken = 56
 };
 
+/// How long a disk may take for one piece of work before it counts as gone, in milliseconds; the
+/// operator who has cancelled does not wait for it.
+constexpr int diskLimitMs = 20000;
+constexpr int cancelLimitMs = 1000;
+
 } // namespace
 
 RecordingDownload::RecordingDownload(const QString& folder, const RecordingSource& source,
@@ -22,16 +29,23 @@ RecordingDownload::RecordingDownload(const QString& folder, const RecordingSourc
     : QObject(parent)
     , m_source(source)
     , m_patience(patience)
-    , m_part(folder, source)
     , m_runner(QStringLiteral("Item"), [this](QProcess* process) { wire(process); })
+    , m_part(std::make_shared<PartFile>(folder, source))
+    , m_disk(QStringLiteral("download"))
 {
+    m_now.path = folder;
     m_pause.setSingleShot(true);
     connect(&m_pause, &QTimer::timeout, this, &RecordingDownload::goOn);
+    m_diskLimit.setSingleShot(true);
+    connect(&m_diskLimit, &QTimer::timeout, this, &RecordingDownload::giveUpDisk);
+    connect(Spark_Http::instance(), &Spark_Http::S_finished, this, &RecordingDownload::noteWho);
 }
 
 RecordingDownload::~RecordingDownload()
 {
     stop();
+    // Its end is work on the disk, too.
+    m_disk.add([part = std::move(m_part)]() mutable { part.reset(); }, nullptr);
 }
 
 void RecordingDownload::wire(QProcess* process)
@@ -48,23 +62,65 @@ void RecordingDownload::wire(QProcess* process)
     });
 }
 
+/// Lets `work` be done where a disk that hangs holds nobody up, then goes on with `next`.
+void RecordingDownload::onPart(std::function<bool(PartFile&)> work, Next next)
+{
+    struct Done {
+        bool isDone = false;
+        PartState state;
+    };
+    const auto done = std::make_shared<Done>();
+    ++m_pieces;
+    m_diskLimit.start(m_cancelled ? cancelLimitMs : diskLimitMs);
+    m_disk.add(
+        [part = m_part, work = std::move(work), done] {
+            done->isDone = work(*part);
+            done->state = part->state();
+        },
+        [this, done, next, turn = m_turn] {
+            if (--m_pieces == 0)
+                m_diskLimit.stop();
+            if (turn != m_turn)
+                return;
+            m_isDone = done->isDone;
+            m_now = done->state;
+            if (next)
+                (this->*next)();
+        });
+}
+
+void RecordingDownload::look(Next next)
+{
+    onPart([](const PartFile&) { return true; }, next);
+}
+
 void RecordingDownload::start()
 {
-    if (!m_part.open()) {
+    onPart([](PartFile& part) { return part.open(); }, &RecordingDownload::takeUp);
+}
+
+void RecordingDownload::takeUp()
+{
+    if (!m_isDone) {
         fail(tr("无法写入文件"));
         return;
     }
-    m_farthest = m_part.size();
+    m_farthest = m_now.size;
     if (m_farthest == 0)
         attempt();
     else
         pause(m_patience.quietMs);
 }
 
-/// A program that crashed may have left its curl, which still writes: then that one is waited for.
 void RecordingDownload::goOn()
 {
-    if (m_part.size() == m_lastSize)
+    look(&RecordingDownload::goOnUnlessItGrew);
+}
+
+/// A program that crashed may have left its curl, which still writes: then that one is waited for.
+void RecordingDownload::goOnUnlessItGrew()
+{
+    if (m_now.size == m_lastSize)
         attempt();
     else
         pause(m_patience.quietMs);
@@ -72,31 +128,62 @@ void RecordingDownload::goOn()
 
 void RecordingDownload::cancel()
 {
-    m_cancelled = true;
-    if (m_process) {
-        stop();
+    if (m_cancelled)
         return;
-    }
+    m_cancelled = true;
+    ++m_turn;
     m_pause.stop();
-    endCancelled();
+    m_question.clear();
+    if (m_process)
+        stop();
+    else
+        discard();
 }
 
 void RecordingDownload::attempt()
 {
     // Its disk may have gone: what begins now would not be a part of it.
-    if (m_farthest > 0 && m_part.size() == 0 && m_part.isWorthKeeping()) {
+    if (m_farthest > 0 && m_now.size == 0 && m_now.isWorthKeeping) {
         fail(tr("无法写入文件"));
         return;
     }
     m_report = CurlReport();
-    m_offset = m_part.size();
+    m_exit = {};
+    m_offset = m_now.size;
     m_changed = false;
     m_stalled = false;
+    m_unanswered = false;
+    if (m_source.mac.isEmpty())
+        transfer();
+    else
+        m_question = Spark_Http::instance()->get(
+            QStringLiteral("downloadIdentity"),
+            BoxProtocol::readUrl(m_source.address, BoxProtocol::MACAddress), false);
+}
+
+void RecordingDownload::noteWho(const QVariantMap& answer)
+{
+    if (m_question.isEmpty() || answer.value(QStringLiteral("id")) != m_question)
+        return;
+    m_question.clear();
+    const QString mac = HttpResult::fromMap(answer).value.toString();
+    if (BoxProtocol::isSameMac(mac, m_source.mac)) {
+        transfer();
+    } else if (BoxProtocol::isMacAddress(mac)) {
+        fail(tr("此地址上现在是另一台设备"));
+    } else {
+        m_unanswered = true;
+        look(&RecordingDownload::decide);
+    }
+}
+
+void RecordingDownload::transfer()
+{
     m_runner.execCurl(
         m_source.address,
-        BoxProtocol::downloadCommand(m_part.partPath(), m_source.address, m_source.name, m_offset),
+        BoxProtocol::downloadCommand(m_now.partPath, m_source.address, m_source.name, m_offset),
         {{QStringLiteral("exectype"), QStringLiteral("download")},
-         {QStringLiteral("saveFile"), m_part.path()}},
+         {QStringLiteral("saveFile"), m_now.path}},
         CommandRunner::ErrorOutput::Deliver);
 }
 
@@ -110,7 +197,7 @@ void RecordingDownload::read()
     if (m_changed || m_stalled)
         stop();
     else
-        emit progressed({m_offset + m_report.receivedBytes(), m_part.length(), false});
+        emit progressed({m_offset + m_report.receivedBytes(), m_now.length, false});
 }
 
 void RecordingDownload::noteLength()
@@ -119,36 +206,64 @@ void RecordingDownload::noteLength()
     const qint64 total = m_report.totalBytes();
     if (total < 0 || (status != 200 && status != 206 && status != 416))
         return;
-    if (m_part.length() < 0)
-        m_part.setLength(total);
-    // An answer that begins at the beginning is not written behind what has come.
-    else
-        m_changed = total != m_part.length();
+    if (m_now.length >= 0) {
+        // An answer that begins at the beginning is not written behind what has come.
+        m_changed = total != m_now.length;
+        return;
+    }
+    m_now.length = total;
+    onPart(
+        [total](PartFile& part) {
+            part.setLength(total);
+            return true;
+        },
+        nullptr);
 }
 
+/// One that writes to a disk that hangs does not end.
 void RecordingDownload::stop()
 {
-    if (m_process)
-        CommandRunner::stop(m_process);
+    if (!m_process)
+        return;
+    m_diskLimit.start(m_cancelled ? cancelLimitMs : diskLimitMs);
+    CommandRunner::stop(m_process);
 }
 
 void RecordingDownload::endAttempt(const QProcess& curl)
 {
     read();
     m_process.clear();
-    if (m_cancelled) {
-        endCancelled();
-        return;
+    m_exit = {curl.error() != QProcess::FailedToStart, curl.exitStatus() == QProcess::NormalExit,
+              curl.exitCode()};
+    if (m_cancelled)
+        discard();
+    else
+        look(&RecordingDownload::decide);
+}
+
+void RecordingDownload::decide()
+{
+    const Outcome outcome = judge();
+    if (outcome == Outcome::Whole) {
+        onPart([](PartFile& part) { return part.giveName(); }, &RecordingDownload::finish);
+    } else if (outcome == Outcome::Changed || outcome == Outcome::NoRange) {
+        m_reason = problem();
+        onPart([offset = m_offset](PartFile& part) { return part.startOver(offset); },
+               &RecordingDownload::pauseUnlessFull);
+    } else if (outcome == Outcome::Failed || !mayGoOn()) {
+        fail(problem());
+    } else {
+        pause(retryPauseMs());
     }
-    const Outcome outcome = judge(curl);
-    const QString reason = problem(curl);
-    const bool isUseless = outcome == Outcome::Changed || outcome == Outcome::NoRange;
-    if (outcome == Outcome::Whole)
-        finish();
-    else if (isUseless && !m_part.startOver(m_offset))
+}
+
+/// The part has been begun anew.
+void RecordingDownload::pauseUnlessFull()
+{
+    if (!m_isDone)
         fail(tr("无法写入文件"));
-    else if (outcome == Outcome::Failed || !mayGoOn())
-        fail(reason);
+    else if (!mayGoOn())
+        fail(m_reason);
     else
         pause(retryPauseMs());
 }
@@ -162,46 +277,53 @@ int RecordingDownload::retryPauseMs() const
 
 void RecordingDownload::pause(int ms)
 {
-    m_lastSize = m_part.size();
+    m_lastSize = m_now.size;
     m_pause.start(ms);
-    emit progressed({m_lastSize, m_part.length(), true});
+    emit progressed({m_lastSize, m_now.length, true});
 }
 
-void RecordingDownload::endCancelled()
+void RecordingDownload::discard()
 {
-    m_part.discard();
-    emit ended({false, m_part.path(), QString(), false});
+    onPart(
+        [](PartFile& part) {
+            part.discard();
+            return true;
+        },
+        &RecordingDownload::endFailed);
 }
 
-RecordingDownload::Outcome RecordingDownload::judge(const QProcess& curl)
+RecordingDownload::Outcome RecordingDownload::judge() const
 {
     const int status = m_report.httpStatus();
-    if (curl.error() == QProcess::FailedToStart)
+    if (!m_exit.hasStarted)
         return Outcome::Failed;
+    if (m_unanswered)
+        return Outcome::Broken;
     if (m_changed)
         return Outcome::Changed;
     // There is nothing behind the end of a file that is whole.
     if (status == 416)
-        return m_part.isWhole() ? Outcome::Whole : Outcome::Broken;
+        return m_now.isWhole() ? Outcome::Whole : Outcome::Broken;
     const bool isAnswer = status >= 200 && status <= 299;
     if (status != 0 && !isAnswer)
         return status == 404 || m_offset == 0 ? Outcome::Failed : Outcome::Broken;
-    if (curl.exitStatus() == QProcess::NormalExit && curl.exitCode() == 0 && isAnswer &&
-        (m_part.length() < 0 || m_part.isWhole()))
+    if (m_exit.isNormal && m_exit.code == 0 && isAnswer && (m_now.length < 0 || m_now.isWhole()))
         return Outcome::Whole;
-    if (curl.exitCode() == NoRange)
+    if (m_exit.code == NoRange)
         return Outcome::NoRange;
     // What cannot be gone on with is not tried again.
-    if (m_part.length() < 0 || curl.exitCode() == CannotWrite)
+    if (m_now.length < 0 || m_exit.code == CannotWrite)
         return Outcome::Failed;
-    return m_part.size() > m_part.length() ? Outcome::Changed : Outcome::Broken;
+    return m_now.size > m_now.length ? Outcome::Changed : Outcome::Broken;
 }
 
-QString RecordingDownload::problem(const QProcess& curl) const
+QString RecordingDownload::problem() const
 {
     const int status = m_report.httpStatus();
-    if (curl.error() == QProcess::FailedToStart)
+    if (!m_exit.hasStarted)
         return tr("无法启动下载程序");
+    if (m_unanswered)
+        return tr("无法连接设备");
     if (m_stalled)
         return tr("设备停止发送数据");
     if (m_changed)
@@ -210,7 +332,7 @@ QString RecordingDownload::problem(const QProcess& curl) const
         return tr("设备上没有此文件");
     if (status != 0 && (status < 200 || status > 299) && status != 416)
         return tr("设备回应错误 ") + QString::number(status);
-    switch (curl.exitCode()) {
+    switch (m_exit.code) {
     case CannotConnect:
         return tr("无法连接设备");
     case Partial:
@@ -225,31 +347,60 @@ QString RecordingDownload::problem(const QProcess& curl) const
     }
 }
 
-/// Whether another attempt follows: as long as they bring something.
+/// Whether another attempt follows: as long as they bring something. Nobody waits for long for one
+/// that has brought nothing at all.
 bool RecordingDownload::mayGoOn()
 {
-    const qint64 size = m_part.size();
-    m_fruitless = size > m_farthest ? 0 : m_fruitless + 1;
-    m_farthest = qMax(m_farthest, size);
-    return m_fruitless < m_patience.tries;
+    constexpr int firstTries = 3;
+    m_fruitless = m_now.size > m_farthest ? 0 : m_fruitless + 1;
+    m_farthest = qMax(m_farthest, m_now.size);
+    return m_fruitless < (m_now.length < 0 ? qMin(firstTries, m_patience.tries) : m_patience.tries);
 }
 
 void RecordingDownload::finish()
 {
-    if (m_part.giveName())
-        emit ended({true, m_part.path(), QString(), false});
+    if (m_isDone)
+        emit ended({true, m_now.path, QString(), false});
     else
         fail(tr("无法写入文件"));
 }
 
 void RecordingDownload::fail(const QString& reason)
 {
-    const int status = m_report.httpStatus();
-    const bool isKept = m_part.isWorthKeeping();
+    m_reason = reason;
+    m_isKept = m_now.isWorthKeeping;
     // The server's excuse, or half a file that nothing could go on with. Data that came with an
     // answer nobody understood stays: it may be all of it.
-    if (!isKept && status != 0)
-        m_part.discard();
-    m_part.letGo();
-    emit ended({false, m_part.path(), reason, isKept});
+    const bool isUseless = !m_isKept && m_report.httpStatus() != 0;
+    onPart(
+        [isUseless](PartFile& part) {
+            if (isUseless)
+                part.discard();
+            part.letGo();
+            return true;
+        },
+        &RecordingDownload::endFailed);
+}
+
+void RecordingDownload::endFailed()
+{
+    if (m_cancelled)
+        emit ended({false, m_now.path, QString(), false});
+    else
+        emit ended({false, m_now.path, m_reason, m_isKept});
+}
+
+/// The disk answers nothing. What hangs there is left to itself.
+void RecordingDownload::giveUpDisk()
+{
+    ++m_turn;
+    m_pause.stop();
+    m_question.clear();
+    if (m_process)
+        m_process->disconnect(this);
+    if (m_cancelled)
+        m_part->abandon();
+    m_reason = tr("无法写入文件");
+    m_isKept = m_now.length >= 0;
+    endFailed();
 }

@@ -3,6 +3,7 @@
 
 #include "common/command_runner.h"
 #include "common/curl_report.h"
+#include "common/loose_queue.h"
 #include "device/part_file.h"
 
 #include <QObject>
@@ -10,6 +11,9 @@
 #include <QProcess>
 #include <QString>
 #include <QTimer>
+
+#include <functional>
+#include <memory>
 
 /// How far a download has come.
 struct DownloadProgress {
@@ -36,7 +40,9 @@ struct DownloadPatience {
 };
 
 /// The download of one recording: curl, started again where the transfer broke off, until the file
-/// has the length that the box has told. What has come is kept unless the operator cancels.
+/// has the length that the box has told. What has come is kept unless the operator cancels. Before
+/// each start the address is asked who is there, if the source names its box: what another box has
+/// under the same name is another recording.
 class RecordingDownload : public QObject
 {
     Q_OBJECT
@@ -45,12 +51,12 @@ public:
     /// `folder` ends in "/"; what `source` names comes from a box.
     RecordingDownload(const QString& folder, const RecordingSource& source,
                       const DownloadPatience& patience = {}, QObject* parent = nullptr);
-    /// Ends the transfer and keeps what has come.
+    /// Ends the transfer and keeps what has come. Waits a moment for the disk.
     ~RecordingDownload() override;
 
-    /// Ends in ended(), at once when the folder takes no files.
+    /// Ends in ended(), later, also when the disk hangs.
     void start();
-    /// Ends the download and removes what has come.
+    /// Ends the download and removes what has come; ended() follows.
     void cancel();
 
 signals:
@@ -67,37 +73,68 @@ private:
         Failed, ///< trying again would not help
     };
 
+    /// How a process has ended.
+    struct Exit {
+        bool hasStarted = true;
+        bool isNormal = true;
+        int code = 0;
+    };
+    using Next = void (RecordingDownload::*)();
+
     void wire(QProcess* process);
+    void onPart(std::function<bool(PartFile&)> work, Next next);
+    void look(Next next);
+    void takeUp();
     void goOn();
+    void goOnUnlessItGrew();
     void attempt();
+    void noteWho(const QVariantMap& answer);
+    void transfer();
     void read();
     void noteLength();
     void stop();
     void endAttempt(const QProcess& curl);
-    Outcome judge(const QProcess& curl);
-    QString problem(const QProcess& curl) const;
+    void decide();
+    Outcome judge() const;
+    QString problem() const;
     bool mayGoOn();
     int retryPauseMs() const;
+    void pauseUnlessFull();
     void pause(int ms);
-    void endCancelled();
+    void discard();
     void finish();
     void fail(const QString& reason);
+    void endFailed();
+    void giveUpDisk();
 
     const RecordingSource m_source;
     const DownloadPatience m_patience;
-    PartFile m_part;
     CommandRunner m_runner;
     QPointer<QProcess> m_process;
     QTimer m_pause;
+    QString m_question; ///< who is there: its id, while it is unanswered
+
+    // The part, which only the pieces of work in the queue touch.
+    std::shared_ptr<PartFile> m_part;
+    LooseQueue m_disk;
+    QTimer m_diskLimit;
+    int m_pieces = 0;     ///< that the disk has not done
+    int m_turn = 0;       ///< what was begun in an earlier one has been given up
+    PartState m_now;      ///< of the part, when the last piece was done
+    bool m_isDone = true; ///< the last piece did what it was to do
 
     // The attempt that runs.
     CurlReport m_report;
+    Exit m_exit;
     qint64 m_offset = 0; ///< what had come before it
     bool m_changed = false;
     bool m_stalled = false;
+    bool m_unanswered = false; ///< nobody has said who is there
 
     qint64 m_lastSize = 0; ///< of the part, when the pause began
     qint64 m_farthest = 0; ///< the most that any attempt has brought
     int m_fruitless = 0;   ///< attempts since then
     bool m_cancelled = false;
+    QString m_reason; ///< why it fails
+    bool m_isKept = false;
 };

@@ -2,9 +2,12 @@
 #include "device/item.h"
 #include "tests/support/box_client.h"
 #include "tests/support/files.h"
+#include "tests/support/held_file.h"
 #include "tests/support/plugged_box.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
+#include <QFileSystemWatcher>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -43,6 +46,9 @@ private slots:
     void goesOnWhereItBrokeOff();
     void goesOnAfterARestart_data();
     void goesOnAfterARestart();
+    void otherBoxIsNotTakenForIt();
+    void diskThatHangsHoldsNobodyUp_data();
+    void diskThatHangsHoldsNobodyUp();
     void wholePartGetsItsName();
     void crashLeavesOneThatWrites();
     void meterIsReadAsItComes();
@@ -51,7 +57,9 @@ private slots:
     void deletion();
 
 private:
-    DownloadResult download(const QString& name);
+    DownloadResult download(const RecordingSource& source,
+                            const DownloadPatience& patience = hasty);
+    DownloadResult download(const QString& name) { return download(source(name)); }
     QString folder() const { return m_folder->path() + "/"; }
     QStringList files() const { return filesIn(m_folder->path()); }
     static RecordingSource source(const QString& name) { return {boxIp, QString(), name}; }
@@ -82,9 +90,10 @@ std::unique_ptr<Item> tst_Recording::recording(const QString& name) const
     return item;
 }
 
-DownloadResult tst_Recording::download(const QString& name)
+DownloadResult tst_Recording::download(const RecordingSource& source,
+                                       const DownloadPatience& patience)
 {
-    RecordingDownload download(folder(), source(name), hasty);
+    RecordingDownload download(folder(), source, patience);
     DownloadResult result;
     bool ended = false;
     connect(&download, &RecordingDownload::ended, this, [&](const DownloadResult& r) {
@@ -134,7 +143,7 @@ void tst_Recording::nothingIsOverwritten()
     bool ended = false;
     connect(other.get(), &Item::downloadEnded, this, [&] { ended = true; });
     other->download(folder());
-    QCOMPARE(download("a.mp4").path, folder() + "a2.mp4");
+    QVERIFY(download("a.mp4").succeeded);
     QTRY_VERIFY(ended);
     QCOMPARE(files(), QStringList({"a.mp4", "a0.mp4", "a1.mp4", "a2.mp4"}));
     QCOMPARE(readFile(folder() + "a.mp4"), QByteArray("mine"));
@@ -174,6 +183,7 @@ void tst_Recording::goesOnWhereItBrokeOff_data()
                      "hang-up 70 on media times 1"}),
         4);
     row("a box that sends no ranges", QStringList({"hang-up 40 on media times 1", "no-ranges"}), 3);
+    row("falls silent in the middle", QStringList("stall 40 on media times 1"), 2);
     // The meter stands in front of the answer then, and nothing comes for some seconds.
     row("slow to begin", QStringList("slow 2600 on media"), 1);
 }
@@ -184,7 +194,7 @@ void tst_Recording::goesOnWhereItBrokeOff()
     m_box->addRecording("a.mp4", whole);
     for (const QString& fault : faults)
         QVERIFY(m_box->addFault(fault));
-    const DownloadResult result = download("a.mp4");
+    const DownloadResult result = download(source("a.mp4"), {1, 1, 3, 5, 300});
     QVERIFY2(result.succeeded, qPrintable(result.reason));
     QVERIFY(readFile(result.path) == whole);
     QCOMPARE(files(), QStringList("a.mp4"));
@@ -232,6 +242,63 @@ void tst_Recording::goesOnAfterARestart()
     QTEST(files(), "files");
     QVERIFY(now.isEmpty() || readFile(result.path) == now);
     QCOMPARE(result.kept, now.isEmpty());
+}
+
+void tst_Recording::otherBoxIsNotTakenForIt()
+{
+    const QString mac = m_box->parameter("eParam_MACAddress");
+    m_box->addRecording("a.mp4", whole);
+    QVERIFY(m_box->addFault("hang-up 40 on media"));
+    QVERIFY(download({boxIp, mac, "a.mp4"}).kept);
+    m_box->clearFaults();
+    // The address is another box's now, with another recording of this name.
+    m_box->setParameter("eParam_MACAddress", "02:00:00:00:00:01");
+    m_box->addRecording("a.mp4", whole.mid(1));
+    const DownloadResult refused = download({boxIp, mac, "a.mp4"});
+    QCOMPARE(refused.reason, QString("此地址上现在是另一台设备"));
+    QVERIFY(refused.kept);
+    QCOMPARE(QFileInfo(folder() + "a.mp4.part").size(), qint64(whole.size() * 40 / 100));
+    QCOMPARE(download({boxIp, mac, "b.mp4"}).kept, false);
+
+    m_box->setParameter("eParam_MACAddress", mac);
+    m_box->addRecording("a.mp4", whole);
+    QVERIFY(m_box->addFault("hang-up 0 on eParam_MACAddress times 2"));
+    const DownloadResult result = download({boxIp, mac.toLower(), "a.mp4"});
+    QVERIFY2(result.succeeded, qPrintable(result.reason));
+    QVERIFY(readFile(result.path) == whole);
+    QCOMPARE(files(), QStringList("a.mp4"));
+}
+
+void tst_Recording::diskThatHangsHoldsNobodyUp_data()
+{
+    columns<bool>("isCancelled");
+    row("the operator cancels", true);
+    row("the program ends", false);
+}
+
+void tst_Recording::diskThatHangsHoldsNobodyUp()
+{
+    QFETCH(bool, isCancelled);
+    m_box->addRecording("a.mp4", whole);
+    QVERIFY(QDir(m_data.path()).mkpath("Tarn Hub/download"));
+    auto disk = std::make_unique<HeldFile>(m_data.path() + "/Tarn Hub/download/x.json");
+    QVERIFY(disk->isHeld());
+    const Stopwatch clock;
+    auto download = std::make_unique<RecordingDownload>(folder(), source("a.mp4"));
+    QSignalSpy ended(download.get(), &RecordingDownload::ended);
+    download->start();
+    if (isCancelled) {
+        download->cancel();
+        QTRY_COMPARE(ended.size(), 1);
+    }
+    download.reset();
+    VERIFY_BELOW(clock.elapsed(), 3000);
+    // It answers again: nothing is left of what nobody waits for.
+    const QFileSystemWatcher watcher({folder()});
+    QSignalSpy changed(&watcher, &QFileSystemWatcher::directoryChanged);
+    disk.reset();
+    QTRY_VERIFY(!changed.isEmpty());
+    QTRY_COMPARE(files(), QStringList());
 }
 
 void tst_Recording::wholePartGetsItsName()
