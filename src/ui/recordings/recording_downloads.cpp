@@ -2,6 +2,7 @@
 #include "ui/recordings/recording_downloads.h"
 
 #include "common/box_protocol.h"
+#include "common/living_folder.h"
 #include "common/platform.h"
 #include "device/device_registry.h"
 #include "device/item.h"
@@ -10,6 +11,7 @@
 #include "ui/recordings/list_widget.h"
 #include "widgets/message_box.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QPointer>
@@ -20,7 +22,7 @@
 #include <algorithm>
 
 RecordingDownloads::RecordingDownloads(const Hub& hub, ListWidget& list, DownloadList& view)
-    : QObject(nullptr), m_hub(hub), m_list(list), m_view(view)
+    : QObject(nullptr), m_hub(hub), m_list(list), m_view(view), m_disk(QStringLiteral("parts"))
 {
 }
 
@@ -36,8 +38,11 @@ void RecordingDownloads::ask(const QList<QListWidgetItem*>& rows)
             continue;
         // A record of its own, which outlives the one in the list.
         recordings.push_back(Item::makeRecording(recording->fileName(), recording->address()));
-        if (const Item* box = m_hub.devices.model().find(recording->address()))
-            recordings.back()->setMacAddress(box->macAddress());
+        QString mac = recording->macAddress();
+        const Item* box = m_hub.devices.model().find(recording->address());
+        if (mac.isEmpty() && box)
+            mac = box->macAddress();
+        recordings.back()->setMacAddress(mac);
     }
     if (recordings.empty())
         return;
@@ -58,26 +63,34 @@ void RecordingDownloads::ask(const QList<QListWidgetItem*>& rows)
 /// Empty when the operator cancels.
 QString RecordingDownloads::chooseFolder()
 {
-    const QPointer<QFileDialog> dialog = new QFileDialog(m_hub.window);
+    const QStringList places = QStandardPaths::standardLocations(QStandardPaths::PicturesLocation);
+    const QPointer<RecordingDownloads> self(this);
+    const QString start = livingFolder(places.value(places.size() - 1));
+    if (!self)
+        return QString();
+    const QPointer<QFileDialog> dialog = new QFileDialog(m_hub.window, QString(), start);
     dialog->setWindowTitle(tr("请您选择保存的位置"));
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
     dialog->setLabelText(QFileDialog::Accept, tr("选择目录"));
     dialog->setLabelText(QFileDialog::Reject, tr("取消"));
-    const QStringList places = QStandardPaths::standardLocations(QStandardPaths::PicturesLocation);
-    if (!places.isEmpty())
-        dialog->setDirectory(places.last());
     const bool accepted = dialog->exec() == QDialog::Accepted;
     if (!dialog)
         return QString();
     const QString folder = accepted ? dialog->selectedFiles().value(0) : QString();
+    dialog->setDirectory(QDir::homePath());
     dialog->deleteLater();
     return folder;
 }
 
 void RecordingDownloads::showKept()
 {
-    const QVector<KeptPart> parts = PartFile::kept();
+    const auto parts = std::make_shared<QVector<KeptPart>>();
+    m_disk.add([parts] { *parts = PartFile::kept(); }, [this, parts] { addKept(*parts); });
+}
+
+void RecordingDownloads::addKept(const QVector<KeptPart>& parts)
+{
     for (const KeptPart& part : parts) {
         auto recording = Item::makeRecording(part.source.name, part.source.address);
         recording->setMacAddress(part.source.mac);
@@ -99,12 +112,13 @@ std::vector<RecordingDownloads::Job>::iterator RecordingDownloads::jobOf(const I
                         [recording](const Job& own) { return own.recording.get() == recording; });
 }
 
-/// The job of the same recording that runs or waits, or could go on in this folder; else null.
+/// The job that brings the same recording into this folder; else null. Who chooses another folder
+/// wants it there, too.
 RecordingDownloads::Job* RecordingDownloads::findJob(const Item& recording, const QString& folder)
 {
     const auto job = std::find_if(m_jobs.begin(), m_jobs.end(), [&](const Job& own) {
         return own.recording->recordingSource().isSame(recording.recordingSource()) &&
-               (own.state != State::Kept || own.folder == folder);
+               own.folder == folder;
     });
     return job == m_jobs.end() ? nullptr : &*job;
 }
@@ -148,11 +162,8 @@ void RecordingDownloads::startNext()
         return;
     next->state = State::Running;
     next->row->setProgress({});
-    // Not in this turn: a folder that is gone ends all of them at once.
-    QTimer::singleShot(0, this, &RecordingDownloads::startNext);
-    // The job may end, and go, in this call.
-    const QString folder = next->folder;
-    next->recording->download(folder);
+    next->recording->download(next->folder);
+    startNext();
 }
 
 void RecordingDownloads::cancel(Item* recording)
@@ -164,7 +175,9 @@ void RecordingDownloads::cancel(Item* recording)
         recording->cancelDownload();
         return;
     }
-    PartFile::removeKept(job->folder, recording->recordingSource());
+    m_disk.add([folder = job->folder,
+                source = recording->recordingSource()] { PartFile::removeKept(folder, source); },
+               nullptr);
     end(recording, {});
 }
 

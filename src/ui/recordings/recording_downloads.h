@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/loose_queue.h"
 #include "device/recording_download.h"
 #include "ui/hub/hub.h"
 
@@ -34,7 +35,7 @@ public:
     /// Asks where to save the recordings of `rows`, then downloads them. The question blocks,
     /// serving events.
     void ask(const QList<QListWidgetItem*>& rows);
-    /// Shows what earlier runs of the program have left unfinished.
+    /// Shows, soon, what earlier runs of the program have left unfinished.
     void showKept();
     /// Nothing runs or waits.
     bool isIdle() const { return unfinished() == 0; }
@@ -60,6 +61,7 @@ private:
     std::vector<Job>::iterator jobOf(const Item* recording);
     Job* findJob(const Item& recording, const QString& folder);
     Job& add(std::unique_ptr<Item> recording, const QString& folder);
+    void addKept(const QVector<KeptPart>& parts);
     void resume(const Item* recording);
     void startNext();
     void cancel(Item* recording);
@@ -71,6 +73,7 @@ private:
     ListWidget& m_list;
     DownloadList& m_view;
     std::vector<Job> m_jobs;
+    LooseQueue m_disk;         ///< does what parts that nobody downloads need
     QStringList m_completed;   ///< paths nobody has been told of yet
     QStringList m_failed;      ///< messages nobody has been told of yet
     bool m_isPartKept = false; ///< of one of those that failed

@@ -20,6 +20,8 @@
 #include <QPointer>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -71,6 +73,22 @@ void Recordings::showBox(const QString& ip)
         return;
     m_listedIp = ip;
     m_list.clearEntries();
+}
+
+void Recordings::noteMac(const QString& ip, const QString& mac)
+{
+    const auto& entries = m_list.entries();
+    const bool isOthers =
+        ip == m_listedIp &&
+        std::any_of(entries.cbegin(), entries.cend(), [&mac](const std::unique_ptr<Item>& entry) {
+            return !entry->macAddress().isEmpty() &&
+                   !BoxProtocol::isSameMac(entry->macAddress(), mac);
+        });
+    if (!isOthers)
+        return;
+    m_list.clearEntries();
+    if (ip == m_hub.state.deviceIp())
+        getDeviceRecordList();
 }
 
 void Recordings::handleReply(const HttpResult& result)

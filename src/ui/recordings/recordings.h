@@ -42,6 +42,8 @@ public:
     void getDeviceRecordList();
     /// Another box has been selected: what is listed of the one before would be taken for its.
     void showBox(const QString& ip);
+    /// The box at `ip` has told who it is: what is listed of another one there goes.
+    void noteMac(const QString& ip, const QString& mac);
     /// The names of the recordings on a box have arrived.
     void handleReply(const HttpResult& result);
 

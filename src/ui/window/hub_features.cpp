@@ -118,6 +118,7 @@ void Tarn_Hub::Features::connectRooms()
     QObject::connect(&upgrade, &UpgradeFeatures::koraWanted, &frame, &WindowFrame::showKora);
     QObject::connect(&updateCheck, &UpdateCheck::firmwareReady, &upgrade,
                      &UpgradeFeatures::noteFetchedPackage);
+    QObject::connect(&deviceInfo, &DeviceInfo::macReported, &recordings, &Recordings::noteMac);
 }
 
 void Tarn_Hub::Features::start()

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/files.h"
+#include "tests/support/held_file.h"
+#include "tests/support/stopwatch.h"
 #include "tests/ui/recordings/recordings_fixture.h"
 #include "ui/recordings/download_list.h"
 
@@ -25,6 +27,8 @@ private slots:
     void playingOneIsNotDeleted();
     void refusedDeletionComesBack();
     void downloadsIntoTheChosenFolder();
+    void everyChosenFolderGetsTheFile();
+    void diskThatHangsHoldsNothingUp();
     void downloadsWaitForTheirTurn();
     void rowsThatGoDuringAQuestion();
 
@@ -62,6 +66,21 @@ void tst_Recordings::otherBoxClearsTheList()
     // Whatever the box does: the other's recordings are not taken for its own.
     QTRY_COMPARE(titles(), QStringList());
     m_other->clearFaults();
+
+    // Nor those of the box that had this address before.
+    clickRow(7);
+    QTRY_COMPARE(titles(), QStringList("a.mp4"));
+    const QString mac = m_box->parameter("eParam_MACAddress");
+    m_box->setParameter("eParam_MACAddress", "02:00:00:00:00:01");
+    m_box->removeRecording("a.mp4");
+    m_box->addRecording("b.mp4", "x");
+    QVERIFY(m_box->addFault("silent on eParam_RecordList"));
+    clickRow(7);
+    QTRY_COMPARE(titles(), QStringList());
+    m_box->clearFaults();
+    clickRow(7);
+    QTRY_COMPARE(titles(), QStringList("b.mp4"));
+    m_box->setParameter("eParam_MACAddress", mac);
 }
 
 void tst_Recordings::hostileNamesAreShownPlain()
@@ -170,6 +189,39 @@ void tst_Recordings::downloadAll(DialogAnswerer& answers, const QString& folder)
     });
     list()->selectAll();
     emit list()->customContextMenuRequested(QPoint(20, 20));
+}
+
+void tst_Recordings::everyChosenFolderGetsTheFile()
+{
+    const QTemporaryDir first;
+    const QTemporaryDir second;
+    m_box->addRecording("slow.mp4", QByteArray(150000, 's'));
+    QVERIFY(m_box->addFault("throttle 150000 on media"));
+    clickRow(7);
+    QTRY_COMPARE(titles(), QStringList("slow.mp4"));
+    DialogAnswerer answers(Qt::Key_Escape);
+    // The first one twice: that is one download.
+    for (const QTemporaryDir* folder : {&first, &second, &first}) {
+        downloadAll(answers, folder->path());
+        QTRY_COMPARE(filesIn(folder->path()), QStringList("slow.mp4.part"));
+    }
+    for (const QTemporaryDir* folder : {&first, &second})
+        QTRY_COMPARE(filesIn(folder->path()), QStringList("slow.mp4"));
+    QTRY_VERIFY(!child<QWidget>("downloads")->isVisible());
+}
+
+/// That of earlier downloads' records.
+void tst_Recordings::diskThatHangsHoldsNothingUp()
+{
+    close();
+    QVERIFY(QDir(dataFolder()).mkpath("download"));
+    const HeldFile record(dataFolder() + "download/x.json");
+    QVERIFY(record.isHeld());
+    const Stopwatch clock;
+    openKnowing({7, 8});
+    close();
+    openKnowing({7, 8});
+    VERIFY_BELOW(clock.elapsed(), 30000);
 }
 
 void tst_Recordings::downloadsWaitForTheirTurn()
