@@ -9,6 +9,9 @@
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QThread>
+
+#include <memory>
 
 class tst_OperationLog : public QObject
 {
@@ -38,7 +41,15 @@ void tst_OperationLog::dataFolder()
 {
     QCOMPARE(dataPath(QString()), m_root.path() + "/Tarn Hub/");
     QCOMPARE(dataPath("a//b/c/"), m_root.path() + "/Tarn Hub/a/b/c/");
-    QVERIFY(QDir(m_root.path() + "/Tarn Hub/a/b/c").exists());
+    const QDir folder(m_root.path() + "/Tarn Hub/a/b/c");
+    QVERIFY(folder.exists());
+    // The window's thread does not wait for the disk again; another one makes what has gone.
+    QVERIFY(QDir().rmdir(folder.path()));
+    QCOMPARE(dataPath("a/b/c"), folder.path() + '/');
+    QVERIFY(!folder.exists());
+    const std::unique_ptr<QThread> other(QThread::create([] { dataPath("a/b/c"); }));
+    other->start();
+    QVERIFY(other->wait(5000) && folder.exists());
 }
 
 void tst_OperationLog::recordHasItsForm()
