@@ -13,6 +13,7 @@ private slots:
     void asksWhoAnswers();
     void provesOnlyWhatItHasRead();
     void leavesABusyBoxAlone();
+    void panelShowsWhatWasWrittenBack();
     void closingAsksAboutSettingsThatWait();
     void laterSettingsCount();
 
@@ -148,6 +149,19 @@ void tst_UpgradeSafety::leavesABusyBoxAlone()
                               QString("全部升级完成,KORA即将重启完成固件升级.成功[1]个"), 15000);
     QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(1) && !m_fixture->item(1)->isOwned(), 15000);
     QCOMPARE(told(1), (QStringList{"NDIName=kept", "reboot"}));
+}
+
+void tst_UpgradeSafety::panelShowsWhatWasWrittenBack()
+{
+    addBoxes(1);
+    m_fixture->select(1, {"NDIName=factory"});
+    QCOMPARE(m_fixture->shown("eParam_NDIName"), QString("factory"));
+    leaveWaiting({{"eParam_NDIName", "kept"}});
+    hearBox();
+    QVERIFY(m_fixture->item(1)->isOwned());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_fixture->item(1)->isOwned(), 15000);
+    // Else a save would undo it.
+    QTRY_COMPARE(m_fixture->shown("eParam_NDIName"), QString("kept"));
 }
 
 void tst_UpgradeSafety::closingAsksAboutSettingsThatWait()
