@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "common/box_protocol.h"
 #include "device/item.h"
 #include "tests/support/box_client.h"
 #include "tests/support/files.h"
@@ -28,7 +29,8 @@ constexpr DownloadPatience hasty{1, 1, 3, 30, 300};
 
 } // namespace
 
-/// A recording is deleted on its box and downloaded from it: real curl, a virtual box.
+/// The jobs that an item runs for its box, above all deleting and downloading a recording: real
+/// curl, a virtual box.
 class tst_Recording : public QObject
 {
     Q_OBJECT
@@ -55,6 +57,8 @@ private slots:
     void cancelledDownloadLeavesNothing();
     void folderThatTakesNoFiles();
     void deletion();
+    void itemStartsWithItsDefaults();
+    void deletedItemLeavesItsJobAlone();
 
 private:
     DownloadResult download(const RecordingSource& source,
@@ -412,6 +416,27 @@ void tst_Recording::deletion()
         QCOMPARE(ended.first().first().toBool(), QString(name) != "no such.mp4");
     }
     QCOMPARE(m_box->recordings(), QStringList("take"));
+}
+
+void tst_Recording::itemStartsWithItsDefaults()
+{
+    const Item item;
+    QCOMPARE(item.property("online").toBool(), true);
+    QCOMPARE(item.property("rtime").toInt(), 600);
+    for (const char* name : {"isdir", "upgrading", "upgradtimeout", "upgradsuccessful"})
+        QVERIFY2(item.property(name).isValid() && !item.property(name).toBool(), name);
+    QVERIFY(!item.property("upgradtip").isValid());
+}
+
+void tst_Recording::deletedItemLeavesItsJobAlone()
+{
+    auto item = recording(QString());
+    QVERIFY(m_box->addFault("slow 300"));
+    item->execCurl(BoxProtocol::controlCommand("hxenc_on", boxIp), {{"exectype", "x"}});
+    item.reset();
+    // The command itself goes on: the box still gets it.
+    QTRY_COMPARE(m_box->requests().size(), 1);
+    QTRY_VERIFY(m_box->activity().compressedEncoder);
 }
 
 QTEST_GUILESS_MAIN(tst_Recording)
