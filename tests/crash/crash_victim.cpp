@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// crash_victim FOLDER WAY: installs the crash handler for the folder, then crashes in this way.
+// crash_victim FOLDER WAY [HINDRANCE...]: installs the crash handler for the folder, then crashes
+// in this way.
 #include "common/platform.h"
 #include "crash/crash_handler.h"
 
 #include <QCoreApplication>
+#include <QHash>
 #include <QSemaphore>
 #include <QThread>
 
@@ -142,33 +144,32 @@ void overflowInThread()
     runOutOfStack(0);
 }
 
-void crash(const QString& way)
-{
-    if (way == "null")
-        writeToNowhere();
-    else if (way == "registers")
-        writeWithKnownRegisters();
-    else if (way == "divide")
-        divideBy(0);
-    else if (way == "overflow")
-        runOutOfStack(0);
-    else if (way == "abort")
-        giveUp();
-    else if (way == "heap")
-        freeTwice();
-    else if (way == "exception")
-        throwUncaught();
-    else if (way == "fatal")
-        qFatal("end of the road");
-    else if (way == "jump")
-        jumpToNowhere();
-    else if (way == "thread")
-        inThread(writeToNowhere, "worker");
-    else if (way == "thread-overflow")
-        inThread(overflowInThread, "worker");
-    else if (way == "all-at-once")
-        crashAllAtOnce();
-}
+using Deed = void (*)();
+
+const QHash<QString, Deed> ways{
+    {"null", writeToNowhere},
+    {"registers", writeWithKnownRegisters},
+    {"divide", [] { divideBy(0); }},
+    {"overflow", [] { runOutOfStack(0); }},
+    {"abort", giveUp},
+    {"heap", freeTwice},
+    {"exception", throwUncaught},
+    {"fatal", [] { qFatal("end of the road"); }},
+    {"jump", jumpToNowhere},
+    {"thread", [] { inThread(writeToNowhere, "worker"); }},
+    {"thread-overflow", [] { inThread(overflowInThread, "worker"); }},
+    {"all-at-once", crashAllAtOnce},
+};
+
+const QHash<QString, Deed> hindrances{
+    {"no-trace", [] { refuse(SYS_ptrace); }},
+    {"no-reading", [] { refuse(SYS_process_vm_readv); }},
+    {"no-fork", [] { refuse(SYS_clone); }},
+    {"writer-faults", [] { refuse(SYS_getdents64, Refusal::Fault); }},
+    {"writer-hangs", [] { refuse(SYS_getdents64, Refusal::Hang); }},
+    {"handler-faults", [] { refuse(SYS_pipe2, Refusal::Fault); }},
+    {"no-space", refuseLongFiles},
+};
 
 } // namespace
 
@@ -188,22 +189,9 @@ int main(int argc, char* argv[])
     bystander->setObjectName("bystander");
     bystander->start();
     sleeping.acquire();
-    for (const QString& more : arguments.mid(3)) {
-        if (more == "no-trace")
-            refuse(SYS_ptrace);
-        else if (more == "no-reading")
-            refuse(SYS_process_vm_readv);
-        else if (more == "no-fork")
-            refuse(SYS_clone);
-        else if (more == "writer-faults")
-            refuse(SYS_getdents64, Refusal::Fault);
-        else if (more == "writer-hangs")
-            refuse(SYS_getdents64, Refusal::Hang);
-        else if (more == "handler-faults")
-            refuse(SYS_pipe2, Refusal::Fault);
-        else if (more == "no-space")
-            refuseLongFiles();
-    }
-    crash(arguments.at(2));
+    const auto nothing = [] {};
+    for (const QString& more : arguments.mid(3))
+        hindrances.value(more, nothing)();
+    ways.value(arguments.at(2), nothing)();
     return 4;
 }
