@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/report_look.h"
-#include "tests/support/window_fixture.h"
+#include "tests/ui/upgrade/upgrade_fixture.h"
 
 #include <QLabel>
 
 /// Sixty boxes at once, some with every fault there is: what is told about each one is right, and
 /// the settings come back byte for byte.
-class tst_UpgradeSixty : public QObject
+class tst_UpgradeSixty : public QObject, UpgradeFixture
 {
     Q_OBJECT
 
@@ -26,7 +25,7 @@ private:
         bool settingsAsBefore;
     };
 
-    void addBoxes();
+    void furnishBoxes();
     const Kind& kindOf(int host) const { return kinds[size_t(m_kindOf.value(host))]; }
     void checkBox(int host, const QMap<QString, QString>& row);
 
@@ -34,11 +33,8 @@ private:
     static constexpr const char* ownAddressOnly = "address";
     static const std::array<Kind, 15> kinds;
 
-    std::unique_ptr<WindowFixture> m_fixture;
     QMap<int, int> m_kindOf;
-    QMap<int, sim::VirtualBox*> m_boxes;
     QMap<int, QMap<QString, QString>> m_before;
-    QString m_package;
 };
 
 const std::array<tst_UpgradeSixty::Kind, 15> tst_UpgradeSixty::kinds{{
@@ -63,16 +59,15 @@ const std::array<tst_UpgradeSixty::Kind, 15> tst_UpgradeSixty::kinds{{
 
 void tst_UpgradeSixty::initTestCase()
 {
-    m_fixture = std::make_unique<WindowFixture>();
+    begin();
     m_package = writePackage(m_fixture->appData() + "/KORA 固件_1.2.0.623.dat", 3000000);
-    addBoxes();
-    Options options = WindowFixture::options();
-    options.upgradeTickMs = 40;
-    m_fixture->open(options);
+    furnishBoxes();
+    m_fixture->openKnowing(m_boxes.keys(), quickUpgrades(40));
 }
 
-void tst_UpgradeSixty::addBoxes()
+void tst_UpgradeSixty::furnishBoxes()
 {
+    makeBoxes(count);
     static const char* const names[] = {
         "a=b=c", "\"quoted\" 'name' \\",       "名前 カメラ １", " blanks at  both ends ",
         "",      "100+1 (Stage); $HOME `id` #"};
@@ -81,14 +76,13 @@ void tst_UpgradeSixty::addBoxes()
         for (int i = 0; i < kinds[size_t(kind)].boxes; ++i) {
             ++host;
             m_kindOf[host] = kind;
-            sim::VirtualBox* box = m_fixture->addBox(host);
+            sim::VirtualBox* box = m_boxes[host];
             box->setParameter("eParam_NDIName", QString::fromUtf8(names[host % 6]));
             box->setParameter("eParam_NTPServer", host % 5 ? "ntp=1.example" : "");
             box->setParameter("eParam_NDIHXQuality", QString::number(host % 5));
             // A fixed address, which the upgrade switches to an assigned one meanwhile.
             if (host % 2)
                 box->setParameter("eParam_DHCP", "0");
-            m_boxes[host] = box;
             m_before[host] = box->parameters();
         }
     }
@@ -98,14 +92,6 @@ void tst_UpgradeSixty::addBoxes()
 void tst_UpgradeSixty::upgradesSixtyBoxes()
 {
     TreeView* view = m_fixture->deviceView();
-    const auto known = [view] {
-        int ready = 0;
-        const auto boxes = view->treeModel()->items("KORA");
-        for (const Item* box : boxes)
-            ready += WindowFixture::isKnown(*box) ? 1 : 0;
-        return ready;
-    };
-    QTRY_COMPARE_WITH_TIMEOUT(known(), count, 20000);
     for (auto it = m_boxes.cbegin(); it != m_boxes.cend(); ++it) {
         QString fault = QString::fromLatin1(kindOf(it.key()).fault);
         fault.replace('@', QString::number(it.key()).rightJustified(2, '0'));
@@ -119,8 +105,8 @@ void tst_UpgradeSixty::upgradesSixtyBoxes()
     m_fixture->clickRow(shown);
     view->selectAll();
     DialogAnswerer answers("Recovery");
-    WindowFixture::drop(m_fixture->child<QWidget>("device_list"), {m_package});
-    QTRY_COMPARE(answers.texts(), QStringList{"即将对您选择的60个KORA进行升级固件操作,是否确认?"});
+    drop({m_package});
+    QTRY_COMPARE(answers.texts(), QStringList{question(count)});
     answers.setButton("okpushButton");
     answers.clear();
 
