@@ -40,7 +40,6 @@ private slots:
         m_installers.clear();
         m_packages.clear();
     }
-
     void cleanup() { m_server.reset(); }
 
     void versions_data()
@@ -64,7 +63,37 @@ private slots:
         QTEST(isNewerVersion(latest, "1.0.0.10"), "newer");
     }
 
-    void badDescriptorsAreIgnored_data();
+    void badDescriptorsAreIgnored_data()
+    {
+        const auto body = [](const QByteArray& text) {
+            sim::HttpReply reply;
+            reply.body = text;
+            return reply;
+        };
+        columns<sim::HttpReply>("reply");
+        row("not JSON", body("<html>"));
+        row("an array", body("[1]"));
+        row("empty", body("{}"));
+        row("no windows", body(R"({"updates": {}})"));
+        row("wrong types",
+            body(
+                R"({"updates": {"MD5": [1], "windows": {"latest-version": 5, "download-url": {}}}})"));
+        row("huge", body("{\"updates\": \"" + QByteArray(6 << 20, 'x') + "\"}"));
+        sim::HttpReply reply = body("{\"updates\": {\"windows\": {\"latest-version\": \"9.0.0\"");
+        reply.percent = 50;
+        row("broken off", reply);
+        reply = {};
+        reply.status = 404;
+        row("missing", reply);
+        reply = {};
+        reply.source = [](QByteArray*) {
+            QTest::qSleep(100);
+            return true;
+        };
+        row("silent", reply);
+        reply.status = 0;
+        row("closed network", reply);
+    }
     void badDescriptorsAreIgnored()
     {
         QFETCH(sim::HttpReply, reply);
@@ -311,38 +340,6 @@ private:
     QStringList m_packages;
     int m_answers = 0;
 };
-
-/// Not in the class: moc counts the braces of raw strings, too.
-void tst_UpdateCheck::badDescriptorsAreIgnored_data()
-{
-    const auto body = [](const QByteArray& text) {
-        sim::HttpReply reply;
-        reply.body = text;
-        return reply;
-    };
-    columns<sim::HttpReply>("reply");
-    row("not JSON", body("<html>"));
-    row("an array", body("[1]"));
-    row("empty", body("{}"));
-    row("no windows", body(R"({"updates": {}})"));
-    row("wrong types",
-        body(R"({"updates": {"MD5": [1], "windows": {"latest-version": 5, "download-url": {}}}})"));
-    row("huge", body(R"({"updates": ")" + QByteArray(6 << 20, 'x') + "\"}"));
-    sim::HttpReply reply = body(R"({"updates": {"windows": {"latest-version": "9.0.0")");
-    reply.percent = 50;
-    row("broken off", reply);
-    reply = {};
-    reply.status = 404;
-    row("missing", reply);
-    reply = {};
-    reply.source = [](QByteArray*) {
-        QTest::qSleep(100);
-        return true;
-    };
-    row("silent", reply);
-    reply.status = 0;
-    row("closed network", reply);
-}
 
 QTEST_GUILESS_MAIN(tst_UpdateCheck)
 #include "tst_update_check.moc"

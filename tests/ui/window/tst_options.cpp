@@ -4,6 +4,7 @@
 #include "ui/window/start_up.h"
 
 #include <QProcess>
+#include <QRegularExpression>
 #include <QThread>
 
 /// How the program is started: what it makes of its command line, without a display.
@@ -43,15 +44,6 @@ private slots:
         QVERIFY(readOptions({"tarn-hub"}).options.updateServer.endsWith(".example"));
     }
 
-    void helpAndVersion()
-    {
-        const OptionsResult help = readOptions({"tarn-hub", "--help"});
-        QCOMPARE(help.outcome, OptionsResult::ShowText);
-        for (const char* option : {"--subnet", "--fping", "--update-server"})
-            QVERIFY2(help.text.contains(option), option);
-        QCOMPARE(readOptions({"tarn-hub", "-v"}).text, QString("Tarn Hub 1.0.0.10\n"));
-    }
-
     void windowSystemOptionsAreLeftAlone()
     {
         QCOMPARE(readOptions({"tarn-hub", "-platform", "offscreen"}).outcome, OptionsResult::Run);
@@ -68,8 +60,9 @@ private slots:
     void programAnswersWithoutDisplay_data()
     {
         columns<QStringList, int, QString, QString>("arguments", "exitCode", "output", "error");
-        row("help", QStringList{"--help"}, 0, "--subnet", "");
-        row("version", QStringList{"--version"}, 0, "Tarn Hub 1.0.0.10", "");
+        row("help", QStringList{"--help"}, 0, "(?s)--subnet.*--fping.*--update-server", "");
+        row("version", QStringList{"--version"}, 0, "^Tarn Hub 1\\.0\\.0\\.10\n$", "");
+        row("version, short", QStringList{"-v"}, 0, "^Tarn Hub", "");
         row("unknown option", QStringList{"--sweep"}, 2, "", "sweep");
         row("wrong block", QStringList{"--subnet", "10.0.0.0/8"}, 2, "", "10.0.0.0/8");
     }
@@ -88,7 +81,8 @@ private slots:
         QCOMPARE(program.exitCode(), exitCode);
         const QString out = QString::fromUtf8(program.readAllStandardOutput());
         const QString err = QString::fromUtf8(program.readAllStandardError());
-        QVERIFY2(output.isEmpty() ? out.isEmpty() : out.contains(output), qPrintable(out));
+        QVERIFY2(output.isEmpty() ? out.isEmpty() : out.contains(QRegularExpression(output)),
+                 qPrintable(out));
         QVERIFY2(error.isEmpty() ? err.isEmpty() : err.contains(error), qPrintable(err));
     }
 };

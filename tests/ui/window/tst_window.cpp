@@ -17,167 +17,159 @@ class tst_Window : public QObject, WindowFixture
 private slots:
     void init() { open(); }
     void cleanup() { close(); }
-    void slotsStandInTheirOrder();
-    void startsWithItsPanes();
-    void languagesLeaveNothingBehind();
-    void scrollingChangesNoValue();
-    void fullScreenComesAndGoes();
-    void filesMayBeDroppedOnTwoAreas();
 
-private:
-    void chooseLanguage(int row);
-    QStringList visibleTexts();
-};
-
-void tst_Window::slotsStandInTheirOrder()
-{
-    QStringList names;
-    const QMetaObject& meta = Tarn_Hub::staticMetaObject;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-        if (meta.method(i).methodType() == QMetaMethod::Slot)
-            names << meta.method(i).name();
-    }
-    const QString expected =
-        "refreshLocalIP refreshDeviceState R_delayAction R_findDeviceIP "
-        "R_refreshDeviceIP R_finished R_readyReadStandardOutput R_stateChanged "
-        "R_download R_delete R_ActionClicked R_playstatus R_timerSliderout "
-        "on_save_clicked on_refreshDevice_clicked on_firmwareUpdate_clicked "
-        "on_HB_clicked on_HX2_clicked on_HX3_clicked on_language_clicked "
-        "on_recode_clicked on_collapse_clicked on_expand_clicked on_full_clicked "
-        "on_colsefull_clicked on_md5_clicked on_video_play_clicked "
-        "on_video_after_clicked on_video_front_clicked on_switch_monitor_clicked "
-        "on_eParam_SDIVolumeSlider_valueChanged "
-        "on_eParam_LineinVolumeSlider_valueChanged "
-        "on_eParam_LineinDelaySlider_valueChanged on_H264_clicked on_H265_clicked "
-        "on_pushButton_hxdec_on_clicked on_pushButton_live_on_clicked";
-    QCOMPARE(names, expected.split(' '));
-    // Every slot named after a widget finds that widget; a form that renames one loses it.
-    for (const QString& name : names) {
-        if (name.startsWith("on_"))
-            child<QWidget>(name.section('_', 1, -2).toUtf8().constData());
-    }
-}
-
-void tst_Window::startsWithItsPanes()
-{
-    QCOMPARE(window().windowTitle(), QString("Tarn Hub v1.0.0.10"));
-    QCOMPARE(child<QSplitter>("main_splitter")->sizes().first(), 350);
-    for (const char* hidden :
-         {"expand", "colsefull", "md5", "widget_play_progress", "monitor_bottom", "web_widget"})
-        QVERIFY2(child<QWidget>(hidden)->isHidden(), hidden);
-    QVERIFY(child<QWidget>("middle_widget")->isVisible());
-    QVERIFY(!child<QSplitter>("main_splitter")->handle(1)->isEnabled());
-}
-
-void tst_Window::chooseLanguage(int row)
-{
-    DialogAnswerer answers;
-    answers.expect<QMenu>([row](QMenu& menu) {
-        QTest::mouseClick(&menu, Qt::LeftButton, {},
-                          menu.actionGeometry(menu.actions().at(row)).center());
-    });
-    click("language");
-    QVERIFY(answers.isDone());
-}
-
-QStringList tst_Window::visibleTexts()
-{
-    QStringList texts;
-    const auto widgets = window().findChildren<QWidget*>();
-    for (const QWidget* widget : widgets) {
-        texts << widget->toolTip() << widget->accessibleName();
-        for (const char* property : {"text", "placeholderText", "windowTitle"})
-            texts << widget->property(property).toString();
-    }
-    return texts;
-}
-
-void tst_Window::languagesLeaveNothingBehind()
-{
-    const QRegularExpression chinese("\\p{Han}");
-    QVERIFY(!visibleTexts().filter(chinese).isEmpty());
-    chooseLanguage(1);
-    QTRY_COMPARE(visibleTexts().filter(chinese), QStringList());
-    QCOMPARE(child<QAbstractButton>("save")->text(), QString("Save"));
-    chooseLanguage(0);
-    QTRY_COMPARE(child<QAbstractButton>("save")->text(), QString("保存"));
-    QCOMPARE(child<QLabel>("device_config_title")->text(), QString("配置区域:"));
-}
-
-void tst_Window::scrollingChangesNoValue()
-{
-    child<QWidget>("right_widget")->show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window()));
-    for (const char* name : {"eParam_NDIHXGopLength", "eParam_NDIHXBitRate", "eParam_SDIVolume",
-                             "eParam_LineinVolume", "eParam_LineinDelay"}) {
-        auto* spin = child<QSpinBox>(name);
-        auto* slider = child<QSlider>((QByteArray(name) + "Slider").constData());
-        slider->setValue(17);
-        QCOMPARE(spin->value(), 17);
-        spin->setValue(11);
-        QCOMPARE(slider->value(), 11);
-        for (QWidget* target : {static_cast<QWidget*>(spin), static_cast<QWidget*>(slider)}) {
-            target->setEnabled(true); // as after the box has told it
-            const QPointF middle = QRectF(target->rect()).center();
-            QWheelEvent wheel(middle, target->mapToGlobal(middle.toPoint()), {}, QPoint(0, 240),
-                              Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-            QApplication::sendEvent(target, &wheel);
-            QCOMPARE(spin->value(), 11);
+    void slotsStandInTheirOrder()
+    {
+        QStringList names;
+        const QMetaObject& meta = Tarn_Hub::staticMetaObject;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+            if (meta.method(i).methodType() == QMetaMethod::Slot)
+                names << meta.method(i).name();
+        }
+        const QString expected =
+            "refreshLocalIP refreshDeviceState R_delayAction R_findDeviceIP "
+            "R_refreshDeviceIP R_finished R_readyReadStandardOutput R_stateChanged "
+            "R_download R_delete R_ActionClicked R_playstatus R_timerSliderout "
+            "on_save_clicked on_refreshDevice_clicked on_firmwareUpdate_clicked "
+            "on_HB_clicked on_HX2_clicked on_HX3_clicked on_language_clicked "
+            "on_recode_clicked on_collapse_clicked on_expand_clicked on_full_clicked "
+            "on_colsefull_clicked on_md5_clicked on_video_play_clicked "
+            "on_video_after_clicked on_video_front_clicked on_switch_monitor_clicked "
+            "on_eParam_SDIVolumeSlider_valueChanged "
+            "on_eParam_LineinVolumeSlider_valueChanged "
+            "on_eParam_LineinDelaySlider_valueChanged on_H264_clicked on_H265_clicked "
+            "on_pushButton_hxdec_on_clicked on_pushButton_live_on_clicked";
+        QCOMPARE(names, expected.split(' '));
+        // Every slot named after a widget finds that widget; a form that renames one loses it.
+        for (const QString& name : names) {
+            if (name.startsWith("on_"))
+                child<QWidget>(name.section('_', 1, -2).toUtf8().constData());
         }
     }
-}
 
-void tst_Window::fullScreenComesAndGoes()
-{
-    auto* video = child<QWidget>("video_widget");
-    auto* left = child<QWidget>("left_splitter");
-    const auto isFull = [&] { return window().isFullScreen() && left->isHidden(); };
-    const auto isNormal = [&] { return !window().isFullScreen() && left->isVisible(); };
-
-    QTest::mouseDClick(video, Qt::LeftButton);
-    QTRY_VERIFY(isFull());
-    QTest::mouseDClick(video, Qt::LeftButton);
-    QTRY_VERIFY(isNormal());
-    child<QWidget>("deviceView")->setFocus();
-    click("full");
-    QTRY_VERIFY(isFull());
-    QTRY_VERIFY(video->hasFocus());
-    QTest::keyClick(video, Qt::Key_Escape);
-    QTRY_VERIFY(isNormal());
-    click("full");
-    QTRY_VERIFY(isFull());
-    click("colsefull");
-    QTRY_VERIFY(isNormal());
-    // What was hidden before stays so.
-    QVERIFY(child<QWidget>("right_widget")->isHidden());
-}
-
-void tst_Window::filesMayBeDroppedOnTwoAreas()
-{
-    QMimeData files;
-    files.setUrls({QUrl::fromLocalFile("/tmp/fw.dat")});
-    QMimeData text;
-    text.setText("no file");
-    for (const char* name : {"device_list", "page_video"}) {
-        auto* area = child<QWidget>(name);
-        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction | Qt::MoveAction, &files, Qt::LeftButton,
-                              Qt::NoModifier);
-        enter.ignore();
-        QApplication::sendEvent(area, &enter);
-        QVERIFY(enter.isAccepted());
-        QCOMPARE(enter.dropAction(), Qt::CopyAction);
-        QVERIFY(area->property("dragOver").toBool());
-        QDragLeaveEvent leave;
-        QApplication::sendEvent(area, &leave);
-        QVERIFY(!area->property("dragOver").toBool());
-
-        QDragEnterEvent other(QPoint(5, 5), Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
-        other.ignore();
-        QApplication::sendEvent(area, &other);
-        QVERIFY(!other.isAccepted());
-        QVERIFY(!area->property("dragOver").toBool());
+    void startsWithItsPanes()
+    {
+        QCOMPARE(window().windowTitle(), QString("Tarn Hub v1.0.0.10"));
+        QCOMPARE(child<QSplitter>("main_splitter")->sizes().first(), 350);
+        for (const char* hidden :
+             {"expand", "colsefull", "md5", "widget_play_progress", "monitor_bottom", "web_widget"})
+            QVERIFY2(child<QWidget>(hidden)->isHidden(), hidden);
+        QVERIFY(child<QWidget>("middle_widget")->isVisible());
+        QVERIFY(!child<QSplitter>("main_splitter")->handle(1)->isEnabled());
     }
-}
+
+    void languagesLeaveNothingBehind()
+    {
+        const QRegularExpression chinese("\\p{Han}");
+        QVERIFY(!visibleTexts().filter(chinese).isEmpty());
+        chooseLanguage(1);
+        QTRY_COMPARE(visibleTexts().filter(chinese), QStringList());
+        QCOMPARE(child<QAbstractButton>("save")->text(), QString("Save"));
+        chooseLanguage(0);
+        QTRY_COMPARE(child<QAbstractButton>("save")->text(), QString("保存"));
+        QCOMPARE(child<QLabel>("device_config_title")->text(), QString("配置区域:"));
+    }
+
+    void scrollingChangesNoValue()
+    {
+        child<QWidget>("right_widget")->show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window()));
+        for (const char* name : {"eParam_NDIHXGopLength", "eParam_NDIHXBitRate", "eParam_SDIVolume",
+                                 "eParam_LineinVolume", "eParam_LineinDelay"}) {
+            auto* spin = child<QSpinBox>(name);
+            auto* slider = child<QSlider>((QByteArray(name) + "Slider").constData());
+            slider->setValue(17);
+            QCOMPARE(spin->value(), 17);
+            spin->setValue(11);
+            QCOMPARE(slider->value(), 11);
+            for (QWidget* target : {static_cast<QWidget*>(spin), static_cast<QWidget*>(slider)}) {
+                target->setEnabled(true); // as after the box has told it
+                const QPointF middle = QRectF(target->rect()).center();
+                QWheelEvent wheel(middle, target->mapToGlobal(middle.toPoint()), {}, QPoint(0, 240),
+                                  Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+                QApplication::sendEvent(target, &wheel);
+                QCOMPARE(spin->value(), 11);
+            }
+        }
+    }
+
+    void fullScreenComesAndGoes()
+    {
+        auto* video = child<QWidget>("video_widget");
+        auto* left = child<QWidget>("left_splitter");
+        const auto isFull = [&] { return window().isFullScreen() && left->isHidden(); };
+        const auto isNormal = [&] { return !window().isFullScreen() && left->isVisible(); };
+
+        QTest::mouseDClick(video, Qt::LeftButton);
+        QTRY_VERIFY(isFull());
+        QTest::mouseDClick(video, Qt::LeftButton);
+        QTRY_VERIFY(isNormal());
+        child<QWidget>("deviceView")->setFocus();
+        click("full");
+        QTRY_VERIFY(isFull());
+        QTRY_VERIFY(video->hasFocus());
+        QTest::keyClick(video, Qt::Key_Escape);
+        QTRY_VERIFY(isNormal());
+        click("full");
+        QTRY_VERIFY(isFull());
+        click("colsefull");
+        QTRY_VERIFY(isNormal());
+        // What was hidden before stays so.
+        QVERIFY(child<QWidget>("right_widget")->isHidden());
+    }
+
+    void filesMayBeDroppedOnTwoAreas()
+    {
+        QMimeData files;
+        files.setUrls({QUrl::fromLocalFile("/tmp/fw.dat")});
+        QMimeData text;
+        text.setText("no file");
+        for (const char* name : {"device_list", "page_video"}) {
+            auto* area = child<QWidget>(name);
+            QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction | Qt::MoveAction, &files,
+                                  Qt::LeftButton, Qt::NoModifier);
+            enter.ignore();
+            QApplication::sendEvent(area, &enter);
+            QVERIFY(enter.isAccepted());
+            QCOMPARE(enter.dropAction(), Qt::CopyAction);
+            QVERIFY(area->property("dragOver").toBool());
+            QDragLeaveEvent leave;
+            QApplication::sendEvent(area, &leave);
+            QVERIFY(!area->property("dragOver").toBool());
+
+            QDragEnterEvent other(QPoint(5, 5), Qt::CopyAction, &text, Qt::LeftButton,
+                                  Qt::NoModifier);
+            other.ignore();
+            QApplication::sendEvent(area, &other);
+            QVERIFY(!other.isAccepted());
+            QVERIFY(!area->property("dragOver").toBool());
+        }
+    }
+
+private:
+    void chooseLanguage(int row)
+    {
+        DialogAnswerer answers;
+        answers.expect<QMenu>([row](QMenu& menu) {
+            QTest::mouseClick(&menu, Qt::LeftButton, {},
+                              menu.actionGeometry(menu.actions().at(row)).center());
+        });
+        click("language");
+        QVERIFY(answers.isDone());
+    }
+
+    QStringList visibleTexts()
+    {
+        QStringList texts;
+        const auto widgets = window().findChildren<QWidget*>();
+        for (const QWidget* widget : widgets) {
+            texts << widget->toolTip() << widget->accessibleName();
+            for (const char* property : {"text", "placeholderText", "windowTitle"})
+                texts << widget->property(property).toString();
+        }
+        return texts;
+    }
+};
 
 QTEST_MAIN(tst_Window)
 #include "tst_window.moc"
