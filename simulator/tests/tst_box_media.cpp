@@ -59,107 +59,97 @@ class tst_BoxMedia : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
+    void init() { m_box = pluggedBox(home); }
     void cleanup() { m_box.reset(); }
-    void recordsARealFilm();
-    void recordingIsCountedOnTheFeed();
-    void recordsOneThingAtATime();
-    void powerFailureLosesTheRecording();
-    void livePictureCanBeWatched();
-    void onlyWhoAsksIsTold();
+
+    void recordsARealFilm()
+    {
+        for (const QString& name : {QString("a.mp4"), QString("b.mov")}) {
+            const QStringList before = m_box->recordings();
+            QCOMPARE(command(home, "record_on&file_name=" + name).status(), "success");
+            QCOMPARE(m_box->activity().recordingFile, name);
+            QCOMPARE(m_box->recordings(), before);
+            QCOMPARE(command(home, "record_off").status(), "success");
+            QCOMPARE(m_box->recordings(), QStringList{name} + before);
+            const QString seen = probe(apiUrl(home, "/media/" + name));
+            QVERIFY2(seen.startsWith("h264 aac "), qPrintable(seen));
+            QVERIFY2(seen.section(' ', 2).toDouble() > 0.3, qPrintable(seen));
+        }
+    }
+
+    void recordingIsCountedOnTheFeed()
+    {
+        Listener listener(8001);
+        QTRY_COMPARE(m_box->streamListeners(), 1);
+        QCOMPARE(command(home, "record_on&file_name=a.mp4").status(), "success");
+        QTRY_VERIFY(listener.recordMs() > 0);
+        const int first = listener.recordMs();
+        QTRY_VERIFY(listener.recordMs() >= first + 300);
+        QVERIFY(listener.recordMs() < 10000);
+        QCOMPARE(command(home, "record_off").status(), "success");
+        QTRY_VERIFY(listener.texts.last().contains("\"event\":\"stream\""));
+    }
+
+    void recordsOneThingAtATime()
+    {
+        QCOMPARE(command(home, "record_on&file_name=a.mp4").status(), "success");
+        QCOMPARE(command(home, "record_on&file_name=b.mp4").status(), "failed");
+        QCOMPARE(command(home, "record_off").status(), "success");
+        QCOMPARE(command(home, "record_on&file_name=a.mp4").status(), "failed"); // the name is used
+        QCOMPARE(m_box->recordings(), QStringList{"a.mp4"});
+    }
+
+    void powerFailureLosesTheRecording()
+    {
+        QCOMPARE(command(home, "record_on&file_name=a.mp4").status(), "success");
+        m_box->unplug();
+        QVERIFY(m_box->plugIn());
+        QCOMPARE(m_box->activity().recordingFile, "");
+        QCOMPARE(command(home, "record_off").status(), "failed");
+        QVERIFY(m_box->recordings().isEmpty());
+        QCOMPARE(command(home, "record_on&file_name=a.mp4").status(), "success");
+    }
+
+    void livePictureCanBeWatched()
+    {
+        const CurlResult started = command(home, "stream_on&stream_url='rtmp://h/app?k%3Dv'");
+        QCOMPARE(started.status(), "success");
+        QCOMPARE(m_box->activity().streamTarget, "rtmp://h/app?k=v");
+        const QString url = started.json().value("pull_url").toString();
+        QVERIFY(url.startsWith("http://" TEST_BLOCK ".1:"));
+        QCOMPARE(probe(url), "h264 aac h264 aac N/A");
+        QCOMPARE(probe(url), "h264 aac h264 aac N/A"); // for a second viewer just as well
+        const CurlResult srt =
+            command(home, "stream_on&srt_mode=listener&srt_port=9000&stream_id='cam1'");
+        QCOMPARE(srt.json().value("pull_url").toString(), "srt://" TEST_BLOCK ".1:9000");
+        for (int caller = 0; caller < 2; ++caller)
+            QTRY_COMPARE_WITH_TIMEOUT(probe("srt://" TEST_BLOCK ".1:9000"), "h264 aac h264 aac N/A",
+                                      20000);
+        QCOMPARE(command(home, "stream_off").status(), "success");
+        QTRY_VERIFY(isRefused(home, 8090));
+    }
+
+    void onlyWhoAsksIsTold()
+    {
+        Listener media(8002);
+        Listener mute(8002, false);
+        Listener stream(8001);
+        QTRY_COMPARE(m_box->mediaListeners(), 1);
+        QTRY_COMPARE(m_box->streamListeners(), 1);
+        QTRY_VERIFY(mute.isConnected());
+        m_box->sendMediaEvent("<b>media</b>");
+        m_box->sendStreamEvent("not even JSON");
+        QTRY_VERIFY(media.texts.contains("<b>media</b>"));
+        QTRY_VERIFY(stream.texts.contains("not even JSON"));
+        QVERIFY(!media.texts.contains("not even JSON"));
+        QTRY_VERIFY(
+            media.texts.join("").contains("audio_db")); // and what the box has to say itself
+        QVERIFY(mute.texts.isEmpty());
+    }
 
 private:
     std::unique_ptr<VirtualBox> m_box;
 };
-
-void tst_BoxMedia::init()
-{
-    m_box = pluggedBox(home);
-}
-
-void tst_BoxMedia::recordsARealFilm()
-{
-    for (const QString& name : {QString("a.mp4"), QString("b.mov")}) {
-        const QStringList before = m_box->recordings();
-        QCOMPARE(command(home, "record_on&file_name=" + name).status(), "success");
-        QCOMPARE(m_box->activity().recordingFile, name);
-        QCOMPARE(m_box->recordings(), before);
-        QCOMPARE(command(home, "record_off").status(), "success");
-        QCOMPARE(m_box->recordings(), QStringList{name} + before);
-        const QString seen = probe(apiUrl(home, "/media/" + name));
-        QVERIFY2(seen.startsWith("h264 aac "), qPrintable(seen));
-        QVERIFY2(seen.section(' ', 2).toDouble() > 0.3, qPrintable(seen));
-    }
-}
-
-void tst_BoxMedia::recordingIsCountedOnTheFeed()
-{
-    Listener listener(8001);
-    QTRY_COMPARE(m_box->streamListeners(), 1);
-    QCOMPARE(command(home, "record_on&file_name=a.mp4").status(), "success");
-    QTRY_VERIFY(listener.recordMs() > 0);
-    const int first = listener.recordMs();
-    QTRY_VERIFY(listener.recordMs() >= first + 300);
-    QVERIFY(listener.recordMs() < 10000);
-    QCOMPARE(command(home, "record_off").status(), "success");
-    QTRY_VERIFY(listener.texts.last().contains("\"event\":\"stream\""));
-}
-
-void tst_BoxMedia::recordsOneThingAtATime()
-{
-    QCOMPARE(command(home, "record_on&file_name=a.mp4").status(), "success");
-    QCOMPARE(command(home, "record_on&file_name=b.mp4").status(), "failed");
-    QCOMPARE(command(home, "record_off").status(), "success");
-    QCOMPARE(command(home, "record_on&file_name=a.mp4").status(), "failed"); // the name is used
-    QCOMPARE(m_box->recordings(), QStringList{"a.mp4"});
-}
-
-void tst_BoxMedia::powerFailureLosesTheRecording()
-{
-    QCOMPARE(command(home, "record_on&file_name=a.mp4").status(), "success");
-    m_box->unplug();
-    QVERIFY(m_box->plugIn());
-    QCOMPARE(m_box->activity().recordingFile, "");
-    QCOMPARE(command(home, "record_off").status(), "failed");
-    QVERIFY(m_box->recordings().isEmpty());
-    QCOMPARE(command(home, "record_on&file_name=a.mp4").status(), "success");
-}
-
-void tst_BoxMedia::livePictureCanBeWatched()
-{
-    const CurlResult started = command(home, "stream_on&stream_url='rtmp://h/app?k%3Dv'");
-    QCOMPARE(started.status(), "success");
-    QCOMPARE(m_box->activity().streamTarget, "rtmp://h/app?k=v");
-    const QString url = started.json().value("pull_url").toString();
-    QVERIFY(url.startsWith("http://" TEST_BLOCK ".1:"));
-    QCOMPARE(probe(url), "h264 aac h264 aac N/A");
-    QCOMPARE(probe(url), "h264 aac h264 aac N/A"); // for a second viewer just as well
-    const CurlResult srt =
-        command(home, "stream_on&srt_mode=listener&srt_port=9000&stream_id='cam1'");
-    QCOMPARE(srt.json().value("pull_url").toString(), "srt://" TEST_BLOCK ".1:9000");
-    for (int caller = 0; caller < 2; ++caller)
-        QTRY_COMPARE_WITH_TIMEOUT(probe("srt://" TEST_BLOCK ".1:9000"), "h264 aac h264 aac N/A",
-                                  20000);
-    QCOMPARE(command(home, "stream_off").status(), "success");
-    QTRY_VERIFY(isRefused(home, 8090));
-}
-
-void tst_BoxMedia::onlyWhoAsksIsTold()
-{
-    Listener media(8002);
-    Listener mute(8002, false);
-    Listener stream(8001);
-    QTRY_COMPARE(m_box->mediaListeners(), 1);
-    QTRY_COMPARE(m_box->streamListeners(), 1);
-    QTRY_VERIFY(mute.isConnected());
-    m_box->sendMediaEvent("<b>media</b>");
-    m_box->sendStreamEvent("not even JSON");
-    QTRY_VERIFY(media.texts.contains("<b>media</b>"));
-    QTRY_VERIFY(stream.texts.contains("not even JSON"));
-    QVERIFY(!media.texts.contains("not even JSON"));
-    QTRY_VERIFY(media.texts.join("").contains("audio_db")); // and what the box has to say itself
-    QVERIFY(mute.texts.isEmpty());
-}
 
 QTEST_GUILESS_MAIN(tst_BoxMedia)
 #include "tst_box_media.moc"

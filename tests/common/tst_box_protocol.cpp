@@ -12,100 +12,89 @@ class tst_BoxProtocol : public QObject
     Q_OBJECT
 
 private slots:
-    void commandKeepsItsArguments_data();
-    void commandKeepsItsArguments();
-    void valueOutsideQuotesStaysOneArgument();
-    void fillReadsNoValueAgain();
-    void addresses_data();
-    void addresses();
-    void replies_data();
-    void replies();
+    void commandKeepsItsArguments_data()
+    {
+        columns<QString>("value");
+        row("plain", "fw.dat");
+        row("blanks", "my  firmware file.dat");
+        row("quote inside", "a\"b.dat");
+        row("quote at the start", "\"b.dat");
+        row("quote at the end", "b.dat\"");
+        row("only quotes", "\"\"");
+        row("tries to add an argument", "x\" -o /tmp/owned \"");
+        row("leading dash", "-o");
+        row("numbers of the template", "%1%2%3");
+        row("backslashes", "C:\\fw\\new.dat\\");
+        row("other alphabets", QString::fromUtf8("固件 \u200fעברית.dat"));
+    }
+    void commandKeepsItsArguments()
+    {
+        QFETCH(QString, value);
+        const QStringList words =
+            QProcess::splitCommand(BoxProtocol::uploadCommand(value, QStringLiteral("10.0.0.5")));
+        const QStringList expected{"curl",
+                                   "-X",
+                                   "POST",
+                                   "-F",
+                                   QStringLiteral("ota_file=@") + value,
+                                   "http://10.0.0.5:8081/upload"};
+        QCOMPARE(words, expected);
+    }
+
+    void valueOutsideQuotesStaysOneArgument()
+    {
+        const QStringList words = QProcess::splitCommand(
+            BoxProtocol::rebootCommand(QStringLiteral("1.2.3.4 -o \"x y\"")));
+        QCOMPARE(words.size(), 6);
+        QCOMPARE(words.last(), QStringLiteral("http://1.2.3.4 -o \"x y\":8081/control?"));
+    }
+
+    void fillReadsNoValueAgain()
+    {
+        QCOMPARE(BoxProtocol::fill(QStringLiteral("%1|%2|%3|100%"), {"%2", "%1%3", "c"}),
+                 QStringLiteral("%2|%1%3|c|100%"));
+        QCOMPARE(
+            BoxProtocol::readUrl(QStringLiteral("10.0.0.9"), BoxProtocol::DeviceName),
+            QStringLiteral("http://10.0.0.9:8081/config?action=get&param_name=eParam_DeviceName"));
+    }
+
+    void addresses_data()
+    {
+        columns<QString, bool>("text", "valid");
+        row("usual", "192.168.1.254", true);
+        row("zeros", "0.0.0.0", true);
+        row("too high", "192.168.1.256", false);
+        row("three parts", "192.168.1", false);
+        row("five parts", "1.2.3.4.5", false);
+        row("blank", "1.2.3.4 ", false);
+        row("option", "-f/etc/passwd", false);
+        row("sign", "1.2.3.+4", false);
+        row("other digits", QString::fromUtf8("١.٢.٣.٤"), false);
+        row("empty", "", false);
+    }
+    void addresses()
+    {
+        const auto [text, valid] = cells<QString, bool>();
+        QCOMPARE(BoxProtocol::isIpv4Address(text), valid);
+    }
+
+    void replies_data()
+    {
+        columns<QString, QString>("text", "status");
+        row("object", R"({"status":"success"})", "success");
+        row("array", R"(["status","success"])", "");
+        row("text", R"("success")", "");
+        row("torn", "{\"status\":\"succ", "");
+        row("two in a row", R"({"status":"success"}{"status":"x"})", "");
+        row("empty", "", "");
+        row("error page", "<html>404</html>", "");
+    }
+    void replies()
+    {
+        QFETCH(QString, text);
+        QTEST(jsonToMap(text).value(QStringLiteral("status")).toString(), "status");
+    }
 };
-
-void tst_BoxProtocol::commandKeepsItsArguments_data()
-{
-    columns<QString>("value");
-    row("plain", "fw.dat");
-    row("blanks", "my  firmware file.dat");
-    row("quote inside", "a\"b.dat");
-    row("quote at the start", "\"b.dat");
-    row("quote at the end", "b.dat\"");
-    row("only quotes", "\"\"");
-    row("tries to add an argument", "x\" -o /tmp/owned \"");
-    row("leading dash", "-o");
-    row("numbers of the template", "%1%2%3");
-    row("backslashes", "C:\\fw\\new.dat\\");
-    row("other alphabets", QString::fromUtf8("固件 \u200fעברית.dat"));
-}
-
-void tst_BoxProtocol::commandKeepsItsArguments()
-{
-    QFETCH(QString, value);
-    const QStringList words =
-        QProcess::splitCommand(BoxProtocol::uploadCommand(value, QStringLiteral("10.0.0.5")));
-    const QStringList expected{"curl",
-                               "-X",
-                               "POST",
-                               "-F",
-                               QStringLiteral("ota_file=@") + value,
-                               "http://10.0.0.5:8081/upload"};
-    QCOMPARE(words, expected);
-}
-
-void tst_BoxProtocol::valueOutsideQuotesStaysOneArgument()
-{
-    const QStringList words =
-        QProcess::splitCommand(BoxProtocol::rebootCommand(QStringLiteral("1.2.3.4 -o \"x y\"")));
-    QCOMPARE(words.size(), 6);
-    QCOMPARE(words.last(), QStringLiteral("http://1.2.3.4 -o \"x y\":8081/control?"));
-}
-
-void tst_BoxProtocol::fillReadsNoValueAgain()
-{
-    QCOMPARE(BoxProtocol::fill(QStringLiteral("%1|%2|%3|100%"), {"%2", "%1%3", "c"}),
-             QStringLiteral("%2|%1%3|c|100%"));
-    QCOMPARE(BoxProtocol::readUrl(QStringLiteral("10.0.0.9"), BoxProtocol::DeviceName),
-             QStringLiteral("http://10.0.0.9:8081/config?action=get&param_name=eParam_DeviceName"));
-}
-
-void tst_BoxProtocol::addresses_data()
-{
-    columns<QString, bool>("text", "valid");
-    row("usual", "192.168.1.254", true);
-    row("zeros", "0.0.0.0", true);
-    row("too high", "192.168.1.256", false);
-    row("three parts", "192.168.1", false);
-    row("five parts", "1.2.3.4.5", false);
-    row("blank", "1.2.3.4 ", false);
-    row("option", "-f/etc/passwd", false);
-    row("sign", "1.2.3.+4", false);
-    row("other digits", QString::fromUtf8("١.٢.٣.٤"), false);
-    row("empty", "", false);
-}
-
-void tst_BoxProtocol::addresses()
-{
-    const auto [text, valid] = cells<QString, bool>();
-    QCOMPARE(BoxProtocol::isIpv4Address(text), valid);
-}
-
-void tst_BoxProtocol::replies_data()
-{
-    columns<QString, QString>("text", "status");
-    row("object", R"({"status":"success"})", "success");
-    row("array", R"(["status","success"])", "");
-    row("text", R"("success")", "");
-    row("torn", R"({"status":"succ)", "");
-    row("two in a row", R"({"status":"success"}{"status":"x"})", "");
-    row("empty", "", "");
-    row("error page", "<html>404</html>", "");
-}
-
-void tst_BoxProtocol::replies()
-{
-    QFETCH(QString, text);
-    QTEST(jsonToMap(text).value(QStringLiteral("status")).toString(), "status");
-}
 
 QTEST_GUILESS_MAIN(tst_BoxProtocol)
 #include "tst_box_protocol.moc"

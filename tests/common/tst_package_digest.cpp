@@ -19,53 +19,50 @@ class tst_PackageDigest : public QObject
     Q_OBJECT
 
 private slots:
-    void onlyFilesAreRead();
-    void hangingFileHoldsNobodyUp();
-    void dialogsBeginWhereThereIsAFolder();
+    void onlyFilesAreRead()
+    {
+        writeFile(m_folder.filePath("a.dat"), "abc");
+        QDir(m_folder.path()).mkdir("folder.dat");
+        ::mkfifo(m_folder.filePath("pipe.dat").toLocal8Bit().constData(), 0600);
+        for (const char* name : {"a.dat", "folder.dat", "pipe.dat", "none.dat"}) {
+            PackageDigest digest(m_folder.filePath(name));
+            QSignalSpy ready(&digest, &PackageDigest::ready);
+            digest.start();
+            QTRY_COMPARE(ready.size(), 1);
+            QCOMPARE(digest.md5(), QString("a.dat") == name ? md5Of("abc") : QString());
+        }
+    }
+
+    void hangingFileHoldsNobodyUp()
+    {
+        const QString path = writeFile(m_folder.filePath("held.dat"), "abc");
+        const HeldFile held(path);
+        QVERIFY(held.isHeld());
+        Stopwatch clock;
+        {
+            PackageDigest given(path);
+            PackageDigest left(path);
+            given.setPatience(300);
+            QSignalSpy ready(&given, &PackageDigest::ready);
+            given.start();
+            left.start();
+            QTRY_COMPARE(ready.size(), 1);
+            QCOMPARE(given.md5(), QString());
+        }
+        VERIFY_BELOW(clock.elapsed(), 3000);
+    }
+
+    void dialogsBeginWhereThereIsAFolder()
+    {
+        QCOMPARE(livingFolder(m_folder.path()), m_folder.path());
+        for (const QString& gone :
+             {QString(), m_folder.filePath("none"), m_folder.filePath("a.dat")})
+            QCOMPARE(livingFolder(gone), QDir::homePath());
+    }
 
 private:
     QTemporaryDir m_folder;
 };
-
-void tst_PackageDigest::onlyFilesAreRead()
-{
-    writeFile(m_folder.filePath("a.dat"), "abc");
-    QDir(m_folder.path()).mkdir("folder.dat");
-    ::mkfifo(m_folder.filePath("pipe.dat").toLocal8Bit().constData(), 0600);
-    for (const char* name : {"a.dat", "folder.dat", "pipe.dat", "none.dat"}) {
-        PackageDigest digest(m_folder.filePath(name));
-        QSignalSpy ready(&digest, &PackageDigest::ready);
-        digest.start();
-        QTRY_COMPARE(ready.size(), 1);
-        QCOMPARE(digest.md5(), QString("a.dat") == name ? md5Of("abc") : QString());
-    }
-}
-
-void tst_PackageDigest::hangingFileHoldsNobodyUp()
-{
-    const QString path = writeFile(m_folder.filePath("held.dat"), "abc");
-    const HeldFile held(path);
-    QVERIFY(held.isHeld());
-    Stopwatch clock;
-    {
-        PackageDigest given(path);
-        PackageDigest left(path);
-        given.setPatience(300);
-        QSignalSpy ready(&given, &PackageDigest::ready);
-        given.start();
-        left.start();
-        QTRY_COMPARE(ready.size(), 1);
-        QCOMPARE(given.md5(), QString());
-    }
-    VERIFY_BELOW(clock.elapsed(), 3000);
-}
-
-void tst_PackageDigest::dialogsBeginWhereThereIsAFolder()
-{
-    QCOMPARE(livingFolder(m_folder.path()), m_folder.path());
-    for (const QString& gone : {QString(), m_folder.filePath("none"), m_folder.filePath("a.dat")})
-        QCOMPARE(livingFolder(gone), QDir::homePath());
-}
 
 QTEST_GUILESS_MAIN(tst_PackageDigest)
 #include "tst_package_digest.moc"

@@ -36,11 +36,54 @@ public slots:
     void noteUrl(const QUrl& url) { m_opened = url; }
 
 private slots:
-    void initTestCase();
+    void initTestCase()
+    {
+        // The program's own folder is that of the tests: no engine there.
+        m_lan = std::make_unique<WindowFixture>();
+        m_lan->addBox(box, sim::BoxModel::Orbit);
+        m_lan->addBox(otherBox, sim::BoxModel::River);
+        m_lan->addBox(kora);
+        m_lan->open();
+        for (int host : {box, otherBox, kora})
+            QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(host), loadMs);
+    }
     void cleanupTestCase() { m_lan.reset(); }
-    void isNotLoadedWithoutAPage();
-    void saysThatItIsNotInstalled();
-    void saysThatItIsIncomplete();
+
+    void isNotLoadedWithoutAPage()
+    {
+        m_lan->clickRow(kora);
+        QTRY_VERIFY(m_lan->child<QWidget>("right_widget")->isVisible());
+        QVERIFY(isMapped("libQt5Widgets"));
+        for (const char* name : {"WebEngine", "tarn-web-engine", "libLLVM", "_dri.so"})
+            QVERIFY2(!isMapped(name), name);
+    }
+
+    void saysThatItIsNotInstalled()
+    {
+        m_lan->clickRow(box);
+        QTRY_COMPARE(reason(), QString("内置浏览器不可用：它没有安装。"));
+        auto* open = m_lan->child<QPushButton>("webOpen");
+        QVERIFY(m_lan->child<QLabel>("webReason")->isVisible() && open->isVisible());
+        const QString page = QString("http://%1/cgi-bin/set-dashboard.cgi").arg(m_lan->ip(box));
+        QCOMPARE(m_lan->child<QLabel>("webAddress")->text(), page);
+        QDesktopServices::setUrlHandler("http", this, "noteUrl");
+        open->click();
+        QCOMPARE(m_opened, QUrl(page));
+    }
+
+    void saysThatItIsIncomplete()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(QDir(folder.path()).mkdir("plugins"));
+        QFile library(folder.path() + "/plugins/tarn-web-engine.so");
+        QVERIFY(library.open(QIODevice::WriteOnly) && library.write("cut short") > 0);
+        library.close();
+        QCoreApplication::addLibraryPath(folder.path());
+        m_lan->clickRow(otherBox);
+        QTRY_COMPARE(reason(), QString("内置浏览器不可用：它的程序文件不完整。"));
+        QVERIFY(m_lan->child<QPushButton>("webOpen")->isVisible());
+        QCoreApplication::removeLibraryPath(folder.path());
+    }
 
 private:
     QString reason() const { return m_lan->child<QLabel>("webReason")->text(); }
@@ -50,69 +93,22 @@ private:
 
 #ifdef TARN_PROGRAM_FOLDER // the engine is built
 private slots:
-    void isLoadedWithTheFirstPage();
+    void isLoadedWithTheFirstPage()
+    {
+        QCoreApplication::addLibraryPath(TARN_PROGRAM_FOLDER);
+        m_lan->clickRow(box);
+        QTRY_VERIFY_WITH_TIMEOUT(m_lan->window().findChild<QWidget*>("webEngineView"), loadMs);
+        QVERIFY(isMapped("libQt5WebEngineCore"));
+        QTRY_COMPARE_WITH_TIMEOUT(
+            m_lan->child<QWidget>("webEngineView")->property("title").toString(),
+            QString("Dashboard"), loadMs);
+        QVERIFY(m_lan->child<QWidget>("webEngineView")->isVisible());
+    }
+
 #endif
 };
 
-void TestBrowserEngine::initTestCase()
-{
-    // The program's own folder is that of the tests: no engine there.
-    m_lan = std::make_unique<WindowFixture>();
-    m_lan->addBox(box, sim::BoxModel::Orbit);
-    m_lan->addBox(otherBox, sim::BoxModel::River);
-    m_lan->addBox(kora);
-    m_lan->open();
-    for (int host : {box, otherBox, kora})
-        QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(host), loadMs);
-}
-
-void TestBrowserEngine::isNotLoadedWithoutAPage()
-{
-    m_lan->clickRow(kora);
-    QTRY_VERIFY(m_lan->child<QWidget>("right_widget")->isVisible());
-    QVERIFY(isMapped("libQt5Widgets"));
-    for (const char* name : {"WebEngine", "tarn-web-engine", "libLLVM", "_dri.so"})
-        QVERIFY2(!isMapped(name), name);
-}
-
-void TestBrowserEngine::saysThatItIsNotInstalled()
-{
-    m_lan->clickRow(box);
-    QTRY_COMPARE(reason(), QString("内置浏览器不可用：它没有安装。"));
-    auto* open = m_lan->child<QPushButton>("webOpen");
-    QVERIFY(m_lan->child<QLabel>("webReason")->isVisible() && open->isVisible());
-    const QString page = QString("http://%1/cgi-bin/set-dashboard.cgi").arg(m_lan->ip(box));
-    QCOMPARE(m_lan->child<QLabel>("webAddress")->text(), page);
-    QDesktopServices::setUrlHandler("http", this, "noteUrl");
-    open->click();
-    QCOMPARE(m_opened, QUrl(page));
-}
-
-void TestBrowserEngine::saysThatItIsIncomplete()
-{
-    const QTemporaryDir folder;
-    QVERIFY(QDir(folder.path()).mkdir("plugins"));
-    QFile library(folder.path() + "/plugins/tarn-web-engine.so");
-    QVERIFY(library.open(QIODevice::WriteOnly) && library.write("cut short") > 0);
-    library.close();
-    QCoreApplication::addLibraryPath(folder.path());
-    m_lan->clickRow(otherBox);
-    QTRY_COMPARE(reason(), QString("内置浏览器不可用：它的程序文件不完整。"));
-    QVERIFY(m_lan->child<QPushButton>("webOpen")->isVisible());
-    QCoreApplication::removeLibraryPath(folder.path());
-}
-
 #ifdef TARN_PROGRAM_FOLDER
-void TestBrowserEngine::isLoadedWithTheFirstPage()
-{
-    QCoreApplication::addLibraryPath(TARN_PROGRAM_FOLDER);
-    m_lan->clickRow(box);
-    QTRY_VERIFY_WITH_TIMEOUT(m_lan->window().findChild<QWidget*>("webEngineView"), loadMs);
-    QVERIFY(isMapped("libQt5WebEngineCore"));
-    QTRY_COMPARE_WITH_TIMEOUT(m_lan->child<QWidget>("webEngineView")->property("title").toString(),
-                              QString("Dashboard"), loadMs);
-    QVERIFY(m_lan->child<QWidget>("webEngineView")->isVisible());
-}
 #endif
 
 int main(int argc, char* argv[])

@@ -37,26 +37,268 @@ class TestWebView : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase()
+    {
+        QVERIFY2(
+            BrowserEngine::obstacle() == BrowserEngine::Obstacle::None,
+            "This system gives the engine no sandbox; QTWEBENGINE_DISABLE_SANDBOX=1 does without.");
+        m_lan = std::make_unique<WindowFixture>();
+        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        m_lan->addBox(box, sim::BoxModel::Orbit);
+        m_lan->addBox(otherBox, sim::BoxModel::River);
+        m_lan->addBox(kora);
+        m_lan->open();
+        for (int host : {box, otherBox, kora})
+            QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(host), loadMs);
+    }
     void init() { m_answers = std::make_unique<DialogAnswerer>(); }
     void cleanup() { m_answers.reset(); }
     void cleanupTestCase() { m_lan.reset(); }
-    void startsNoEngineBeforeItIsNeeded();
-    void showsTheDashboard();
-    void staysInThePaneForNewWindows();
-    void namesDownloads_data();
-    void namesDownloads();
-    void savesADownloadUnderACleanName();
-    void cancelsADownload();
-    void saysWhoseDialogItIs();
-    void silencesAPage();
-    void asksForALoginByName();
-    void refusesFilesAndPrograms();
-    void leavesAPageThatHoldsOn();
-    void reloadsACrashedPage();
-    void saysThatABoxIsGone();
-    void emptiesForAKoraBox();
-    void forgetsCookies();
+
+    void startsNoEngineBeforeItIsNeeded()
+    {
+        m_lan->clickRow(kora);
+        QTest::qWait(200);
+        QVERIFY(!view());
+    }
+
+    void showsTheDashboard()
+    {
+        m_lan->window().activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&m_lan->window()));
+        m_lan->deviceView()->setFocus();
+        selectAndWait(box);
+        QCOMPARE(title(), QString("Dashboard"));
+        QVERIFY(evaluate("document.body.innerText").toString().contains(m_lan->ip(box)));
+        QCOMPARE(requestedUrl(),
+                 QString("http://%1/cgi-bin/set-dashboard.cgi").arg(m_lan->ip(box)));
+        // Arrow keys go on through the list.
+        QVERIFY(m_lan->deviceView()->hasFocus());
+    }
+
+    void staysInThePaneForNewWindows()
+    {
+        const int windows = QApplication::topLevelWidgets().size();
+        click("more");
+        QTRY_COMPARE_WITH_TIMEOUT(title(), QString("About this box"), loadMs);
+        QCOMPARE(QApplication::topLevelWidgets().size(), windows);
+        // An address that a script fills in later is found, too.
+        selectAndWait(box);
+        evaluate("w = window.open(); w.location = '/cgi-bin/about.cgi'; 0");
+        QTRY_COMPARE_WITH_TIMEOUT(title(), QString("About this box"), loadMs);
+        QTRY_COMPARE(view()->parentWidget()->findChildren<QWebEngineView*>().size(), 1);
+    }
+
+    void namesDownloads_data()
+    {
+        columns<QString, QString, QString>("suggested", "name", "filter");
+        const QString all = "All file(*.*)";
+        row("as stated", "a:b?.mp4", "ab.mp4", "mp4(*.mp4);;" + all);
+        row("no suffix", "read*me", "readme", all);
+        row("filter in a suffix", "a.b);;c(*", "a.b);;c(", all);
+        row("nothing left", "?*/\\", "download", all);
+    }
+    void namesDownloads()
+    {
+        const auto [suggested, name, filter] = cells<QString, QString, QString>();
+        QCOMPARE(offeredName(suggested), name);
+        QCOMPARE(saveFilter(name), filter);
+    }
+
+    void savesADownloadUnderACleanName()
+    {
+        selectAndWait(box);
+        QTemporaryDir folder;
+        QString offered;
+        QStringList filters;
+        m_answers->expect<QFileDialog>([&](QFileDialog& dialog) {
+            QCOMPARE(dialog.windowTitle(), QString("另存为"));
+            offered = QFileInfo(dialog.selectedFiles().value(0)).fileName();
+            filters = dialog.nameFilters();
+            choosePath(dialog, folder.path() + "/kept.txt");
+        });
+        click("log");
+        QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
+        QVERIFY2(!offered.contains(QRegularExpression("[\\\\/:*?\"<>|]")), qPrintable(offered));
+        QVERIFY2(offered.endsWith("log_.txt") || offered.endsWith("log.txt"), qPrintable(offered));
+        QVERIFY(!offered.startsWith('.'));
+        QCOMPARE(filters, QStringList({"txt(*.txt)", "All file(*.*)"}));
+        auto* state = m_lan->child<QLabel>("downloadState");
+        QTRY_COMPARE_WITH_TIMEOUT(state->text(), QString("已保存"), loadMs);
+        QFile file(folder.path() + "/kept.txt");
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("2026-01-01 00:00:00 start\n").repeated(200));
+        m_lan->child<QPushButton>("downloadButton")->click();
+        QTRY_VERIFY(!m_lan->window().findChild<QLabel*>("downloadState"));
+    }
+
+    void cancelsADownload()
+    {
+        QSignalSpy requested(view()->page()->profile(), &QWebEngineProfile::downloadRequested);
+        m_answers->expect<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
+        click("log");
+        QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
+        QTRY_COMPARE(requested.size(), 1);
+        QVERIFY(!m_lan->window().findChild<QLabel*>("downloadState"));
+        // A page that asks again at once gets no second dialog.
+        click("log");
+        QTRY_COMPARE_WITH_TIMEOUT(requested.size(), 2, loadMs);
+        QVERIFY(!QApplication::activeModalWidget());
+        QCOMPARE(title(), QString("Dashboard"));
+    }
+
+    void saysWhoseDialogItIs()
+    {
+        QString asker;
+        QString heading;
+        QString text;
+        expectPage([&](QDialog& dialog) {
+            heading = dialog.windowTitle();
+            asker = dialog.findChild<QLabel*>("pageDialogAsker")->text();
+            text = dialog.findChild<QTextEdit*>("pageDialogText")->toPlainText();
+            QCOMPARE(dialog.windowModality(), Qt::WindowModal);
+            dialog.accept();
+        });
+        click("alert");
+        QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
+        QCOMPARE(asker, m_lan->ip(box) + " 的网页显示");
+        QCOMPARE(heading, asker);
+        QCOMPARE(text, QString("Input signal lost"));
+
+        expectPage([](QDialog& dialog) {
+            dialog.findChild<QLineEdit*>()->setText("<b>42</b>");
+            dialog.accept();
+        });
+        QCOMPARE(evaluate("prompt('How many?', '41')").toString(), QString("<b>42</b>"));
+        QVERIFY(m_answers->isDone());
+        expectPage([](QDialog& dialog) { dialog.reject(); });
+        QCOMPARE(evaluate("confirm('x'.repeat(100000))"), QVariant(false));
+        QVERIFY(m_answers->isDone());
+    }
+
+    void silencesAPage()
+    {
+        selectAndWait(box);
+        int shown = 0;
+        const std::function<void(QDialog&)> close = [&](QDialog& dialog) {
+            auto* silence = dialog.findChild<QAbstractButton*>();
+            const auto buttons = dialog.findChildren<QAbstractButton*>();
+            for (QAbstractButton* button : buttons)
+                silence = button->isCheckable() ? button : silence;
+            ++shown;
+            QCOMPARE(silence->isVisible(), shown > 2);
+            silence->setChecked(silence->isVisible());
+            expectPage(close);
+            dialog.accept();
+        };
+        expectPage(close);
+        evaluate("for (let i = 0; i < 1000; ++i) alert(i); 0");
+        QCOMPARE(shown, 3);
+        // Another visit starts afresh.
+        shown = 0;
+        selectAndWait(box);
+        evaluate("alert(1); 0");
+        QCOMPARE(shown, 1);
+    }
+
+    void asksForALoginByName()
+    {
+        QString asker;
+        expectPage([&](QDialog& dialog) {
+            asker = dialog.findChild<QLabel*>("pageDialogAsker")->text();
+            dialog.reject();
+        });
+        click("login");
+        QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
+        QCOMPARE(asker, m_lan->ip(box) + " 要求登录");
+        QTRY_COMPARE_WITH_TIMEOUT(title(), QString("401 Unauthorized"), loadMs);
+    }
+
+    void refusesFilesAndPrograms()
+    {
+        selectAndWait(box);
+        for (const char* target : {"file:///etc/passwd", "qrc:/qss/spark.qss", "chrome://version",
+                                   "mailto:a@b.example", "view-source:http://127.0.0.1/"}) {
+            evaluate(QString("location.href = '%1'; 0").arg(target));
+            evaluate(QString("window.open('%1'); 0").arg(target));
+            QTest::qWait(100);
+            QCOMPARE(view()->page()->url().host(), m_lan->ip(box));
+            QCOMPARE(evaluate("document.title").toString(), QString("Dashboard"));
+        }
+    }
+
+    void leavesAPageThatHoldsOn()
+    {
+        selectAndWait(box);
+        evaluate("onbeforeunload = e => { e.preventDefault(); e.returnValue = ''; }; 0");
+        // Only a page that its user has touched is allowed to ask.
+        click("alert");
+        expectPage([](QDialog& dialog) { dialog.accept(); });
+        QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
+        expectPage([](QDialog& dialog) { dialog.reject(); });
+        selectAndWait(otherBox);
+        QVERIFY(!m_answers->isDone());
+
+        view()->page()->runJavaScript("while (true);");
+        selectAndWait(box);
+    }
+
+    void reloadsACrashedPage()
+    {
+        QSignalSpy ended(view(), &QWebEngineView::renderProcessTerminated);
+        // Again and again: there is no limit, and the window goes on.
+        for (int n = 1; n <= 3; ++n) {
+            ::kill(pid_t(view()->page()->renderProcessPid()), SIGKILL);
+            QTRY_COMPARE_WITH_TIMEOUT(ended.size(), n, loadMs);
+            QTRY_VERIFY_WITH_TIMEOUT(view()->page()->renderProcessPid() > 0, loadMs);
+            QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
+            QCOMPARE(evaluate("document.title").toString(), QString("Dashboard"));
+        }
+    }
+
+    void saysThatABoxIsGone()
+    {
+        selectAndWait(otherBox);
+        sim::VirtualBox* gone = m_lan->lan().find(m_lan->ip(otherBox));
+        QVERIFY(gone);
+        gone->unplug();
+        m_lan->clickRow(otherBox);
+        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("无法打开设备的网页。"), loadMs);
+        QVERIFY(notice()->isVisible());
+        QCOMPARE(m_lan->child<QLabel>("webAddress")->text(), requestedUrl());
+        QVERIFY(gone->plugIn());
+        notice()->findChild<QPushButton*>("webRetry")->click();
+        QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
+        QCOMPARE(title(), QString("Dashboard"));
+    }
+
+    void emptiesForAKoraBox()
+    {
+        m_lan->clickRow(kora);
+        QTRY_COMPARE_WITH_TIMEOUT(view()->page()->url(), QUrl("about:blank"), loadMs);
+        QCOMPARE(requestedUrl(), QString());
+        QTRY_COMPARE(evaluate("document.URL").toString(), QString("about:blank"));
+        QVERIFY(!m_lan->child<QWidget>("web_widget")->isVisible());
+        // A page out of sight does not ask.
+        QCOMPARE(evaluate("confirm('Still here')"), QVariant(false));
+    }
+
+    void forgetsCookies()
+    {
+        selectAndWait(box);
+        QVERIFY(evaluate("document.cookie").toString().contains("session=1"));
+        m_lan->close();
+        m_lan->open();
+        QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(otherBox), loadMs);
+        QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(box), loadMs);
+        selectAndWait(otherBox);
+        // A page of the same box that sets none of its own.
+        const QUrl about(QString("http://%1/cgi-bin/about.cgi").arg(m_lan->ip(box)));
+        QVERIFY(QMetaObject::invokeMethod(view(), "setUrl", Q_ARG(QUrl, about)));
+        QTRY_COMPARE_WITH_TIMEOUT(title(), QString("About this box"), loadMs);
+        QCOMPARE(evaluate("document.cookie").toString(), QString());
+        QVERIFY(QFileInfo::exists(qEnvironmentVariable("APPDATA") + "/KESTRELMSG/webcache"));
+    }
 
 private:
     QWebEngineView* view() const
@@ -66,9 +308,50 @@ private:
     QWidget* notice() const { return view()->parentWidget()->findChild<QWidget*>("pageNotice"); }
     QString noticeText() const { return notice()->findChild<QLabel*>("webMessage")->text(); }
     QString requestedUrl() const { return view()->property("requestedUrl").toString(); }
-    QVariant evaluate(const QString& script) const;
-    void selectAndWait(int host);
-    void click(const QString& id) const;
+
+    QVariant evaluate(const QString& script) const
+    {
+        QVariant result;
+        bool done = false;
+        view()->page()->runJavaScript(script, [&](const QVariant& value) {
+            result = value;
+            done = true;
+        });
+        if (!QTest::qWaitFor([&] { return done; }, loadMs))
+            qWarning("no answer to %s", qPrintable(script));
+        return result;
+    }
+
+    void selectAndWait(int host)
+    {
+        // The page before may be of the same box: only the end of this load tells them apart.
+        bool loaded = !view();
+        QObject context;
+        if (!loaded) {
+            QTRY_VERIFY_WITH_TIMEOUT(m_lan->child<QWidget>("webProgress")->isHidden(), loadMs);
+            connect(view(), &QWebEngineView::loadFinished, &context,
+                    [&loaded](bool ok) { loaded = ok; });
+        }
+        m_lan->clickRow(host);
+        QTRY_VERIFY_WITH_TIMEOUT(view() != nullptr, loadMs);
+        QTRY_VERIFY_WITH_TIMEOUT(loaded, loadMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
+        QCOMPARE(view()->page()->url().host(), m_lan->ip(host));
+    }
+
+    void click(const QString& id) const
+    {
+        // As a user's click, which alone may open windows and start downloads.
+        const QVariantList spot =
+            evaluate(QString("(r => [r.x + r.width / 2, r.y + r.height / 2])"
+                             "(document.getElementById('%1').getBoundingClientRect())")
+                         .arg(id))
+                .toList();
+        QCOMPARE(spot.size(), 2);
+        QTest::mouseClick(view()->focusProxy(), Qt::LeftButton, {},
+                          QPoint(spot[0].toInt(), spot[1].toInt()));
+    }
+
     QString title() const { return view()->page()->title(); }
 
     /// The next dialog of a page is answered so.
@@ -80,309 +363,6 @@ private:
     std::unique_ptr<WindowFixture> m_lan;
     std::unique_ptr<DialogAnswerer> m_answers;
 };
-
-QVariant TestWebView::evaluate(const QString& script) const
-{
-    QVariant result;
-    bool done = false;
-    view()->page()->runJavaScript(script, [&](const QVariant& value) {
-        result = value;
-        done = true;
-    });
-    if (!QTest::qWaitFor([&] { return done; }, loadMs))
-        qWarning("no answer to %s", qPrintable(script));
-    return result;
-}
-
-void TestWebView::click(const QString& id) const
-{
-    // As a user's click, which alone may open windows and start downloads.
-    const QVariantList spot =
-        evaluate(QString("(r => [r.x + r.width / 2, r.y + r.height / 2])"
-                         "(document.getElementById('%1').getBoundingClientRect())")
-                     .arg(id))
-            .toList();
-    QCOMPARE(spot.size(), 2);
-    QTest::mouseClick(view()->focusProxy(), Qt::LeftButton, {},
-                      QPoint(spot[0].toInt(), spot[1].toInt()));
-}
-
-void TestWebView::selectAndWait(int host)
-{
-    // The page before may be of the same box: only the end of this load tells them apart.
-    bool loaded = !view();
-    QObject context;
-    if (!loaded) {
-        QTRY_VERIFY_WITH_TIMEOUT(m_lan->child<QWidget>("webProgress")->isHidden(), loadMs);
-        connect(view(), &QWebEngineView::loadFinished, &context,
-                [&loaded](bool ok) { loaded = ok; });
-    }
-    m_lan->clickRow(host);
-    QTRY_VERIFY_WITH_TIMEOUT(view() != nullptr, loadMs);
-    QTRY_VERIFY_WITH_TIMEOUT(loaded, loadMs);
-    QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
-    QCOMPARE(view()->page()->url().host(), m_lan->ip(host));
-}
-
-void TestWebView::initTestCase()
-{
-    QVERIFY2(
-        BrowserEngine::obstacle() == BrowserEngine::Obstacle::None,
-        "This system gives the engine no sandbox; QTWEBENGINE_DISABLE_SANDBOX=1 does without.");
-    m_lan = std::make_unique<WindowFixture>();
-    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    m_lan->addBox(box, sim::BoxModel::Orbit);
-    m_lan->addBox(otherBox, sim::BoxModel::River);
-    m_lan->addBox(kora);
-    m_lan->open();
-    for (int host : {box, otherBox, kora})
-        QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(host), loadMs);
-}
-
-void TestWebView::startsNoEngineBeforeItIsNeeded()
-{
-    m_lan->clickRow(kora);
-    QTest::qWait(200);
-    QVERIFY(!view());
-}
-
-void TestWebView::showsTheDashboard()
-{
-    m_lan->window().activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&m_lan->window()));
-    m_lan->deviceView()->setFocus();
-    selectAndWait(box);
-    QCOMPARE(title(), QString("Dashboard"));
-    QVERIFY(evaluate("document.body.innerText").toString().contains(m_lan->ip(box)));
-    QCOMPARE(requestedUrl(), QString("http://%1/cgi-bin/set-dashboard.cgi").arg(m_lan->ip(box)));
-    // Arrow keys go on through the list.
-    QVERIFY(m_lan->deviceView()->hasFocus());
-}
-
-void TestWebView::staysInThePaneForNewWindows()
-{
-    const int windows = QApplication::topLevelWidgets().size();
-    click("more");
-    QTRY_COMPARE_WITH_TIMEOUT(title(), QString("About this box"), loadMs);
-    QCOMPARE(QApplication::topLevelWidgets().size(), windows);
-    // An address that a script fills in later is found, too.
-    selectAndWait(box);
-    evaluate("w = window.open(); w.location = '/cgi-bin/about.cgi'; 0");
-    QTRY_COMPARE_WITH_TIMEOUT(title(), QString("About this box"), loadMs);
-    QTRY_COMPARE(view()->parentWidget()->findChildren<QWebEngineView*>().size(), 1);
-}
-
-void TestWebView::namesDownloads_data()
-{
-    columns<QString, QString, QString>("suggested", "name", "filter");
-    const QString all = "All file(*.*)";
-    row("as stated", "a:b?.mp4", "ab.mp4", "mp4(*.mp4);;" + all);
-    row("no suffix", "read*me", "readme", all);
-    row("filter in a suffix", "a.b);;c(*", "a.b);;c(", all);
-    row("nothing left", "?*/\\", "download", all);
-}
-
-void TestWebView::namesDownloads()
-{
-    const auto [suggested, name, filter] = cells<QString, QString, QString>();
-    QCOMPARE(offeredName(suggested), name);
-    QCOMPARE(saveFilter(name), filter);
-}
-
-void TestWebView::savesADownloadUnderACleanName()
-{
-    selectAndWait(box);
-    QTemporaryDir folder;
-    QString offered;
-    QStringList filters;
-    m_answers->expect<QFileDialog>([&](QFileDialog& dialog) {
-        QCOMPARE(dialog.windowTitle(), QString("另存为"));
-        offered = QFileInfo(dialog.selectedFiles().value(0)).fileName();
-        filters = dialog.nameFilters();
-        choosePath(dialog, folder.path() + "/kept.txt");
-    });
-    click("log");
-    QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
-    QVERIFY2(!offered.contains(QRegularExpression("[\\\\/:*?\"<>|]")), qPrintable(offered));
-    QVERIFY2(offered.endsWith("log_.txt") || offered.endsWith("log.txt"), qPrintable(offered));
-    QVERIFY(!offered.startsWith('.'));
-    QCOMPARE(filters, QStringList({"txt(*.txt)", "All file(*.*)"}));
-    auto* state = m_lan->child<QLabel>("downloadState");
-    QTRY_COMPARE_WITH_TIMEOUT(state->text(), QString("已保存"), loadMs);
-    QFile file(folder.path() + "/kept.txt");
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), QByteArray("2026-01-01 00:00:00 start\n").repeated(200));
-    m_lan->child<QPushButton>("downloadButton")->click();
-    QTRY_VERIFY(!m_lan->window().findChild<QLabel*>("downloadState"));
-}
-
-void TestWebView::cancelsADownload()
-{
-    QSignalSpy requested(view()->page()->profile(), &QWebEngineProfile::downloadRequested);
-    m_answers->expect<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
-    click("log");
-    QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
-    QTRY_COMPARE(requested.size(), 1);
-    QVERIFY(!m_lan->window().findChild<QLabel*>("downloadState"));
-    // A page that asks again at once gets no second dialog.
-    click("log");
-    QTRY_COMPARE_WITH_TIMEOUT(requested.size(), 2, loadMs);
-    QVERIFY(!QApplication::activeModalWidget());
-    QCOMPARE(title(), QString("Dashboard"));
-}
-
-void TestWebView::saysWhoseDialogItIs()
-{
-    QString asker;
-    QString heading;
-    QString text;
-    expectPage([&](QDialog& dialog) {
-        heading = dialog.windowTitle();
-        asker = dialog.findChild<QLabel*>("pageDialogAsker")->text();
-        text = dialog.findChild<QTextEdit*>("pageDialogText")->toPlainText();
-        QCOMPARE(dialog.windowModality(), Qt::WindowModal);
-        dialog.accept();
-    });
-    click("alert");
-    QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
-    QCOMPARE(asker, m_lan->ip(box) + " 的网页显示");
-    QCOMPARE(heading, asker);
-    QCOMPARE(text, QString("Input signal lost"));
-
-    expectPage([](QDialog& dialog) {
-        dialog.findChild<QLineEdit*>()->setText("<b>42</b>");
-        dialog.accept();
-    });
-    QCOMPARE(evaluate("prompt('How many?', '41')").toString(), QString("<b>42</b>"));
-    QVERIFY(m_answers->isDone());
-    expectPage([](QDialog& dialog) { dialog.reject(); });
-    QCOMPARE(evaluate("confirm('x'.repeat(100000))"), QVariant(false));
-    QVERIFY(m_answers->isDone());
-}
-
-void TestWebView::silencesAPage()
-{
-    selectAndWait(box);
-    int shown = 0;
-    const std::function<void(QDialog&)> close = [&](QDialog& dialog) {
-        auto* silence = dialog.findChild<QAbstractButton*>();
-        const auto buttons = dialog.findChildren<QAbstractButton*>();
-        for (QAbstractButton* button : buttons)
-            silence = button->isCheckable() ? button : silence;
-        ++shown;
-        QCOMPARE(silence->isVisible(), shown > 2);
-        silence->setChecked(silence->isVisible());
-        expectPage(close);
-        dialog.accept();
-    };
-    expectPage(close);
-    evaluate("for (let i = 0; i < 1000; ++i) alert(i); 0");
-    QCOMPARE(shown, 3);
-    // Another visit starts afresh.
-    shown = 0;
-    selectAndWait(box);
-    evaluate("alert(1); 0");
-    QCOMPARE(shown, 1);
-}
-
-void TestWebView::asksForALoginByName()
-{
-    QString asker;
-    expectPage([&](QDialog& dialog) {
-        asker = dialog.findChild<QLabel*>("pageDialogAsker")->text();
-        dialog.reject();
-    });
-    click("login");
-    QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
-    QCOMPARE(asker, m_lan->ip(box) + " 要求登录");
-    QTRY_COMPARE_WITH_TIMEOUT(title(), QString("401 Unauthorized"), loadMs);
-}
-
-void TestWebView::refusesFilesAndPrograms()
-{
-    selectAndWait(box);
-    for (const char* target : {"file:///etc/passwd", "qrc:/qss/spark.qss", "chrome://version",
-                               "mailto:a@b.example", "view-source:http://127.0.0.1/"}) {
-        evaluate(QString("location.href = '%1'; 0").arg(target));
-        evaluate(QString("window.open('%1'); 0").arg(target));
-        QTest::qWait(100);
-        QCOMPARE(view()->page()->url().host(), m_lan->ip(box));
-        QCOMPARE(evaluate("document.title").toString(), QString("Dashboard"));
-    }
-}
-
-void TestWebView::leavesAPageThatHoldsOn()
-{
-    selectAndWait(box);
-    evaluate("onbeforeunload = e => { e.preventDefault(); e.returnValue = ''; }; 0");
-    // Only a page that its user has touched is allowed to ask.
-    click("alert");
-    expectPage([](QDialog& dialog) { dialog.accept(); });
-    QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
-    expectPage([](QDialog& dialog) { dialog.reject(); });
-    selectAndWait(otherBox);
-    QVERIFY(!m_answers->isDone());
-
-    view()->page()->runJavaScript("while (true);");
-    selectAndWait(box);
-}
-
-void TestWebView::reloadsACrashedPage()
-{
-    QSignalSpy ended(view(), &QWebEngineView::renderProcessTerminated);
-    // Again and again: there is no limit, and the window goes on.
-    for (int n = 1; n <= 3; ++n) {
-        ::kill(pid_t(view()->page()->renderProcessPid()), SIGKILL);
-        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), n, loadMs);
-        QTRY_VERIFY_WITH_TIMEOUT(view()->page()->renderProcessPid() > 0, loadMs);
-        QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
-        QCOMPARE(evaluate("document.title").toString(), QString("Dashboard"));
-    }
-}
-
-void TestWebView::saysThatABoxIsGone()
-{
-    selectAndWait(otherBox);
-    sim::VirtualBox* gone = m_lan->lan().find(m_lan->ip(otherBox));
-    QVERIFY(gone);
-    gone->unplug();
-    m_lan->clickRow(otherBox);
-    QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("无法打开设备的网页。"), loadMs);
-    QVERIFY(notice()->isVisible());
-    QCOMPARE(m_lan->child<QLabel>("webAddress")->text(), requestedUrl());
-    QVERIFY(gone->plugIn());
-    notice()->findChild<QPushButton*>("webRetry")->click();
-    QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
-    QCOMPARE(title(), QString("Dashboard"));
-}
-
-void TestWebView::emptiesForAKoraBox()
-{
-    m_lan->clickRow(kora);
-    QTRY_COMPARE_WITH_TIMEOUT(view()->page()->url(), QUrl("about:blank"), loadMs);
-    QCOMPARE(requestedUrl(), QString());
-    QTRY_COMPARE(evaluate("document.URL").toString(), QString("about:blank"));
-    QVERIFY(!m_lan->child<QWidget>("web_widget")->isVisible());
-    // A page out of sight does not ask.
-    QCOMPARE(evaluate("confirm('Still here')"), QVariant(false));
-}
-
-void TestWebView::forgetsCookies()
-{
-    selectAndWait(box);
-    QVERIFY(evaluate("document.cookie").toString().contains("session=1"));
-    m_lan->close();
-    m_lan->open();
-    QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(otherBox), loadMs);
-    QTRY_VERIFY_WITH_TIMEOUT(m_lan->item(box), loadMs);
-    selectAndWait(otherBox);
-    // A page of the same box that sets none of its own.
-    const QUrl about(QString("http://%1/cgi-bin/about.cgi").arg(m_lan->ip(box)));
-    QVERIFY(QMetaObject::invokeMethod(view(), "setUrl", Q_ARG(QUrl, about)));
-    QTRY_COMPARE_WITH_TIMEOUT(title(), QString("About this box"), loadMs);
-    QCOMPARE(evaluate("document.cookie").toString(), QString());
-    QVERIFY(QFileInfo::exists(qEnvironmentVariable("APPDATA") + "/KESTRELMSG/webcache"));
-}
 
 int main(int argc, char* argv[])
 {
