@@ -12,105 +12,98 @@ class tst_EventSockets : public QObject
     Q_OBJECT
 
 private slots:
-    void recordTime_data();
-    void recordTime();
-    void messagesArriveAndTheClockRuns();
-    void lostConnectionComesBack();
-    void refusingBoxIsAskedAtAPace();
-    void anotherBoxTakesOver();
-};
-
-void tst_EventSockets::recordTime_data()
-{
-    columns<QString, QString>("message", "time");
-    row("usual", R"({"record_ms": 3723004})", "01:02:03.004");
-    row("as text", R"({"record_ms": "1000"})", "00:00:01.000");
-    row("over a day", R"({"record_ms": 90000000})", "01:00:00.000");
-    row("enormous", R"({"record_ms": 9e300})", "00:00:00.000");
-    row("none", R"({"x": 1})", "00:00:00.000");
-    row("a list", R"({"record_ms": [5]})", "00:00:00.000");
-    row("no JSON", "hello", "00:00:00.000");
-}
-
-void tst_EventSockets::recordTime()
-{
-    QFETCH(QString, message);
-    if (qstrcmp(QTest::currentDataTag(), "enormous") == 0) {
-        // Any time will do, as long as it is one.
-        QCOMPARE(recordTimeOf(message).size(), 12);
-        return;
+    void recordTime_data()
+    {
+        columns<QString, QString>("message", "time");
+        row("usual", R"({"record_ms": 3723004})", "01:02:03.004");
+        row("as text", R"({"record_ms": "1000"})", "00:00:01.000");
+        row("over a day", R"({"record_ms": 90000000})", "01:00:00.000");
+        row("enormous", R"({"record_ms": 9e300})", "00:00:00.000");
+        row("none", R"({"x": 1})", "00:00:00.000");
+        row("a list", R"({"record_ms": [5]})", "00:00:00.000");
+        row("no JSON", "hello", "00:00:00.000");
     }
-    QTEST(recordTimeOf(message), "time");
-}
+    void recordTime()
+    {
+        QFETCH(QString, message);
+        if (qstrcmp(QTest::currentDataTag(), "enormous") == 0) {
+            // Any time will do, as long as it is one.
+            QCOMPARE(recordTimeOf(message).size(), 12);
+            return;
+        }
+        QTEST(recordTimeOf(message), "time");
+    }
 
-void tst_EventSockets::messagesArriveAndTheClockRuns()
-{
-    const auto one = pluggedBox(TEST_BLOCK ".1");
-    EventSockets sockets;
-    QSignalSpy clock(&sockets, &EventSockets::recordTime);
-    QSignalSpy stream(&sockets.stream(), &EventSocket::message);
-    QSignalSpy media(&sockets.media(), &EventSocket::message);
-    sockets.connectTo(TEST_BLOCK ".1");
-    QTRY_COMPARE(one->streamListeners(), 1);
-    QTRY_COMPARE(one->mediaListeners(), 1);
-    stream.clear();
-    media.clear();
-    one->sendStreamEvent(R"({"record_ms": 3723004})");
-    one->sendMediaEvent("<b>verbatim</b>");
-    const auto texts = [](const QSignalSpy& spy) {
-        QStringList list;
-        for (const auto& arguments : spy)
-            list << arguments.first().toString();
-        return list;
-    };
-    QTRY_VERIFY(texts(clock).contains("01:02:03.004"));
-    QTRY_VERIFY(texts(media).contains("<b>verbatim</b>"));
-}
+    void messagesArriveAndTheClockRuns()
+    {
+        const auto one = pluggedBox(TEST_BLOCK ".1");
+        EventSockets sockets;
+        QSignalSpy clock(&sockets, &EventSockets::recordTime);
+        QSignalSpy stream(&sockets.stream(), &EventSocket::message);
+        QSignalSpy media(&sockets.media(), &EventSocket::message);
+        sockets.connectTo(TEST_BLOCK ".1");
+        QTRY_COMPARE(one->streamListeners(), 1);
+        QTRY_COMPARE(one->mediaListeners(), 1);
+        stream.clear();
+        media.clear();
+        one->sendStreamEvent(R"({"record_ms": 3723004})");
+        one->sendMediaEvent("<b>verbatim</b>");
+        const auto texts = [](const QSignalSpy& spy) {
+            QStringList list;
+            for (const auto& arguments : spy)
+                list << arguments.first().toString();
+            return list;
+        };
+        QTRY_VERIFY(texts(clock).contains("01:02:03.004"));
+        QTRY_VERIFY(texts(media).contains("<b>verbatim</b>"));
+    }
 
-void tst_EventSockets::lostConnectionComesBack()
-{
-    const auto one = pluggedBox(TEST_BLOCK ".1");
-    EventSockets sockets;
-    QSignalSpy clock(&sockets, &EventSockets::recordTime);
-    QSignalSpy lost(&sockets.stream(), &EventSocket::reconnecting);
-    sockets.connectTo(TEST_BLOCK ".1");
-    QTRY_COMPARE(one->streamListeners(), 1);
-    one->dropEventClients();
-    QTRY_VERIFY(!lost.isEmpty());
-    QCOMPARE(lost.first().first().toString(), QString("ws://" TEST_BLOCK ".1:8001"));
-    QCOMPARE(clock.last().first().toString(), QString("00:00:00.000"));
-    QTRY_COMPARE(one->streamListeners(), 1);
-    QTRY_COMPARE(one->mediaListeners(), 1);
-}
+    void lostConnectionComesBack()
+    {
+        const auto one = pluggedBox(TEST_BLOCK ".1");
+        EventSockets sockets;
+        QSignalSpy clock(&sockets, &EventSockets::recordTime);
+        QSignalSpy lost(&sockets.stream(), &EventSocket::reconnecting);
+        sockets.connectTo(TEST_BLOCK ".1");
+        QTRY_COMPARE(one->streamListeners(), 1);
+        one->dropEventClients();
+        QTRY_VERIFY(!lost.isEmpty());
+        QCOMPARE(lost.first().first().toString(), QString("ws://" TEST_BLOCK ".1:8001"));
+        QCOMPARE(clock.last().first().toString(), QString("00:00:00.000"));
+        QTRY_COMPARE(one->streamListeners(), 1);
+        QTRY_COMPARE(one->mediaListeners(), 1);
+    }
 
-void tst_EventSockets::refusingBoxIsAskedAtAPace()
-{
-    EventSockets sockets;
-    QSignalSpy tries(&sockets.media(), &EventSocket::reconnecting);
-    sockets.connectTo(TEST_BLOCK ".9");
-    QTest::qWait(2000);
-    const int limit = 2000 / EventSocket::AttemptPaceMs + 2;
-    QVERIFY2(tries.size() >= 3 && tries.size() <= limit, qPrintable(QString::number(tries.size())));
-    // It is found once it is there.
-    const auto late = pluggedBox(TEST_BLOCK ".9");
-    QTRY_COMPARE(late->mediaListeners(), 1);
-}
+    void refusingBoxIsAskedAtAPace()
+    {
+        EventSockets sockets;
+        QSignalSpy tries(&sockets.media(), &EventSocket::reconnecting);
+        sockets.connectTo(TEST_BLOCK ".9");
+        QTest::qWait(2000);
+        const int limit = 2000 / EventSocket::AttemptPaceMs + 2;
+        QVERIFY2(tries.size() >= 3 && tries.size() <= limit,
+                 qPrintable(QString::number(tries.size())));
+        // It is found once it is there.
+        const auto late = pluggedBox(TEST_BLOCK ".9");
+        QTRY_COMPARE(late->mediaListeners(), 1);
+    }
 
-void tst_EventSockets::anotherBoxTakesOver()
-{
-    const auto one = pluggedBox(TEST_BLOCK ".1");
-    const auto two = pluggedBox(TEST_BLOCK ".2");
-    EventSockets sockets;
-    QSignalSpy lost(&sockets.stream(), &EventSocket::reconnecting);
-    for (int n = 0; n < 10; ++n)
-        sockets.connectTo(n % 2 ? TEST_BLOCK ".2" : TEST_BLOCK ".1");
-    QTRY_COMPARE(two->streamListeners(), 1);
-    QTRY_COMPARE(two->mediaListeners(), 1);
-    QTRY_COMPARE(one->streamListeners(), 0);
-    QTest::qWait(600);
-    QCOMPARE(two->streamListeners(), 1);
-    QVERIFY2(lost.size() <= 1, qPrintable(QString::number(lost.size())));
-}
+    void anotherBoxTakesOver()
+    {
+        const auto one = pluggedBox(TEST_BLOCK ".1");
+        const auto two = pluggedBox(TEST_BLOCK ".2");
+        EventSockets sockets;
+        QSignalSpy lost(&sockets.stream(), &EventSocket::reconnecting);
+        for (int n = 0; n < 10; ++n)
+            sockets.connectTo(n % 2 ? TEST_BLOCK ".2" : TEST_BLOCK ".1");
+        QTRY_COMPARE(two->streamListeners(), 1);
+        QTRY_COMPARE(two->mediaListeners(), 1);
+        QTRY_COMPARE(one->streamListeners(), 0);
+        QTest::qWait(600);
+        QCOMPARE(two->streamListeners(), 1);
+        QVERIFY2(lost.size() <= 1, qPrintable(QString::number(lost.size())));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_EventSockets)
 #include "tst_event_sockets.moc"

@@ -7,6 +7,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+/// A small moving picture, as arguments of FFmpeg.
+inline const QString Small = "-f lavfi -i testsrc2=size=320x180:rate=25";
+
 /// Small films made by FFmpeg's own tool, kept until the test ends.
 class Clips
 {
@@ -23,15 +26,18 @@ public:
         return file;
     }
 
-    /// What `ffmpeg ARGUMENTS` writes, e.g. the pictures of a film as plain numbers.
-    QByteArray output(const QString& arguments) const { return run(arguments, "pipe:1"); }
+    /// One picture of a film, as bytes: blue, green, red and nothing for each pixel.
+    static QByteArray picture(const QString& film, int number)
+    {
+        const QString select = QString(" -vf select=eq(n\\,%1) -frames:v 1").arg(number);
+        return run("-i " + film + select + " -f rawvideo -pix_fmt bgra", "pipe:1");
+    }
+
+    /// Two seconds with B frames, which a decoder holds back until it knows that nothing follows.
+    QString two() const { return make("two.mp4", Small + " -t 2 -c:v libx264 -bf 3"); }
 
     /// Four seconds that can be sent as they come.
-    QString live() const
-    {
-        return make("live.ts", "-f lavfi -i testsrc2=size=320x180:rate=25 -t 4 -c:v libx264 "
-                               "-tune zerolatency");
-    }
+    QString live() const { return make("live.ts", Small + " -t 4 -c:v libx264 -tune zerolatency"); }
 
 private:
     static QByteArray run(const QString& arguments, const QString& output)
