@@ -86,7 +86,6 @@ public:
     {
         return !box.macAddress().isEmpty() && box.property("FirmVersion").isValid();
     }
-    bool isOpen() const { return m_window != nullptr; }
     void close() { m_window.reset(); }
 
     Tarn_Hub& window() { return *m_window; }

@@ -7,7 +7,7 @@
 
 /// Whatever the operator does in the list: the box that the panels show and write to is one of the
 /// highlighted ones, and is told once.
-class tst_Selection : public QObject
+class tst_Selection : public QObject, WindowFixture
 {
     Q_OBJECT
 
@@ -15,12 +15,11 @@ private slots:
     void initTestCase()
     {
         qRegisterMetaType<Item*>("Item*");
-        m_fixture = std::make_unique<WindowFixture>();
         for (int host = 1; host <= 4; ++host)
-            m_fixture->addBox(host);
-        m_fixture->openKnowing({1, 2, 3, 4});
+            addBox(host);
+        openKnowing({1, 2, 3, 4});
     }
-    void cleanupTestCase() { m_fixture.reset(); }
+    void cleanupTestCase() { close(); }
 
     void gestures_data()
     {
@@ -45,16 +44,16 @@ private slots:
     void gestures()
     {
         QFETCH(QString, gestures);
-        m_fixture->deviceView()->clearSelection();
+        deviceView()->clearSelection();
         QCOMPARE(highlighted(), QString());
-        QSignalSpy told(m_fixture->deviceView(), &TreeView::S_ActionClicked);
+        QSignalSpy clicks(deviceView(), &TreeView::S_ActionClicked);
         const QStringList words = gestures.split(", ");
         for (const QString& word : words)
             gesture(word);
         QTEST(highlighted(), "boxes");
         QCoreApplication::processEvents();
         QTEST(highlighted(), "boxes");
-        QTEST(told.size(), "told");
+        QTEST(clicks.size(), "told");
     }
 
     void addressedRowIsMarkedAndSaved()
@@ -63,31 +62,30 @@ private slots:
         gesture("right 3");
         gesture("shift 4");
         gesture("right 3");
-        const QImage look = m_fixture->deviceView()->viewport()->grab().toImage();
+        const QImage look = deviceView()->viewport()->grab().toImage();
         const auto edge = [&](int host) { return look.pixel(1, rowOf(host).center().y()); };
         QVERIFY(edge(3) != edge(4));
-        sim::VirtualBox* box = m_fixture->lan().find(m_fixture->ip(3));
-        QTRY_COMPARE(m_fixture->shown("eParam_NDIName"), box->parameter("eParam_NDIName"));
-        m_fixture->child<Inputui>("eParam_NDIName")->setText("Stage");
+        sim::VirtualBox* box = lan().find(ip(3));
+        QTRY_COMPARE(shown("eParam_NDIName"), box->parameter("eParam_NDIName"));
+        child<Inputui>("eParam_NDIName")->setText("Stage");
         const DialogAnswerer anything;
-        m_fixture->click("save");
-        QTRY_VERIFY_WITH_TIMEOUT(WindowFixture::told(*box).contains("NDIName=Stage"), 10000);
+        click("save");
+        QTRY_VERIFY_WITH_TIMEOUT(told(*box).contains("NDIName=Stage"), 10000);
         for (const int other : {1, 4})
-            QCOMPARE(WindowFixture::told(*m_fixture->lan().find(m_fixture->ip(other))),
-                     QStringList());
+            QCOMPARE(told(*lan().find(ip(other))), QStringList());
     }
 
     void goneRowsAddressNothing()
     {
         gesture("left 1");
         gesture("shift 4");
-        m_fixture->item(2)->setProperty("upgrading", true);
-        QSignalSpy told(m_fixture->deviceView(), &TreeView::S_ActionClicked);
-        m_fixture->click("refreshDevice");
+        item(2)->setProperty("upgrading", true);
+        QSignalSpy clicks(deviceView(), &TreeView::S_ActionClicked);
+        click("refreshDevice");
         QTRY_COMPARE(highlighted(), QString("2*"));
-        QCOMPARE(told.size(), 1); // not each of those that went first
-        m_fixture->item(2)->setProperty("upgrading", false);
-        m_fixture->click("refreshDevice");
+        QCOMPARE(clicks.size(), 1); // not each of those that went first
+        item(2)->setProperty("upgrading", false);
+        click("refreshDevice");
         QCOMPARE(highlighted(), QString());
     }
 
@@ -95,7 +93,7 @@ private:
     /// "left 2": what is done on which box; box 0 is the group's row, 9 the room below the rows.
     void gesture(const QString& word)
     {
-        TreeView* view = m_fixture->deviceView();
+        TreeView* view = deviceView();
         const QString how = word.section(' ', 0, 0);
         const int host = word.section(' ', 1).toInt();
         const QPoint spot = host == 9 ? QPoint(90, rowOf(4).bottom() + 40)
@@ -121,21 +119,20 @@ private:
 
     QRect rowOf(int host) const
     {
-        TreeView* view = m_fixture->deviceView();
+        TreeView* view = deviceView();
         TreeModel* model = view->treeModel();
-        return view->visualRect(
-            model->indexOf(host ? m_fixture->item(host) : model->root()->child(0)));
+        return view->visualRect(model->indexOf(host ? item(host) : model->root()->child(0)));
     }
 
     /// The highlighted boxes; the one that is addressed, by the window's property and by the
     /// caption of the panels, has a star.
-    QString highlighted() const
+    QString highlighted()
     {
-        const QString addressed = m_fixture->window().property("deviceip").toString();
-        const QString caption = m_fixture->child<QLabel>("device_config_title_value")->text();
-        const bool shown = !m_fixture->child<QWidget>("right_widget")->isHidden();
+        const QString addressed = window().property("deviceip").toString();
+        const QString caption = child<QLabel>("device_config_title_value")->text();
+        const bool shown = !child<QWidget>("right_widget")->isHidden();
         QStringList hosts;
-        const auto boxes = m_fixture->deviceView()->selectedBoxes();
+        const auto boxes = deviceView()->selectedBoxes();
         for (const Item* box : boxes) {
             const bool here =
                 box->address() == addressed && caption == box->combinedLabel() && shown;
@@ -145,8 +142,6 @@ private:
             hosts << "unlit " + addressed;
         return hosts.join(' ');
     }
-
-    std::unique_ptr<WindowFixture> m_fixture;
 };
 
 QTEST_MAIN(tst_Selection)
