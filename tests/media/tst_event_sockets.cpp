@@ -3,6 +3,7 @@
 #include "tests/support/plugged_box.h"
 #include "tests/support/table.h"
 
+#include <QRegularExpression>
 #include <QSignalSpy>
 
 #include <memory>
@@ -18,20 +19,17 @@ private slots:
         row("usual", R"({"record_ms": 3723004})", "01:02:03.004");
         row("as text", R"({"record_ms": "1000"})", "00:00:01.000");
         row("over a day", R"({"record_ms": 90000000})", "01:00:00.000");
-        row("enormous", R"({"record_ms": 9e300})", "00:00:00.000");
+        row("enormous", R"({"record_ms": 9e300})", "\\d\\d:\\d\\d:\\d\\d.\\d\\d\\d"); // any time
         row("none", R"({"x": 1})", "00:00:00.000");
         row("a list", R"({"record_ms": [5]})", "00:00:00.000");
         row("no JSON", "hello", "00:00:00.000");
     }
     void recordTime()
     {
-        QFETCH(QString, message);
-        if (qstrcmp(QTest::currentDataTag(), "enormous") == 0) {
-            // Any time will do, as long as it is one.
-            QCOMPARE(recordTimeOf(message).size(), 12);
-            return;
-        }
-        QTEST(recordTimeOf(message), "time");
+        const auto [message, time] = cells<QString, QString>();
+        const QString shown = recordTimeOf(message);
+        const QRegularExpression whole(QRegularExpression::anchoredPattern(time));
+        QVERIFY2(whole.match(shown).hasMatch(), qPrintable(shown));
     }
 
     void messagesArriveAndTheClockRuns()

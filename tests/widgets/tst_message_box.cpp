@@ -166,7 +166,6 @@ private slots:
         const int below = shown->cursorRect(end).bottom() - shown->viewport()->height();
         QVERIFY(below <= shown->verticalScrollBar()->maximum());
         QVERIFY(box.rect().contains(QRect(shown->mapTo(&box, QPoint()), shown->size())));
-        box.close();
     }
 
     void addressInTheTextCanBeCopied()
@@ -186,7 +185,6 @@ private slots:
         QCOMPARE(QApplication::clipboard()->text(), "192.168.1.88 restarts");
         press(&box, Qt::Key_Delete);
         QCOMPARE(box.text(), "192.168.1.88 restarts");
-        box.close();
     }
 
     void buttonsFitInTheirLanguages()
@@ -215,7 +213,6 @@ private slots:
         }
         qApp->removeTranslator(&english);
         QTRY_COMPARE(button(&box, "Recovery")->text(), QString("确定并保留配置"));
-        box.close();
     }
 
     void renamedButtonsKeepTheirKeys()

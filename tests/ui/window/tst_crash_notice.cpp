@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QUrl>
 
 #include <csignal>
@@ -18,11 +19,9 @@ namespace
 /// The system's own word on whether a process handles this signal.
 bool handles(qint64 process, int signal)
 {
-    for (const QByteArray& line : readFile(QString("/proc/%1/status").arg(process)).split('\n')) {
-        if (line.startsWith("SigCgt:"))
-            return line.mid(7).trimmed().toULongLong(nullptr, 16) >> (signal - 1) & 1;
-    }
-    return false;
+    static const QRegularExpression caught("SigCgt:\\s*([0-9a-f]+)");
+    const QString status = readFile(QString("/proc/%1/status").arg(process));
+    return caught.match(status).captured(1).toULongLong(nullptr, 16) >> (signal - 1) & 1;
 }
 
 /// Whether the window of a process is up and its search has begun: a thread of that name runs.
