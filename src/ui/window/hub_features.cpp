@@ -112,13 +112,13 @@ void Tarn_Hub::Features::connectRooms()
     // The engine corrects the row first, and hears from boxes by itself.
     QObject::connect(&deviceInfo, &DeviceInfo::macReported, &upgrade, &UpgradeFeatures::noteMac);
     QObject::connect(&upgrade, &UpgradeFeatures::boxIdentified, &panel, &ParameterPanel::noteMac);
+    QObject::connect(&upgrade, &UpgradeFeatures::boxIdentified, &recordings, &Recordings::noteMac);
     QObject::connect(&upgrade, &UpgradeFeatures::waitingWanted, &frame, &WindowFrame::showWaiting);
     QObject::connect(&upgrade, &UpgradeFeatures::monitorWanted, &frame,
                      &WindowFrame::showMonitorPage);
     QObject::connect(&upgrade, &UpgradeFeatures::koraWanted, &frame, &WindowFrame::showKora);
     QObject::connect(&updateCheck, &UpdateCheck::firmwareReady, &upgrade,
                      &UpgradeFeatures::noteFetchedPackage);
-    QObject::connect(&deviceInfo, &DeviceInfo::macReported, &recordings, &Recordings::noteMac);
 }
 
 void Tarn_Hub::Features::start()
