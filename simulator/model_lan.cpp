@@ -3,6 +3,8 @@
 
 #include "simulator/parameters.h"
 
+#include <QStringBuilder>
+
 #include <algorithm>
 
 namespace sim
@@ -15,9 +17,16 @@ constexpr int wayMs = 2;
 QString quoted(const QString& text)
 {
     QString escaped = text;
-    escaped.replace(QLatin1Char('\\'), QStringLiteral("\\\\"))
-        .replace(QLatin1Char('"'), QStringLiteral("\\\""));
-    return QLatin1Char('"') + escaped + QLatin1Char('"');
+    if (text.contains(QLatin1Char('\\')) || text.contains(QLatin1Char('"')))
+        escaped.replace(QLatin1Char('\\'), QStringLiteral("\\\\"))
+            .replace(QLatin1Char('"'), QStringLiteral("\\\""));
+    return QLatin1Char('"') % escaped % QLatin1Char('"');
+}
+
+QString told(const QString& parameter, const QString& value)
+{
+    return QStringLiteral("{\"param_name\":") % quoted(parameter) % QStringLiteral(",\"value\":") %
+           quoted(value) % QLatin1Char('}');
 }
 
 QString success()
@@ -109,15 +118,14 @@ void ModelLan::read(const QString& ip, const QString& parameter, Answered answer
         [this, parameter](ModelBox& box) {
             if (parameter == box.habits.unreadable)
                 return QString();
-            const QString name = quoted(parameter);
             if (parameter == QLatin1String("eParam_FirmVersion") && box.tellsPackage)
-                return QStringLiteral("{\"param_name\":%1,\"value\":%2}")
-                    .arg(name, quoted(box.packageVersion));
+                return told(parameter, box.packageVersion);
             const bool isDenied = parameter == box.habits.denied && m_time.now() < box.deniesUntil;
-            if (isDenied || parameter == box.habits.missing || !box.settings.contains(parameter))
-                return QStringLiteral("{\"param_name\":%1,\"status\":\"failed\"}").arg(name);
-            return QStringLiteral("{\"param_name\":%1,\"value\":%2}")
-                .arg(name, quoted(box.settings.value(parameter)));
+            const auto value = box.settings.constFind(parameter);
+            if (isDenied || parameter == box.habits.missing || value == box.settings.constEnd())
+                return QString(QStringLiteral("{\"param_name\":") % quoted(parameter) %
+                               QStringLiteral(",\"status\":\"failed\"}"));
+            return told(parameter, *value);
         },
         [this, ip, parameter, answered = std::move(answered)](const QString& answer) {
             ModelBox* box = answer.isEmpty() ? nullptr : at(ip);

@@ -64,10 +64,10 @@ QStringList configurationParameters()
 
 bool isIpv4Address(const QString& text)
 {
-    const QStringList parts = text.split(QLatin1Char('.'));
+    const QVector<QStringRef> parts = text.splitRef(QLatin1Char('.'));
     if (parts.size() != 4)
         return false;
-    for (const QString& part : parts) {
+    for (const QStringRef& part : parts) {
         if (part.isEmpty() || part.size() > 3)
             return false;
         for (const QChar c : part) {

@@ -64,15 +64,16 @@ public:
     void save(const UpgradeSession& session, bool open, Saved saved) override
     {
         const bool full = isFull;
-        m_time.in(delay, [this, session, open, saved, full, program = program] {
+        const QString name = session.baseName();
+        m_time.in(delay, [this, session, name, open, saved, full, program = program] {
             if (program != this->program)
                 return;
             if (!full && open)
-                journals[session.baseName()] = session;
+                journals[name] = session;
             else if (!full)
-                journals.remove(session.baseName());
+                journals.remove(name);
             if (!full)
-                reports[session.baseName()] = session;
+                reports[name] = session;
             wasFull = wasFull || full;
             saved(!full);
         });
