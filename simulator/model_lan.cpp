@@ -303,18 +303,17 @@ void ModelLan::acted(const ModelBox& box, const QString& act) const
 void ModelLan::noteTwins(ModelBox& box, const QString& parameter)
 {
     constexpr qint64 longestWriteBackMs = 120000;
-    // To switch it on harms nobody.
-    if (parameter == QLatin1String("eParam_DHCP"))
-        return;
     for (const auto& other : m_boxes) {
         if (other.get() == &box || other->mac != box.mac)
             continue;
-        if (other->isOn && !other->isDeaf &&
-            other->reachableSince < m_time.now() - longestWriteBackMs &&
-            other->habits.missing != QLatin1String("eParam_MACAddress"))
-            box.violations << QStringLiteral("written beside its twin: ") + parameter;
-        else
+        const bool isFound = other->isOn && !other->isDeaf &&
+                             other->reachableSince < m_time.now() - longestWriteBackMs &&
+                             other->habits.missing != QLatin1String("eParam_MACAddress");
+        if (!isFound)
             box.writtenApart = other->writtenApart = true;
+        // To switch it on harms nobody.
+        else if (parameter != QLatin1String("eParam_DHCP"))
+            box.violations << QStringLiteral("written beside its twin: ") + parameter;
     }
 }
 

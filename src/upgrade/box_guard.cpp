@@ -28,6 +28,18 @@ const UpgradeRow& BoxGuard::row() const
     return m_session.rows[m_index];
 }
 
+/// Once something is expected of one box, no other is meant.
+QString BoxGuard::mac() const
+{
+    return m_mac.isEmpty() ? row().mac : m_mac;
+}
+
+void BoxGuard::expect()
+{
+    m_mac = row().mac;
+    m_saved = row().saved;
+}
+
 void BoxGuard::kept(const UpgradeRow& row)
 {
     m_keptSettings |= row.settings == Settings::Waiting && !row.saved.isEmpty();
@@ -36,6 +48,7 @@ void BoxGuard::kept(const UpgradeRow& row)
 
 void BoxGuard::adopted()
 {
+    expect();
     kept(row());
     m_ordered = row().stage == Stage::Activated;
     m_orderedAt = qMax<qint64>(1, m_clock.ms());
@@ -72,7 +85,7 @@ bool BoxGuard::isRefused(const QString& ip)
     const bool isSure = m_sureOf == ip && m_clock.ms() - m_sureAt <= sureMs;
     m_sureOf.clear();
     // Of a box without a MAC address nobody can be sure.
-    if (!isSure && !row().mac.isEmpty())
+    if (!isSure && !mac().isEmpty())
         return refuse(tr("未确认此地址上是哪台设备"));
     return false;
 }
@@ -91,14 +104,14 @@ void BoxGuard::hear(const QString& ip, const QString& parameter, const QString& 
 {
     const bool isHere = ip == m_orderedIp;
     if (parameter == BoxProtocol::MACAddress) {
-        const bool isBox = BoxAnswer::isMac(answer, row().mac);
+        const bool isBox = BoxAnswer::isMac(answer, mac());
         if (isBox) {
             m_sureOf = ip;
             m_sureAt = m_clock.ms();
         } else if (m_sureOf == ip) {
             m_sureOf.clear();
         }
-        m_missed |= isHere ? answer.isEmpty() : isBox;
+        m_missed |= isHere ? !isBox : isBox;
     } else if (parameter == BoxProtocol::FirmVersion) {
         const QString version = BoxAnswer::version(answer);
         m_changed |= !version.isEmpty() && version != row().versionBefore;
@@ -110,12 +123,13 @@ void BoxGuard::write(const QString& ip, const QString& parameter, const QString&
 {
     if (isRefused(ip))
         return;
-    if (row().mac.isEmpty()) {
+    if (mac().isEmpty()) {
         refuse(tr("不能确定设置属于哪台设备"));
         return;
     }
     const bool isSwitch = row().stage == Stage::Preparing && parameter == BoxProtocol::DHCP;
-    if (isSwitch ? !m_keptSettings : value != row().saved.value(parameter).toString()) {
+    const bool isOwn = m_saved.contains(parameter) && value == m_saved.value(parameter).toString();
+    if (isSwitch ? !m_keptSettings || value != QLatin1String("1") : !isOwn) {
         refuse(isSwitch ? tr("设置尚未写入磁盘") : tr("写入的不是此设备的设置"));
         return;
     }

@@ -5,14 +5,15 @@
 #include "upgrade/upgrade_clock.h"
 
 #include <QCoreApplication>
+#include <QVariantMap>
 
 struct UpgradeRow;
 struct UpgradeSession;
 
 /// The way of one upgrade to its box, on which what may never happen is refused: whoever asks for
-/// it, by whatever mistake. It judges by what went through it and by what is on disk only, not by
-/// the steps of the upgrade. After the first refusal nothing is let through any more, and no answer
-/// comes to what was refused.
+/// it, by whatever mistake. It judges by what went through it, by what is on disk and by what was
+/// read from the box, not by the steps of the upgrade. After the first refusal nothing is let
+/// through any more, and no answer comes to what was refused.
 class BoxGuard final : public BoxLink
 {
     Q_DECLARE_TR_FUNCTIONS(BoxGuard)
@@ -28,6 +29,8 @@ public:
     void abandonUpload(const QString& ip) override;
     void order(const QString& ip, BoxOrder order, Answered answered) override;
 
+    /// What the row says now is of this box: its MAC address, and what is to be written back.
+    void expect();
     /// `row`, as it was, is safe on disk.
     void kept(const UpgradeRow& row);
     /// An earlier run of the program has kept the row, and ordered what it says.
@@ -41,6 +44,7 @@ public:
 
 private:
     const UpgradeRow& row() const;
+    QString mac() const;
     bool refuse(const QString& reason);
     bool isRefused(const QString& ip);
     bool isChanging() const;
@@ -53,6 +57,8 @@ private:
     BoxListener m_listener;
 
     QString m_breach;
+    QString m_mac;       ///< empty before something is expected
+    QVariantMap m_saved; ///< what may be written back
     QString m_sureOf;    ///< the address at which the box was the last to answer who it is
     qint64 m_sureAt = 0; ///< when
     bool m_keptSettings = false;

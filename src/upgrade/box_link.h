@@ -44,10 +44,11 @@ public:
     /// `handle` is called with the answer, unless forget() comes first.
     template <class Handler> BoxLink::Answered hear(Handler handle) const
     {
-        return [open = std::weak_ptr<int>(m_open), handle](const QString& answer) {
-            if (!open.expired())
-                handle(answer);
-        };
+        return
+            [open = std::weak_ptr<int>(m_open), handle = std::move(handle)](const QString& answer) {
+                if (!open.expired())
+                    handle(answer);
+            };
     }
     void forget() { m_open = std::make_shared<int>(); }
 

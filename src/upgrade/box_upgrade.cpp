@@ -17,6 +17,7 @@ constexpr int identifyTicks = 120;
 constexpr int longestPauseTicks = 8;
 constexpr int twinQuestions = 3;
 constexpr int versionTries = 3;
+constexpr int denialTicks = 15;
 
 } // namespace
 
@@ -30,6 +31,9 @@ BoxUpgrade::BoxUpgrade(UpgradeSession& session, int row, BoxLink& link, const Up
     , m_reader(m_link, clock)
     , m_writer(m_link)
 {
+    // One that only waits for its settings.
+    if (session.rows[row].settings == Settings::Waiting)
+        m_link.expect();
 }
 
 BoxUpgrade::~BoxUpgrade() = default;
@@ -159,8 +163,8 @@ void BoxUpgrade::end()
     enter(Step::Ended);
 }
 
-/// Something that may never happen was about to: nothing more is sent, and what it had waits for
-/// the operator's word.
+/// Something that may never happen was about to: nothing more is sent. What it had waits until the
+/// next start of the program asks whether it is wanted.
 void BoxUpgrade::stopSafely()
 {
     m_reader.stop();
@@ -170,6 +174,8 @@ void BoxUpgrade::stopSafely()
     m_link.abandonUpload(row().address);
     m_ordered = false;
     m_timedOut = !m_succeeded;
+    if (row().settings == Settings::Restored || row().settings == Settings::Unverified)
+        row().aftermath = restartDoubt();
     row().stopped = m_link.breach();
     m_host.tell(*this, tr("内部检查未通过(%1),已停止对此设备的操作").arg(row().stopped));
     if (row().stage < Stage::Activated)
@@ -266,6 +272,12 @@ void BoxUpgrade::takeIdentity(const QString& answer)
             anotherBox(mac);
         return;
     }
+    if (mac.isEmpty() && !m_deniesMac) {
+        // Some say so while they start.
+        m_deniesMac = true;
+        later(&BoxUpgrade::askIdentity, ticks(denialTicks));
+        return;
+    }
     if (mac.isEmpty()) {
         // It has none to tell: nothing can be proved of it, and nothing kept.
         askVersionBefore(&BoxUpgrade::identified);
@@ -279,6 +291,8 @@ void BoxUpgrade::takeIdentity(const QString& answer)
         return;
     }
     m_tookOver = m_host.takeOver(*this);
+    if (m_tookOver)
+        m_link.expect();
     askTwins(m_host.otherAddresses(mac, row().address), [this](bool twins) {
         row().ambiguous = row().ambiguous || twins;
         askVersionBefore(&BoxUpgrade::identified);
@@ -352,12 +366,20 @@ void BoxUpgrade::askVersionNow()
                         askAgain(&BoxUpgrade::askVersionNow);
                         return;
                     }
-                    if (!version.isEmpty()) {
-                        row().versionBefore = version;
-                        m_host.versionTold(row().address, version);
-                    }
-                    (this->*m_versionAsked)();
+                    m_version = version;
+                    // Another box may have told it.
+                    if (version.isEmpty())
+                        (this->*m_versionAsked)();
+                    else
+                        confirm(&BoxUpgrade::takeVersionBefore);
                 }));
+}
+
+void BoxUpgrade::takeVersionBefore()
+{
+    row().versionBefore = m_version;
+    m_host.versionTold(row().address, m_version);
+    (this->*m_versionAsked)();
 }
 
 void BoxUpgrade::identified()

@@ -163,6 +163,7 @@ private:
     /// Asks for the version before the change; `then` follows, with it or without.
     void askVersionBefore(Next then);
     void askVersionNow();
+    void takeVersionBefore();
     void identified();
     /// Asks who answers at the row's address; `same` follows if it is this box. One that does not
     /// answer is asked again, another box ends the story.
@@ -215,6 +216,7 @@ private:
     void beginRestart();
     void restarted();
     bool wasSurelyAway() const;
+    static QString restartDoubt();
 
     UpgradeSession& m_session;
     const int m_index;
@@ -232,12 +234,14 @@ private:
     Next m_next = nullptr; ///< what is to be done at m_due
     Next m_confirmed = nullptr;
     Next m_versionAsked = nullptr;
+    QString m_version; ///< told, and not known yet by whom
     qint64 m_due = 0;
     qint64 m_limit = 0;     ///< of the identification
     int m_failures = 0;     ///< questions in a row without an answer
     int m_versionTries = 0; ///< without an answer
 
     bool m_identified = false;
+    bool m_deniesMac = false; ///< it has said once that it has no MAC address
     bool m_keep = false;
     bool m_tookOver = false; ///< settings that wait since an upgrade before
     bool m_inBatch = false;

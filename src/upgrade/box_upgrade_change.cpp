@@ -44,6 +44,7 @@ void BoxUpgrade::readSettings()
                        row().saved = values;
                        row().absent = KeptSettings::missingFrom(values);
                        row().settings = Settings::Waiting;
+                       m_link.expect();
                        m_host.settingsRead(*this, values);
                        switchDhcp();
                    });

@@ -18,10 +18,13 @@ constexpr int sureAbsenceTicks = 20;
 
 } // namespace
 
-// --- whose word and whose box ------------------------------------------------------------------
+// --- the operator's word -----------------------------------------------------------------------
 
 void BoxUpgrade::release()
 {
+    // Its guard lets nothing through any more.
+    if (!m_link.breach().isEmpty())
+        return;
     m_held = false;
     if (m_step == Step::Missing && !m_handingOver)
         awaitBox();
@@ -56,6 +59,7 @@ void BoxUpgrade::handOver(UpgradeRow& to)
     to.settings = Settings::Waiting;
     to.saved = row().saved;
     to.dhcpForced = row().dhcpForced;
+    to.absent = row().absent;
 }
 
 void BoxUpgrade::endHandedOver()
@@ -66,8 +70,7 @@ void BoxUpgrade::endHandedOver()
     end();
 }
 
-// --- writing
-// ---------------------------------------------------------------------------------------
+// --- writing ---------------------------------------------------------------------------------
 
 void BoxUpgrade::writeBack()
 {
@@ -186,8 +189,13 @@ void BoxUpgrade::restarted()
         return;
     }
     if (!m_restartAnswered && !wasSurelyAway())
-        row().aftermath = tr("设置已写回,但不能确定设备已重启");
+        row().aftermath = restartDoubt();
     end();
+}
+
+QString BoxUpgrade::restartDoubt()
+{
+    return tr("设置已写回,但不能确定设备已重启");
 }
 
 /// The silence that has just ended was no matter of a busy network.

@@ -75,10 +75,12 @@ void SettingsWriter::checkNext()
     const QString name = m_rest.takeFirst();
     m_link.read(m_ip, name, m_listener.hear([this, name](const QString& answer) {
         const HttpResult now = HttpResult::fromBody(answer);
-        if (now.parameterName != name || !KeptSettings::isValue(now.value))
+        const bool isTold = now.parameterName == name && KeptSettings::isValue(now.value);
+        // What was refused has failed already, whatever it is now.
+        const bool isOpen = !m_outcome.refused.contains(name);
+        if (isOpen && !isTold)
             m_outcome.unread << name;
-        else if (now.value.toString() != m_values.value(name).toString() &&
-                 !m_outcome.refused.contains(name))
+        else if (isOpen && now.value.toString() != m_values.value(name).toString())
             m_outcome.different << name;
         checkNext();
     }));

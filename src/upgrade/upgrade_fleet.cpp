@@ -171,17 +171,18 @@ void UpgradeFleet::adopt(const QVector<UpgradeSession>& found)
 
 void UpgradeFleet::release(const QStringList& macs)
 {
-    for (const auto& box : m_boxes) {
-        if (box->isHeld() && macs.contains(box->row().mac, Qt::CaseInsensitive))
-            box->release();
+    for (size_t n = 0; n < m_boxes.size(); ++n) {
+        BoxUpgrade& box = *m_boxes[n];
+        if (box.isHeld() && macs.contains(box.row().mac, Qt::CaseInsensitive))
+            box.release();
     }
 }
 
 void UpgradeFleet::dropSettings(const QStringList& macs)
 {
-    for (const auto& box : m_boxes) {
-        if (macs.contains(box->row().mac, Qt::CaseInsensitive))
-            box->dropSettings();
+    for (size_t n = 0; n < m_boxes.size(); ++n) {
+        if (macs.contains(m_boxes[n]->row().mac, Qt::CaseInsensitive))
+            m_boxes[n]->dropSettings();
     }
     for (const QString& mac : macs)
         m_kept.removeWaiting(mac);

@@ -152,8 +152,10 @@ void UpgradeChecker::checkSettings(const Truth& box, const Box& before, const To
         const bool known = name == habits.missing ||
                            (name == habits.misunderstood && m_unverified.contains(box.mac));
         // What a plain upgrade's firmware resets was not to be kept.
-        const bool reset = habits.resets.contains(name) &&
-                           (m_plain.contains(box.mac) || habits.missing == BoxProtocol::MACAddress);
+        const bool reset =
+            habits.resets.contains(name) &&
+            (m_plain.contains(box.mac) || habits.missing == BoxProtocol::MACAddress ||
+             habits.denied == BoxProtocol::MACAddress);
         if (lost && !known && !reset && !m_named.contains(box.mac + name))
             changed << name;
     }

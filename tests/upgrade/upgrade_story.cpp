@@ -50,6 +50,8 @@ sim::ModelBoxHabits UpgradeStory::habits()
     habits.unwritable = some(5);
     habits.misunderstood = some(3);
     habits.denied = some(6);
+    if (chance(3))
+        habits.denied = BoxProtocol::MACAddress;
     habits.denyMs = 1000 + draw(20000);
     return habits;
 }

@@ -337,6 +337,9 @@ QStringList UpgradeWorld::check()
 {
     const qint64 passed = m_clock.date().toMSecsSinceEpoch() - m_time.now();
     for (const UpgradeSession& session : qAsConst(m_store.reports))
+        for (const UpgradeRow& row : session.rows)
+            m_lan.note(UpgradeText::cells(session, row, session.started).join(" | "));
+    for (const UpgradeSession& session : qAsConst(m_store.reports))
         m_checker.addReport(session.baseName(), UpgradeChecker::told(session, passed),
                             m_store.journals.contains(session.baseName()));
     QVector<UpgradeChecker::Truth> boxes;
