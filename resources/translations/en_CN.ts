@@ -179,8 +179,8 @@
   <context>
     <name>Closing</name>
     <message>
-      <source>正在向KORA发送设置,完成后将自动关闭.</source>
-      <translation>Settings are being sent to KORA. The program closes when this is done.</translation>
+      <source>正在向KORA发送命令,完成后将自动关闭.</source>
+      <translation>A command is being sent to KORA. The program closes when this is done.</translation>
     </message>
   </context>
   <context>
@@ -293,8 +293,8 @@
       <translation>DHCP cannot be switched off: the static IP address and subnet mask of the box are unknown.</translation>
     </message>
     <message>
-      <source>设置已写入,但KORA没有应答重启命令,重启后才会生效.</source>
-      <translation>The settings are written, but KORA did not answer the restart command. They take effect after a restart.</translation>
+      <source>设置已写入,但不能确定KORA已重启,重启后才会生效.</source>
+      <translation>The settings are written, but it is not certain that KORA has restarted. They take effect after a restart.</translation>
     </message>
   </context>
   <context>
@@ -680,6 +680,13 @@
     <message>
       <source>下一个</source>
       <translation>Next</translation>
+    </message>
+  </context>
+  <context>
+    <name>Orders</name>
+    <message>
+      <source>此地址上现在是另一台设备.</source>
+      <translation>Another device is at this address now.</translation>
     </message>
   </context>
   <context>

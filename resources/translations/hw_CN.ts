@@ -179,8 +179,8 @@
   <context>
     <name>Closing</name>
     <message>
-      <source>正在向KORA发送设置,完成后将自动关闭.</source>
-      <translation>KORA에 설정을 보내는 중입니다. 완료되면 프로그램이 자동으로 닫힙니다.</translation>
+      <source>正在向KORA发送命令,完成后将自动关闭.</source>
+      <translation>KORA에 명령을 보내는 중입니다. 완료되면 프로그램이 자동으로 닫힙니다.</translation>
     </message>
   </context>
   <context>
@@ -293,8 +293,8 @@
       <translation>장치의 고정 IP 주소와 서브넷 마스크를 읽지 못하여 DHCP를 끌 수 없습니다.</translation>
     </message>
     <message>
-      <source>设置已写入,但KORA没有应答重启命令,重启后才会生效.</source>
-      <translation>설정을 기록했지만 KORA가 다시 시작 명령에 응답하지 않았습니다. 다시 시작해야 적용됩니다.</translation>
+      <source>设置已写入,但不能确定KORA已重启,重启后才会生效.</source>
+      <translation>설정을 기록했지만 KORA가 다시 시작되었는지 확실하지 않습니다. 다시 시작해야 적용됩니다.</translation>
     </message>
   </context>
   <context>
@@ -680,6 +680,13 @@
     <message>
       <source>下一个</source>
       <translation>다음</translation>
+    </message>
+  </context>
+  <context>
+    <name>Orders</name>
+    <message>
+      <source>此地址上现在是另一台设备.</source>
+      <translation>이 주소에는 이제 다른 장치가 있습니다.</translation>
     </message>
   </context>
   <context>

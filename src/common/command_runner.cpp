@@ -140,8 +140,8 @@ CommandRunner::CommandRunner(QString owner, Wire wire)
 {
 }
 
-void CommandRunner::execCurl(const QString& ip, const QString& command,
-                             const QVariantMap& properties, ErrorOutput errorOutput)
+QPointer<QProcess> CommandRunner::execCurl(const QString& ip, const QString& command,
+                                           const QVariantMap& properties, ErrorOutput errorOutput)
 {
     QProcess* process = Platform::newModestProcess();
     if (errorOutput == ErrorOutput::Discard)
@@ -154,6 +154,7 @@ void CommandRunner::execCurl(const QString& ip, const QString& command,
     m_wire(process);
     releaseWhenEnded(process);
     startQueue().add(process, command);
+    return process;
 }
 
 void CommandRunner::limit(QProcess* process, int limitMs)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QProcess>
 #include <QString>
 #include <QVariantMap>
@@ -39,8 +40,10 @@ public:
     /// Lets `command` start and returns at once. The process carries "ip" and every entry of
     /// `properties` as dynamic properties. Commands start in the order of their calls, at most one
     /// in each turn of the event loop: sixty boxes may ask for one in the same moment.
-    void execCurl(const QString& ip, const QString& command, const QVariantMap& properties,
-                  ErrorOutput errorOutput = ErrorOutput::Discard);
+    /// The process deletes itself once it has ended.
+    QPointer<QProcess> execCurl(const QString& ip, const QString& command,
+                                const QVariantMap& properties,
+                                ErrorOutput errorOutput = ErrorOutput::Discard);
 
     /// Blocks, serving events: starts `command` and waits until it ends. Returns its standard
     /// output, empty when it could not start or gave no answer within WaitLimitMs. Anything can

@@ -4,8 +4,9 @@
 #include "common/platform.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
-#include <QSet>
+#include <QHash>
 #include <QThread>
 
 namespace
@@ -17,15 +18,17 @@ bool isWindowThread()
     return program && QThread::currentThread() == program->thread();
 }
 
-/// The window asks again and again, and a disk that has gone would hold it up each time.
-bool isKnownToWindow(const QString& path)
+/// The window asks again and again, and a disk that has gone would hold it up each time: there the
+/// folder is made once, and looked for again after a while only if that failed.
+void makeForWindow(const QString& path)
 {
-    static QSet<QString> known; // to that thread only
-    if (!isWindowThread())
-        return false;
-    const int before = known.size();
-    known.insert(path);
-    return known.size() == before;
+    constexpr qint64 againMs = 30000;
+    static QHash<QString, QDeadlineTimer> tried; // by that thread only
+    const auto last = tried.constFind(path);
+    if (last != tried.constEnd() && !last->hasExpired())
+        return;
+    const bool isMade = QDir().mkpath(path);
+    tried.insert(path, isMade ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(againMs));
 }
 
 } // namespace
@@ -34,7 +37,9 @@ QString dataPath(const QString& sub)
 {
     const QStringList levels{Platform::dataRoot(), QStringLiteral("Tarn Hub"), sub};
     const QString path = QDir::cleanPath(levels.join(QLatin1Char('/')));
-    if (!isKnownToWindow(path))
+    if (isWindowThread())
+        makeForWindow(path);
+    else
         QDir().mkpath(path);
     return path + QLatin1Char('/');
 }

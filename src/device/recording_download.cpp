@@ -78,7 +78,8 @@ void RecordingDownload::onPart(std::function<bool(PartFile&)> work, Next next)
             done->state = part->state();
         },
         [this, done, next, turn = m_turn] {
-            if (--m_pieces == 0)
+            // That of a curl that has been told to end goes on.
+            if (--m_pieces == 0 && !m_isStopping)
                 m_diskLimit.stop();
             if (turn != m_turn)
                 return;
@@ -226,12 +227,14 @@ void RecordingDownload::stop()
     if (!m_process)
         return;
     m_diskLimit.start(m_cancelled ? cancelLimitMs : diskLimitMs);
+    m_isStopping = true;
     CommandRunner::stop(m_process);
 }
 
 void RecordingDownload::endAttempt(const QProcess& curl)
 {
     read();
+    m_isStopping = false;
     m_process.clear();
     m_exit = {curl.error() != QProcess::FailedToStart, curl.exitStatus() == QProcess::NormalExit,
               curl.exitCode()};

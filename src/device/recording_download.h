@@ -118,10 +118,11 @@ private:
     std::shared_ptr<PartFile> m_part;
     LooseQueue m_disk;
     QTimer m_diskLimit;
-    int m_pieces = 0;     ///< that the disk has not done
-    int m_turn = 0;       ///< what was begun in an earlier one has been given up
-    PartState m_now;      ///< of the part, when the last piece was done
-    bool m_isDone = true; ///< the last piece did what it was to do
+    bool m_isStopping = false; ///< curl has been told to end
+    int m_pieces = 0;          ///< that the disk has not done
+    int m_turn = 0;            ///< what was begun in an earlier one has been given up
+    PartState m_now;           ///< of the part, when the last piece was done
+    bool m_isDone = true;      ///< the last piece did what it was to do
 
     // The attempt that runs.
     CurlReport m_report;

@@ -54,7 +54,7 @@ void ConfigurationSave::save()
     for (auto it = values.cbegin(); it != values.cend(); ++it)
         commands << BoxProtocol::setCommand(it.key(), it.value(), ip);
     SequenceResult result = m_hub.orders.run(box, commands, true);
-    QString message = tr("设置参数部分失败,请检查KORA网络状态后重试.");
+    QString message = m_hub.orders.explained(ip, tr("设置参数部分失败,请检查KORA网络状态后重试."));
     if (result == SequenceResult::AllSucceeded) {
         m_panel.noteSaved(ip, values);
         result = apply(box, values, before, message);
@@ -117,8 +117,9 @@ SequenceResult ConfigurationSave::apply(const BoxId& box, const QMap<QString, QS
     // Part of saving: a window that closes before the box has heard it would leave the box with
     // settings that it does not use.
     const SequenceResult result = m_hub.orders.run(box, {command});
-    message = result == SequenceResult::AllSucceeded
-                  ? applied
-                  : tr("设置已写入,但KORA没有应答重启命令,重启后才会生效.");
+    message =
+        result == SequenceResult::AllSucceeded
+            ? applied
+            : m_hub.orders.explained(box.ip, tr("设置已写入,但不能确定KORA已重启,重启后才会生效."));
     return result;
 }

@@ -97,5 +97,8 @@ void DecodeControl::run(const BoxId& box, const QStringList& commands, const QSt
     const QString text = result == SequenceResult::AllSucceeded
                              ? tr("解码成功") + source
                              : BoxProtocol::fill(tr("解码失败%1,请重试!"), {source});
-    messageBox::ask(operation + text, m_hub.window);
+    const QString message = operation + text;
+    messageBox::ask(
+        result == SequenceResult::AllSucceeded ? message : m_hub.orders.explained(box.ip, message),
+        m_hub.window);
 }

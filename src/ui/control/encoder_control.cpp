@@ -160,7 +160,7 @@ void EncoderControl::switchMode(QCheckBox* button, const Commands& list, const Q
     // The button may stand for another box by now, one that has told nothing yet.
     if (m_hub.state.deviceIp() == list.box().ip && isModeKnown())
         button->toggle();
-    messageBox::ask(failure, m_hub.window);
+    messageBox::ask(m_hub.orders.explained(list.box().ip, failure), m_hub.window);
 }
 
 void EncoderControl::setH264(bool on)

@@ -50,8 +50,9 @@ void LiveControl::ask()
     if (!stops)
         command = port.isEmpty() ? BoxProtocol::streamPushCommand(ip, address)
                                  : BoxProtocol::streamListenCommand(ip, port, address);
-    m_hub.orders.send(box, command, {}, this, [this, stops](bool isSent) {
+    m_hub.orders.send(box, command, {}, this, [this, ip, stops](bool isSent) {
+        const QString failure = stops ? tr("关闭直播服务失败") : tr("开启直播服务失败");
         if (!isSent)
-            messageBox::ask(stops ? tr("关闭直播服务失败") : tr("开启直播服务失败"), m_hub.window);
+            messageBox::ask(m_hub.orders.explained(ip, failure), m_hub.window);
     });
 }

@@ -53,7 +53,9 @@ void DeviceSelection::restart(Item* item)
         return;
     m_hub.orders.send(target, BoxProtocol::rebootCommand(ip), {}, this, [this, ip](bool isSent) {
         if (!isSent)
-            messageBox::ask(tr("KORA %1 未重启,请检查KORA网络状态后重试.").arg(ip), m_hub.window);
+            messageBox::ask(
+                m_hub.orders.explained(ip, tr("KORA %1 未重启,请检查KORA网络状态后重试.").arg(ip)),
+                m_hub.window);
     });
 }
 

@@ -15,6 +15,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -75,9 +77,13 @@ void Orders::handleAnswer(const HttpResult& result)
     const Item* row = m_ways.devices.model().find(ip);
     if (row && BoxProtocol::isMacAddress(mac) && !BoxProtocol::isSameMac(mac, row->macAddress()))
         emit identified(ip, mac);
+    m_others.remove(ip);
     for (const Waiter& waiter : question.waiters) {
         if (!waiter.context)
             continue;
+        if (BoxProtocol::isMacAddress(mac) && !waiter.box.mac.isEmpty() &&
+            !BoxProtocol::isSameMac(mac, waiter.box.mac))
+            m_others.insert(ip);
         // Of a box that never told its MAC address nobody can say that this is another one: the
         // only order that goes to whoever answers.
         const bool isMeant =
@@ -99,14 +105,35 @@ bool Orders::isFree(const QString& ip) const
 void Orders::send(const BoxId& box, const QString& command, const QVariantMap& properties,
                   const QObject* context, std::function<void(bool isSent)> then)
 {
+    auto asking = std::make_shared<int>();
+    m_asking << asking;
     confirm(box, context,
-            [this, ip = box.ip, command, properties, then = std::move(then)](bool may) {
+            [this, ip = box.ip, command, properties, then = std::move(then),
+             asking = std::move(asking)](bool may) mutable {
+                asking.reset();
                 if (!m_ways.window.isVisible())
                     return;
-                if (may)
-                    m_ways.runner.execCurl(ip, command, properties);
+                if (may) {
+                    m_sent.removeAll(nullptr);
+                    m_sent << m_ways.runner.execCurl(ip, command, properties);
+                }
                 then(may);
             });
+    const auto isOver = [](const std::weak_ptr<int>& order) { return order.expired(); };
+    m_asking.erase(std::remove_if(m_asking.begin(), m_asking.end(), isOver), m_asking.end());
+}
+
+bool Orders::isUnderWay() const
+{
+    const auto isAsking = [](const std::weak_ptr<int>& order) { return !order.expired(); };
+    return isRunning() || std::any_of(m_asking.begin(), m_asking.end(), isAsking) ||
+           std::any_of(m_sent.begin(), m_sent.end(), [](const auto& sent) { return sent; });
+}
+
+QString Orders::explained(const QString& ip, const QString& failure) const
+{
+    return m_others.contains(ip) ? failure + QLatin1Char('\n') + tr("此地址上现在是另一台设备.")
+                                 : failure;
 }
 
 /// Blocks, serving events.

@@ -4,12 +4,15 @@
 #include <QHash>
 #include <QObject>
 #include <QPointer>
+#include <QProcess>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
 #include <QVector>
 
 #include <functional>
+#include <memory>
 
 class CommandRunner;
 class DeviceRegistry;
@@ -35,7 +38,8 @@ enum class SequenceResult {
     WindowClosed, ///< the window is gone; nothing more was sent, nobody to tell
 };
 
-/// The only way of what the operator orders to a box: it is asked first who it is, up to three
+/// The only way of what the operator orders to a box, apart from deleting recordings, which asks
+/// through it: it is asked first who it is, up to three
 /// times, and nothing is sent unless it is the one that is meant, stands in the list and no upgrade
 /// has it. GUI thread only.
 class Orders : public QObject
@@ -68,6 +72,11 @@ public:
     SequenceResult run(BoxId box, QStringList commands, bool exact = false);
     /// A list is being sent: ended now, it would leave half of it in the box.
     bool isRunning() const { return m_running > 0; }
+    /// Something that was ordered has neither reached its box yet nor been refused.
+    bool isUnderWay() const;
+    /// `failure`, with a line about it when the last order to `ip` failed because another box
+    /// answers there.
+    QString explained(const QString& ip, const QString& failure) const;
 
 signals:
     /// Another box answers at `ip` than the list has there, or one whose MAC address was not known.
@@ -95,4 +104,7 @@ private:
     const Ways m_ways;
     QHash<QString, Question> m_questions; ///< by address
     int m_running = 0;
+    QVector<std::weak_ptr<int>> m_asking; ///< of orders whose box is being asked
+    QVector<QPointer<QProcess>> m_sent;
+    QSet<QString> m_others; ///< addresses at which another box has answered
 };

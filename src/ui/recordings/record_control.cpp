@@ -86,7 +86,22 @@ void RecordControl::handleNotSent(const QString& ip, int number)
         return;
     m_pending.remove(ip);
     show();
-    tell(ip, command.on ? tr("开启录制失败,请重试.") : tr("停止录制失败,请重试."));
+    const QString failure = command.on ? tr("开启录制失败,请重试.") : tr("停止录制失败,请重试.");
+    tell(ip, m_hub.orders.explained(ip, failure));
+}
+
+/// What was learned of the box before it does not hold for another one that has its address.
+void RecordControl::noteMac(const QString& ip, const QString& mac)
+{
+    const QString before = m_macs.value(ip, mac);
+    m_macs.insert(ip, mac);
+    if (BoxProtocol::isSameMac(before, mac))
+        return;
+    m_unnamed.remove(ip);
+    m_refused.remove(ip);
+    if (Item* box = m_hub.devices.model().find(ip))
+        box->setRecordingInProgress(QString());
+    show();
 }
 
 /// What its clock says; without one, what it has last answered.

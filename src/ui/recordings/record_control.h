@@ -36,6 +36,8 @@ public:
     /// Lets the selected box record, or stop. Blocks, serving events, only to say why it does not;
     /// the box's answer comes later.
     void setRecording(bool on);
+    /// At `ip` answers the box with this MAC address.
+    void noteMac(const QString& ip, const QString& mac);
     /// To be told of the selected box's feed.
     RecordWatch& watch() { return m_watch; }
 
@@ -71,4 +73,5 @@ private:
     int m_lastNumber = 0;
     QHash<QString, bool> m_refused; ///< the order that a box has refused last: on or off
     QSet<QString> m_unnamed;        ///< boxes that are taken to record, under a name nobody knows
+    QHash<QString, QString> m_macs; ///< of the boxes at these addresses, as last told
 };

@@ -64,10 +64,14 @@ void RecordingDownloads::ask(const QList<QListWidgetItem*>& rows)
 QString RecordingDownloads::chooseFolder()
 {
     const QStringList places = QStandardPaths::standardLocations(QStandardPaths::PicturesLocation);
+    if (m_isChoosing)
+        return QString();
+    m_isChoosing = true;
     const QPointer<RecordingDownloads> self(this);
     const QString start = livingFolder(places.value(places.size() - 1));
     if (!self)
         return QString();
+    m_isChoosing = false;
     const QPointer<QFileDialog> dialog = new QFileDialog(m_hub.window, QString(), start);
     dialog->setWindowTitle(tr("请您选择保存的位置"));
     dialog->setFileMode(QFileDialog::Directory);
@@ -94,6 +98,9 @@ void RecordingDownloads::addKept(const QVector<KeptPart>& parts)
     for (const KeptPart& part : parts) {
         auto recording = Item::makeRecording(part.source.name, part.source.address);
         recording->setMacAddress(part.source.mac);
+        // Begun meanwhile.
+        if (findJob(*recording, part.folder))
+            continue;
         Job& job = add(std::move(recording), part.folder);
         job.state = State::Kept;
         job.row->showKept();

@@ -79,4 +79,5 @@ private:
     bool m_isPartKept = false; ///< of one of those that failed
     bool m_telling = false;
     bool m_asksToClose = false;
+    bool m_isChoosing = false; ///< a folder: its dialog is about to open
 };

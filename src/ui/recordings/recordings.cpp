@@ -84,8 +84,14 @@ void Recordings::noteMac(const QString& ip, const QString& mac)
             return !entry->macAddress().isEmpty() &&
                    !BoxProtocol::isSameMac(entry->macAddress(), mac);
         });
-    if (!isOthers)
+    if (!isOthers) {
+        // Told before it was known who told it.
+        for (const auto& entry : m_list.entries()) {
+            if (ip == m_listedIp && entry->macAddress().isEmpty())
+                entry->setMacAddress(mac);
+        }
         return;
+    }
     m_list.clearEntries();
     if (ip == m_hub.state.deviceIp())
         getDeviceRecordList();

@@ -16,17 +16,17 @@ Closing::Closing(const Orders& orders, QWidget& window)
 
 bool Closing::mayClose()
 {
-    if (!m_orders.isRunning())
+    if (!m_orders.isUnderWay())
         return true;
-    if (!m_again.isActive())
-        m_notice = messageBox::notify(tr("正在向KORA发送设置,完成后将自动关闭."), &m_window);
+    if (!m_notice || !m_notice->isVisible())
+        m_notice = messageBox::notify(tr("正在向KORA发送命令,完成后将自动关闭."), &m_window);
     m_again.start();
     return false;
 }
 
 void Closing::tryAgain()
 {
-    if (m_orders.isRunning() || QApplication::activeModalWidget())
+    if (m_orders.isUnderWay() || QApplication::activeModalWidget())
         return;
     m_again.stop();
     if (m_notice)

@@ -113,6 +113,7 @@ void Tarn_Hub::Features::connectRooms()
     QObject::connect(&deviceInfo, &DeviceInfo::macReported, &upgrade, &UpgradeFeatures::noteMac);
     QObject::connect(&upgrade, &UpgradeFeatures::boxIdentified, &panel, &ParameterPanel::noteMac);
     QObject::connect(&upgrade, &UpgradeFeatures::boxIdentified, &recordings, &Recordings::noteMac);
+    QObject::connect(&upgrade, &UpgradeFeatures::boxIdentified, &record, &RecordControl::noteMac);
     QObject::connect(&upgrade, &UpgradeFeatures::waitingWanted, &frame, &WindowFrame::showWaiting);
     QObject::connect(&upgrade, &UpgradeFeatures::monitorWanted, &frame,
                      &WindowFrame::showMonitorPage);
@@ -138,5 +139,5 @@ void Tarn_Hub::Features::start()
 
 bool Tarn_Hub::Features::mustNotEnd() const
 {
-    return !upgrade.isIdle() || orders.isRunning() || !downloads.isIdle();
+    return !upgrade.isIdle() || orders.isUnderWay() || !downloads.isIdle();
 }

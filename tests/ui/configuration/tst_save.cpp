@@ -257,7 +257,7 @@ void tst_Save::closingWaitsForTheWhole()
         });
     m_fixture->save("设置成功,正在重启KORA软件.");
     QTRY_VERIFY(m_fixture->window().isHidden());
-    QCOMPARE(waiting, (QVector<QString>(2, "正在向KORA发送设置,完成后将自动关闭.").toList()));
+    QCOMPARE(waiting, (QVector<QString>(2, "正在向KORA发送命令,完成后将自动关闭.").toList()));
     QCOMPARE(told(box).size(), 13);
     QCOMPARE(told(box).last(), QString("reboot"));
 }
