@@ -118,6 +118,8 @@ void ModelLan::read(const QString& ip, const QString& parameter, Answered answer
         [this, parameter](ModelBox& box) {
             if (parameter == box.habits.unreadable)
                 return QString();
+            if (box.isChanging && box.habits.answersErrors)
+                return QStringLiteral("HTTP 503");
             if (parameter == QLatin1String("eParam_FirmVersion") && box.tellsPackage)
                 return told(parameter, box.packageVersion);
             const bool isDenied = parameter == box.habits.denied && m_time.now() < box.deniesUntil;
@@ -298,6 +300,14 @@ void ModelLan::acted(const ModelBox& box, const QString& act) const
         m_acted(box, act);
 }
 
+bool ModelLan::tellsMac(const ModelBox& box, qint64 since) const
+{
+    const QLatin1String mac("eParam_MACAddress");
+    const bool isBusy = box.isChanging && box.habits.answersErrors;
+    const bool isDenying = box.habits.denied == mac && box.deniesUntil > since;
+    return box.habits.missing != mac && !isBusy && !isDenying;
+}
+
 /// A twin could be found if it answers since before the settings began to be written. Nobody can
 /// find out that there are two where one of them was never there when the other was.
 void ModelLan::noteTwins(ModelBox& box, const QString& parameter)
@@ -308,7 +318,7 @@ void ModelLan::noteTwins(ModelBox& box, const QString& parameter)
             continue;
         const bool isFound = other->isOn && !other->isDeaf &&
                              other->reachableSince < m_time.now() - longestWriteBackMs &&
-                             other->habits.missing != QLatin1String("eParam_MACAddress");
+                             tellsMac(*other, m_time.now() - longestWriteBackMs);
         if (!isFound)
             box.writtenApart = other->writtenApart = true;
         // To switch it on harms nobody.

@@ -57,6 +57,7 @@ struct ModelBoxHabits {
     Change change = Change::Normal;
     Answer answer = Answer::AtOnce;
     int changeMs = 1000;         ///< how long it keeps answering before it goes away to change over
+    bool answersErrors = false;  ///< to each read, while it changes over
     int earlyMs = 0;             ///< so long before it goes it tells the new version already
     int awayMs = 12000;          ///< each restart
     bool diesOfRestart = false;  ///< an ordered one is its last
@@ -173,6 +174,8 @@ private:
     void ask(const QString& ip, int limitMs, int ModelBoxHabits::*workMs,
              std::function<QString(ModelBox&)> handle, Answered answered);
     void acted(const ModelBox& box, const QString& act) const;
+    /// Since then it has told its MAC address to whoever asked.
+    bool tellsMac(const ModelBox& box, qint64 since) const;
     void noteTwins(ModelBox& box, const QString& parameter);
     /// Off; a number of this time of its life.
     int turnOff(ModelBox& box);

@@ -11,13 +11,18 @@ const QString typeKey = QStringLiteral("type");
 const QString idKey = QStringLiteral("id");
 const QString deviceIpKey = QStringLiteral("deviceip");
 const QString bodyKey = QStringLiteral("body");
+const QString statusKey = QStringLiteral("httpstatus");
 
 } // namespace
 
 QVariantMap HttpResult::toMap(const QString& type, const QString& id, const QString& deviceIp,
-                              const QString& body)
+                              const QString& body, int httpStatus)
 {
-    return {{typeKey, type}, {idKey, id}, {deviceIpKey, deviceIp}, {bodyKey, body}};
+    return {{typeKey, type},
+            {idKey, id},
+            {deviceIpKey, deviceIp},
+            {bodyKey, body},
+            {statusKey, httpStatus}};
 }
 
 QString HttpResult::typeOf(const QVariantMap& map)
@@ -31,6 +36,7 @@ HttpResult HttpResult::fromMap(const QVariantMap& map)
     result.type = typeOf(map);
     result.id = map.value(idKey).toString();
     result.deviceIp = map.value(deviceIpKey).toString();
+    result.httpStatus = map.value(statusKey).toInt();
     return result;
 }
 

@@ -10,6 +10,7 @@ struct HttpResult {
     QString id;   ///< of the request, as Spark_Http::get() returned it
     QString deviceIp;
     QString body;          ///< as received; empty when the request failed
+    int httpStatus = 0;    ///< of the answer; 0 when none came
     QString parameterName; ///< "param_name" of the reply, empty when it has none
     QVariant value;        ///< "value" of the reply, invalid when it has none
     QString status;        ///< "status" of the reply, empty when it has none
@@ -19,7 +20,7 @@ struct HttpResult {
 
     /// What Spark_Http::S_finished carries; `id` tells one request from another.
     static QVariantMap toMap(const QString& type, const QString& id, const QString& deviceIp,
-                             const QString& body);
+                             const QString& body, int httpStatus);
     static HttpResult fromMap(const QVariantMap& map);
     /// The reply to a read alone; `type`, `id` and `deviceIp` stay empty.
     static HttpResult fromBody(const QString& body);

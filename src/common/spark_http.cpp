@@ -105,7 +105,7 @@ void Spark_Http::enqueue(const Request& request)
 void Spark_Http::failSoon(const Request& request)
 {
     const QString host = httpRequest(request.url).url().host();
-    QTimer::singleShot(0, this, [this, request, host] { answer(request, host, QString()); });
+    QTimer::singleShot(0, this, [this, request, host] { answer(request, host, QString(), 0); });
 }
 
 /// Nobody is there: each of them would only wait for its own limit.
@@ -137,6 +137,8 @@ void Spark_Http::send(Server& server, const Request& request)
     reply->setProperty("isblocking", request.isblocking);
     reply->setProperty("id", request.ids.value(0));
     server.sent.insert(reply, request);
+    // One that sends a byte now and then is never silent.
+    QTimer::singleShot(RequestLimitMs, reply, &QNetworkReply::abort);
     connect(reply, &QNetworkReply::finished, this, &Spark_Http::R_finished);
     connect(reply, &QNetworkReply::readyRead, reply, [reply] {
         if (reply->bytesAvailable() > BodyLimit)
@@ -173,8 +175,8 @@ void Spark_Http::R_finished()
     const QString key = serverKey(url);
     Server& server = m_servers[key];
     const Request request = server.sent.take(reply);
-    const bool answered = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
-    server.unanswered = answered ? 0 : server.unanswered + 1;
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    server.unanswered = status > 0 ? 0 : server.unanswered + 1;
     if (server.unanswered >= MostAtOnce)
         giveUpWaiting(server);
     sendNext(key);
@@ -186,15 +188,16 @@ void Spark_Http::R_finished()
         writeLog(log, logLine(id + QStringLiteral("  http请求结果 ") + body,
                               "src/common/spark_http.cpp", __LINE__, function));
     }
-    answer(request, url.host(), body);
+    answer(request, url.host(), body, status);
 }
 
-void Spark_Http::answer(const Request& request, const QString& host, const QString& body)
+void Spark_Http::answer(const Request& request, const QString& host, const QString& body,
+                        int httpStatus)
 {
     if (request.loop) {
         request.loop->setProperty("body", body);
         request.loop->quit();
     }
     for (const QString& id : request.ids)
-        emit S_finished(HttpResult::toMap(request.type, id, host, body));
+        emit S_finished(HttpResult::toMap(request.type, id, host, body, httpStatus));
 }

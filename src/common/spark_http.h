@@ -29,6 +29,8 @@ public:
     /// The longest time without data, in milliseconds, before a request counts as failed. It begins
     /// when the request is sent.
     static constexpr int TransferLimitMs = 2000;
+    /// Of a whole request, in milliseconds.
+    static constexpr int RequestLimitMs = 10000;
     /// The most requests that one server is sent at a time. As many as QNetworkAccessManager has
     /// connections for: it would count the wait for one of them as time without data.
     static constexpr int MostAtOnce = 6;
@@ -85,7 +87,7 @@ private:
     void send(Server& server, const Request& request);
     void giveUpWaiting(Server& server);
     void failSoon(const Request& request);
-    void answer(const Request& request, const QString& host, const QString& body);
+    void answer(const Request& request, const QString& host, const QString& body, int httpStatus);
 
     QNetworkAccessManager* m_manager = nullptr;
     QHash<QString, Server> m_servers;

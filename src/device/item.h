@@ -117,6 +117,11 @@ public:
     /// An upgrade has this box, until its story ends: nobody else may write to it or restart it.
     bool isOwned() const { return m_owned || isUpgrading(); }
     void setOwned(bool owned) { m_owned = owned; }
+    /// Its upgrade has begun, or waits for it: not only the package's digest is awaited.
+    bool isTaken() const { return m_owned; }
+    /// What the operator has ordered has not ended in it yet: an upgrade waits for that.
+    bool isOrdered() const { return m_orders > 0; }
+    void countOrders(int more) { m_orders += more; }
     /// The upload was refused, the box was left alone, or the time has run out; of these the first
     /// may still succeed.
     bool hasTimedOut() const;
@@ -186,6 +191,7 @@ private:
     std::unique_ptr<RecordingDownload> m_download;
     int m_place = 0;
     bool m_owned = false;
+    int m_orders = 0; ///< of the operator, under way
 };
 
 /// The name of the family whose boxes the program configures.

@@ -9,6 +9,7 @@
 #include "upgrade/upgrade_rows.h"
 
 #include <QFileInfo>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -21,6 +22,8 @@ constexpr int firstProgress = 30;
 /// As the rows show boxes whose package is still being read, and those that are not upgraded.
 constexpr ItemUpgrade taken{true, false, false, false, Item::UpgradeAllowance};
 constexpr ItemUpgrade released{false, false, false, false, Item::UpgradeAllowance};
+
+constexpr int orderPauseMs = 100;
 
 static_assert(Item::UpgradeAllowance == BoxUpgrade::AllowanceTicks, "one allowance");
 
@@ -74,6 +77,13 @@ void BatchUpgrade::digestReady(const PackageDigest* digest)
     const auto found = std::find_if(m_pending.begin(), m_pending.end(), [digest](const Pending& p) {
         return p.digest.get() == digest;
     });
+    // What was ordered before ends first: half of a configuration, or a restart that strikes in the
+    // change, would harm the box. No order takes longer than a minute.
+    if (std::any_of(found->boxes.begin(), found->boxes.end(),
+                    [](const auto& box) { return box && box->isOrdered(); })) {
+        QTimer::singleShot(orderPauseMs, this, [this, digest] { digestReady(digest); });
+        return;
+    }
     const Pending pending = std::move(*found);
     m_pending.erase(found);
     if (!digest->md5().isEmpty()) {

@@ -105,13 +105,15 @@ void BoxGuard::hear(const QString& ip, const QString& parameter, const QString& 
     const bool isHere = ip == m_orderedIp;
     if (parameter == BoxProtocol::MACAddress) {
         const bool isBox = BoxAnswer::isMac(answer, mac());
+        const bool isOther = !isBox && !BoxAnswer::mac(answer).isEmpty();
         if (isBox) {
             m_sureOf = ip;
             m_sureAt = m_clock.ms();
         } else if (m_sureOf == ip) {
             m_sureOf.clear();
         }
-        m_missed |= isHere ? !isBox : isBox;
+        // An error, or a box that does not tell it yet, is no absence.
+        m_missed |= isHere ? answer.isEmpty() || isOther : isBox;
     } else if (parameter == BoxProtocol::FirmVersion) {
         const QString version = BoxAnswer::version(answer);
         m_changed |= !version.isEmpty() && version != row().versionBefore;

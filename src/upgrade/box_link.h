@@ -23,7 +23,7 @@ public:
     BoxLink& operator=(const BoxLink&) = delete;
 
     /// Called once for each request, later, never from within it: what the box answered, as text;
-    /// empty when no answer came within the link's limit.
+    /// empty when no answer came within the link's limit, and its error when it answered with one.
     using Answered = std::function<void(const QString& answer)>;
 
     virtual void read(const QString& ip, const QString& parameter, Answered answered) = 0;

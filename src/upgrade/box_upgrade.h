@@ -265,7 +265,9 @@ private:
     QSet<QString> m_asked;      ///< those whose answer is still to come in this round
     QStringList m_answered;     ///< those at which the box answered in this round
     bool m_askingVersion = false;
-    int m_missed = 0; ///< rounds in a row in which it did not answer
+    int m_missed = 0;         ///< rounds in a row in which it did not answer
+    int m_unseen = 0;         ///< rounds in a row in which it did not tell who it is
+    bool m_isUnclear = false; ///< in this round somebody at its address did not tell who he is
     qint64 m_missedSince = 0;
     int m_lost = 0; ///< write-backs that were broken off
     int m_restartOrders = 0;

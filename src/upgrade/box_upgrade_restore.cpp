@@ -42,7 +42,9 @@ void BoxUpgrade::dropSettings()
 {
     // Half of them written is worse than all.
     const bool begun = m_step == Step::WritingBack || m_step == Step::Restarting;
-    if (row().settings != Settings::Waiting || begun)
+    // The word is about settings of an earlier upgrade; whoever has begun one that keeps them since
+    // wants them.
+    if (row().settings != Settings::Waiting || begun || m_keep)
         return;
     row().settings = Settings::Dropped;
     m_held = false;

@@ -47,20 +47,21 @@ void BoxUpgrade::resume()
 
 void BoxUpgrade::heardAt(const QString& ip)
 {
-    m_missed = 0;
+    m_missed = m_unseen = 0;
     lookAt(ip);
 }
 
 /// That is no end of an absence: many answer ping long before anything else.
 void BoxUpgrade::cameOnline(const QString& ip)
 {
+    // Whoever gives it up now would not hear of it again.
     m_missed = qMin(m_missed, missedWhenAway - 1);
+    m_unseen = qMin(m_unseen, missedWhenAway - 1);
     lookAt(ip);
 }
 
 void BoxUpgrade::lookAt(const QString& ip)
 {
-    // Whoever gives it up now would not hear of it again.
     if (isWatching() || isLookingOut())
         m_candidates << ip;
     if (isLookingOut())
@@ -100,7 +101,7 @@ bool BoxUpgrade::isWatching() const
 void BoxUpgrade::watch()
 {
     m_orderedAt = m_clock.ms();
-    m_missed = 0;
+    m_missed = m_unseen = 0;
     m_askingVersion = false;
     m_changedAt = -1;
     m_round.forget();
@@ -114,7 +115,7 @@ void BoxUpgrade::watchTime(qint64 now)
     if (!isWatching())
         return;
     // One lost question is no absence: settings would wait for a box that is there all the time.
-    if (m_missed >= missedWhenAway && isOutOfTime()) {
+    if (m_unseen >= missedWhenAway && isOutOfTime()) {
         giveUpWaiting();
         return;
     }
@@ -136,6 +137,7 @@ void BoxUpgrade::askAround()
 {
     m_nextRound = m_clock.ms() + qMax<qint64>(shortestRoundMs, ticks(roundTicks));
     m_answered.clear();
+    m_isUnclear = false;
     m_round.forget();
     QStringList known = m_host.otherAddresses(row().mac, row().address) << row().address;
     known += m_candidates.values();
@@ -157,6 +159,8 @@ void BoxUpgrade::takeAnswer(const QString& ip, const QString& answer)
     // Of a box without a MAC address whoever answers has to do.
     if (row().mac.isEmpty() ? !answer.isEmpty() : BoxAnswer::isMac(answer, row().mac))
         m_answered << ip;
+    else if (ip == row().address && !answer.isEmpty() && BoxAnswer::mac(answer).isEmpty())
+        m_isUnclear = true;
     m_asked.remove(ip);
     if (m_asked.isEmpty())
         takeWhereabouts();
@@ -171,11 +175,19 @@ void BoxUpgrade::takeWhereabouts()
     if (row().ambiguous)
         m_answered =
             m_answered.contains(row().address) ? QStringList(row().address) : QStringList();
+    // Who does not tell at its own address may be the box at work, and the other one its twin.
+    if (m_isUnclear && m_ordered && !isOutOfTime() && !m_answered.contains(row().address))
+        m_answered.clear();
     if (m_answered.isEmpty()) {
-        noteAbsence();
+        ++m_unseen;
+        // Who answers with an error may be at work on his package.
+        if (m_isUnclear)
+            m_missed = 0;
+        else
+            noteAbsence();
         return;
     }
-    m_missed = 0;
+    m_missed = m_unseen = 0;
     QString ip = row().address;
     if (!m_answered.contains(ip)) {
         // It is elsewhere: an address passes on with a restart only.

@@ -35,7 +35,10 @@ void CurlLink::read(const QString& ip, const QString& parameter, Answered answer
 void CurlLink::handleRead(const HttpResult& result)
 {
     if (const Answered answered = m_reads.take(result.id))
-        answered(result.body);
+        // Somebody who answers with an error is there.
+        answered(result.body.isEmpty() && result.httpStatus > 0
+                     ? QStringLiteral("HTTP %1").arg(result.httpStatus)
+                     : result.body);
 }
 
 void CurlLink::write(const QString& ip, const QString& parameter, const QString& value,

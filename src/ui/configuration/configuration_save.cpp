@@ -53,6 +53,8 @@ void ConfigurationSave::save()
     QStringList commands;
     for (auto it = values.cbegin(); it != values.cend(); ++it)
         commands << BoxProtocol::setCommand(it.key(), it.value(), ip);
+    // An upgrade that begins meanwhile waits for the restart as well.
+    const OrderHold hold(m_hub.devices.model().find(ip));
     SequenceResult result = m_hub.orders.run(box, commands, true);
     QString message = m_hub.orders.explained(ip, tr("设置参数部分失败,请检查KORA网络状态后重试."));
     if (result == SequenceResult::AllSucceeded) {
@@ -95,7 +97,7 @@ SequenceResult ConfigurationSave::apply(const BoxId& box, const QMap<QString, QS
     message = tr("设置参数成功.");
     // An upgrade has taken it meanwhile, and restarts it in its own time.
     const Item* row = m_hub.devices.model().find(box.ip);
-    if (row && row->isOwned())
+    if (row && row->isTaken())
         return SequenceResult::AllSucceeded;
     // What was not sent cannot differ.
     const auto differs = [&sent](QLatin1String name, const QString& was) {

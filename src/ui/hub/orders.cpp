@@ -11,7 +11,9 @@
 #include "device/tree_model.h"
 #include "ui/hub/exchange.h"
 
+#include <QElapsedTimer>
 #include <QEventLoop>
+#include <QProcess>
 #include <QTimer>
 #include <QWidget>
 
@@ -26,6 +28,18 @@ constexpr int mostQuestions = 3;
 constexpr int questionPauseMs = 200;
 
 } // namespace
+
+OrderHold::OrderHold(Item* box) : m_box(box)
+{
+    if (m_box)
+        m_box->countOrders(1);
+}
+
+OrderHold::~OrderHold()
+{
+    if (m_box)
+        m_box->countOrders(-1);
+}
 
 BoxId BoxId::of(const Item& box)
 {
@@ -99,35 +113,36 @@ void Orders::handleAnswer(const HttpResult& result)
 bool Orders::isFree(const QString& ip) const
 {
     const Item* row = m_ways.devices.model().find(ip);
-    return row && !row->isOwned();
+    // One that is to be upgraded next waits for what was ordered before.
+    return row && !row->isTaken() && (row->isOrdered() || !row->isUpgrading());
 }
 
 void Orders::send(const BoxId& box, const QString& command, const QVariantMap& properties,
                   const QObject* context, std::function<void(bool isSent)> then)
 {
-    auto asking = std::make_shared<int>();
-    m_asking << asking;
+    auto hold = std::make_shared<OrderHold>(m_ways.devices.model().find(box.ip));
+    m_holds << hold;
     confirm(box, context,
             [this, ip = box.ip, command, properties, then = std::move(then),
-             asking = std::move(asking)](bool may) mutable {
-                asking.reset();
+             hold = std::move(hold)](bool may) mutable {
+                const auto held = std::move(hold);
                 if (!m_ways.window.isVisible())
                     return;
-                if (may) {
-                    m_sent.removeAll(nullptr);
-                    m_sent << m_ways.runner.execCurl(ip, command, properties);
-                }
+                QPointer<QProcess> process;
+                if (may)
+                    process = m_ways.runner.execCurl(ip, command, properties);
+                if (process)
+                    connect(process, &QObject::destroyed, process, [held] {});
                 then(may);
             });
-    const auto isOver = [](const std::weak_ptr<int>& order) { return order.expired(); };
-    m_asking.erase(std::remove_if(m_asking.begin(), m_asking.end(), isOver), m_asking.end());
+    const auto isOver = [](const std::weak_ptr<OrderHold>& hold) { return hold.expired(); };
+    m_holds.erase(std::remove_if(m_holds.begin(), m_holds.end(), isOver), m_holds.end());
 }
 
 bool Orders::isUnderWay() const
 {
-    const auto isAsking = [](const std::weak_ptr<int>& order) { return !order.expired(); };
-    return isRunning() || std::any_of(m_asking.begin(), m_asking.end(), isAsking) ||
-           std::any_of(m_sent.begin(), m_sent.end(), [](const auto& sent) { return sent; });
+    return isRunning() || std::any_of(m_holds.begin(), m_holds.end(),
+                                      [](const auto& hold) { return !hold.expired(); });
 }
 
 QString Orders::explained(const QString& ip, const QString& failure) const
@@ -152,6 +167,7 @@ bool Orders::mayRun(const BoxId& box)
 SequenceResult Orders::run(BoxId box, QStringList commands, bool exact)
 {
     ++m_running;
+    const OrderHold hold(isFree(box.ip) ? m_ways.devices.model().find(box.ip) : nullptr);
     const SequenceResult result = sendAll(box, commands, exact);
     --m_running;
     return m_ways.window.isVisible() ? result : SequenceResult::WindowClosed;
@@ -167,9 +183,13 @@ SequenceResult Orders::sendAll(const BoxId& box, const QStringList& commands, bo
         // An upgrade may have taken the box meanwhile: nobody else may tell it anything.
         if (!isSure || !isFree(box.ip) || !m_ways.window.isVisible())
             return SequenceResult::SomeFailed;
+        QElapsedTimer since;
+        since.start();
         const BoxReply reply(m_ways.runner.execCurlWait(box.ip, command));
-        isSure = exact ? reply.isSetSuccess() : reply.containsSuccess();
-        allSucceeded &= isSure;
+        const bool succeeded = exact ? reply.isSetSuccess() : reply.containsSuccess();
+        allSucceeded &= succeeded;
+        // A message that opened meanwhile may have stood there for any length of time.
+        isSure = succeeded && since.elapsed() <= CommandRunner::WaitLimitMs;
     }
     return allSucceeded ? SequenceResult::AllSucceeded : SequenceResult::SomeFailed;
 }

@@ -4,7 +4,6 @@
 #include <QHash>
 #include <QObject>
 #include <QPointer>
-#include <QProcess>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -29,6 +28,20 @@ struct BoxId {
     QString mac; ///< empty when it has not told one: then whoever answers at its address is it
 
     static BoxId of(const Item& box);
+};
+
+/// As long as it lives an upgrade of the box waits: what was ordered before it ends before it.
+class OrderHold
+{
+public:
+    /// `box` may be null, and go away.
+    explicit OrderHold(Item* box);
+    ~OrderHold();
+    OrderHold(const OrderHold&) = delete;
+    OrderHold& operator=(const OrderHold&) = delete;
+
+private:
+    const QPointer<Item> m_box;
 };
 
 /// How a run of blocking commands ended.
@@ -104,7 +117,6 @@ private:
     const Ways m_ways;
     QHash<QString, Question> m_questions; ///< by address
     int m_running = 0;
-    QVector<std::weak_ptr<int>> m_asking; ///< of orders whose box is being asked
-    QVector<QPointer<QProcess>> m_sent;
-    QSet<QString> m_others; ///< addresses at which another box has answered
+    QVector<std::weak_ptr<OrderHold>> m_holds; ///< of single orders
+    QSet<QString> m_others;                    ///< addresses at which another box has answered
 };

@@ -235,7 +235,8 @@ void tst_Save::addressThatPassesOnStopsTheRun()
     });
     const DialogAnswerer notices;
     m_fixture->click("save");
-    QTRY_COMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试."});
+    QTRY_COMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试.\n"
+                                              "此地址上现在是另一台设备."});
     QVERIFY(hasMoved);
     QCOMPARE(told(other), QStringList());
 }
