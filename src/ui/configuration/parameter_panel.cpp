@@ -17,6 +17,10 @@ namespace
 {
 
 const QString requestType = QStringLiteral("getConfigDeviceinfo");
+const QString identityType = QStringLiteral("getConfigIdentity");
+/// So often a box is read in all while it cannot be told who has answered.
+constexpr int mostReadings = 3;
+constexpr int readingPauseMs = 500;
 
 /// Text or a number; a list, an object or nothing at all is no value of a parameter.
 bool isScalar(const QVariant& value)
@@ -35,6 +39,17 @@ bool isOther(const QString& mac, const QString& known)
     return !mac.isEmpty() && !known.isEmpty() && mac.compare(known, Qt::CaseInsensitive) != 0;
 }
 
+/// Who has answered: a MAC address, empty for a box that has none; no value when nobody knows.
+std::optional<QString> identityIn(const HttpResult& answer)
+{
+    const QString mac = answer.value.toString();
+    if (answer.isRefusal())
+        return QString();
+    if (answer.parameterName == BoxProtocol::MACAddress && BoxProtocol::isMacAddress(mac))
+        return mac.toUpper();
+    return std::nullopt;
+}
+
 } // namespace
 
 ParameterPanel::ParameterPanel(const Hub& hub, const ParameterTable& table, QLabel& summary)
@@ -50,6 +65,14 @@ ParameterPanel::ParameterPanel(const Hub& hub, const ParameterTable& table, QLab
     }
     watch();
     hub.exchange.onResult(requestType, [this](const HttpResult& result) { handleReply(result); });
+    hub.exchange.onResult(identityType,
+                          [this](const HttpResult& result) { handleIdentity(result); });
+    m_again.setSingleShot(true);
+    m_again.setInterval(readingPauseMs);
+    connect(&m_again, &QTimer::timeout, this, [this] {
+        if (m_ip == m_hub.state.deviceIp())
+            read();
+    });
     connect(&hub.state, &HubState::koraSelected, this, [this] { m_selectedAnew = true; });
     connect(&hub.state, &HubState::readingWanted, this, &ParameterPanel::getConfigDeviceinfo);
     showStates();
@@ -76,7 +99,7 @@ void ParameterPanel::getConfigDeviceinfo()
     m_ip = ip;
     m_mac = again && mac.isEmpty() ? m_mac : mac;
     m_sameBox = false;
-    m_asked.clear();
+    m_wasNamed = !m_mac.isEmpty();
     for (ShownParameter& parameter : m_parameters) {
         if (!parameter.row().isRead())
             continue;
@@ -87,8 +110,100 @@ void ParameterPanel::getConfigDeviceinfo()
             parameter.forget();
     }
     m_selectedAnew = false;
+    m_readings = 0;
+    read();
+    showStates();
+}
+
+void ParameterPanel::read()
+{
+    ++m_readings;
+    m_again.stop();
+    m_asked.clear();
+    m_held.clear();
+    m_before.reset();
+    m_isLastQuestion = false;
+    askIdentity();
+}
+
+/// Only now: a question whose connection breaks is sent again, and another box may answer that.
+void ParameterPanel::askParameters()
+{
     for (const QString& name : qAsConst(m_read))
-        m_asked[m_hub.http.get(requestType, BoxProtocol::readUrl(ip, name), false)] = name;
+        m_asked[m_hub.http.get(requestType, BoxProtocol::readUrl(m_ip, name), false)] = name;
+}
+
+void ParameterPanel::askIdentity()
+{
+    m_question =
+        m_hub.http.getFirst(identityType, BoxProtocol::readUrl(m_ip, BoxProtocol::MACAddress));
+}
+
+void ParameterPanel::handleIdentity(const HttpResult& result)
+{
+    if (result.id != m_question || result.deviceIp != m_hub.state.deviceIp())
+        return;
+    m_question.clear();
+    const std::optional<QString> who = identityIn(result);
+    const QString mac = who.value_or(QString());
+    const bool other = isOther(mac, m_mac);
+    if (!mac.isEmpty())
+        noteMac(m_ip, mac);
+    // Read anew by now.
+    if (other)
+        return;
+    if (!m_isLastQuestion) {
+        m_before = who;
+        askParameters();
+    } else if (who && who == m_before && (!mac.isEmpty() || m_mac.isEmpty())) {
+        showHeld();
+    } else {
+        readAgain();
+    }
+}
+
+/// What was held may have come from several boxes that claim the address, unless the same one has
+/// answered before and after it.
+void ParameterPanel::proveIfComplete()
+{
+    if (!m_asked.isEmpty() || m_held.isEmpty())
+        return;
+    if (!m_before) {
+        readAgain();
+        return;
+    }
+    m_isLastQuestion = true;
+    askIdentity();
+}
+
+void ParameterPanel::showHeld()
+{
+    // Whoever answers is the box, where that has no MAC address.
+    m_sameBox |= m_mac.isEmpty();
+    for (auto it = m_held.cbegin(); it != m_held.cend(); ++it) {
+        ShownParameter* parameter = find(it.key());
+        if (it->isValid())
+            rememberValue(m_ip, it.key(), *it);
+        if (parameter && it->isValid())
+            parameter->tell(*it);
+        else if (parameter)
+            parameter->refuse();
+    }
+    m_held.clear();
+    showStates();
+}
+
+void ParameterPanel::readAgain()
+{
+    if (m_readings < mostReadings) {
+        m_again.start();
+        return;
+    }
+    for (const QString& name : m_held.keys()) {
+        if (ShownParameter* parameter = find(name))
+            parameter->fail();
+    }
+    m_held.clear();
     showStates();
 }
 
@@ -102,15 +217,15 @@ void ParameterPanel::noteMac(const QString& ip, const QString& mac)
         emit m_hub.state.readingWanted();
     }
     // What was typed for a box that had not told who it is may have been for another one.
-    m_sameBox = !m_mac.isEmpty();
+    m_sameBox = m_wasNamed;
     m_mac = mac;
 }
 
-/// For the box that it belongs to, selected or not.
-void ParameterPanel::rememberValue(const HttpResult& result) const
+void ParameterPanel::rememberValue(const QString& ip, const QString& name,
+                                   const QVariant& value) const
 {
-    if (Item* device = m_hub.devices.model().find(result.deviceIp))
-        device->setParameter(result.parameterName, result.value);
+    if (Item* device = m_hub.devices.model().find(ip))
+        device->setParameter(name, value);
 }
 
 void ParameterPanel::handleReply(const HttpResult& result)
@@ -118,24 +233,26 @@ void ParameterPanel::handleReply(const HttpResult& result)
     const QString asked = m_asked.take(result.id);
     // The name becomes the name of a property: only names of ours may.
     const bool known = m_read.contains(result.parameterName);
-    ShownParameter* answered = known ? find(result.parameterName) : nullptr;
+    const ShownParameter* answered = known ? find(result.parameterName) : nullptr;
     const bool isValue =
         known && !result.isRefusal() &&
         (answered ? fits(answered->row().binding, result.value) : isScalar(result.value));
-    if (isValue)
-        rememberValue(result);
     // What was asked before the box was selected comes too late for the panels.
-    ShownParameter* parameter = asked.isEmpty() ? nullptr : find(asked);
-    if (!parameter || result.deviceIp != m_hub.state.deviceIp())
+    if (result.deviceIp != m_hub.state.deviceIp()) {
+        if (isValue)
+            rememberValue(result.deviceIp, result.parameterName, result.value);
+        return;
+    }
+    if (asked.isEmpty())
         return;
     const bool other = known && result.parameterName != asked;
-    if (isValue && !other)
-        parameter->tell(result.value);
-    else if (result.isRefusal() && !other)
-        parameter->refuse();
-    else
+    if ((isValue || result.isRefusal()) && !other) {
+        m_held.insert(asked, isValue ? result.value : QVariant());
+    } else if (ShownParameter* parameter = find(asked)) {
         parameter->fail();
-    showStates();
+        showStates();
+    }
+    proveIfComplete();
 }
 
 QMap<QString, QString> ParameterPanel::valuesToSave(const QString& ip) const

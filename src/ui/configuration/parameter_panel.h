@@ -8,7 +8,10 @@
 #include <QMap>
 #include <QObject>
 #include <QStringList>
+#include <QTimer>
+#include <QVariant>
 
+#include <optional>
 #include <vector>
 
 class QLabel;
@@ -17,6 +20,9 @@ struct HttpResult;
 /// The configuration and control areas: filled from the selected box, and read when the operator
 /// saves. What this box has not told shows as unknown and cannot be changed; what the operator
 /// changed stays until it is saved or another box is selected.
+///
+/// Values are shown once the same box has said before and after them who it is; else they are read
+/// again, a few times: two boxes may claim the address.
 class ParameterPanel : public QObject
 {
     Q_OBJECT
@@ -49,7 +55,14 @@ public:
 
 private:
     ShownParameter* find(const QString& parameter);
-    void rememberValue(const HttpResult& result) const;
+    void read();
+    void askIdentity();
+    void askParameters();
+    void handleIdentity(const HttpResult& result);
+    void proveIfComplete();
+    void showHeld();
+    void readAgain();
+    void rememberValue(const QString& ip, const QString& name, const QVariant& value) const;
     void watch();
     void showStates();
     QString summaryText() const;
@@ -59,8 +72,16 @@ private:
     std::vector<ShownParameter> m_parameters;
     QStringList m_read;              ///< what the panels read, in this order
     QHash<QString, QString> m_asked; ///< parameters by the ids of the requests still under way
+    /// What was told of them, until it is known by whom; invalid: there is none of that name.
+    QMap<QString, QVariant> m_held;
+    QString m_question;              ///< id of the one who answers, empty while that is not asked
+    bool m_isLastQuestion = false;   ///< it was asked after the parameters, not before them
+    std::optional<QString> m_before; ///< who answered before them; empty when without MAC address
+    int m_readings = 0;              ///< since the panels were to be read
+    QTimer m_again;                  ///< until the next reading
     QString m_ip;                    ///< the box that the panels are about
     QString m_mac;                   ///< its MAC address, empty until it has told it
     bool m_selectedAnew = true;
-    bool m_sameBox = false; ///< since it was last read it has told that it is the one of before
+    bool m_wasNamed = false; ///< its MAC address was known before it was last read
+    bool m_sameBox = false;  ///< since it was last read it has told that it is the one of before
 };

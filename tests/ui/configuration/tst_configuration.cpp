@@ -23,6 +23,9 @@ private slots:
     void nothingOfTheBoxBeforeStays();
     void typedStaysUntilSaved();
     void typedIsNotForAnotherBox();
+    void nothingOfABoxThatClaimsTheAddress_data();
+    void nothingOfABoxThatClaimsTheAddress();
+    void boxWithoutMacAddress();
 
 private:
     QString state(const char* name) const
@@ -121,12 +124,14 @@ void tst_Configuration::badRepliesAreNoValue_data()
     columns<QString, QString, QString>("fault", "name", "known");
     row("silent", "silent", "", "unknown");
     row("array", "array on eParam_NDIName", "", "unknown");
-    row("no value", "no-value", "", "missing");
+    row("no value", "no-value on eParam_NDIName", "", "missing");
     row("garbage", "garbage", "", "unknown");
     row("not an object", "not-an-object", "", "unknown");
     row("10 MB", "huge 10000000", "", "unknown");
     row("hangs up", "hang-up 50", "", "unknown");
-    row("a number instead of text", "number", "42", "read");
+    row("a number instead of text", "number on eParam_NDIName", "42", "read");
+    row("nobody knows whose", "garbage on eParam_MACAddress", "", "unknown");
+    row("lost once", "garbage on eParam_MACAddress times 2", "42", "read");
 }
 
 void tst_Configuration::badRepliesAreNoValue()
@@ -137,15 +142,17 @@ void tst_Configuration::badRepliesAreNoValue()
     QTEST(shown("eParam_NDIName"), "name");
     QTEST(state("eParam_NDIName"), "known");
     QTEST(state("caption_0"), "known");
-    QCOMPARE(child<QWidget>("eParam_NDIName")->isEnabled(), fault == "number");
+    QCOMPARE(child<QWidget>("eParam_NDIName")->isEnabled(), !shown("eParam_NDIName").isEmpty());
 }
 
 void tst_Configuration::lateAnswersOfAnotherBoxAreDropped()
 {
     m_other->setParameter("eParam_NDIName", "Too late");
-    QVERIFY(m_other->addFault("slow 600 on read"));
+    QVERIFY(m_other->addFault("slow 600 on eParam_NDIName"));
+    m_other->clearRequests();
     readAfter(8, [this] {
         clickRow(8);
+        QTRY_VERIFY(m_other->requests().size() >= 24);
         clickRow(7);
     });
     QCOMPARE(shown("eParam_NDIName"), QString("Stage Left"));
@@ -217,8 +224,8 @@ void tst_Configuration::typedIsNotForAnotherBox()
     QVERIFY(m_box->addFault("slow 1500 on eParam_MACAddress"));
     window().R_refreshDeviceIP({ip(8)});
     window().R_refreshDeviceIP({ip(7), ip(8)});
-    QTRY_COMPARE(child<QLabel>("config_state")->text(), QString("1 项未保存"));
-    save("设置参数部分失败,请检查KORA网络状态后重试.\n1 项参数未从设备读到,没有保存.");
+    QCOMPARE(child<QLabel>("config_state")->text(), QString("正在读取… · 1 项未保存"));
+    save("尚未读到设备的参数,没有可保存的内容.");
     QCOMPARE(m_box->parameter("eParam_NDIName"), QString("Stage Left"));
     QTRY_COMPARE(shown("eParam_NDIName"), QString("Stage Left"));
     QTRY_COMPARE(child<QLabel>("config_state")->text(), QString());
@@ -227,6 +234,51 @@ void tst_Configuration::typedIsNotForAnotherBox()
     clickRow(7);
     QTRY_COMPARE(item(7)->macAddress(), mac);
     QTRY_COMPARE(child<QLabel>("config_state")->text(), QString());
+}
+
+void tst_Configuration::nothingOfABoxThatClaimsTheAddress_data()
+{
+    columns<QString>("fault");
+    // Asked for the information list, before the reading and after it.
+    row("says who it is once", "garbage on eParam_MACAddress times 2");
+    row("never says who it is", "garbage on eParam_MACAddress");
+    row("says that it has none", "no-value on eParam_MACAddress");
+    row("goes before it says", "slow 1500 on eParam_MACAddress");
+}
+
+/// It has the address for as long as the panels are read, and the selected one has it again.
+void tst_Configuration::nothingOfABoxThatClaimsTheAddress()
+{
+    QFETCH(QString, fault);
+    m_other->setParameter("eParam_NDIName", "Other");
+    m_other->setParameter("eParam_NTPServer", "ntp.other");
+    QVERIFY(m_other->addFault(fault));
+    QVERIFY(m_box->moveTo(ip(9)) && m_other->moveTo(ip(7)));
+    m_other->clearRequests();
+    clickRow(7);
+    QTRY_VERIFY(m_other->requests().size() >= 24);
+    QVERIFY(m_other->moveTo(ip(8)) && m_box->moveTo(ip(7)));
+    m_other->clearFaults();
+    QTRY_COMPARE(child<QLabel>("config_state")->text(), QString());
+    QCOMPARE(shown("eParam_NTPServer"), QString("ntp.example"));
+    const QMap<QString, QString> before = m_box->parameters();
+    save("设置参数成功.");
+    QCOMPARE(m_box->parameters(), before);
+    QCOMPARE(item(7)->property("eParam_IPAddress").toString(), before["eParam_IPAddress"]);
+}
+
+/// Whoever answers is it.
+void tst_Configuration::boxWithoutMacAddress()
+{
+    QVERIFY(m_box->addFault("no-value on eParam_MACAddress"));
+    item(7)->setMacAddress(QString());
+    select(8);
+    select(7);
+    QCOMPARE(shown("eParam_NDIName"), QString("Stage Left"));
+    child<Inputui>("eParam_NDIName")->setText("Typed");
+    select(7);
+    save("设置参数成功.");
+    QCOMPARE(m_box->parameter("eParam_NDIName"), QString("Typed"));
 }
 
 QTEST_MAIN(tst_Configuration)

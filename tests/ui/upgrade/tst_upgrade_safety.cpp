@@ -45,7 +45,7 @@ void tst_UpgradeSafety::asksWhoAnswers()
     m_fixture->window().R_refreshDeviceIP(there);
     QTRY_VERIFY(m_fixture->item(6) && WindowFixture::isKnown(*m_fixture->item(6)));
     QVERIFY(!m_fixture->item(5)->isOnline());
-    WindowFixture::readAfter(1, [this] { select({1, 2, 3, 6}); });
+    m_fixture->readAfter(1, [this] { select({1, 2, 3, 6}); });
     QVERIFY(m_boxes[1]->moveTo(m_fixture->ip(9)) && m_boxes[2]->moveTo(m_fixture->ip(1)) &&
             m_boxes[1]->moveTo(m_fixture->ip(2)));
     const DialogAnswerer answers("Recovery");
