@@ -195,5 +195,6 @@ void EncoderControl::setCodec(int codec)
     }
     // One text for both codecs.
     if (run(list) == SequenceResult::SomeFailed)
-        messageBox::ask(tr("控制 H264 失败,请重试!"), m_hub.window);
+        messageBox::ask(m_hub.orders.explained(list.box().ip, tr("控制 H264 失败,请重试!")),
+                        m_hub.window);
 }

@@ -26,6 +26,8 @@ const QString requestType = QStringLiteral("orderIdentity");
 /// One lost answer must not fail an order; an operator who waits for it must not wait long.
 constexpr int mostQuestions = 3;
 constexpr int questionPauseMs = 200;
+/// After so long nothing is asked again.
+constexpr qint64 askingMs = 5000;
 
 } // namespace
 
@@ -61,8 +63,10 @@ void Orders::confirm(const BoxId& box, const QObject* context, std::function<voi
     // earlier one.
     Question& question = m_questions[box.ip];
     question.waiters << Waiter{box, context, std::move(then)};
-    if (question.waiters.size() == 1)
+    if (question.waiters.size() == 1) {
+        question.deadline.setRemainingTime(askingMs);
         ask(box.ip);
+    }
 }
 
 void Orders::ask(const QString& ip)
@@ -82,7 +86,7 @@ void Orders::handleAnswer(const HttpResult& result)
     const bool hasAnswered =
         result.isRefusal() ||
         (result.value.isValid() && result.parameterName == BoxProtocol::MACAddress);
-    if (!hasAnswered && question.asked < mostQuestions) {
+    if (!hasAnswered && question.asked < mostQuestions && !question.deadline.hasExpired()) {
         QTimer::singleShot(questionPauseMs, this, [this, ip] { ask(ip); });
         return;
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QObject>
 #include <QPointer>
@@ -105,6 +106,7 @@ private:
     struct Question {
         QString id;
         int asked = 0;
+        QDeadlineTimer deadline; ///< after which it is not asked again
         QVector<Waiter> waiters;
     };
 

@@ -122,7 +122,7 @@ void tst_Orders::boxThatNeverToldIsWhoeverAnswers()
     passOn();
     // The row has been corrected by somebody; the panels are still the other box's.
     m_fixture->item(7)->setMacAddress(m_other->parameter("eParam_MACAddress"));
-    m_fixture->save("设置参数部分失败,请检查KORA网络状态后重试.");
+    m_fixture->save("设置参数部分失败,请检查KORA网络状态后重试.\n此地址上现在是另一台设备.");
     QCOMPARE(WindowFixture::told(*m_other), QStringList());
 }
 

@@ -16,6 +16,8 @@ private slots:
     void panelShowsWhatWasWrittenBack();
     void closingAsksAboutSettingsThatWait();
     void laterSettingsCount();
+    void waitsForWhatWasOrderedBefore();
+    void anErrorIsNoAbsence();
 
 private:
     /// What the report says of the box that was at this address: versions, verdict, settings, note.
@@ -219,6 +221,53 @@ void tst_UpgradeSafety::laterSettingsCount()
     const QDir folder(m_fixture->dataFolder() + "upgrade");
     QTRY_VERIFY_WITH_TIMEOUT(folder.entryList({"*.json"}).isEmpty(), 15000);
     QCOMPARE(told(1), (QStringList{"NDIName=1 hours ago", "reboot"}));
+}
+
+/// Half of a configuration would be kept for good, and a slow restart strike in the change.
+void tst_UpgradeSafety::waitsForWhatWasOrderedBefore()
+{
+    makeBoxes(2);
+    m_fixture->openKnowing({1, 2}, quickUpgrades(1000));
+    QVERIFY(m_boxes[2]->addFault("slow 4000 on reboot"));
+    {
+        DialogAnswerer answers;
+        m_fixture->select(2);
+        m_fixture->clickRow(2, 26 - 8);
+        QTRY_VERIFY(answers.texts().size() == 1);
+    }
+    m_fixture->select(1, WindowFixture::settings());
+    QVERIFY(m_boxes[1]->addFault("slow 400 on write"));
+    m_fixture->child<Inputui>("eParam_NDIName")->setText("New");
+    const DialogAnswerer answers("Recovery");
+    m_fixture->deviceView()->selectAll();
+    QTimer::singleShot(600, this, [this] { drop({m_package}); });
+    m_fixture->click("save");
+    const auto isActivated = [this](int host) { return told(host).contains("ota"); };
+    QTRY_VERIFY_WITH_TIMEOUT(isActivated(1) && isActivated(2), 40000);
+    QCOMPARE(m_boxes[1]->activity().brokenChanges + m_boxes[2]->activity().brokenChanges, 0);
+    const QStringList heard = told(1);
+    const int switched = heard.indexOf("DHCP=1", heard.indexOf("NDIName=New"));
+    QVERIFY2(switched > 0, qPrintable(heard.join(' ')));
+    QVERIFY2(answers.texts().contains("设置参数成功."), qPrintable(answers.texts().join('|')));
+    QVERIFY(told(2).indexOf("reboot") < told(2).indexOf("ota"));
+}
+
+/// A box at work on its package may answer anything.
+void tst_UpgradeSafety::anErrorIsNoAbsence()
+{
+    makeBoxes(1);
+    m_fixture->openKnowing({1}, quickUpgrades(100));
+    QVERIFY(m_boxes[1]->addFault("ota-slow 9000"));
+    select({1});
+    const DialogAnswerer answers("Recovery");
+    drop({m_package});
+    QTRY_VERIFY_WITH_TIMEOUT(told(1).contains("ota"), 20000);
+    QVERIFY(m_boxes[1]->addFault("http-error 503 on read"));
+    QTest::qWait(3000);
+    m_boxes[1]->setParameter("eParam_FirmVersion", "1.2.0.623");
+    m_boxes[1]->clearFault(sim::FaultKind::HttpError);
+    QTest::qWait(4000);
+    QCOMPARE(m_boxes[1]->activity().brokenChanges, 0);
 }
 
 QTEST_MAIN(tst_UpgradeSafety)
