@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "upgrade/kept_settings.h"
 
+#include "common/box_protocol.h"
+
 namespace
 {
 
