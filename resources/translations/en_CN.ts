@@ -57,6 +57,14 @@
       <source>固件包文件 (%1)</source>
       <translation>Firmware packages (%1)</translation>
     </message>
+    <message>
+      <source>正在等待此前的操作完成</source>
+      <translation>Waiting for what was ordered before</translation>
+    </message>
+    <message>
+      <source>此前的操作未完成,未升级</source>
+      <translation>What was ordered before has not ended, not upgraded</translation>
+    </message>
   </context>
   <context>
     <name>BoxGuard</name>

@@ -57,6 +57,14 @@
       <source>固件包文件 (%1)</source>
       <translation>펌웨어 패키지 (%1)</translation>
     </message>
+    <message>
+      <source>正在等待此前的操作完成</source>
+      <translation>이전 작업이 끝나기를 기다리는 중</translation>
+    </message>
+    <message>
+      <source>此前的操作未完成,未升级</source>
+      <translation>이전 작업이 끝나지 않아 업그레이드하지 않음</translation>
+    </message>
   </context>
   <context>
     <name>BoxGuard</name>

@@ -172,7 +172,7 @@ void DeviceRegistry::forgetIdleDevices()
 {
     const QList<Item*> boxes = devices();
     for (Item* box : boxes) {
-        if (!box->isUpgrading())
+        if (!box->isUpgrading() && !box->isOrdered())
             m_model.remove(box);
     }
     const QList<Item*> groups = m_model.items();

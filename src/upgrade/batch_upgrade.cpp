@@ -24,6 +24,7 @@ constexpr ItemUpgrade taken{true, false, false, false, Item::UpgradeAllowance};
 constexpr ItemUpgrade released{false, false, false, false, Item::UpgradeAllowance};
 
 constexpr int orderPauseMs = 100;
+constexpr int mostOrderWaits = 1200;
 
 static_assert(Item::UpgradeAllowance == BoxUpgrade::AllowanceTicks, "one allowance");
 
@@ -72,15 +73,34 @@ void BatchUpgrade::start(const QList<QPointer<Item>>& boxes, const QString& file
     digest->start();
 }
 
+/// For two minutes at most: then those that are still busy are left out.
+bool BatchUpgrade::waitsForOrders(Pending& pending)
+{
+    const bool isOver = pending.waits++ >= mostOrderWaits;
+    bool waits = false;
+    for (QPointer<Item>& box : pending.boxes) {
+        if (!box || !box->isOrdered())
+            continue;
+        waits = true;
+        if (pending.waits == 1)
+            box->addTip(tr("正在等待此前的操作完成"));
+        if (!isOver)
+            continue;
+        box->addTip(tr("此前的操作未完成,未升级"));
+        box->showUpgrade(released);
+        box.clear();
+    }
+    return waits && !isOver;
+}
+
 void BatchUpgrade::digestReady(const PackageDigest* digest)
 {
     const auto found = std::find_if(m_pending.begin(), m_pending.end(), [digest](const Pending& p) {
         return p.digest.get() == digest;
     });
     // What was ordered before ends first: half of a configuration, or a restart that strikes in the
-    // change, would harm the box. No order takes longer than a minute.
-    if (std::any_of(found->boxes.begin(), found->boxes.end(),
-                    [](const auto& box) { return box && box->isOrdered(); })) {
+    // change, would harm the box.
+    if (waitsForOrders(*found)) {
         QTimer::singleShot(orderPauseMs, this, [this, digest] { digestReady(digest); });
         return;
     }

@@ -64,9 +64,11 @@ private:
     struct Pending {
         QList<QPointer<Item>> boxes;
         bool keep = false;
+        int waits = 0; ///< for what was ordered of its boxes before
         std::unique_ptr<PackageDigest> digest;
     };
 
+    bool waitsForOrders(Pending& pending);
     void digestReady(const PackageDigest* digest);
     void begin(const Pending& pending, const QString& file, const QString& md5);
     void addAllowance();

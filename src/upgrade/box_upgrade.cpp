@@ -275,7 +275,9 @@ void BoxUpgrade::takeIdentity(const QString& answer)
     if (mac.isEmpty() && !m_deniesMac) {
         // Some say so while they start.
         m_deniesMac = true;
-        later(&BoxUpgrade::askIdentity, ticks(denialTicks));
+        // In time for a second answer.
+        const qint64 left = m_limit - m_clock.ms() - ticks(2);
+        later(&BoxUpgrade::askIdentity, qBound<qint64>(0, left, ticks(denialTicks)));
         return;
     }
     if (mac.isEmpty()) {
@@ -344,7 +346,8 @@ void BoxUpgrade::askNextTwin(QStringList questions, std::function<void(bool)> th
                         return;
                     }
                     QStringList rest = questions;
-                    if (!answer.isEmpty())
+                    // An error says nothing of who it is.
+                    if (!HttpResult::fromBody(answer).parameterName.isEmpty())
                         rest.removeAll(ip);
                     askNextTwin(rest, then);
                 }));

@@ -248,29 +248,29 @@ private:
     bool m_timedOut = false;
     bool m_succeeded = false;
     bool m_uploaded = false;
-    bool m_held = false; ///< the operator has not said whether the settings are wanted
-    QString m_problem;   ///< why the last upload failed
-    int m_secondsLeft = AllowanceTicks;
-
+    bool m_held = false;        ///< the operator has not said whether the settings are wanted
     bool m_refused = false;     ///< the order to change over
     bool m_ordered = false;     ///< to change over, which has not ended yet
     bool m_wasAway = false;     ///< since it is watched
     bool m_hasMoved = false;    ///< away, as it answers elsewhere
     bool m_handingOver = false; ///< a later upgrade has taken over what waits
-    qint64 m_orderedAt = 0;     ///< since when it is watched
+    bool m_askingVersion = false;
+    bool m_isUnclear = false;   ///< in this round somebody at its address did not tell who he is
+    bool m_restartSent = false; ///< the last order: the box was there to hear it
+    bool m_restartAnswered = false; ///< the order
+    int m_secondsLeft = AllowanceTicks;
+    QString m_problem; ///< why the last upload failed
+
+    qint64 m_orderedAt = 0; ///< since when it is watched
     /// Since when it has told another version without a break; below 0: not.
     qint64 m_changedAt = -1;
     qint64 m_nextRound = 0;
     QSet<QString> m_candidates; ///< addresses to be asked, besides the row's
     QSet<QString> m_asked;      ///< those whose answer is still to come in this round
     QStringList m_answered;     ///< those at which the box answered in this round
-    bool m_askingVersion = false;
-    int m_missed = 0;         ///< rounds in a row in which it did not answer
-    int m_unseen = 0;         ///< rounds in a row in which it did not tell who it is
-    bool m_isUnclear = false; ///< in this round somebody at its address did not tell who he is
     qint64 m_missedSince = 0;
-    int m_lost = 0; ///< write-backs that were broken off
+    int m_missed = 0; ///< rounds in a row in which it did not answer
+    int m_unseen = 0; ///< rounds in a row in which it did not tell who it is
+    int m_lost = 0;   ///< write-backs that were broken off
     int m_restartOrders = 0;
-    bool m_restartSent = false;     ///< the last order: the box was there to hear it
-    bool m_restartAnswered = false; ///< the order
 };

@@ -176,8 +176,11 @@ void BoxUpgrade::takeWhereabouts()
         m_answered =
             m_answered.contains(row().address) ? QStringList(row().address) : QStringList();
     // Who does not tell at its own address may be the box at work, and the other one its twin.
-    if (m_isUnclear && m_ordered && !isOutOfTime() && !m_answered.contains(row().address))
-        m_answered.clear();
+    if (m_isUnclear && m_ordered && !m_wasAway && !isOutOfTime() && !m_answered.isEmpty() &&
+        !m_answered.contains(row().address)) {
+        m_missed = m_unseen = 0;
+        return;
+    }
     if (m_answered.isEmpty()) {
         ++m_unseen;
         // Who answers with an error may be at work on his package.

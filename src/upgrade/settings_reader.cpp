@@ -183,8 +183,9 @@ bool SettingsReader::isBelieved(const QString& name)
 void SettingsReader::pause()
 {
     m_sure = false;
-    // It may have started anew meanwhile.
-    m_denied.clear();
+    // It may have started anew meanwhile; one lost answer is nothing.
+    if (m_failures > 0)
+        m_denied.clear();
     const int ticks = qMin(1 << qMin(m_failures++, longestReadPauseTicks), longestReadPauseTicks);
     m_next = m_clock.ms() + qint64(ticks) * m_clock.tickMs();
 }

@@ -4,6 +4,7 @@
 #include "common/box_protocol.h"
 #include "common/box_reply.h"
 #include "common/http_result.h"
+#include "upgrade/box_answer.h"
 #include "upgrade/kept_settings.h"
 
 namespace
@@ -42,8 +43,8 @@ void SettingsWriter::writeNext()
     }
     m_link.read(m_ip, BoxProtocol::MACAddress, m_listener.hear([this](const QString& answer) {
         const HttpResult who = HttpResult::fromBody(answer);
-        // One lost packet is no lost box.
-        if (answer.isEmpty() && ++m_silences < silencesWhenLost) {
+        // One lost packet, or error, is no lost box.
+        if (BoxAnswer::mac(answer).isEmpty() && ++m_silences < silencesWhenLost) {
             writeNext();
             return;
         }

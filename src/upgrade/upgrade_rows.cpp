@@ -70,7 +70,7 @@ void UpgradeRows::markOwned()
     const QList<Item*> items = m_devices.model().items(koraFamily());
     for (Item* item : items) {
         const bool isOwned = m_fleet.owns(item->macAddress(), item->address());
-        if (item->isOwned() && !isOwned)
+        if (item->isTaken() && !isOwned)
             released << item->address();
         item->setOwned(isOwned);
     }

@@ -50,23 +50,32 @@ void ConfigurationSave::save()
     Busy::Run run(m_busy);
     if (!run)
         return;
-    QStringList commands;
-    for (auto it = values.cbegin(); it != values.cend(); ++it)
-        commands << BoxProtocol::setCommand(it.key(), it.value(), ip);
-    // An upgrade that begins meanwhile waits for the restart as well.
-    const OrderHold hold(m_hub.devices.model().find(ip));
-    SequenceResult result = m_hub.orders.run(box, commands, true);
-    QString message = m_hub.orders.explained(ip, tr("设置参数部分失败,请检查KORA网络状态后重试."));
-    if (result == SequenceResult::AllSucceeded) {
-        m_panel.noteSaved(ip, values);
-        result = apply(box, values, before, message);
-    }
+    QString message;
+    const SequenceResult result = send(box, values, before, message);
     run.end();
     if (result == SequenceResult::WindowClosed)
         return;
     if (unread > 0)
         message += QLatin1Char('\n') + tr("%1 项参数未从设备读到,没有保存.").arg(unread);
     messageBox::ask(message, m_hub.window);
+}
+
+/// Blocks, serving events; `message` is what is to be said of it.
+SequenceResult ConfigurationSave::send(const BoxId& box, const QMap<QString, QString>& values,
+                                       const Network& before, QString& message)
+{
+    // An upgrade that begins meanwhile waits for all of it, the restart included, but not for the
+    // message about it.
+    const OrderHold hold(m_hub.devices.model().find(box.ip));
+    QStringList commands;
+    for (auto it = values.cbegin(); it != values.cend(); ++it)
+        commands << BoxProtocol::setCommand(it.key(), it.value(), box.ip);
+    const SequenceResult result = m_hub.orders.run(box, commands, true);
+    message = m_hub.orders.explained(box.ip, tr("设置参数部分失败,请检查KORA网络状态后重试."));
+    if (result != SequenceResult::AllSucceeded)
+        return result;
+    m_panel.noteSaved(box.ip, values);
+    return apply(box, values, before, message);
 }
 
 /// Why these values must not be sent; empty when they may.

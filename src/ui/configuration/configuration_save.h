@@ -36,6 +36,8 @@ private:
     };
 
     QString objection(const QMap<QString, QString>& values, const Network& before) const;
+    SequenceResult send(const BoxId& box, const QMap<QString, QString>& values,
+                        const Network& before, QString& message);
     SequenceResult apply(const BoxId& box, const QMap<QString, QString>& sent,
                          const Network& before, QString& message);
 

@@ -55,6 +55,7 @@ Orders::Orders(const Ways& ways) : QObject(nullptr), m_ways(ways)
 
 void Orders::confirm(const BoxId& box, const QObject* context, std::function<void(bool may)> then)
 {
+    m_others.remove(box.ip);
     if (!isFree(box.ip)) {
         QTimer::singleShot(0, context, [then = std::move(then)] { then(false); });
         return;
@@ -124,12 +125,13 @@ bool Orders::isFree(const QString& ip) const
 void Orders::send(const BoxId& box, const QString& command, const QVariantMap& properties,
                   const QObject* context, std::function<void(bool isSent)> then)
 {
-    auto hold = std::make_shared<OrderHold>(m_ways.devices.model().find(box.ip));
+    auto hold =
+        std::make_shared<OrderHold>(isFree(box.ip) ? m_ways.devices.model().find(box.ip) : nullptr);
     m_holds << hold;
     confirm(box, context,
             [this, ip = box.ip, command, properties, then = std::move(then),
              hold = std::move(hold)](bool may) mutable {
-                const auto held = std::move(hold);
+                auto held = std::move(hold);
                 if (!m_ways.window.isVisible())
                     return;
                 QPointer<QProcess> process;
@@ -137,6 +139,8 @@ void Orders::send(const BoxId& box, const QString& command, const QVariantMap& p
                     process = m_ways.runner.execCurl(ip, command, properties);
                 if (process)
                     connect(process, &QObject::destroyed, process, [held] {});
+                // What follows may be a message, and stand for hours.
+                held.reset();
                 then(may);
             });
     const auto isOver = [](const std::weak_ptr<OrderHold>& hold) { return hold.expired(); };

@@ -251,8 +251,10 @@ void Recordings::startDelete(std::unique_ptr<Item> recording)
 {
     Item* item = recording.get();
     m_deleting.push_back(std::move(recording));
+    // Until the record goes.
+    const auto hold = std::make_shared<OrderHold>(m_hub.devices.model().find(item->address()));
     connect(item, &Item::deleteEnded, this,
-            [this, item](bool succeeded) { noteDeleted(item, succeeded); });
+            [this, item, hold](bool succeeded) { noteDeleted(item, succeeded); });
     m_hub.orders.confirm(BoxId::of(*item), item, [this, item](bool may) {
         if (may)
             item->record_del();
