@@ -99,7 +99,6 @@ void RecordControl::noteMac(const QString& ip, const QString& mac)
         return;
     m_unnamed.remove(ip);
     m_refused.remove(ip);
-    m_pending.remove(ip);
     if (Item* box = m_hub.devices.model().find(ip))
         box->setRecordingInProgress(QString());
     show();

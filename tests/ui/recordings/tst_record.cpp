@@ -179,7 +179,7 @@ void tst_Record::twiceRefusedIsBelievedWithoutAClock()
     clickRow(8);
     QVERIFY(m_other->addFault("flood 0"));
     DialogAnswerer answers(Qt::Key_Escape);
-    const auto other = [this](const char* order) { return command(ip(8), order).status(); };
+    const auto other = [](const char* order) { return command(ip(8), order).status(); };
     if (records)
         QCOMPARE(other("record_on&file_name=elsewhere.mp4"), QString("success"));
     else
