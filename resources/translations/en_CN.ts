@@ -183,6 +183,10 @@
       <source>内部检查未通过(%1),已停止对此设备的操作</source>
       <translation>An internal check failed (%1): nothing more is sent to this device</translation>
     </message>
+    <message>
+      <source>此地址上的设备现在才告知MAC地址(%1),未升级,请重试</source>
+      <translation>The device at this address has told its MAC address (%1) only now; not upgraded, please try again</translation>
+    </message>
   </context>
   <context>
     <name>Closing</name>

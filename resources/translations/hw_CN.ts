@@ -183,6 +183,10 @@
       <source>内部检查未通过(%1),已停止对此设备的操作</source>
       <translation>내부 검사 실패(%1): 이 장치에 더 이상 아무것도 보내지 않습니다</translation>
     </message>
+    <message>
+      <source>此地址上的设备现在才告知MAC地址(%1),未升级,请重试</source>
+      <translation>이 주소의 장치가 이제야 MAC 주소(%1)를 알려 왔습니다. 업그레이드하지 않았으니 다시 시도하십시오</translation>
+    </message>
   </context>
   <context>
     <name>Closing</name>

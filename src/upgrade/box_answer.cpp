@@ -30,6 +30,14 @@ bool BoxAnswer::isMac(const QString& answer, const QString& mac)
     return BoxProtocol::isSameMac(parsed(answer).value.toString(), mac);
 }
 
+bool BoxAnswer::isFrom(const QString& answer, const QString& mac)
+{
+    if (!mac.isEmpty())
+        return isMac(answer, mac);
+    const bool isAnswer = parsed(answer).parameterName == BoxProtocol::MACAddress;
+    return isAnswer && BoxAnswer::mac(answer).isEmpty();
+}
+
 QString BoxAnswer::version(const QString& answer)
 {
     const HttpResult& told = parsed(answer);

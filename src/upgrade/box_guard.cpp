@@ -84,8 +84,7 @@ bool BoxGuard::isRefused(const QString& ip)
         return refuse(tr("设备可能仍在更新固件"));
     const bool isSure = m_sureOf == ip && m_clock.ms() - m_sureAt <= sureMs;
     m_sureOf.clear();
-    // Of a box without a MAC address nobody can be sure.
-    if (!isSure && !mac().isEmpty())
+    if (!isSure)
         return refuse(tr("未确认此地址上是哪台设备"));
     return false;
 }
@@ -104,7 +103,7 @@ void BoxGuard::hear(const QString& ip, const QString& parameter, const QString& 
 {
     const bool isHere = ip == m_orderedIp;
     if (parameter == BoxProtocol::MACAddress) {
-        const bool isBox = BoxAnswer::isMac(answer, mac());
+        const bool isBox = BoxAnswer::isFrom(answer, mac());
         const bool isOther = !isBox && !BoxAnswer::mac(answer).isEmpty();
         if (isBox) {
             m_sureOf = ip;

@@ -218,14 +218,10 @@ void BoxUpgrade::confirmNow()
         leaveAlone(tr("网络中有两台设备的MAC地址相同,无法保留设置,未升级"));
         return;
     }
-    if (row().mac.isEmpty()) {
-        (this->*m_confirmed)();
-        return;
-    }
     m_link.read(row().address, BoxProtocol::MACAddress,
                 m_listener.hear([this](const QString& answer) {
                     const QString mac = BoxAnswer::mac(answer);
-                    if (BoxProtocol::isSameMac(mac, row().mac)) {
+                    if (BoxAnswer::isFrom(answer, row().mac)) {
                         m_failures = 0;
                         (this->*m_confirmed)();
                     } else if (!mac.isEmpty()) {
@@ -239,7 +235,10 @@ void BoxUpgrade::confirmNow()
 void BoxUpgrade::anotherBox(const QString& mac)
 {
     m_host.identified(row().address, mac);
-    leaveAlone(tr("此地址上现在是另一台设备(%1),未升级").arg(mac));
+    // One that had none to tell may be the same, or not.
+    leaveAlone((row().mac.isEmpty() ? tr("此地址上的设备现在才告知MAC地址(%1),未升级,请重试")
+                                    : tr("此地址上现在是另一台设备(%1),未升级"))
+                   .arg(mac));
 }
 
 // --- who it is ---------------------------------------------------------------------------------
@@ -280,16 +279,18 @@ void BoxUpgrade::takeIdentity(const QString& answer)
         later(&BoxUpgrade::askIdentity, qBound<qint64>(0, left, ticks(denialTicks)));
         return;
     }
+    m_identified = true;
+    if (!mac.isEmpty()) {
+        row().mac = mac;
+        m_host.identified(row().address, mac);
+    }
+    if (const BoxUpgrade* owner = m_host.ownerBeside(*this)) {
+        leaveToOwner(*owner);
+        return;
+    }
     if (mac.isEmpty()) {
         // It has none to tell: nothing can be proved of it, and nothing kept.
         askVersionBefore(&BoxUpgrade::identified);
-        return;
-    }
-    row().mac = mac;
-    m_host.identified(row().address, mac);
-    m_identified = true;
-    if (const BoxUpgrade* owner = m_host.ownerBeside(*this)) {
-        leaveToOwner(*owner);
         return;
     }
     m_tookOver = m_host.takeOver(*this);

@@ -122,7 +122,7 @@ public:
     bool isHeld() const { return m_held; }
     /// A later upgrade has taken over what waits.
     bool isHandingOver() const { return m_handingOver; }
-    /// It has told who it is, in this run of the program or an earlier one.
+    /// It has told who it is, or that it cannot, in this run of the program or an earlier one.
     bool isIdentified() const { return m_identified || m_step >= Step::Away; }
 
     // What the row of the list shows.
@@ -137,6 +137,8 @@ public:
 
 private:
     static constexpr int RestartTicks = 120;
+    /// No busy network is silent for so long.
+    static constexpr int SureAbsenceTicks = 20;
     using Next = void (BoxUpgrade::*)();
 
     void enter(Step step);

@@ -12,9 +12,6 @@ using Settings = UpgradeRow::Settings;
 
 constexpr int mostLost = 10;
 constexpr int mostRestartOrders = 3;
-/// Where the order was not answered it may not have arrived, and a shorter silence be the
-/// network's.
-constexpr int sureAbsenceTicks = 20;
 
 } // namespace
 
@@ -200,8 +197,9 @@ QString BoxUpgrade::restartDoubt()
     return tr("设置已写回,但不能确定设备已重启");
 }
 
-/// The silence that has just ended was no matter of a busy network.
+/// The silence that has just ended was no matter of a busy network: where the order was not
+/// answered it may not have arrived.
 bool BoxUpgrade::wasSurelyAway() const
 {
-    return m_wasAway && (m_hasMoved || m_clock.ms() - m_missedSince >= ticks(sureAbsenceTicks));
+    return m_wasAway && (m_hasMoved || m_clock.ms() - m_missedSince >= ticks(SureAbsenceTicks));
 }

@@ -18,9 +18,10 @@ constexpr int shortestRoundMs = 250;
 /// been away: a few requests lost on a busy network are no restart.
 constexpr int missedWhenAway = 3;
 constexpr int shortestAbsenceTicks = 6;
-/// How long a box that was away, or was not, has to tell its new version.
+/// How long a box that was away has to tell its new version; the longer where its absence was so
+/// short that it may have been the network's.
 constexpr int steadyTicks = 2;
-constexpr int graceTicks = 30;
+constexpr int doubtTicks = 30;
 constexpr int lookOutTicks = 30;
 
 } // namespace
@@ -100,7 +101,7 @@ bool BoxUpgrade::isWatching() const
 
 void BoxUpgrade::watch()
 {
-    m_orderedAt = m_clock.ms();
+    m_orderedAt = m_missedSince = m_clock.ms();
     m_missed = m_unseen = 0;
     m_askingVersion = false;
     m_changedAt = -1;
@@ -221,9 +222,13 @@ void BoxUpgrade::noteAbsence()
     const qint64 now = m_clock.ms();
     if (m_missed++ == 0)
         m_missedSince = now;
-    if (m_wasAway || m_missed < missedWhenAway || now - m_missedSince < ticks(shortestAbsenceTicks))
+    // Of one that told its new version before, a short silence may be the network: it may have yet
+    // to restart with it.
+    const int shortest = m_changedAt < 0 ? shortestAbsenceTicks : SureAbsenceTicks;
+    if (m_wasAway || m_missed < missedWhenAway || now - m_missedSince < ticks(shortest))
         return;
     m_wasAway = true;
+    m_changedAt = -1;
     if (m_ordered && !m_refused)
         succeed();
 }
@@ -265,14 +270,12 @@ void BoxUpgrade::takeVersion(const QString& answer)
         changeOverEnded();
 }
 
-/// A box may tell the package's version a moment before it restarts with it, and what passed for
-/// its restart may have been the network. Where nothing is to be written it is left to others after
-/// a while, as its restart may have been too short to be seen.
+/// A box may tell the package's version before it restarts with it, and what passed for its restart
+/// may have been the network.
 bool BoxUpgrade::isSteady() const
 {
-    if (!m_wasAway && row().settings == Settings::Waiting)
-        return false;
-    return m_clock.ms() >= m_changedAt + ticks(m_wasAway ? steadyTicks : graceTicks);
+    const bool isSure = m_hasMoved || m_changedAt - m_missedSince >= ticks(SureAbsenceTicks);
+    return m_wasAway && m_clock.ms() >= m_changedAt + ticks(isSure ? steadyTicks : doubtTicks);
 }
 
 void BoxUpgrade::changeOverEnded()

@@ -14,6 +14,14 @@ namespace
 
 using Settings = UpgradeRow::Settings;
 
+/// Some tell their MAC address only once they have started: until then the place counts.
+bool isSameBox(const UpgradeRow& row, const QString& mac, const QString& ip)
+{
+    if (row.mac.isEmpty() || mac.isEmpty())
+        return row.address == ip;
+    return BoxProtocol::isSameMac(row.mac, mac);
+}
+
 } // namespace
 
 UpgradeFleet::UpgradeFleet(BoxLink& link, const UpgradeClock& clock, UpgradeStore& store,
@@ -204,8 +212,7 @@ UpgradeCounts UpgradeFleet::counts() const
 bool UpgradeFleet::owns(const QString& mac, const QString& ip) const
 {
     return std::any_of(m_boxes.begin(), m_boxes.end(), [&](const auto& box) {
-        return box->isOwner() && (mac.isEmpty() ? box->row().address == ip
-                                                : BoxProtocol::isSameMac(box->row().mac, mac));
+        return box->isOwner() && isSameBox(box->row(), mac, ip);
     });
 }
 
@@ -283,7 +290,7 @@ BoxUpgrade* UpgradeFleet::ownerBeside(const BoxUpgrade& box) const
 {
     const auto found = std::find_if(m_boxes.begin(), m_boxes.end(), [&box](const auto& other) {
         return other.get() != &box && other->isOwner() && other->isIdentified() &&
-               BoxProtocol::isSameMac(other->row().mac, box.row().mac);
+               isSameBox(other->row(), box.row().mac, box.row().address);
     });
     return found == m_boxes.end() ? nullptr : found->get();
 }

@@ -57,7 +57,7 @@ public:
     void dropSettings(const QStringList& macs);
 
     UpgradeCounts counts() const;
-    /// An upgrade has the box with this MAC address; when that is not known, the one at `ip`.
+    /// An upgrade has the box with this MAC address, or the one at `ip` when either has told none.
     bool owns(const QString& mac, const QString& ip = QString()) const;
     /// Boxes whose settings wait for them.
     int waitingCount() const;

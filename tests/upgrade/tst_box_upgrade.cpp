@@ -55,6 +55,8 @@ private slots:
     void guardRefusesWhatMayNeverHappen();
     void aRefusalEndsTheUpgradeOfOneBox();
     void aDenialIsBelievedTheSecondTime();
+    void aBoxThatHidIsKnownByItsPlace();
+    void itsVersionAloneLetsNoBoxGo();
     void pingEndsNoAbsence();
     void anOlderUpgradeLeavesTheBoxToTheLater();
 };
@@ -200,6 +202,41 @@ void tst_BoxUpgrade::aDenialIsBelievedTheSecondTime()
         QCOMPARE(upgrade.row().absent, isThere ? QStringList() : QStringList(name));
         QVERIFY(bench.time.now() >= 15000);
     }
+}
+
+/// While it starts a box may deny that it has a MAC address.
+void tst_BoxUpgrade::aBoxThatHidIsKnownByItsPlace()
+{
+    for (const bool hidFirst : {true, false}) {
+        Bench bench;
+        bench.box.habits.denied = BoxProtocol::MACAddress;
+        bench.box.habits.changeMs = 300000;
+        bench.box.deniesUntil = hidFirst ? 60000 : 0;
+        bench.begin(false).row().mac = hidFirst ? QString() : mac;
+        bench.pass(120, [&] { return bench.acts.contains("activate"); });
+        bench.box.deniesUntil = hidFirst ? 0 : 1000000;
+        QVERIFY(bench.fleet.owns(hidFirst ? mac : QString(), ip));
+        BoxUpgrade& second = bench.begin(hidFirst);
+        second.row().mac = hidFirst ? mac : QString();
+        bench.pass(200);
+        QCOMPARE(second.step(), BoxUpgrade::Step::Ended);
+        QCOMPARE(bench.acts, (QStringList{"upload", "activate"}));
+    }
+}
+
+/// Some tell their new version long before they restart with it.
+void tst_BoxUpgrade::itsVersionAloneLetsNoBoxGo()
+{
+    Bench bench;
+    bench.box.habits.changeMs = 900000;
+    bench.box.habits.earlyMs = 880000;
+    BoxUpgrade& upgrade = bench.begin(false);
+    bench.pass(120, [&] { return bench.acts.contains("activate"); });
+    bench.pass(500);
+    QVERIFY(upgrade.hasSucceeded());
+    QVERIFY(bench.fleet.owns(mac));
+    bench.pass(120);
+    QVERIFY(!bench.fleet.owns(mac));
 }
 
 /// Many boxes answer ping long before anything else.

@@ -31,7 +31,7 @@ sim::ModelBoxHabits UpgradeStory::habits()
     habits.awayMs = chance(10) ? 500 + draw(5500) : 6000 + draw(30000);
     habits.diesOfRestart = chance(2);
     habits.changeMs = chance(15) ? draw(400000) : draw(5000);
-    habits.earlyMs = chance(10) ? 900 : chance(3) ? 25000 : 0;
+    habits.earlyMs = chance(10) ? 900 : chance(3) ? draw(150000) : 0;
     habits.answersErrors = chance(5);
     habits.movesOnRestart = chance(20);
     if (chance(20))

@@ -10,6 +10,9 @@ using Settings = UpgradeRow::Settings;
 const QStringList packages{"/KORA_1.2.0.623.dat", "/KORA_1.2.0.700.dat", "/KORA.dat"};
 const QString ownAddress = "eParam_IPAddress";
 constexpr qint64 longest = 6000000;
+/// Telling the new version before the restart with it: within what the engine waits after a
+/// silence.
+constexpr int longestEarlyMs = 25000;
 
 /// In the order of their batches, as the names of files tell it.
 QVector<UpgradeSession> sessionsOf(const QMap<QString, UpgradeSession>& journals)
@@ -87,7 +90,10 @@ void UpgradeWorld::happen(const UpgradeStory::Event& event)
     sim::ModelBox& box = boxAt(event.box);
     switch (event.what) {
     case Event::Deaf:
-        m_lan.setDeaf(box, event.lasts);
+        // Of one that tells its new version long before it restarts nothing tells it from a
+        // restart.
+        if (box.habits.earlyMs <= longestEarlyMs)
+            m_lan.setDeaf(box, event.lasts);
         break;
     case Event::PowerCut:
         m_lan.powerCycle(box, event.lasts);
