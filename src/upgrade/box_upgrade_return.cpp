@@ -288,6 +288,9 @@ void BoxUpgrade::changeOverEnded()
 
 void BoxUpgrade::giveUpWaiting()
 {
+    // What it told before it went for good was too early.
+    if (m_ordered)
+        row().versionAfter.clear();
     m_ordered = false;
     m_round.forget();
     if (m_step == Step::Restarting && row().settings != Settings::Waiting) {
