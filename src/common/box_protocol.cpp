@@ -129,6 +129,12 @@ QString escapeEquals(const QString& text)
     return QString(text).replace(QLatin1Char('='), QStringLiteral("%3D"));
 }
 
+QString escapeSeparators(QString text)
+{
+    text.replace(QLatin1Char('%'), QStringLiteral("%25"));
+    return text.replace(QLatin1Char('&'), QStringLiteral("%26"));
+}
+
 QString setCommand(const QString& parameter, const QString& value, const QString& ip)
 {
     return fillCommand(
@@ -145,9 +151,11 @@ QString controlCommand(const QString& action, const QString& ip)
 
 QString decodeOnCommand(const QString& ip, const QString& source)
 {
+    // Whoever has named it must not give the box an order.
+    const QString name = QString(source).replace(QLatin1Char('&'), QStringLiteral("%26"));
     return fillCommand(
         QStringLiteral("curl -d \"action=%3&ndi_name='%2'\" -X POST http://%1:8081/control?"),
-        {ip, source, DecodeOn});
+        {ip, name, DecodeOn});
 }
 
 QString streamPushCommand(const QString& ip, const QString& url)
@@ -205,13 +213,10 @@ QString recordOnCommand(const QString& ip, const QString& fileName)
 
 QString recordDeleteCommand(const QString& fileName, const QString& ip)
 {
-    QString name = fileName;
-    name.replace(QLatin1Char('%'), QStringLiteral("%25"));
-    name.replace(QLatin1Char('&'), QStringLiteral("%26"));
     return fillCommand(
         QStringLiteral(
             "curl -d \"action=record_del&file_name=%1\" -X POST http://%2:8081/control?"),
-        {name, ip});
+        {escapeSeparators(fileName), ip});
 }
 
 QString downloadCommand(const QString& path, const QString& ip, const QString& fileName,

@@ -83,6 +83,8 @@ QString mediaUrl(const QString& ip, const QString& name);
 
 /// The one escaping of free text: every "=" becomes "%3D".
 QString escapeEquals(const QString& text);
+/// So that nothing in `text`, which somebody else has written, ends the value and begins another.
+QString escapeSeparators(QString text);
 
 /// Writes one parameter; success is the reply's "status" reading "set success".
 QString setCommand(const QString& parameter, const QString& value, const QString& ip);

@@ -54,14 +54,10 @@ void BatchUpgrade::start(const QList<QPointer<Item>>& boxes, const QString& file
     Pending pending;
     pending.keep = keep;
     for (const QPointer<Item>& box : boxes) {
-        // Looked at again: while the question was open an upgrade may have taken it.
-        if (!box || box->isOwned())
-            continue;
-        box->showUpgrade(taken);
-        box->addTip(tr("正在计算固件校验值"));
-        pending.boxes << box;
+        if (box)
+            pending.boxes.push_back(choose(*box));
     }
-    if (pending.boxes.isEmpty())
+    if (pending.boxes.empty())
         return;
     emit prepared();
     pending.digest = std::make_unique<PackageDigest>(file);
@@ -73,22 +69,35 @@ void BatchUpgrade::start(const QList<QPointer<Item>>& boxes, const QString& file
     digest->start();
 }
 
+/// It is looked at again: while the question was open an upgrade may have taken it.
+BatchUpgrade::Chosen BatchUpgrade::choose(Item& box)
+{
+    Chosen chosen{&box, box.address(), box.macAddress(), {}};
+    if (box.isOwned()) {
+        chosen.leftOut = tr("设备正在升级固件或恢复设置,未再次升级");
+        return chosen;
+    }
+    box.showUpgrade(taken);
+    box.addTip(tr("正在计算固件校验值"));
+    return chosen;
+}
+
 /// For two minutes at most: then those that are still busy are left out.
 bool BatchUpgrade::waitsForOrders(Pending& pending)
 {
     const bool isOver = pending.waits++ >= mostOrderWaits;
     bool waits = false;
-    for (QPointer<Item>& box : pending.boxes) {
-        if (!box || !box->isOrdered())
+    for (Chosen& box : pending.boxes) {
+        if (!box.item || !box.leftOut.isEmpty() || !box.item->isOrdered())
             continue;
         waits = true;
         if (pending.waits == 1)
-            box->addTip(tr("正在等待此前的操作完成"));
+            box.item->addTip(tr("正在等待此前的操作完成"));
         if (!isOver)
             continue;
-        box->addTip(tr("此前的操作未完成,未升级"));
-        box->showUpgrade(released);
-        box.clear();
+        box.leftOut = tr("此前的操作未完成,未升级");
+        box.item->addTip(box.leftOut);
+        box.item->showUpgrade(released);
     }
     return waits && !isOver;
 }
@@ -104,31 +113,32 @@ void BatchUpgrade::digestReady(const PackageDigest* digest)
         QTimer::singleShot(orderPauseMs, this, [this, digest] { digestReady(digest); });
         return;
     }
-    const Pending pending = std::move(*found);
+    Pending pending = std::move(*found);
     m_pending.erase(found);
     if (!digest->md5().isEmpty()) {
         begin(pending, digest->path(), digest->md5());
         return;
     }
     // Nothing has been sent to any box, and nothing will be.
-    for (const QPointer<Item>& box : pending.boxes) {
-        if (box)
-            box->showUpgrade(released);
+    for (const Chosen& box : pending.boxes) {
+        if (box.item && box.leftOut.isEmpty())
+            box.item->showUpgrade(released);
     }
     emit packageUnreadable();
 }
 
-void BatchUpgrade::begin(const Pending& pending, const QString& file, const QString& md5)
+void BatchUpgrade::begin(Pending& pending, const QString& file, const QString& md5)
 {
-    // All of them may have left the list meanwhile.
-    if (std::none_of(pending.boxes.begin(), pending.boxes.end(),
-                     [](const auto& box) { return box; }))
-        return;
     const QString version = UpgradeJudgement::versionIn(QFileInfo(file).completeBaseName());
     m_fleet.begin({file, md5, version});
-    for (const QPointer<Item>& box : pending.boxes) {
-        if (box)
-            m_rows.bind(m_fleet.add(box->address(), box->macAddress(), pending.keep), *box);
+    for (Chosen& box : pending.boxes) {
+        if (!box.item && box.leftOut.isEmpty())
+            box.leftOut = tr("设备已不在列表中,未升级");
+        if (box.leftOut.isEmpty())
+            m_rows.bind(m_fleet.add(box.item->address(), box.item->macAddress(), pending.keep),
+                        *box.item);
+        else
+            m_fleet.leaveOut(box.ip, box.mac, pending.keep, box.leftOut);
     }
     addAllowance();
     emit started(counts());
@@ -146,8 +156,7 @@ UpgradeCounts BatchUpgrade::counts() const
 {
     UpgradeCounts counts = m_fleet.counts();
     for (const Pending& pending : m_pending)
-        counts.upgrading += int(std::count_if(pending.boxes.begin(), pending.boxes.end(),
-                                              [](const auto& b) { return b; }));
+        counts.upgrading += int(pending.boxes.size());
     return counts;
 }
 

@@ -29,8 +29,9 @@ public:
     /// Those of `boxes` that may be upgraded: KORA boxes that no upgrade has.
     static QList<Item*> idleOf(const QList<Item*>& boxes);
 
-    /// Upgrades those of `boxes` that are still there and idle with the package `file`. With `keep`
-    /// their settings are read before and written back afterwards.
+    /// Upgrades those of `boxes` that are still there and idle with the package `file`; of the
+    /// others the report says why not. With `keep` their settings are read before and written back
+    /// afterwards.
     void start(const QList<QPointer<Item>>& boxes, const QString& file, bool keep);
 
     /// One of the upgrade's seconds has passed.
@@ -60,17 +61,24 @@ signals:
     void ended(const UpgradeCounts& counts);
 
 private:
+    struct Chosen {
+        QPointer<Item> item;
+        QString ip;
+        QString mac;
+        QString leftOut; ///< why it is not upgraded; empty while it is to be
+    };
     /// A batch whose package is being read.
     struct Pending {
-        QList<QPointer<Item>> boxes;
+        std::vector<Chosen> boxes;
         bool keep = false;
         int waits = 0; ///< for what was ordered of its boxes before
         std::unique_ptr<PackageDigest> digest;
     };
 
+    static Chosen choose(Item& box);
     bool waitsForOrders(Pending& pending);
     void digestReady(const PackageDigest* digest);
-    void begin(const Pending& pending, const QString& file, const QString& md5);
+    void begin(Pending& pending, const QString& file, const QString& md5);
     void addAllowance();
     void finish(const UpgradeCounts& counts);
 

@@ -47,6 +47,12 @@ void BoxUpgrade::start(const FirmwarePackage& package, bool keepSettings)
     identify();
 }
 
+void BoxUpgrade::leaveOut(const QString& reason)
+{
+    m_inBatch = true;
+    leaveAlone(reason);
+}
+
 void BoxUpgrade::enter(Step step)
 {
     m_step = step;

@@ -88,6 +88,8 @@ public:
 
     /// Begins with the first step. `keepSettings`: they are to be as before in the end.
     void start(const FirmwarePackage& package, bool keepSettings);
+    /// Instead: nothing is sent to it, it counts in the batch as one of which nothing is known.
+    void leaveOut(const QString& reason);
     /// Goes on where an earlier run of the program ended, as the row tells. Settings that wait are
     /// held until release() or dropSettings().
     void resume();

@@ -44,8 +44,10 @@ void CurlLink::handleRead(const HttpResult& result)
 void CurlLink::write(const QString& ip, const QString& parameter, const QString& value,
                      Answered answered)
 {
-    run(ip, BoxProtocol::setCommand(parameter, BoxProtocol::escapeEquals(value), ip),
-        CommandRunner::WaitLimitMs, std::move(answered));
+    // A box gets back what it had, to the letter.
+    const QString text = BoxProtocol::escapeEquals(BoxProtocol::escapeSeparators(value));
+    run(ip, BoxProtocol::setCommand(parameter, text, ip), CommandRunner::WaitLimitMs,
+        std::move(answered));
 }
 
 void CurlLink::upload(const QString& ip, const QString& file, Answered answered)

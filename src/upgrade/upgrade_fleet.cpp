@@ -45,14 +45,25 @@ void UpgradeFleet::begin(const FirmwarePackage& package)
 
 BoxUpgrade& UpgradeFleet::add(const QString& ip, const QString& mac, bool keepSettings)
 {
+    BoxUpgrade& box = addToBatch(ip, mac, keepSettings);
+    box.start(m_package, keepSettings);
+    return box;
+}
+
+void UpgradeFleet::leaveOut(const QString& ip, const QString& mac, bool keepSettings,
+                            const QString& reason)
+{
+    addToBatch(ip, mac, keepSettings).leaveOut(reason);
+}
+
+BoxUpgrade& UpgradeFleet::addToBatch(const QString& ip, const QString& mac, bool keepSettings)
+{
     UpgradeRow row;
     row.mac = BoxProtocol::isMacAddress(mac) ? mac : QString();
     row.addressBefore = row.address = ip;
     row.started = m_clock.date();
     row.settings = keepSettings ? Settings::NotSaved : Settings::NotKept;
-    BoxUpgrade& box = addBox(*m_latest, row);
-    box.start(m_package, keepSettings);
-    return box;
+    return addBox(*m_latest, row);
 }
 
 BoxUpgrade& UpgradeFleet::addBox(UpgradeSession& session, const UpgradeRow& row)
@@ -149,11 +160,17 @@ void UpgradeFleet::adopt(const QVector<UpgradeSession>& found)
         m_sessions.touch(session);
         for (int index = session.rows.size() - 1; index >= 0; --index) {
             UpgradeRow& row = session.rows[index];
-            const bool later = waiting.contains(row.mac) || find(row.mac);
+            // As it was kept for one box, however its MAC address is spelled.
+            const auto isIt = [&row](const QString& mac) {
+                return BoxProtocol::isSameMac(mac, row.mac);
+            };
+            const QStringList macs = waiting.keys();
+            const bool isWaiting = std::any_of(macs.begin(), macs.end(), isIt);
+            const bool later = isWaiting || find(row.mac);
             if (row.settings == Settings::Waiting && later)
                 row.settings = Settings::HandedOver;
             // One begun later has the box: this one had let go of it, whatever the disk knows.
-            if (row.settings != Settings::Waiting && waiting.contains(row.mac))
+            if (row.settings != Settings::Waiting && isWaiting)
                 row.settled = true;
             if (row.settings == Settings::Waiting) {
                 waiting.insert(row.mac, row.saved);

@@ -38,6 +38,8 @@ public:
     /// Upgrades the box at `ip`; `mac` is the one it is expected to tell, empty when that is not
     /// known. It lives as long as this object.
     BoxUpgrade& add(const QString& ip, const QString& mac, bool keepSettings);
+    /// One that was chosen for the batch, too, but is not upgraded: the report says why.
+    void leaveOut(const QString& ip, const QString& mac, bool keepSettings, const QString& reason);
     /// All boxes have been told, or are given up.
     void endBatch();
 
@@ -98,6 +100,7 @@ private:
     void lastTryFollows(BoxUpgrade& box) override;
     void writeBackEnded(BoxUpgrade& box) override;
 
+    BoxUpgrade& addToBatch(const QString& ip, const QString& mac, bool keepSettings);
     BoxUpgrade& addBox(UpgradeSession& session, const UpgradeRow& row);
     /// The upgrade that has the box with this MAC address, at `ip` if it is not sure yet that it is
     /// there, else the latest with settings that wait for it. One that found nobody is neither.

@@ -98,7 +98,9 @@ QVector<UpgradeSession> UpgradeJournal::readAll()
     QVector<UpgradeSession> sessions;
     const QFileInfoList files = QDir(folder()).entryInfoList(
         {QStringLiteral("upgrade_*.json")}, QDir::Files | QDir::NoSymLinks, QDir::Name);
-    for (const QFileInfo& info : files.mid(qMax(0, files.size() - mostJournals))) {
+    // Those that cannot be read do not count: nobody hides a batch behind them.
+    for (auto it = files.rbegin(); it != files.rend() && sessions.size() < mostJournals; ++it) {
+        const QFileInfo& info = *it;
         QFile file(info.filePath());
         if (info.size() > largestJournal || !file.open(QIODevice::ReadOnly))
             continue;
@@ -110,7 +112,7 @@ QVector<UpgradeSession> UpgradeJournal::readAll()
             qWarning("journal %s is not read: %s", qPrintable(info.fileName()),
                      qPrintable(problem));
         else if (session.baseName() == info.completeBaseName() && claim(session.baseName()))
-            sessions << session;
+            sessions.prepend(session);
     }
     return sessions;
 }

@@ -39,6 +39,13 @@ bool isOther(const QString& mac, const QString& known)
     return !mac.isEmpty() && !known.isEmpty() && mac.compare(known, Qt::CaseInsensitive) != 0;
 }
 
+/// A value that goes out as it was typed, and that a box takes for more than one, or for another.
+bool isTakenApart(QString sent)
+{
+    sent.remove(BoxProtocol::escapeEquals(QStringLiteral("=")));
+    return sent.contains(QLatin1Char('&')) || sent.contains(QLatin1Char('%'));
+}
+
 /// Who has answered: a MAC address, empty for a box that has none; no value when nobody knows.
 std::optional<QString> identityIn(const HttpResult& answer)
 {
@@ -284,12 +291,17 @@ void ParameterPanel::noteSaved(const QString& ip, const QMap<QString, QString>& 
 {
     if (ip != m_ip)
         return;
+    bool isDoubtful = false;
     for (ShownParameter& parameter : m_parameters) {
         const auto value = values.constFind(parameter.row().name);
-        if (value != values.constEnd())
-            parameter.noteSaved(*value);
+        if (value == values.constEnd())
+            continue;
+        isDoubtful |= parameter.noteSaved(*value) && isTakenApart(*value);
     }
     showStates();
+    // What it has made of it, it has to tell.
+    if (isDoubtful)
+        emit m_hub.state.readingWanted();
 }
 
 void ParameterPanel::showStates()

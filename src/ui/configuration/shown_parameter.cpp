@@ -86,7 +86,7 @@ void ShownParameter::tell(const QVariant& value)
     m_before = meaning;
     m_told.reset();
     if (meaning)
-        m_told = BoxProtocol::escapeEquals(text);
+        m_told = BoxProtocol::escapeEquals(BoxProtocol::escapeSeparators(text));
     if (!m_changed && !isHeld()) {
         const QScopedValueRollback<bool> showing(m_showing, true);
         binding.show(text);
@@ -120,13 +120,14 @@ std::optional<QString> ShownParameter::toSave(bool sameBox) const
     return m_state == FieldState::Read ? m_told : std::nullopt;
 }
 
-void ShownParameter::noteSaved(const QString& value)
+bool ShownParameter::noteSaved(const QString& value)
 {
     if (!m_changed || m_row.binding.read() != value)
-        return;
+        return false;
     m_changed = false;
     m_state = FieldState::Read;
     m_before = m_told = value;
+    return true;
 }
 
 void ShownParameter::retranslate()

@@ -40,8 +40,8 @@ public:
     /// stands. Nothing of what has not been read; what was changed before the box was read again
     /// only when that is known to be the same box.
     std::optional<QString> toSave(bool sameBox) const;
-    /// The box has taken `value`.
-    void noteSaved(const QString& value);
+    /// The box has taken `value`. True when the operator had made that of it.
+    bool noteSaved(const QString& value);
     /// Says again, in the language of now, why there is no value.
     void retranslate();
 

@@ -58,6 +58,14 @@ void tst_Save::savesInOrderAndAsTyped()
                           "IPAddress=10.1.2.3", "NDIHDR=0", "NDIHXBitRate=12000",
                           "NDIHXGopLength=60", "NDIHXQuality=1", "NDIName=" + sent,
                           "NTPServer=ntp.example", "NetMask=255.255.255.0"}));
+    // What the box has made of it is told; what it has been given elsewhere stays as it is.
+    QTRY_COMPARE(m_fixture->shown("eParam_NDIName"), QString::fromUtf8("a=b \"左\" \\ \1"));
+    const QString given = "Cam A & 50%41=";
+    box->setParameter("eParam_NDIName", given);
+    m_fixture->select(7);
+    QTRY_COMPARE(m_fixture->shown("eParam_NDIName"), given);
+    m_fixture->save("设置参数成功.");
+    QCOMPARE(box->parameter("eParam_NDIName"), given);
 }
 
 void tst_Save::appliesWhatChanged_data()

@@ -135,14 +135,15 @@ void tst_Streams::sourceListIsKept()
 
 void tst_Streams::hostileSourceAddsNoArgument()
 {
-    const QString name = "-o x\" -o \"/tmp/evil %1 %2 (Cam 'A'";
+    const QString name = "-o x\" -o \"/tmp/evil %1 %2&reboot=1 (Cam 'A'";
     m_box->setDecodeSources({name + "): 1.2.3.4:5"});
     select("2");
     withDialog("pushButton_hxdec_on", [&](setui& dialog) {
         sources(dialog)->setCurrentCell(0, 0);
         QTest::keyClick(sources(dialog), Qt::Key_Return);
     });
-    QTRY_COMPARE(told(), (QStringList{"HDMIMode=2", "hxdec_on&ndi_name='" + name + ")'"}));
+    const QString sent = QString(name).replace("&", "%26");
+    QTRY_COMPARE(told(), (QStringList{"HDMIMode=2", "hxdec_on&ndi_name='" + sent + ")'"}));
     QTRY_COMPARE(m_notices->texts(), QStringList{"开启解码成功" + name + ")"});
 }
 

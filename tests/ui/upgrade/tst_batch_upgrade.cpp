@@ -176,12 +176,14 @@ void tst_BatchUpgrade::secondFailedWriteBackIsFinal()
     Tarn_Hub& window = m_fixture->window();
     const QString mac = m_fixture->item(1)->macAddress();
     QVERIFY(m_boxes[1]->addFault("fail write+eParam_NDIName"));
-    leaveWaiting(
-        {{"eParam_NDIHXGopLength", "33"}, {"eParam_NDIName", "a=b"}, {"eParam_NTPServer", "x"}});
+    leaveWaiting({{"eParam_NDIHXGopLength", "33"},
+                  {"eParam_NDIName", "a=b&50%41"},
+                  {"eParam_NTPServer", "x"}});
     hearBox();
     QTRY_COMPARE(window.property("needrestore").toStringList(), (QStringList{mac, mac + "1"}));
     QTRY_COMPARE(m_boxes[1]->activity().reboots, 1);
-    QCOMPARE(told(1), (QStringList{"NDIHXGopLength=33", "NDIName=a%3Db", "NTPServer=x", "reboot"}));
+    QCOMPARE(told(1), (QStringList{"NDIHXGopLength=33", "NDIName=a%3Db%2650%2541", "NTPServer=x",
+                                   "reboot"}));
     QCOMPARE(m_fixture->item(1)->property("restoreconfig").toMap().size(), 3);
     QTRY_VERIFY_WITH_TIMEOUT(m_boxes[1]->isOn(), 5000);
     hearBox();
@@ -199,7 +201,7 @@ void tst_BatchUpgrade::survivesBeingKilled()
 {
     for (int host = 1; host <= 3; ++host) {
         m_boxes[host] = m_fixture->addBox(host);
-        m_boxes[host]->setParameter("eParam_NDIName", QString("=名前 \"%1\"").arg(host));
+        m_boxes[host]->setParameter("eParam_NDIName", QString("=名前 & 50%41 \"%1\"").arg(host));
     }
     // One is told to change over before the end of the program, the others are in their upload.
     QVERIFY(m_boxes[2]->addFault("throttle 5000 on upload"));

@@ -148,7 +148,10 @@ void tst_UpgradeSafety::leavesABusyBoxAlone()
     QCOMPARE(answers.texts().count(refusal), 5);
     QCOMPARE(answers.texts().last(), QString("请您在设备列表中选择要升级固件的设备!"));
     QTRY_COMPARE_WITH_TIMEOUT(answers.texts().last(),
-                              QString("全部升级完成,KORA即将重启完成固件升级.成功[1]个"), 15000);
+                              QString("部分升级完成,KORA即将重启完成固件升级.成功[1]个,未知[1]个"),
+                              15000);
+    m_fixture->child<QAbstractButton>("upgradeReport")->click();
+    QCOMPARE(reported(1), QString("||失败|未保留|设备正在升级固件或恢复设置,未再次升级"));
     QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(1) && !m_fixture->item(1)->isOwned(), 15000);
     QCOMPARE(told(1), (QStringList{"NDIName=kept", "reboot"}));
 }
