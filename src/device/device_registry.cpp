@@ -116,8 +116,11 @@ void DeviceRegistry::setReachable(const QStringList& ips, const Spark_Thread* ch
         int& newest = m_newest[box->address()];
         if ((check && !asked.contains(box->address())) || newest >= order)
             continue;
-        newest = order;
         const bool online = alive.contains(box->address());
+        // Nobody may have asked it.
+        if (!online && check && !check->isConclusive())
+            continue;
+        newest = order;
         if (box->isOnline() == online)
             continue;
         box->setOnline(online);

@@ -3,6 +3,7 @@
 
 #include "device/sweep_plan.h"
 
+#include <QDebug>
 #include <QHostAddress>
 #include <QNetworkInterface>
 #include <QProcess>
@@ -117,6 +118,18 @@ private:
     QStringList m_started;
 };
 
+/// The tool has ended by itself, having asked everybody: it says so with 0, 1 and 2.
+bool hasRun(const QProcess& process)
+{
+    const bool hasEnded =
+        process.error() != QProcess::FailedToStart && process.exitStatus() == QProcess::NormalExit;
+    if (hasEnded && process.exitCode() <= 2)
+        return true;
+    qWarning() << process.program() << "could not ask:" << process.errorString()
+               << process.exitCode();
+    return false;
+}
+
 } // namespace
 
 QStringList localAddresses()
@@ -185,6 +198,7 @@ void Spark_Thread::refreshDevice()
             [this, &process](QProcess::ProcessState state) {
                 if (state != QProcess::NotRunning)
                     return;
+                m_isConclusive = hasRun(process);
                 emit S_refreshDeviceIP(
                     outputLines(QString::fromLocal8Bit(process.readAllStandardOutput())));
                 quit();

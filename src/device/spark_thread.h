@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <QThread>
 
+#include <atomic>
+
 /// What every sweep of this run of the program is told.
 struct SweepSettings {
     QString fping;       ///< path of the ping-sweep tool
@@ -30,6 +32,9 @@ public:
     QStringList asked() const;
     int order() const { return m_order; }
     void setOrder(int order) { m_order = order; }
+    /// The tool has asked all of them, so that whoever did not answer is not there. Known once the
+    /// check has reported.
+    bool isConclusive() const { return m_isConclusive; }
     /// Ends the run and its child processes and waits for that; takes a few milliseconds.
     void stop();
 
@@ -47,6 +52,7 @@ private:
 
     const SweepSettings m_settings;
     int m_order = 0;
+    std::atomic<bool> m_isConclusive{false};
 };
 
 /// The computer's own IPv4 addresses, without 127.0.0.1, in the system's order.

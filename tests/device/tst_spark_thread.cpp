@@ -187,7 +187,8 @@ private slots:
     {
         // A check of n addresses waits for the file "n" and prints what is in it.
         const QString tool = script("shift 5; f='" + m_folder.path().toUtf8() +
-                                    "'/$#; while [ ! -e $f ]; do sleep 0.02; done; cat $f\n");
+                                    "'/$#; while [ ! -e $f ]; do sleep 0.02; done; cat $f\n"
+                                    "grep -q dead $f && kill -9 $$; true\n");
         TreeModel model;
         int answers = 0;
         DeviceRegistry registry(
@@ -224,6 +225,11 @@ private slots:
         registry.addDevice("127.9.9.3", koraFamily());
         answer(3, "");
         QCOMPARE(shown(), QString("3+")); // filed again, so seen, after that check had begun
+        const int before = answers;
+        writeFile(m_folder.filePath("1"), "dead\n");
+        registry.checkStates();
+        QTRY_COMPARE(answers, before + 1);
+        QCOMPARE(shown(), QString("3+")); // the tool did not live to ask
         registry.stop();
     }
 
