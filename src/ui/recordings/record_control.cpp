@@ -99,6 +99,7 @@ void RecordControl::noteMac(const QString& ip, const QString& mac)
         return;
     m_unnamed.remove(ip);
     m_refused.remove(ip);
+    m_watch.forget(ip);
     if (Item* box = m_hub.devices.model().find(ip))
         box->setRecordingInProgress(QString());
     show();

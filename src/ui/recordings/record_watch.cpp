@@ -27,7 +27,17 @@ void RecordWatch::pointAt(const QString& ip)
         m_clock = Clock::Unknown;
         m_sinceStop.invalidate();
     }
-    m_isAlive = false;
+    m_isAlive = m_isStarting = false;
+    listen();
+}
+
+void RecordWatch::forget(const QString& ip)
+{
+    m_tellers.remove(ip);
+    if (ip != m_ip)
+        return;
+    m_clock = Clock::Unknown;
+    m_isStarting = false;
     listen();
 }
 
@@ -39,6 +49,7 @@ void RecordWatch::hear(qint64 ms)
         if (m_sinceStop.isValid() && !m_sinceStop.hasExpired(echoMs))
             return;
         m_tellers.insert(m_ip);
+        m_isStarting = false;
         listen();
         set(Clock::Runs);
     } else if (isNew && m_clock == Clock::Stopped) {
@@ -53,6 +64,7 @@ void RecordWatch::noteStart(const QString& ip)
         return;
     m_sinceStop.invalidate();
     m_clock = Clock::Unknown;
+    m_isStarting = true;
     listen();
 }
 
@@ -62,6 +74,7 @@ void RecordWatch::noteStop(const QString& ip)
         return;
     m_sinceStop.start();
     m_clock = Clock::Unknown;
+    m_isStarting = false;
 }
 
 void RecordWatch::set(Clock clock)
@@ -83,5 +96,7 @@ void RecordWatch::noteSilence()
     if (++m_silentTurns < silentLooks)
         return;
     m_silence.stop();
-    set(m_tellers.contains(m_ip) ? Clock::Stopped : Clock::Unknown);
+    // A clock that has not begun says nothing against the box that has just said that it records.
+    const bool isDumb = m_isStarting && m_isAlive;
+    set(m_tellers.contains(m_ip) && !isDumb ? Clock::Stopped : Clock::Unknown);
 }

@@ -24,6 +24,8 @@ public:
 
     /// The feed is that of the box at `ip` from now on.
     void pointAt(const QString& ip);
+    /// Another box has the address by now.
+    void forget(const QString& ip);
     /// A message of the feed; `ms` is the running time, or 0 when it carries none.
     void hear(qint64 ms);
     /// The connection is gone.
@@ -51,7 +53,8 @@ private:
     QString m_ip;
     Clock m_clock = Clock::Unknown;
     bool m_isAlive = false;
-    QSet<QString> m_tellers; ///< boxes that have been heard to send their clock
+    bool m_isStarting = false; ///< a start has been confirmed, its clock not been heard yet
+    QSet<QString> m_tellers;   ///< boxes that have been heard to send their clock
     QTimer m_silence;
     int m_silentTurns = 0;
     QElapsedTimer m_sinceStop;

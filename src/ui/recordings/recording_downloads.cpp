@@ -151,9 +151,12 @@ void RecordingDownloads::resume(const Item* recording)
     if (job == m_jobs.end() || job->state != State::Kept)
         return;
     // Boxes change their addresses, not who they are.
-    const QString mac = recording->macAddress();
-    if (const Item* box = mac.isEmpty() ? nullptr : m_hub.devices.model().find(mac))
-        job->recording->setAddress(box->address());
+    const QList<Item*> boxes = m_hub.devices.model().items(koraFamily());
+    for (const Item* box : boxes) {
+        // A row that it has left behind is offline.
+        if (box->isOnline() && BoxProtocol::isSameMac(box->macAddress(), recording->macAddress()))
+            job->recording->setAddress(box->address());
+    }
     job->state = State::Waiting;
     job->row->showWaiting();
     startNext();

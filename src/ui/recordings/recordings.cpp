@@ -33,10 +33,18 @@ constexpr int mostRecordings = 5000;
 /// What identifies a recording while the list may be read again.
 struct RecordingKey {
     QString ip;
+    QString mac;
     QString name;
 
-    explicit RecordingKey(const Item& item) : ip(item.address()), name(item.fileName()) {}
-    bool matches(const Item& item) const { return item.address() == ip && item.fileName() == name; }
+    explicit RecordingKey(const Item& item)
+        : ip(item.address()), mac(item.macAddress()), name(item.fileName())
+    {
+    }
+    /// Another box may have come to the address meanwhile, with a recording of the same name.
+    bool matches(const Item& item) const
+    {
+        return item.address() == ip && item.macAddress() == mac && item.fileName() == name;
+    }
 };
 
 QString mediaUrl(const Item& recording)
@@ -228,13 +236,13 @@ void Recordings::remove(const QList<QListWidgetItem*>& rows)
         return;
     const QSignalBlocker blocker(m_list);
     for (const RecordingKey& key : keys) {
-        for (const auto& entry : m_list.entries()) {
-            if (!key.matches(*entry))
-                continue;
-            if (!entry->isPlaying())
-                startDelete(m_list.takeEntry(entry.get()));
-            break;
-        }
+        const auto& entries = m_list.entries();
+        const auto found = std::find_if(entries.begin(), entries.end(),
+                                        [&key](const auto& entry) { return key.matches(*entry); });
+        if (found == entries.end())
+            noteNotDeleted(key.name);
+        else if (!(*found)->isPlaying())
+            startDelete(m_list.takeEntry(found->get()));
     }
     m_list.viewport()->update();
 }
@@ -273,9 +281,13 @@ void Recordings::noteDeleted(Item* recording, bool succeeded)
         m_deleting.erase(place);
         break;
     }
-    if (succeeded)
-        return;
-    m_failedDeletes << BoxProtocol::fill(tr("文件[%1]删除错误,请重试"), {recording->fileName()});
+    if (!succeeded)
+        noteNotDeleted(recording->fileName());
+}
+
+void Recordings::noteNotDeleted(const QString& name)
+{
+    m_failedDeletes << BoxProtocol::fill(tr("文件[%1]删除错误,请重试"), {name});
     m_tellFailedDeletes.start();
 }
 

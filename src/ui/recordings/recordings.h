@@ -70,6 +70,7 @@ private:
     void markPlaying(const QString& url);
     bool isFree(const QString& ip) const;
     void startDelete(std::unique_ptr<Item> recording);
+    void noteNotDeleted(const QString& name);
     void noteDeleted(Item* recording, bool succeeded);
     void tellFailedDeletes();
 

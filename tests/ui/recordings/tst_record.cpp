@@ -163,6 +163,15 @@ void tst_Record::clockTellsWhatTheBoxDoes()
     clickRow(7);
     record(false);
     QTRY_COMPARE(answers.texts().size(), 1);
+
+    // Its feed falls silent: then what it has answered counts.
+    QVERIFY(m_box->addFault("flood 0"));
+    record(true);
+    QTest::qWait(4000);
+    QVERIFY(recode()->isChecked());
+    m_box->clearFaults();
+    record(false);
+    QTRY_COMPARE(answers.texts().size(), 2);
 }
 
 void tst_Record::twiceRefusedIsBelievedWithoutAClock_data()

@@ -80,7 +80,22 @@ void tst_Recordings::otherBoxClearsTheList()
     m_box->clearFaults();
     clickRow(7);
     QTRY_COMPARE(titles(), QStringList("b.mp4"));
-    m_box->setParameter("eParam_MACAddress", mac);
+
+    // What was to be deleted was the other's.
+    QTRY_COMPARE(list()->entries().front()->macAddress(), QString("02:00:00:00:00:01"));
+    list()->selectAll();
+    DialogAnswerer answers;
+    answers.expect<messageBox>([&](messageBox& asked) {
+        m_box->setParameter("eParam_MACAddress", mac);
+        const auto* before = list()->entries().front().get();
+        select(7);
+        QTRY_VERIFY(!list()->entries().empty() && list()->entries().front().get() != before &&
+                    list()->entries().front()->macAddress() == mac);
+        asked.done(messageBox::Confirmed);
+    });
+    QTest::keyClick(list(), Qt::Key_Delete);
+    QTRY_COMPARE(answers.texts(), QStringList("文件[b.mp4]删除错误,请重试"));
+    QCOMPARE(m_box->recordings(), QStringList("b.mp4"));
 }
 
 void tst_Recordings::hostileNamesAreShownPlain()
