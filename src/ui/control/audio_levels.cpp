@@ -2,7 +2,9 @@
 #include "ui/control/audio_levels.h"
 
 #include "common/box_protocol.h"
+#include "device/device_registry.h"
 #include "device/item.h"
+#include "device/tree_model.h"
 #include "ui/control/control_area.h"
 #include "ui/hub/hub_state.h"
 #include "widgets/message_box.h"
@@ -40,9 +42,6 @@ void AudioLevels::send()
         m_timer.start();
         return;
     }
-    // Another box's value stands in the slider by now.
-    if (m_box.ip != m_hub.state.deviceIp())
-        return;
     const QString parameter = m_timer.property("slider_type").toString();
     QSlider* slider = m_area.eParam_LineinDelaySlider;
     const QLabel* caption = m_area.label_eParam_LineinDelay;
@@ -53,14 +52,17 @@ void AudioLevels::send()
         slider = m_area.eParam_LineinVolumeSlider;
         caption = m_area.label_eParam_LineinVolume;
     }
-    const Item* device = m_hub.findSelectedDevice();
-    if (!device || device->isOwned()) {
-        if (device)
+    // Another box's value may stand in the slider by now.
+    const bool isShown = m_box.ip == m_hub.state.deviceIp();
+    const Item* device = m_hub.devices.model().find(m_box.ip);
+    if (device && device->isOwned()) {
+        if (isShown)
             slider->setValue(device->parameter(parameter).toInt());
-        m_hub.freeDevice();
+        m_hub.isFree(*device);
         return;
     }
-    slider->setValue(m_value);
+    if (isShown)
+        slider->setValue(m_value);
     const QString failure = tr("控制 %1 失败,请重试!").arg(caption->text());
     const QString command = BoxProtocol::setCommand(parameter, QString::number(m_value), m_box.ip);
     if (m_hub.orders.run(m_box, {command}) == SequenceResult::SomeFailed)

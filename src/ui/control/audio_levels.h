@@ -25,6 +25,8 @@ public:
     QTimer& timer() { return m_timer; }
     /// The slider of `parameter` has moved.
     void sliderMoved(const QSlider* slider, const QString& parameter);
+    /// A slider has moved, and its value has not been sent yet.
+    bool isWaiting() const { return m_timer.isActive(); }
     /// The slider has rested: sends its value, unless an upgrade has the box. Blocks, serving
     /// events.
     void send();

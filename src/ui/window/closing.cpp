@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "ui/window/closing.h"
 
-#include "ui/hub/orders.h"
 #include "widgets/message_box.h"
 
 #include <QApplication>
 #include <QWidget>
 
-Closing::Closing(const Orders& orders, QWidget& window)
-    : QObject(nullptr), m_orders(orders), m_window(window)
+Closing::Closing(std::function<bool()> isUnderWay, QWidget& window)
+    : QObject(nullptr), m_isUnderWay(std::move(isUnderWay)), m_window(window)
 {
     m_again.setInterval(100);
     connect(&m_again, &QTimer::timeout, this, &Closing::tryAgain);
@@ -16,7 +15,7 @@ Closing::Closing(const Orders& orders, QWidget& window)
 
 bool Closing::mayClose()
 {
-    if (!m_orders.isUnderWay())
+    if (!m_isUnderWay())
         return true;
     if (!m_notice || !m_notice->isVisible())
         m_notice = messageBox::notify(tr("正在向KORA发送命令,完成后将自动关闭."), &m_window);
@@ -26,7 +25,7 @@ bool Closing::mayClose()
 
 void Closing::tryAgain()
 {
-    if (m_orders.isUnderWay() || QApplication::activeModalWidget())
+    if (m_isUnderWay() || QApplication::activeModalWidget())
         return;
     m_again.stop();
     if (m_notice)

@@ -5,19 +5,20 @@
 #include <QPointer>
 #include <QTimer>
 
-class Orders;
+#include <functional>
+
 class QWidget;
 class messageBox;
 
-/// Lets the window close only when no box is in the midst of a list of commands: cut short, half of
-/// it would stay in the box without a word.
+/// Lets the window close only when no command to a box is under way or about to be sent: cut short,
+/// half of a list would stay in the box without a word.
 class Closing : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Both outlive this object.
-    Closing(const Orders& orders, QWidget& window);
+    /// `window` outlives this object, and so does what `isUnderWay` looks at.
+    Closing(std::function<bool()> isUnderWay, QWidget& window);
 
     /// False while a list is being sent, which takes seconds: the window then closes by itself,
     /// once it has ended and its outcome has been read.
@@ -26,7 +27,7 @@ public:
 private:
     void tryAgain();
 
-    const Orders& m_orders;
+    const std::function<bool()> m_isUnderWay;
     QWidget& m_window;
     QTimer m_again; ///< runs while the window is to close
     QPointer<messageBox> m_notice;

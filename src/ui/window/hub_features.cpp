@@ -92,7 +92,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , updateCheck(*Spark_Http::instance(), options.updateServer, applicationVersion())
     , updatePrompt(hub, updateCheck, applicationVersion(), QCoreApplication::applicationDirPath(),
                    [this] { return mustNotEnd(); })
-    , closing(orders, *window)
+    , closing([this] { return orders.isUnderWay() || audio.isWaiting(); }, *window)
 {
 }
 

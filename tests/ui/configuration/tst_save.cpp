@@ -4,6 +4,7 @@
 #include "tests/support/window_fixture.h"
 
 #include <QLineEdit>
+#include <QSlider>
 #include <QSpinBox>
 
 /// Saving the configuration: what is sent, and what it does to the box.
@@ -28,6 +29,7 @@ private slots:
     void changedDhcpReallyReboots();
     void addressThatPassesOnStopsTheRun();
     void closingWaitsForTheWhole();
+    void closingSendsTheLastLevel();
 
 private:
     /// A box with known settings, selected in a window of the test's own.
@@ -269,6 +271,18 @@ void tst_Save::closingWaitsForTheWhole()
     QCOMPARE(waiting, (QVector<QString>(2, "正在向KORA发送命令,完成后将自动关闭.").toList()));
     QCOMPARE(told(box).size(), 13);
     QCOMPARE(told(box).last(), QString("reboot"));
+}
+
+void tst_Save::closingSendsTheLastLevel()
+{
+    sim::VirtualBox* box = selectBox();
+    auto* slider = m_fixture->child<QSlider>("eParam_SDIVolumeSlider");
+    slider->setSliderDown(true);
+    slider->setValue(30);
+    slider->setSliderDown(false);
+    QVERIFY(!m_fixture->window().close());
+    QTRY_VERIFY(m_fixture->window().isHidden());
+    QCOMPARE(told(box), QStringList("SDIVolume=30"));
 }
 
 QTEST_MAIN(tst_Save)
