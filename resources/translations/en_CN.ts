@@ -708,6 +708,10 @@
       <source>此地址上现在是另一台设备.</source>
       <translation>Another device is at this address now.</translation>
     </message>
+    <message>
+      <source>此地址上的设备现在才告知MAC地址,请确认后重试.</source>
+      <translation>The device at this address has told its MAC address only now, please check it and try again.</translation>
+    </message>
   </context>
   <context>
     <name>PageDialog</name>

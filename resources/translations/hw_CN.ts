@@ -708,6 +708,10 @@
       <source>此地址上现在是另一台设备.</source>
       <translation>이 주소에는 이제 다른 장치가 있습니다.</translation>
     </message>
+    <message>
+      <source>此地址上的设备现在才告知MAC地址,请确认后重试.</source>
+      <translation>이 주소의 장치가 이제야 MAC 주소를 알려 왔습니다. 확인한 후 다시 시도하십시오.</translation>
+    </message>
   </context>
   <context>
     <name>PageDialog</name>

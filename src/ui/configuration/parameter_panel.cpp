@@ -153,7 +153,7 @@ void ParameterPanel::handleIdentity(const HttpResult& result)
     m_question.clear();
     const std::optional<QString> who = identityIn(result);
     const QString mac = who.value_or(QString());
-    const bool other = isOther(mac, m_mac);
+    const bool other = isAnother(mac);
     if (!mac.isEmpty())
         noteMac(m_ip, mac);
     // Read anew by now.
@@ -214,11 +214,17 @@ void ParameterPanel::readAgain()
     showStates();
 }
 
+/// Values of a box that had no MAC address to tell may be those of one that has.
+bool ParameterPanel::isAnother(const QString& mac) const
+{
+    return m_mac.isEmpty() ? m_sameBox && !mac.isEmpty() : isOther(mac, m_mac);
+}
+
 void ParameterPanel::noteMac(const QString& ip, const QString& mac)
 {
     if (ip != m_ip || ip != m_hub.state.deviceIp())
         return;
-    if (isOther(mac, m_mac)) {
+    if (isAnother(mac)) {
         m_ip.clear();
         // What else is shown of the selected box is not this one's either.
         emit m_hub.state.readingWanted();

@@ -39,6 +39,7 @@ public:
     /// The box at `ip` has told its MAC address: when another one answers there than before,
     /// nothing of that one stays.
     void noteMac(const QString& ip, const QString& mac);
+    bool isAnother(const QString& mac) const;
 
     /// Of the box that the panels are about; empty until it has told it.
     QString mac() const { return m_mac; }

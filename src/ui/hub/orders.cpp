@@ -55,7 +55,7 @@ Orders::Orders(const Ways& ways) : QObject(nullptr), m_ways(ways)
 
 void Orders::confirm(const BoxId& box, const QObject* context, std::function<void(bool may)> then)
 {
-    m_others.remove(box.ip);
+    m_doubts.remove(box.ip);
     if (!isFree(box.ip)) {
         QTimer::singleShot(0, context, [then = std::move(then)] { then(false); });
         return;
@@ -96,17 +96,19 @@ void Orders::handleAnswer(const HttpResult& result)
     const Item* row = m_ways.devices.model().find(ip);
     if (row && BoxProtocol::isMacAddress(mac) && !BoxProtocol::isSameMac(mac, row->macAddress()))
         emit identified(ip, mac);
-    m_others.remove(ip);
+    m_doubts.remove(ip);
     for (const Waiter& waiter : question.waiters) {
         if (!waiter.context)
             continue;
-        if (BoxProtocol::isMacAddress(mac) && !waiter.box.mac.isEmpty() &&
-            !BoxProtocol::isSameMac(mac, waiter.box.mac))
-            m_others.insert(ip);
-        // Of a box that never told its MAC address nobody can say that this is another one: the
-        // only order that goes to whoever answers.
-        const bool isMeant =
-            waiter.box.mac.isEmpty() ? hasAnswered : BoxProtocol::isSameMac(mac, waiter.box.mac);
+        const bool isNamed = BoxProtocol::isMacAddress(mac);
+        const bool isSame = BoxProtocol::isSameMac(mac, waiter.box.mac);
+        // Of a box that never told its MAC address nobody can say that this is another one, as long
+        // as it tells none.
+        const bool isMeant = isSame || (waiter.box.mac.isEmpty() && hasAnswered && !isNamed);
+        if (isNamed && !isSame)
+            m_doubts.insert(ip, waiter.box.mac.isEmpty()
+                                    ? tr("此地址上的设备现在才告知MAC地址,请确认后重试.")
+                                    : tr("此地址上现在是另一台设备."));
         // Each on its own: one may block, and the answer would be old for the next.
         QTimer::singleShot(0, waiter.context, [this, waiter, isMeant] {
             waiter.then(isMeant && isFree(waiter.box.ip) && m_ways.window.isVisible());
@@ -155,8 +157,8 @@ bool Orders::isUnderWay() const
 
 QString Orders::explained(const QString& ip, const QString& failure) const
 {
-    return m_others.contains(ip) ? failure + QLatin1Char('\n') + tr("此地址上现在是另一台设备.")
-                                 : failure;
+    const QString doubt = m_doubts.value(ip);
+    return doubt.isEmpty() ? failure : failure + QLatin1Char('\n') + doubt;
 }
 
 /// Blocks, serving events.

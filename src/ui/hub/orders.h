@@ -120,5 +120,5 @@ private:
     QHash<QString, Question> m_questions; ///< by address
     int m_running = 0;
     QVector<std::weak_ptr<OrderHold>> m_holds; ///< of single orders
-    QSet<QString> m_others;                    ///< addresses at which another box has answered
+    QHash<QString, QString> m_doubts;          ///< by address: why who answered is not meant
 };

@@ -205,7 +205,7 @@ void tst_UpgradeSafety::laterSettingsCount()
     const QDateTime now = QDateTime::currentDateTime();
     for (const int hoursAgo : {1, 3}) {
         UpgradeRow row;
-        row.mac = mac(1);
+        row.mac = hoursAgo == 1 ? mac(1) : mac(1).toLower();
         row.addressBefore = row.address = m_fixture->ip(1);
         row.stage = UpgradeRow::Stage::UploadFailed;
         row.settings = UpgradeRow::Settings::Waiting;
