@@ -22,8 +22,9 @@ namespace
 
 constexpr int verdictColumn = 5;
 constexpr int noteColumn = 8;
-constexpr int noteWidth = 220;
-constexpr QSize wholeTable(1400, 600);
+constexpr int narrowestNote = 220;
+constexpr int widestNote = 480;
+constexpr QSize wholeTable(1600, 600);
 /// What a window's frame takes, and some of what is behind it to be seen.
 constexpr QSize margins(80, 80);
 
@@ -90,7 +91,6 @@ UpgradeReportDialog::UpgradeReportDialog(const UpgradeFleet& fleet, QWidget* par
     m_table->setSelectionBehavior(QAbstractItemView::SelectItems);
     m_table->setWordWrap(false);
     m_table->verticalHeader()->hide();
-    m_table->horizontalHeader()->setStretchLastSection(true);
     m_table->setColumnCount(UpgradeText::headers().size());
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_summary);
@@ -112,7 +112,24 @@ void UpgradeReportDialog::label()
     fill();
     // Only here: while boxes are under way columns must not jump, nor undo what the operator set.
     m_table->resizeColumnsToContents();
-    m_table->setColumnWidth(noteColumn, noteWidth);
+    giveRoomToNotes();
+}
+
+/// Why something went wrong is to be read before the digest is; of a long one the beginning.
+void UpgradeReportDialog::giveRoomToNotes()
+{
+    int others = 0;
+    for (int column = 0; column < m_table->columnCount(); ++column)
+        others += column == noteColumn ? 0 : m_table->columnWidth(column);
+    m_table->resizeColumnToContents(noteColumn);
+    const int wanted = qBound(narrowestNote, m_table->columnWidth(noteColumn), widestNote);
+    m_table->setColumnWidth(noteColumn, qMax(wanted, m_table->viewport()->width() - others));
+}
+
+void UpgradeReportDialog::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    giveRoomToNotes();
 }
 
 void UpgradeReportDialog::fill()

@@ -19,11 +19,13 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void fill();
     void label();
+    void giveRoomToNotes();
     void copySelection() const;
 
     const UpgradeFleet& m_fleet;
