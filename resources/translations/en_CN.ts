@@ -1238,6 +1238,10 @@ Close the program?</translation>
       <source>设备称没有这些设置:%1</source>
       <translation>Settings that the device says it does not have: %1</translation>
     </message>
+    <message>
+      <source>保存的设置已超过%1天</source>
+      <translation>The kept settings were older than %1 days</translation>
+    </message>
   </context>
   <context>
     <name>UpgradeReportDialog</name>

@@ -1238,6 +1238,10 @@
       <source>设备称没有这些设置:%1</source>
       <translation>장치에 없다고 응답한 설정: %1</translation>
     </message>
+    <message>
+      <source>保存的设置已超过%1天</source>
+      <translation>보관된 설정이 %1일보다 오래되었습니다</translation>
+    </message>
   </context>
   <context>
     <name>UpgradeReportDialog</name>

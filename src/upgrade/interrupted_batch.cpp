@@ -37,9 +37,13 @@ int markInterrupted(UpgradeSession& session, const QDateTime& now)
             row.note = stageNote(row.stage);
             row.stage = Stage::Interrupted;
         }
-        if (row.settings == Settings::Waiting &&
-            (row.mac.isEmpty() || session.started.daysTo(now) > stalestDays))
+        const bool isStale = session.started.daysTo(now) > stalestDays;
+        if (row.settings == Settings::Waiting && (row.mac.isEmpty() || isStale)) {
             row.settings = Settings::Dropped;
+            if (isStale)
+                row.aftermath = QCoreApplication::translate("UpgradeReport", "保存的设置已超过%1天")
+                                    .arg(stalestDays);
+        }
         // Only an address may be asked, whatever the file says.
         if (!BoxProtocol::isIpv4Address(row.address))
             row.address.clear();
