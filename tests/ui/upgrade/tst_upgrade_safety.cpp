@@ -124,7 +124,7 @@ void tst_UpgradeSafety::leavesABusyBoxAlone()
     m_fixture->select(1);
     leaveWaiting({{"eParam_NDIName", "kept"}});
     QVERIFY(m_boxes[1]->addFault("slow 300 on write"));
-    m_boxes[1]->setRebootTime(4000, 4000);
+    m_boxes[1]->setRebootTime(9000, 9000);
     QVERIFY(m_boxes[2]->addFault("throttle 25000 on upload")); // its end makes the list anew
     select({1, 2});
     DialogAnswerer answers("okpushButton");
