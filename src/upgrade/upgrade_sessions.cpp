@@ -90,8 +90,8 @@ void UpgradeSessions::keep(const UpgradeSession& session, Then then)
     touch(session);
     Entry& entry = entryOf(session);
     entry.waiting.push_back(std::move(then));
-    if (!entry.isSaving && entry.isListed)
-        save(entry);
+    if (entry.isListed)
+        request(entry);
 }
 
 bool UpgradeSessions::tick()
@@ -103,33 +103,60 @@ bool UpgradeSessions::tick()
         if (!entry.isListed) {
             entry.saving = std::move(entry.waiting);
             saved(entry, true);
-        } else if (entry.isTouched && !entry.isSaving &&
+        } else if (entry.isTouched && !isRequested(entry) &&
                    m_clock.ms() - entry.touchedAt >= savePauseMs) {
-            save(entry);
+            request(entry);
             any = true;
         }
     }
     return any;
 }
 
+bool UpgradeSessions::isRequested(const Entry& entry) const
+{
+    return std::find(m_requested.begin(), m_requested.end(), &entry) != m_requested.end();
+}
+
+/// What has changed in the others goes to disk before it: a batch may have begun because of what
+/// the operator said of the one before, and nobody may find the one without the other.
+void UpgradeSessions::request(Entry& entry)
+{
+    m_requested.erase(std::remove(m_requested.begin(), m_requested.end(), &entry),
+                      m_requested.end());
+    for (const auto& other : m_entries) {
+        if (other.get() != &entry && other->isListed && other->isTouched && !isRequested(*other))
+            m_requested.push_back(other.get());
+    }
+    m_requested.push_back(&entry);
+    saveNext();
+}
+
+void UpgradeSessions::saveNext()
+{
+    if (m_isSaving || m_requested.empty())
+        return;
+    Entry& next = *m_requested.front();
+    m_requested.erase(m_requested.begin());
+    save(next);
+}
+
 void UpgradeSessions::save(Entry& entry)
 {
     entry.isTouched = false;
-    entry.isSaving = true;
+    m_isSaving = true;
     entry.saving = std::move(entry.waiting);
     entry.waiting.clear();
     m_store.save(entry.session, isOpen(entry.session),
                  [this, &entry, alive = std::weak_ptr<int>(m_alive)](bool kept) {
                      if (alive.expired())
                          return;
-                     entry.isSaving = false;
+                     m_isSaving = false;
                      if (!kept && !entry.isTouched) {
                          entry.isTouched = true;
                          entry.touchedAt = m_clock.ms() + retryPauseMs;
                      }
                      saved(entry, kept);
-                     if (!entry.waiting.empty() && !entry.isSaving)
-                         save(entry);
+                     saveNext();
                  });
 }
 

@@ -44,7 +44,6 @@ private:
         UpgradeSession session;
         bool isListed = true;
         bool isTouched = false;
-        bool isSaving = false;
         qint64 touchedAt = 0;
         std::vector<Then> waiting; ///< for the next save
         std::vector<Then> saving;  ///< for the one under way
@@ -52,11 +51,16 @@ private:
 
     Entry& add(UpgradeSession session, bool listed);
     Entry& entryOf(const UpgradeSession& session);
+    bool isRequested(const Entry& entry) const;
+    void request(Entry& entry);
+    void saveNext();
     void save(Entry& entry);
     void saved(Entry& entry, bool kept);
 
     UpgradeStore& m_store;
     const UpgradeClock& m_clock;
     std::vector<std::unique_ptr<Entry>> m_entries;
+    std::vector<Entry*> m_requested; ///< to be saved, one after the other
+    bool m_isSaving = false;
     std::shared_ptr<int> m_alive = std::make_shared<int>();
 };
