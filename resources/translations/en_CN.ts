@@ -69,10 +69,6 @@
       <source>设备已不在列表中,未升级</source>
       <translation>The device is no longer in the list; not upgraded</translation>
     </message>
-    <message>
-      <source>设备正在升级固件或恢复设置,未再次升级</source>
-      <translation>Device is being upgraded or gets its settings back, it was not upgraded again</translation>
-    </message>
   </context>
   <context>
     <name>BoxGuard</name>

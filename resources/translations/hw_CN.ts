@@ -69,10 +69,6 @@
       <source>设备已不在列表中,未升级</source>
       <translation>장치가 더 이상 목록에 없어 업그레이드하지 않았습니다</translation>
     </message>
-    <message>
-      <source>设备正在升级固件或恢复设置,未再次升级</source>
-      <translation>장치가 업그레이드 중이거나 설정을 복원하는 중이므로 다시 업그레이드하지 않았습니다</translation>
-    </message>
   </context>
   <context>
     <name>BoxGuard</name>

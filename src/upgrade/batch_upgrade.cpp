@@ -74,7 +74,7 @@ BatchUpgrade::Chosen BatchUpgrade::choose(Item& box)
 {
     Chosen chosen{&box, box.address(), box.macAddress(), {}};
     if (box.isOwned()) {
-        chosen.leftOut = tr("设备正在升级固件或恢复设置,未再次升级");
+        chosen.leftOut = BoxUpgrade::ownedText();
         return chosen;
     }
     box.showUpgrade(taken);
@@ -138,7 +138,7 @@ void BatchUpgrade::begin(Pending& pending, const QString& file, const QString& m
             m_rows.bind(m_fleet.add(box.item->address(), box.item->macAddress(), pending.keep),
                         *box.item);
         else
-            m_fleet.leaveOut(box.ip, box.mac, pending.keep, box.leftOut);
+            m_fleet.leaveOut(box.ip, box.mac, box.leftOut);
     }
     addAllowance();
     emit started(counts());

@@ -323,9 +323,13 @@ void BoxUpgrade::leaveToOwner(const BoxUpgrade& owner)
         } else if (other) {
             other->heardAt(row().address);
         }
-        leaveAlone(twins ? tr("此MAC地址的另一台设备正在升级,未升级")
-                         : tr("设备正在升级固件或恢复设置,未再次升级"));
+        leaveAlone(twins ? tr("此MAC地址的另一台设备正在升级,未升级") : ownedText());
     });
+}
+
+QString BoxUpgrade::ownedText()
+{
+    return tr("设备正在升级固件或恢复设置,未再次升级");
 }
 
 /// A box that moved leaves a row behind: only what answers counts. One lost packet is no silence.

@@ -120,6 +120,9 @@ public:
     /// Nobody else may write to the box.
     bool isOwner() const { return m_step != Step::Missing && m_step != Step::Ended; }
 
+    /// Why a box that an upgrade has is not upgraded again.
+    static QString ownedText();
+
     /// Its settings wait for the operator's word.
     bool isHeld() const { return m_held; }
     /// A later upgrade has taken over what waits.

@@ -50,10 +50,10 @@ BoxUpgrade& UpgradeFleet::add(const QString& ip, const QString& mac, bool keepSe
     return box;
 }
 
-void UpgradeFleet::leaveOut(const QString& ip, const QString& mac, bool keepSettings,
-                            const QString& reason)
+void UpgradeFleet::leaveOut(const QString& ip, const QString& mac, const QString& reason)
 {
-    addToBatch(ip, mac, keepSettings).leaveOut(reason);
+    // Nothing has been read for this upgrade.
+    addToBatch(ip, mac, false).leaveOut(reason);
 }
 
 BoxUpgrade& UpgradeFleet::addToBatch(const QString& ip, const QString& mac, bool keepSettings)

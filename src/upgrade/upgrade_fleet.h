@@ -39,7 +39,7 @@ public:
     /// known. It lives as long as this object.
     BoxUpgrade& add(const QString& ip, const QString& mac, bool keepSettings);
     /// One that was chosen for the batch, too, but is not upgraded: the report says why.
-    void leaveOut(const QString& ip, const QString& mac, bool keepSettings, const QString& reason);
+    void leaveOut(const QString& ip, const QString& mac, const QString& reason);
     /// All boxes have been told, or are given up.
     void endBatch();
 
