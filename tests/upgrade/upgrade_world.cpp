@@ -201,9 +201,13 @@ void UpgradeWorld::startProgram()
 /// Killed: nothing more is saved. Sometimes closed instead.
 void UpgradeWorld::endProgram()
 {
-    if (m_fleet && m_story.chance(70))
+    const bool isKilled = m_fleet && m_story.chance(70);
+    if (isKilled)
         ++m_store.program;
     m_fleet.reset();
+    // One that is killed has no last word either.
+    if (isKilled)
+        ++m_store.program;
     m_steps.clear();
     m_lan.note("the program ends");
 }
