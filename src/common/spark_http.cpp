@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "common/spark_http.h"
 
+#include "common/box_protocol.h"
 #include "common/http_request.h"
 #include "common/http_result.h"
 #include "common/operation_log.h"
@@ -16,6 +17,9 @@
 namespace
 {
 
+/// From this HTTP status on a reply has no content that anybody asked for.
+constexpr int firstError = 400;
+
 /// Serves events until `download`, which `start` starts, has ended.
 QString waitFor(SparkDownload& download, const std::function<void()>& start)
 {
@@ -30,6 +34,15 @@ QString waitFor(SparkDownload& download, const std::function<void()>& start)
     return path;
 }
 
+qint64 bodyLimit(const QString& url, Spark_Http::Peer peer)
+{
+    if (peer == Spark_Http::Peer::Stranger)
+        return Limits::StrangerBodyBytes;
+    const bool isList =
+        url.endsWith(BoxProtocol::RecordList) || url.endsWith(BoxProtocol::NDIDecodeList);
+    return isList ? Limits::ListBodyBytes : Limits::ValueBodyBytes;
+}
+
 /// Requests to one of these share its connections.
 QString serverKey(const QUrl& url)
 {
@@ -38,7 +51,10 @@ QString serverKey(const QUrl& url)
 
 } // namespace
 
-Spark_Http::Spark_Http() = default;
+Spark_Http::Spark_Http()
+{
+    connect(&m_network, &HttpNetwork::answered, this, &Spark_Http::take);
+}
 
 /// Made for the first request: it starts threads of its own, which the window need not wait for.
 QNetworkAccessManager& Spark_Http::manager()
@@ -50,9 +66,9 @@ QNetworkAccessManager& Spark_Http::manager()
     return *m_manager;
 }
 
-QString Spark_Http::get(const QString& type, const QString& url, bool isblocking)
+QString Spark_Http::get(const QString& type, const QString& url, bool isblocking, Peer peer)
 {
-    Request request{type, url, isblocking, isblocking, {}, nullptr};
+    Request request{type, url, peer, isblocking, isblocking, {}, nullptr};
     if (!isblocking) {
         const QString id = QUuid::createUuid().toString(QUuid::Id128);
         request.ids << id;
@@ -69,7 +85,7 @@ QString Spark_Http::get(const QString& type, const QString& url, bool isblocking
 QString Spark_Http::getFirst(const QString& type, const QString& url)
 {
     const QString id = QUuid::createUuid().toString(QUuid::Id128);
-    enqueue({type, url, false, true, {id}, nullptr});
+    enqueue({type, url, Peer::Box, false, true, {id}, nullptr});
     return id;
 }
 
@@ -132,16 +148,34 @@ void Spark_Http::sendNext(const QString& serverKey)
 
 void Spark_Http::send(Server& server, const Request& request)
 {
+    const quint64 number = ++m_lastNumber;
+    const QUrl url = httpRequest(request.url).url();
+    server.sent.insert(number, request);
+    m_numbers.insert(number, serverKey(url));
+    if (url.scheme() == QLatin1String("https")) {
+        sendSecurely(number, request);
+        return;
+    }
+    HttpQuestion question;
+    question.id = number;
+    question.host = url.host();
+    question.port = quint16(url.port(80));
+    question.target =
+        url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
+    question.bodyLimit = bodyLimit(request.url, request.peer);
+    question.isStranger = request.peer == Peer::Stranger;
+    m_network.ask(question);
+}
+
+void Spark_Http::sendSecurely(quint64 number, const Request& request)
+{
     QNetworkReply* reply = manager().get(httpRequest(request.url));
-    reply->setProperty("type", request.type);
-    reply->setProperty("isblocking", request.isblocking);
-    reply->setProperty("id", request.ids.value(0));
-    server.sent.insert(reply, request);
+    reply->setProperty("number", number);
     // One that sends a byte now and then is never silent.
     QTimer::singleShot(RequestLimitMs, reply, &QNetworkReply::abort);
     connect(reply, &QNetworkReply::finished, this, &Spark_Http::R_finished);
     connect(reply, &QNetworkReply::readyRead, reply, [reply] {
-        if (reply->bytesAvailable() > BodyLimit)
+        if (reply->bytesAvailable() > Limits::StrangerBodyBytes)
             reply->abort();
     });
 }
@@ -165,30 +199,45 @@ void Spark_Http::R_finished()
     if (!reply)
         return;
     reply->deleteLater();
-    QString body;
-    if (reply->error() == QNetworkReply::NoError && reply->bytesAvailable() <= BodyLimit)
-        body = QString::fromUtf8(reply->readAll());
-
-    const QString id = reply->property("id").toString();
-    const QUrl url = reply->request().url();
-    // Before anybody hears of it, as they may wait.
-    const QString key = serverKey(url);
-    Server& server = m_servers[key];
-    const Request request = server.sent.take(reply);
+    HttpAnswer answered;
+    answered.id = reply->property("number").toULongLong();
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    server.unanswered = status > 0 ? 0 : server.unanswered + 1;
+    answered.heard = status > 0;
+    if (reply->error() == QNetworkReply::NoError &&
+        reply->bytesAvailable() <= Limits::StrangerBodyBytes) {
+        answered.status = status;
+        answered.body = reply->readAll();
+    }
+    take(answered);
+}
+
+void Spark_Http::take(const HttpAnswer& answered)
+{
+    const QString body =
+        answered.status < firstError ? QString::fromUtf8(answered.body) : QString();
+    // Before anybody hears of it, as they may wait.
+    const QString key = m_numbers.take(answered.id);
+    Server& server = m_servers[key];
+    const Request request = server.sent.take(answered.id);
+    server.unanswered = answered.heard ? 0 : server.unanswered + 1;
     if (server.unanswered >= MostAtOnce)
         giveUpWaiting(server);
     sendNext(key);
-    if (!body.isEmpty()) {
-        const QString function = QStringLiteral("Spark_Http::R_finished");
-        const QString log = QStringLiteral("http-") + url.host();
-        writeLog(log, logLine(id + QStringLiteral("  http请求 ") + url.toString(),
-                              "src/common/spark_http.cpp", __LINE__, function));
-        writeLog(log, logLine(id + QStringLiteral("  http请求结果 ") + body,
-                              "src/common/spark_http.cpp", __LINE__, function));
-    }
-    answer(request, url.host(), body, status);
+    const QUrl url = httpRequest(request.url).url();
+    if (!body.isEmpty())
+        log(request, url, body);
+    answer(request, url.host(), body, answered.status);
+}
+
+void Spark_Http::log(const Request& request, const QUrl& url, const QString& body) const
+{
+    const QString id = request.ids.value(0);
+    const QString function = QStringLiteral("Spark_Http::R_finished");
+    const QString name = QStringLiteral("http-") + url.host();
+    writeLog(name, logLine(id + QStringLiteral("  http请求 ") + url.toString(),
+                           "src/common/spark_http.cpp", __LINE__, function));
+    writeLog(name, logLine(id + QStringLiteral("  http请求结果 ") + body,
+                           "src/common/spark_http.cpp", __LINE__, function));
 }
 
 void Spark_Http::answer(const Request& request, const QString& host, const QString& body,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/http_network.h"
+#include "common/limits.h"
 #include "common/uisingleton.h"
 
 #include <QHash>
@@ -13,7 +15,6 @@
 #include <QVariantMap>
 
 class QEventLoop;
-class QNetworkReply;
 
 /// Every plain GET of the program: parameter reads from boxes, the web page probe, update
 /// descriptors and downloads. GUI thread only.
@@ -28,21 +29,20 @@ class Spark_Http : public QObject, public UISingleton<Spark_Http>
 public:
     /// The longest time without data, in milliseconds, before a request counts as failed. It begins
     /// when the request is sent.
-    static constexpr int TransferLimitMs = 2000;
+    static constexpr int TransferLimitMs = Limits::HttpSilenceMs;
     /// Of a whole request, in milliseconds.
-    static constexpr int RequestLimitMs = 10000;
-    /// The most requests that one server is sent at a time. As many as QNetworkAccessManager has
-    /// connections for: it would count the wait for one of them as time without data.
+    static constexpr int RequestLimitMs = Limits::HttpTotalMs;
+    /// The most requests that one server is sent at a time, each over a connection of its own.
     static constexpr int MostAtOnce = 6;
     /// The most that wait for one server; what comes on top fails at once.
     static constexpr int MostWaiting = 400;
-    /// A body longer than this, in bytes, is not one of a box: the request is given up.
-    static constexpr qint64 BodyLimit = 4 * 1024 * 1024;
+    /// Who is asked: nobody has said yet that a stranger is a box. He gets connections apart.
+    enum class Peer { Box, Stranger };
 
     /// Requests `url` (already encoded). Non-blocking: returns the request's id at once, and the
     /// answer comes by S_finished. Blocking: goes before what waits, serves events other than user
     /// input, and returns the body. `type` is the routing word of the answer.
-    QString get(const QString& type, const QString& url, bool isblocking);
+    QString get(const QString& type, const QString& url, bool isblocking, Peer peer = Peer::Box);
     /// As non-blocking get(), but goes before what waits.
     QString getFirst(const QString& type, const QString& url);
 
@@ -70,6 +70,7 @@ private:
     struct Request {
         QString type;
         QString url;
+        Peer peer = Peer::Box;
         bool isblocking = false;
         bool goesFirst = false;
         QStringList ids;
@@ -77,18 +78,24 @@ private:
     };
     struct Server {
         QList<Request> waiting;
-        QHash<const QNetworkReply*, Request> sent;
-        int unanswered = 0; ///< of those sent last, one after the other
+        QHash<quint64, Request> sent; ///< by their number
+        int unanswered = 0;           ///< of those sent last, one after the other
     };
 
     bool joinWaiting(Server& server, const Request& request);
     void enqueue(const Request& request);
     void sendNext(const QString& serverKey);
     void send(Server& server, const Request& request);
+    void sendSecurely(quint64 number, const Request& request);
+    void take(const HttpAnswer& answered);
+    void log(const Request& request, const QUrl& url, const QString& body) const;
     void giveUpWaiting(Server& server);
     void failSoon(const Request& request);
     void answer(const Request& request, const QString& host, const QString& body, int httpStatus);
 
-    QNetworkAccessManager* m_manager = nullptr;
+    HttpNetwork m_network;
+    QNetworkAccessManager* m_manager = nullptr; ///< for https only: no box speaks it
     QHash<QString, Server> m_servers;
+    QHash<quint64, QString> m_numbers; ///< of what is sent, and the server's key
+    quint64 m_lastNumber = 0;
 };

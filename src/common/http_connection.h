@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "common/http_reply_parser.h"
+
+#include <QObject>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include <memory>
+
+/// One thing to be asked of a server by GET.
+struct HttpQuestion {
+    quint64 id = 0;
+    QString host;
+    quint16 port = 80;
+    QByteArray target;       ///< path and query, encoded
+    qint64 bodyLimit = 0;    ///< bytes
+    bool isStranger = false; ///< nobody says that it is a box
+};
+
+struct HttpAnswer {
+    quint64 id = 0;
+    bool heard = false; ///< somebody is there, whatever he said
+    /// 0: not a whole reply in time, or more of it than is wanted.
+    int status = 0;
+    QByteArray body;
+};
+Q_DECLARE_METATYPE(HttpAnswer)
+
+/// One connection to one server, which is asked one thing at a time. It lives in the thread of
+/// whoever made it and needs its event loop.
+class HttpConnection : public QObject
+{
+    Q_OBJECT
+
+public:
+    HttpConnection(QString host, quint16 port, QObject* parent);
+
+    /// Only while it is idle.
+    void ask(const HttpQuestion& question);
+    bool isIdle() const { return !m_parser; }
+
+signals:
+    /// The answer to the last question: every question has one.
+    void answered(const HttpAnswer& answer);
+    /// It is of no use any more: closed by one of the two, or idle for too long.
+    void ended();
+
+private:
+    void send();
+    void read();
+    void lost();
+    void settle(bool whole);
+    void giveUp();
+
+    const QString m_host;
+    const quint16 m_port;
+    QTcpSocket m_socket;
+    QTimer m_silence;
+    QTimer m_total;
+    QTimer m_idle;
+    HttpQuestion m_question;
+    std::unique_ptr<HttpReplyParser> m_parser; ///< while something is asked
+    bool m_used = false;  ///< it has answered before, so that its server may just have closed it
+    bool m_heard = false; ///< something of this answer has arrived
+};

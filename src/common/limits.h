@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtGlobal>
+
+/// The most that anybody on the network gets of this program, whoever he says he is. What is over a
+/// limit is given up, not cut, unless it says so; docs/security.md tells why each is what it is.
+namespace Limits
+{
+
+/// Bytes of a reply before its body: status, headers, and the sizes between pieces of a body.
+constexpr int HttpHeadBytes = 16 * 1024;
+/// Bytes of a body from somebody who is not known to be a box.
+constexpr qint64 StrangerBodyBytes = 64 * 1024;
+/// Bytes of a body with one value of a box.
+constexpr qint64 ValueBodyBytes = 64 * 1024;
+/// Bytes of a body with a list of a box: its recordings, or the sources it sees.
+constexpr qint64 ListBodyBytes = 1024 * 1024;
+
+/// Milliseconds without a byte before a request counts as failed.
+constexpr int HttpSilenceMs = 2000;
+/// Milliseconds for a whole request, from when it is sent to its last byte.
+constexpr int HttpTotalMs = 10000;
+/// Milliseconds for which a connection that nobody uses is kept.
+constexpr int HttpIdleMs = 1000;
+/// Connections to boxes, and to strangers, at a time.
+constexpr int BoxConnections = 96;
+constexpr int StrangerConnections = 48;
+
+} // namespace Limits
