@@ -27,4 +27,15 @@ constexpr int HttpIdleMs = 1000;
 constexpr int BoxConnections = 96;
 constexpr int StrangerConnections = 48;
 
+/// Bytes of a message of an event feed, and of a piece of one.
+constexpr int FeedMessageBytes = 64 * 1024;
+/// Messages of a feed that the window is handed at a time, and milliseconds between two times.
+constexpr int FeedMessagesAtOnce = 16;
+constexpr int FeedPaceMs = 20;
+/// Milliseconds for a feed to be agreed on.
+constexpr int FeedHandshakeMs = 5000;
+/// Milliseconds between two questions whether the other end of a feed is still there; without an
+/// answer by the next one it counts as lost.
+constexpr int FeedPingMs = 2000;
+
 } // namespace Limits

@@ -32,6 +32,7 @@ DeviceRegistry::DeviceRegistry(TreeModel& model, Spark_Http& http, SweepSettings
                                Wire wire)
     : m_model(model), m_http(http), m_settings(std::move(settings)), m_wire(std::move(wire))
 {
+    m_clock.start();
 }
 
 DeviceRegistry::~DeviceRegistry()
@@ -93,10 +94,12 @@ void DeviceRegistry::probe(const QStringList& ips)
     for (const QString& line : ips) {
         // A tool of another system may end its lines with a carriage return.
         const QString ip = line.trimmed();
-        if (!BoxProtocol::isIpv4Address(ip) || m_model.find(ip))
+        if (!BoxProtocol::isIpv4Address(ip) || m_model.find(ip) ||
+            !m_probes.isDue(ip, m_clock.elapsed()))
             continue;
-        m_http.get(nameProbe(), BoxProtocol::readUrl(ip, BoxProtocol::DeviceName), false);
-        m_http.get(pageProbe(), BoxProtocol::dashboardUrl(ip), false);
+        const auto stranger = Spark_Http::Peer::Stranger;
+        m_http.get(nameProbe(), BoxProtocol::readUrl(ip, BoxProtocol::DeviceName), false, stranger);
+        m_http.get(pageProbe(), BoxProtocol::dashboardUrl(ip), false, stranger);
     }
 }
 
@@ -156,6 +159,7 @@ void DeviceRegistry::addDevice(const QString& ip, const QString& name)
     }
     Item* box = Item::makeBox(ip).release();
     box->setPackageName(m_firmwareBaseName);
+    m_probes.forget(ip);
     m_newest[ip] = m_checks; // it has just answered: what began before that is out of date
     m_model.append(box, group, false);
     emit changed();
@@ -173,6 +177,8 @@ void DeviceRegistry::setFirmwareBaseName(const QString& name)
 
 void DeviceRegistry::forgetIdleDevices()
 {
+    // Whoever asks for a fresh look gets one.
+    m_probes = {};
     const QList<Item*> boxes = devices();
     for (Item* box : boxes) {
         if (!box->isUpgrading() && !box->isOrdered())

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "device/probe_plan.h"
 #include "device/spark_thread.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -76,6 +78,8 @@ private:
     const SweepSettings m_settings;
     const Wire m_wire;
     QString m_firmwareBaseName;
+    ProbePlan m_probes;
+    QElapsedTimer m_clock;
     int m_checks = 0;             // begun so far
     QHash<QString, int> m_newest; // by address: this check and older ones say nothing new of it
     QList<QPointer<Spark_Thread>> m_threads;

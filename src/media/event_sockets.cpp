@@ -2,6 +2,7 @@
 #include "media/event_sockets.h"
 
 #include "common/json_map.h"
+#include "media/event_feed.h"
 
 #include <QTime>
 
@@ -29,60 +30,51 @@ QString recordTimeOf(const QString& message)
     return timeText(recordMs(message));
 }
 
-EventSocket::EventSocket(quint16 port, QObject* parent)
-    : QObject(parent), m_port(port), m_socket(QString(), QWebSocketProtocol::Version13)
+EventSocket::EventSocket(quint16 port, QThread& network) : m_feed(new EventFeed(port))
 {
-    m_socket.setMaxAllowedIncomingMessageSize(MessageLimit);
-    m_retry.setSingleShot(true);
-    connect(&m_retry, &QTimer::timeout, this, &EventSocket::attempt);
-    connect(&m_socket, &QWebSocket::connected, this, [this] {
-        emit connected();
-        m_socket.sendTextMessage(QStringLiteral("hx_meta=on"));
+    m_feed->moveToThread(&network);
+    connect(&network, &QThread::finished, m_feed, &QObject::deleteLater);
+    // What an earlier box has sent may still be on its way here.
+    connect(m_feed, &EventFeed::connected, this, [this](int turn) {
+        if (turn == m_turn)
+            emit connected();
     });
-    connect(&m_socket, &QWebSocket::textMessageReceived, this, &EventSocket::message);
-    connect(&m_socket, &QWebSocket::disconnected, this, &EventSocket::handleDisconnected);
-}
-
-EventSocket::~EventSocket()
-{
-    // Its farewell would ask for another attempt.
-    m_socket.disconnect(this);
-    m_socket.abort();
+    connect(m_feed, &EventFeed::messages, this, [this](int turn, const QStringList& texts) {
+        for (const QString& text : texts) {
+            if (turn == m_turn)
+                emit message(text);
+        }
+    });
+    connect(m_feed, &EventFeed::reconnecting, this, [this](int turn, const QString& url) {
+        if (turn == m_turn)
+            emit reconnecting(url);
+    });
 }
 
 void EventSocket::connectTo(const QString& ip)
 {
-    m_url.setUrl(QStringLiteral("ws://%1:%2").arg(ip).arg(m_port));
-    m_retry.stop();
-    m_switching = true;
-    m_socket.close(QWebSocketProtocol::CloseCodeNormal, QString());
-    attempt();
-    m_switching = false;
-}
-
-void EventSocket::attempt()
-{
-    m_lastAttempt.start();
-    m_socket.open(m_url);
-}
-
-void EventSocket::handleDisconnected()
-{
-    if (m_switching)
-        return;
-    emit reconnecting(m_url.toString());
-    m_retry.start(int(qBound<qint64>(0, AttemptPaceMs - m_lastAttempt.elapsed(), AttemptPaceMs)));
+    ++m_turn;
+    QMetaObject::invokeMethod(m_feed,
+                              [feed = m_feed, ip, turn = m_turn] { feed->connectTo(ip, turn); });
 }
 
 EventSockets::EventSockets(QObject* parent)
-    : QObject(parent), m_stream(streamPort), m_media(mediaPort)
+    : QObject(parent), m_stream(streamPort, m_network), m_media(mediaPort, m_network)
 {
+    m_network.setObjectName(QStringLiteral("event feeds"));
+    m_network.start();
     connect(&m_stream, &EventSocket::message, this, [this](const QString& text) {
         const qint64 ms = recordMs(text);
         emit recordTime(timeText(ms));
         emit recordClock(ms);
     });
     connect(&m_stream, &EventSocket::reconnecting, this, [this] { emit recordTime(timeText(0)); });
+}
+
+EventSockets::~EventSockets()
+{
+    m_network.quit();
+    m_network.wait();
 }
 
 void EventSockets::connectTo(const QString& ip)

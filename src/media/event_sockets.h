@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QElapsedTimer>
+#include "common/limits.h"
+
 #include <QObject>
-#include <QTimer>
-#include <QUrl>
-#include <QWebSocket>
+#include <QStringList>
+#include <QThread>
+
+class EventFeed;
 
 /// One feed of a box's event messages. Keeps itself connected to the box it was pointed at.
 class EventSocket : public QObject
@@ -14,14 +16,14 @@ class EventSocket : public QObject
 
 public:
     /// The longest message taken, in bytes; a longer one ends the connection.
-    static constexpr quint64 MessageLimit = 1024 * 1024;
+    static constexpr quint64 MessageLimit = Limits::FeedMessageBytes;
     /// The shortest time between two attempts, in milliseconds. The first attempt after a lost
     /// connection is made at once; a box that refuses is asked again at this pace, so that it
-    /// cannot keep the window busy.
+    /// cannot keep the computer busy.
     static constexpr int AttemptPaceMs = 250;
 
-    explicit EventSocket(quint16 port, QObject* parent = nullptr);
-    ~EventSocket() override;
+    /// Its connection lives on `network`, and ends with that.
+    EventSocket(quint16 port, QThread& network);
 
     /// Leaves the box it was pointed at and connects to the one at `ip`.
     void connectTo(const QString& ip);
@@ -33,15 +35,8 @@ signals:
     void reconnecting(const QString& url);
 
 private:
-    void attempt();
-    void handleDisconnected();
-
-    const quint16 m_port;
-    QWebSocket m_socket;
-    QUrl m_url;
-    QElapsedTimer m_lastAttempt;
-    QTimer m_retry;
-    bool m_switching = false;
+    EventFeed* m_feed;
+    int m_turn = 0;
 };
 
 /// The two feeds of the selected box.
@@ -51,6 +46,7 @@ class EventSockets : public QObject
 
 public:
     explicit EventSockets(QObject* parent = nullptr);
+    ~EventSockets() override;
 
     /// Points both feeds at the box at `ip`, the stream feed first.
     void connectTo(const QString& ip);
@@ -65,6 +61,7 @@ signals:
     void recordClock(qint64 ms);
 
 private:
+    QThread m_network;
     EventSocket m_stream;
     EventSocket m_media;
 };

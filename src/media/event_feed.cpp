@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#include "media/event_feed.h"
+
+#include "common/limits.h"
+#include "media/event_sockets.h"
+
+#include <QNetworkProxy>
+#include <QWebSocket>
+
+EventFeed::EventFeed(quint16 port)
+    : m_port(port), m_retry(this), m_handshake(this), m_alive(this), m_hand(this)
+{
+    for (QTimer* timer : {&m_retry, &m_handshake, &m_hand})
+        timer->setSingleShot(true);
+    m_alive.setInterval(Limits::FeedPingMs);
+    connect(&m_retry, &QTimer::timeout, this, &EventFeed::attempt);
+    connect(&m_handshake, &QTimer::timeout, this, &EventFeed::lost);
+    connect(&m_alive, &QTimer::timeout, this, &EventFeed::checkAlive);
+    connect(&m_hand, &QTimer::timeout, this, &EventFeed::hand);
+}
+
+EventFeed::~EventFeed()
+{
+    drop();
+}
+
+void EventFeed::connectTo(const QString& ip, int turn)
+{
+    m_turn = turn;
+    m_url.setUrl(QStringLiteral("ws://%1:%2").arg(ip).arg(m_port));
+    m_retry.stop();
+    attempt();
+}
+
+void EventFeed::attempt()
+{
+    drop();
+    m_lastAttempt.start();
+    m_socket = new QWebSocket(QString(), QWebSocketProtocol::Version13, this);
+    m_socket->setProxy(QNetworkProxy::NoProxy);
+    m_socket->setReadBufferSize(Limits::FeedMessageBytes);
+    m_socket->setMaxAllowedIncomingFrameSize(Limits::FeedMessageBytes);
+    m_socket->setMaxAllowedIncomingMessageSize(Limits::FeedMessageBytes);
+    connect(m_socket, &QWebSocket::connected, this, &EventFeed::greet);
+    connect(m_socket, &QWebSocket::textMessageReceived, this, &EventFeed::take);
+    connect(m_socket, &QWebSocket::pong, this, [this] { m_isWaitingForPong = false; });
+    connect(m_socket, &QWebSocket::disconnected, this, &EventFeed::lost);
+    connect(m_socket, QOverload<QAbstractSocket::SocketError>::of(&QWebSocket::error), this,
+            &EventFeed::lost);
+    m_handshake.start(Limits::FeedHandshakeMs);
+    m_socket->open(m_url);
+}
+
+void EventFeed::drop()
+{
+    m_handshake.stop();
+    m_alive.stop();
+    m_hand.stop();
+    m_texts.clear();
+    if (!m_socket)
+        return;
+    // Its farewell would ask for another attempt.
+    m_socket->disconnect(this);
+    m_socket->abort();
+    m_socket->deleteLater();
+    m_socket = nullptr;
+}
+
+void EventFeed::greet()
+{
+    m_handshake.stop();
+    m_isWaitingForPong = false;
+    m_alive.start();
+    emit connected(m_turn);
+    m_socket->sendTextMessage(QStringLiteral("hx_meta=on"));
+}
+
+/// A box that lost its power says no farewell.
+void EventFeed::checkAlive()
+{
+    if (m_isWaitingForPong) {
+        lost();
+        return;
+    }
+    m_isWaitingForPong = true;
+    m_socket->ping();
+}
+
+void EventFeed::take(const QString& text)
+{
+    m_isWaitingForPong = false;
+    if (m_texts.size() >= Limits::FeedMessagesAtOnce)
+        m_texts.removeFirst();
+    m_texts << text;
+    if (!m_hand.isActive())
+        m_hand.start(Limits::FeedPaceMs);
+}
+
+void EventFeed::hand()
+{
+    const QStringList texts = m_texts;
+    m_texts.clear();
+    emit messages(m_turn, texts);
+}
+
+void EventFeed::lost()
+{
+    drop();
+    emit reconnecting(m_turn, m_url.toString());
+    constexpr qint64 pace = EventSocket::AttemptPaceMs;
+    m_retry.start(int(qBound<qint64>(0, pace - m_lastAttempt.elapsed(), pace)));
+}
