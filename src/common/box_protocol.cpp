@@ -179,6 +179,13 @@ QString restartCommand(const QString& ip)
                        {ip});
 }
 
+QString actionOf(const QString& commandLine)
+{
+    // The first is the program's own; what was typed stands behind it.
+    static const QRegularExpression action(QStringLiteral("\\baction=(\\w+)"));
+    return action.match(commandLine).captured(1);
+}
+
 QString rebootCommand(const QString& ip)
 {
     return fillCommand(QStringLiteral("curl -d action=reboot -X POST http://%1:8081/control?"),

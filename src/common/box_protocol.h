@@ -96,6 +96,8 @@ QString streamPushCommand(const QString& ip, const QString& url);
 /// Serves the live stream as an SRT listener.
 QString streamListenCommand(const QString& ip, const QString& port, const QString& streamId);
 
+/// The name of the command that `commandLine` sends, as its reply repeats it; empty when none.
+QString actionOf(const QString& commandLine);
 QString rebootCommand(const QString& ip);
 QString restartCommand(const QString& ip);
 QString otaCommand(const QString& ip);

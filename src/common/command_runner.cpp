@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "common/command_runner.h"
 
+#include "common/box_protocol.h"
+#include "common/limits.h"
 #include "common/operation_log.h"
 #include "common/platform.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 #include <QEventLoop>
+#include <QJsonDocument>
 #include <QPointer>
 #include <QQueue>
 #include <QSet>
@@ -16,6 +19,27 @@ namespace
 {
 
 constexpr const char* stoppedMark = "stopped";
+constexpr const char* replyProperty = "reply";
+constexpr const char* repliedMark = "replied";
+
+/// A box is spoken to directly, whatever the user's files and environment say.
+const QStringList& directly()
+{
+    static const QStringList arguments{QStringLiteral("-q"), QStringLiteral("--noproxy"),
+                                       QStringLiteral("*")};
+    return arguments;
+}
+
+bool isWhole(const QByteArray& reply)
+{
+    return reply.trimmed().endsWith('}') && QJsonDocument::fromJson(reply).isObject();
+}
+
+/// What `process` has said that was not taken yet.
+QByteArray collected(QProcess* process)
+{
+    return process->property(replyProperty).toByteArray() + process->readAllStandardOutput();
+}
 
 /// Commands that run on their own, so that none outlives the program.
 QSet<QProcess*>& running()
@@ -35,6 +59,8 @@ void start(QProcess* process, const QString& command)
     process->setReadChannel(QProcess::StandardOutput);
     QStringList arguments = QProcess::splitCommand(command);
     const QString program = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    if (program == QLatin1String("curl"))
+        arguments = directly() + arguments;
     const Platform::ChildInput input = Platform::curlInput(arguments);
     process->start(program, input.arguments, QIODevice::ReadWrite);
     process->write(input.standardInput);
@@ -147,6 +173,7 @@ QPointer<QProcess> CommandRunner::execCurl(const QString& ip, const QString& com
     if (errorOutput == ErrorOutput::Discard)
         discardErrorOutput(process);
     process->setProperty("ip", ip);
+    process->setProperty(ActionProperty, BoxProtocol::actionOf(command));
     log(ip, process, QStringLiteral("  执行Curl   ") + command, __LINE__, "execCurl");
     qDebug().noquote() << process << "执行Curl   " << command;
     for (auto it = properties.cbegin(); it != properties.cend(); ++it)
@@ -180,7 +207,7 @@ QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
 
     const auto collect = [&] {
         output += process.readAllStandardOutput();
-        if (output.size() > ReplyLimit)
+        if (output.size() > Limits::CommandReplyBytes)
             process.kill();
     };
     QObject::connect(&process, &QProcess::readyReadStandardOutput, &loop, collect);
@@ -211,7 +238,7 @@ QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
         answered = false;
     }
 
-    if (!answered || output.size() > ReplyLimit)
+    if (!answered || output.size() > Limits::CommandReplyBytes)
         output.clear();
     const QString reply = QString::fromLocal8Bit(output);
     log(ip, &process, QStringLiteral("  执行Curl返回数据   ") + reply, __LINE__, "execCurlWait");
@@ -221,11 +248,37 @@ QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
 
 QString CommandRunner::takeReply(QProcess* process) const
 {
-    const QString reply = QString::fromLocal8Bit(process->readAllStandardOutput());
+    const QByteArray reply = collected(process);
+    // Whatever comes behind it is none.
+    if (process->property(repliedMark).toBool())
+        return QString();
+    const bool isTooLong = reply.size() > Limits::CommandReplyBytes;
+    const bool isReply = !isTooLong && isWhole(reply);
+    process->setProperty(repliedMark, isTooLong || isReply);
+    process->setProperty(replyProperty, isTooLong || isReply ? QByteArray() : reply);
+    if (isTooLong) {
+        qWarning().noquote() << process->property("ip").toString()
+                             << "sends more than a reply to a command; it is ended";
+        process->kill();
+    }
+    return isReply ? logged(process, reply) : QString();
+}
+
+QString CommandRunner::takeRest(QProcess* process) const
+{
+    const QByteArray rest = collected(process).left(Limits::CommandReplyBytes);
+    process->setProperty(replyProperty, QByteArray());
+    const bool isOver = process->property(repliedMark).toBool();
+    return isOver || rest.isEmpty() ? QString() : logged(process, rest);
+}
+
+QString CommandRunner::logged(QProcess* process, const QByteArray& reply) const
+{
+    const QString text = QString::fromLocal8Bit(reply);
     log(process->property("ip").toString(), process,
-        QStringLiteral("  执行Curl返回数据   ") + reply, __LINE__, "R_readyReadStandardOutput");
-    qDebug().noquote() << process << "执行Curl返回数据     " << reply;
-    return reply;
+        QStringLiteral("  执行Curl返回数据   ") + text, __LINE__, "R_readyReadStandardOutput");
+    qDebug().noquote() << process << "执行Curl返回数据     " << logClip(text);
+    return text;
 }
 
 void CommandRunner::noteEnd(QProcess* process) const

@@ -28,8 +28,8 @@ public:
     /// writes to a box that is switched off still end in under 40 s.
     static constexpr int WaitLimitMs = 3000;
 
-    /// A reply longer than this, in bytes, is not one of a box: its process is ended.
-    static constexpr int ReplyLimit = 4 * 1024 * 1024;
+    /// The property of a process with the name of its command, as its reply repeats it.
+    static constexpr const char* ActionProperty = "action";
 
     /// What becomes of a command's error output, where curl reports its progress.
     enum class ErrorOutput {
@@ -62,8 +62,11 @@ public:
     /// before it does anything.
     static void stop(QProcess* process);
 
-    /// For the owner's output slot: what has arrived from `process`, logged.
+    /// For the owner's output slot: the reply of `process` as soon as it has arrived as a whole,
+    /// which is logged; else empty. A command has one reply; one that is too long ends its process.
     QString takeReply(QProcess* process) const;
+    /// Once `process` is not running any more: what it said that was no reply, logged.
+    QString takeRest(QProcess* process) const;
 
     /// For the owner's state slot, once `process` is not running any more: logs the end. The
     /// process deletes itself.
@@ -73,6 +76,7 @@ public:
     static void endAll();
 
 private:
+    QString logged(QProcess* process, const QByteArray& reply) const;
     void log(const QString& ip, const QObject* process, const QString& event, int line,
              const char* function) const;
 

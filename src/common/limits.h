@@ -38,4 +38,9 @@ constexpr int FeedHandshakeMs = 5000;
 /// answer by the next one it counts as lost.
 constexpr int FeedPingMs = 2000;
 
+/// Bytes of the reply to a command.
+constexpr int CommandReplyBytes = 64 * 1024;
+/// Characters of one record in a log; of a longer one the beginning is kept, and its length.
+constexpr int LogRecordChars = 2048;
+
 } // namespace Limits

@@ -2,6 +2,7 @@
 #include "common/operation_log.h"
 
 #include "common/data_path.h"
+#include "common/limits.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -115,12 +116,25 @@ void writeLog(const QString& key, const QString& line)
     pool().write(key, line);
 }
 
+QString logClip(const QString& text)
+{
+    QString line = text.left(Limits::LogRecordChars);
+    for (QChar& c : line) {
+        const bool breaks = c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
+        if (c.category() == QChar::Other_Control || breaks)
+            c = QLatin1Char(' ');
+    }
+    if (text.size() > line.size())
+        line += QStringLiteral("… (%1)").arg(text.size());
+    return line;
+}
+
 QString logLine(const QString& event, const char* file, int line, const QString& function)
 {
     // Joined, not filled in: the event carries text from the network that may hold "%1".
     return QLatin1Char('[') +
            QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss:zzz")) +
-           QStringLiteral("][") + event + QStringLiteral("][") + QString::fromUtf8(file) +
+           QStringLiteral("][") + logClip(event) + QStringLiteral("][") + QString::fromUtf8(file) +
            QLatin1Char(':') + QString::number(line) + QLatin1Char(':') + function +
            QStringLiteral("][") + QThread::currentThread()->objectName() + QLatin1Char(']');
 }

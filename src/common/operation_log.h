@@ -24,7 +24,11 @@ protected:
 /// Called on one thread only, the GUI thread.
 void writeLog(const QString& key, const QString& line);
 
-/// The line of a record: "[time][event][file:line:function][thread name]".
+/// `text` as one line of a log: what others sent can neither begin a record of its own nor fill
+/// the disk. Of what is longer than Limits::LogRecordChars the beginning is left, and its length.
+QString logClip(const QString& text);
+
+/// The line of a record: "[time][event][file:line:function][thread name]", the event clipped.
 QString logLine(const QString& event, const char* file, int line, const QString& function);
 
 /// Opens `path` for writing in `mode` (Append for logs) and writes `text` as UTF-8, with a line end

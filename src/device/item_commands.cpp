@@ -35,7 +35,7 @@ void Item::R_readyReadStandardOutput()
         return;
     const QString type = process->property("exectype").toString();
     const QString reply = m_runner.takeReply(process);
-    if (type == deletionKind)
+    if (type == deletionKind && !reply.isEmpty())
         process->setProperty("deleted", BoxReply(reply).isSuccess());
 }
 
@@ -44,6 +44,7 @@ void Item::R_stateChanged(QProcess::ProcessState state)
     auto* process = qobject_cast<QProcess*>(sender());
     if (!process || state != QProcess::NotRunning)
         return;
+    m_runner.takeRest(process);
     m_runner.noteEnd(process);
     const QString type = process->property("exectype").toString();
     if (type == deletionKind)

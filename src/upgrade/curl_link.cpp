@@ -81,24 +81,18 @@ void CurlLink::collect(QProcess* process)
     const auto found = m_commands.find(process);
     if (found == m_commands.end())
         return;
-    // More than a box says is not kept; the rest of it is not waited for.
-    if (found->reply.size() > CommandRunner::ReplyLimit) {
-        process->kill();
-        return;
-    }
     found->reply += m_runner.takeReply(process);
 }
 
 void CurlLink::ended(QProcess* process)
 {
-    if (process->bytesAvailable() > 0)
-        collect(process);
+    collect(process);
+    const QString rest = m_runner.takeRest(process);
     m_runner.noteEnd(process);
     const Command command = m_commands.take(process);
     if (!command.answered)
         return;
     // Later, as promised: a program that cannot start ends within its start.
-    const QString reply =
-        command.reply.size() > CommandRunner::ReplyLimit ? QString() : command.reply;
+    const QString reply = command.reply.isEmpty() ? rest : command.reply;
     QTimer::singleShot(0, this, [command, reply] { command.answered(reply); });
 }

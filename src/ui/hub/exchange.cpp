@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ui/hub/exchange.h"
 
+#include "common/command_runner.h"
+
+#include <QProcess>
+
 void Exchange::onResult(const QString& type, ResultHandler handler)
 {
     m_results[type] = std::move(handler);
@@ -43,6 +47,9 @@ void Exchange::deliverResult(const QVariantMap& map) const
 void Exchange::deliverReply(const QProcess& process, const QString& text) const
 {
     const BoxReply reply(text);
+    // What a box says of another command than the one that it was sent is not believed.
+    if (reply.action() != process.property(CommandRunner::ActionProperty).toString())
+        return;
     if (const ReplyHandler handler = m_replies.value(reply.action()))
         handler(process, reply);
 }

@@ -37,7 +37,8 @@ public:
     // A handler may block, serving events: what is delivered is not touched afterwards.
     /// `map` is what Spark_Http::S_finished carries.
     void deliverResult(const QVariantMap& map) const;
-    /// `text` is one reply as received; one that is no JSON object is ignored.
+    /// `text` is one reply as received; one that is no JSON object, or answers another command than
+    /// the one of `process`, is ignored.
     void deliverReply(const QProcess& process, const QString& text) const;
     void deliverAction(Action action, Item* item) const;
 

@@ -99,15 +99,19 @@ void Tarn_Hub::R_finished(QVariantMap map)
 
 void Tarn_Hub::R_readyReadStandardOutput()
 {
-    if (auto* process = qobject_cast<QProcess*>(sender()))
-        m->exchange.deliverReply(*process, m->runner.takeReply(process));
+    auto* process = qobject_cast<QProcess*>(sender());
+    const QString reply = process ? m->runner.takeReply(process) : QString();
+    if (!reply.isEmpty())
+        m->exchange.deliverReply(*process, reply);
 }
 
 void Tarn_Hub::R_stateChanged(QProcess::ProcessState state)
 {
     auto* process = qobject_cast<QProcess*>(sender());
-    if (process && state == QProcess::NotRunning)
-        m->runner.noteEnd(process);
+    if (!process || state != QProcess::NotRunning)
+        return;
+    m->runner.takeRest(process);
+    m->runner.noteEnd(process);
 }
 
 void Tarn_Hub::R_download(QList<QListWidgetItem*> items)
