@@ -3,6 +3,7 @@
 
 #include "device/sweep_plan.h"
 
+#include <QDeadlineTimer>
 #include <QDebug>
 #include <QHostAddress>
 #include <QNetworkInterface>
@@ -15,6 +16,8 @@ namespace
 {
 
 constexpr int pauseMs = 5000;
+constexpr int endMs = 500;
+constexpr int blocksAtOnce = 4;
 /// A check asks at most three times 200 ms per address; longer than this, the tool hangs.
 constexpr int checkLimitMs = 60000;
 
@@ -25,13 +28,23 @@ void startTool(QProcess& process, const QString& fping, const QString& arguments
     process.start(fping, QProcess::splitCommand(arguments), QIODevice::ReadWrite);
 }
 
-void endTool(QProcess& process)
+/// All are asked to end before any is waited for: together they take no longer than one.
+void endTools(const QList<QProcess*>& processes)
 {
-    process.disconnect();
-    process.terminate();
-    if (process.state() != QProcess::NotRunning && !process.waitForFinished(500)) {
-        process.kill();
-        process.waitForFinished(500);
+    for (QProcess* process : processes) {
+        process->disconnect();
+        process->terminate();
+    }
+    const QDeadlineTimer patience(endMs);
+    for (QProcess* process : processes) {
+        if (process->state() != QProcess::NotRunning)
+            process->waitForFinished(int(patience.remainingTime()));
+        if (process->state() != QProcess::NotRunning)
+            process->kill();
+    }
+    for (QProcess* process : processes) {
+        if (process->state() != QProcess::NotRunning)
+            process->waitForFinished(endMs);
     }
 }
 
@@ -47,31 +60,29 @@ public:
         lookForNetworks();
     }
 
-    ~Search() override
-    {
-        const auto processes = findChildren<QProcess*>();
-        for (QProcess* process : processes)
-            endTool(*process);
-    }
+    ~Search() override { endTools(findChildren<QProcess*>()); }
 
 private:
     /// A network that shows up later is swept within one pause; one that goes keeps its run.
     void lookForNetworks()
     {
-        QStringList addresses;
-        if (m_settings.subnets.isEmpty())
-            addresses = localAddresses();
-        for (const QString& block : m_settings.subnets)
-            addresses << blockAddress(block);
-        for (const QString& address : qAsConst(addresses)) {
-            if (m_started.contains(address))
-                continue;
-            m_started << address;
-            const QVector<SweepStep> runs = sweepRuns(address);
-            for (const SweepStep& step : runs)
-                begin(step);
+        if (m_settings.subnets.isEmpty()) {
+            const QStringList addresses = localAddresses();
+            for (const QString& address : addresses)
+                sweep(address, sweepRuns(address));
         }
+        for (const QString& block : m_settings.subnets)
+            sweep(block, blockRun(blockAddress(block)));
         QTimer::singleShot(pauseMs, this, [this] { lookForNetworks(); });
+    }
+
+    void sweep(const QString& network, const QVector<SweepStep>& runs)
+    {
+        if (m_started.contains(network))
+            return;
+        m_started << network;
+        for (const SweepStep& step : runs)
+            begin(step);
     }
 
     void begin(const SweepStep& step)
@@ -129,6 +140,70 @@ bool hasRun(const QProcess& process)
                << process.exitCode();
     return false;
 }
+
+/// One check, in blocks some of which are asked at a time. Lives as Search does.
+class Check : public QObject
+{
+public:
+    /// Hears, once, who has answered, and whether everybody was asked.
+    using Report = std::function<void(const QStringList& alive, bool isConclusive)>;
+
+    Check(QString fping, const QStringList& ips, Report report)
+        : m_fping(std::move(fping)), m_report(std::move(report)), m_waiting(checkBlocks(ips))
+    {
+        if (m_waiting.isEmpty())
+            QTimer::singleShot(0, this, [this] { m_report({}, true); });
+        QTimer::singleShot(checkLimitMs, this, [this] { giveUp(); });
+        for (int n = 0; n < blocksAtOnce; ++n)
+            askNext();
+    }
+
+    ~Check() override { endTools(findChildren<QProcess*>()); }
+
+private:
+    void askNext()
+    {
+        if (m_waiting.isEmpty())
+            return;
+        auto* process = new QProcess(this);
+        ++m_running;
+        connect(process, &QProcess::stateChanged, this,
+                [this, process](QProcess::ProcessState state) {
+                    if (state == QProcess::NotRunning)
+                        take(process);
+                });
+        startTool(*process, m_fping, checkArguments(m_waiting.takeFirst()));
+    }
+
+    void take(QProcess* process)
+    {
+        m_alive += outputLines(QString::fromLocal8Bit(process->readAllStandardOutput()));
+        m_isConclusive &= hasRun(*process);
+        process->deleteLater();
+        // Never begun from inside the handler: a tool that cannot start ends within start().
+        QTimer::singleShot(0, this, [this] {
+            askNext();
+            if (--m_running == 0)
+                m_report(m_alive, m_isConclusive);
+        });
+    }
+
+    void giveUp()
+    {
+        m_isConclusive &= m_waiting.isEmpty();
+        m_waiting.clear();
+        const auto processes = findChildren<QProcess*>();
+        for (QProcess* process : processes)
+            process->kill();
+    }
+
+    const QString m_fping;
+    const Report m_report;
+    QVector<QStringList> m_waiting;
+    QStringList m_alive;
+    int m_running = 0;
+    bool m_isConclusive = true;
+};
 
 } // namespace
 
@@ -193,19 +268,10 @@ void Spark_Thread::findDevice()
 
 void Spark_Thread::refreshDevice()
 {
-    QProcess process;
-    connect(&process, &QProcess::stateChanged, &process,
-            [this, &process](QProcess::ProcessState state) {
-                if (state != QProcess::NotRunning)
-                    return;
-                m_isConclusive = hasRun(process);
-                emit S_refreshDeviceIP(
-                    outputLines(QString::fromLocal8Bit(process.readAllStandardOutput())));
-                quit();
-            });
-    QTimer::singleShot(checkLimitMs, &process, [&process] { process.kill(); });
-    startTool(process, m_settings.fping, checkArguments(asked()));
-    // A tool that cannot start has already been reported, and quit() before exec() is honoured.
+    const Check check(m_settings.fping, asked(), [this](const QStringList& ips, bool all) {
+        m_isConclusive = all;
+        emit S_refreshDeviceIP(ips);
+        quit();
+    });
     exec();
-    endTool(process);
 }

@@ -8,6 +8,8 @@ namespace
 
 /// No tool prints a longer line; more than this without a line end is dropped.
 constexpr int longestLine = 4096;
+/// The shortest command lines hold some 2,000 addresses; a block of these is asked within seconds.
+constexpr int addressesInBlock = 100;
 
 } // namespace
 
@@ -28,18 +30,24 @@ QVector<SweepStep> sweepRuns(const QString& localAddress)
 {
     if (!BoxProtocol::isIpv4Address(localAddress))
         return {};
-    const QStringList parts = localAddress.split(QLatin1Char('.'), Qt::SkipEmptyParts);
-    const int ip1 = parts.at(0).toInt();
-    const int ip2 = parts.at(1).toInt();
-    if (ip1 != 169 || ip2 != 254) {
-        const int v = parts.at(2).toInt();
-        return {SweepStep{ip1, ip2, v, v, v}};
-    }
+    const QVector<SweepStep> own = blockRun(localAddress);
+    const SweepStep& block = own.first();
+    if (block.ip1 != 169 || block.ip2 != 254)
+        return own;
     constexpr int blocksPerRun = 64;
     QVector<SweepStep> runs;
     for (int first = 0; first < 256; first += blocksPerRun)
-        runs.append(SweepStep{ip1, ip2, first, first, first + blocksPerRun - 1});
+        runs.append(SweepStep{block.ip1, block.ip2, first, first, first + blocksPerRun - 1});
     return runs;
+}
+
+QVector<SweepStep> blockRun(const QString& address)
+{
+    if (!BoxProtocol::isIpv4Address(address))
+        return {};
+    const QStringList parts = address.split(QLatin1Char('.'), Qt::SkipEmptyParts);
+    const int v = parts.at(2).toInt();
+    return {SweepStep{parts.at(0).toInt(), parts.at(1).toInt(), v, v, v}};
 }
 
 QString blockAddress(const QString& block)
@@ -49,6 +57,14 @@ QString blockAddress(const QString& block)
         return QString();
     const QString address = block.chopped(3);
     return BoxProtocol::isIpv4Address(address) ? address : QString();
+}
+
+QVector<QStringList> checkBlocks(const QStringList& ips)
+{
+    QVector<QStringList> blocks;
+    for (int first = 0; first < ips.size(); first += addressesInBlock)
+        blocks << ips.mid(first, addressesInBlock);
+    return blocks;
 }
 
 QString checkArguments(const QStringList& ips)

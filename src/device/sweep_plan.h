@@ -27,8 +27,14 @@ struct SweepStep {
 /// over the whole link-local range. Empty for text that is no IPv4 address.
 QVector<SweepStep> sweepRuns(const QString& localAddress);
 
+/// The run over the one /24 that `address` is in, whatever range that belongs to.
+QVector<SweepStep> blockRun(const QString& address);
+
 /// The address of a block written "a.b.c.0/24", empty for anything else.
 QString blockAddress(const QString& block);
+
+/// `ips` in parts that fit on a command line everywhere.
+QVector<QStringList> checkBlocks(const QStringList& ips);
 
 /// Options for asking only `ips` whether they still answer, beginning with a blank.
 QString checkArguments(const QStringList& ips);

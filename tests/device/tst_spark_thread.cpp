@@ -84,6 +84,21 @@ private slots:
         }
     }
 
+    /// The operator's own choice of one block, and more boxes than a command line holds.
+    void blocksOfAddresses()
+    {
+        QCOMPARE(blockRun("169.254.3.0").size(), 1);
+        QCOMPARE(blockRun("169.254.3.0").first().next().arguments(),
+                 QString(" -a -r 0 -t 100 -g 169.254.3.0/24"));
+        QStringList ips;
+        for (int n = 0; n < 250; ++n)
+            ips << QString("10.0.0.%1").arg(n);
+        const QVector<QStringList> blocks = checkBlocks(ips);
+        QCOMPARE(blocks.size(), 3);
+        QCOMPARE(blocks[0] + blocks[1] + blocks[2], ips);
+        QVERIFY(checkBlocks({}).isEmpty());
+    }
+
     void endlessLineIsDropped()
     {
         LineAssembler lines;
@@ -124,6 +139,38 @@ private slots:
         thread->startRefreshDevice({TEST_BLOCK ".5", TEST_BLOCK ".9"});
         QTRY_VERIFY(!thread);
         QCOMPARE(*answers, (QList<QStringList>{{TEST_BLOCK ".5", TEST_BLOCK ".9"}}));
+    }
+
+    void manyAddressesAreCheckedInBlocks()
+    {
+        QStringList ips;
+        for (int n = 0; n < 1000; ++n)
+            ips << QString("127.77.%1.%2").arg(n / 250).arg(n % 250 + 1);
+        QPointer<Spark_Thread> thread = new Spark_Thread({Platform::fpingPath(QString()), {}});
+        const auto answers = answersOf(thread);
+        thread->startRefreshDevice(ips);
+        QTRY_VERIFY_WITH_TIMEOUT(!thread, 30000);
+        QCOMPARE(answers->size(), 1);
+        QStringList alive = answers->first();
+        alive.sort();
+        ips.sort();
+        QCOMPARE(alive, ips);
+    }
+
+    void sweepsEndTogether()
+    {
+        const QString tool = script("trap '' TERM\nn=0; while [ $n -lt 100 ]; do n=$((n+1)); "
+                                    "sleep 0.1; done\n");
+        QStringList blocks;
+        for (int n = 1; n <= 8; ++n)
+            blocks << QString("127.77.%1.0/24").arg(n);
+        QPointer<Spark_Thread> thread = new Spark_Thread({tool, blocks});
+        thread->startFindDevice();
+        QTest::qWait(1000);
+        Stopwatch clock;
+        thread->stop();
+        VERIFY_BELOW(clock.elapsed(), 1500);
+        QTRY_VERIFY(!thread);
     }
 
     void brokenToolReportsNothing()
