@@ -275,8 +275,8 @@ QString CommandRunner::takeRest(QProcess* process) const
 QString CommandRunner::logged(QProcess* process, const QByteArray& reply) const
 {
     const QString text = QString::fromLocal8Bit(reply);
-    log(process->property("ip").toString(), process,
-        QStringLiteral("  执行Curl返回数据   ") + text, __LINE__, "R_readyReadStandardOutput");
+    log(process->property("ip").toString(), process, QStringLiteral("  执行Curl返回数据   ") + text,
+        __LINE__, "R_readyReadStandardOutput");
     qDebug().noquote() << process << "执行Curl返回数据     " << logClip(text);
     return text;
 }

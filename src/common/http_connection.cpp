@@ -9,6 +9,7 @@ namespace
 {
 
 constexpr qint64 pieceBytes = 16 * 1024;
+constexpr const char* totalLimit = "milliseconds of a whole request";
 
 } // namespace
 
@@ -24,8 +25,8 @@ HttpConnection::HttpConnection(QString host, quint16 port, QObject* parent)
     connect(&m_socket, &QTcpSocket::connected, this, &HttpConnection::send);
     connect(&m_socket, &QTcpSocket::readyRead, this, &HttpConnection::read);
     connect(&m_socket, &QAbstractSocket::errorOccurred, this, &HttpConnection::lost);
-    connect(&m_silence, &QTimer::timeout, this, &HttpConnection::giveUp);
-    connect(&m_total, &QTimer::timeout, this, &HttpConnection::giveUp);
+    connect(&m_silence, &QTimer::timeout, this, [this] { settle(false); });
+    connect(&m_total, &QTimer::timeout, this, [this] { settle(false, totalLimit); });
     connect(&m_idle, &QTimer::timeout, this, &HttpConnection::ended);
 }
 
@@ -36,7 +37,7 @@ void HttpConnection::ask(const HttpQuestion& question)
     m_heard = false;
     m_idle.stop();
     m_silence.start(Limits::HttpSilenceMs);
-    m_total.start(Limits::HttpTotalMs);
+    m_total.start(question.totalMs);
     if (m_socket.state() == QAbstractSocket::ConnectedState)
         send();
     else
@@ -66,7 +67,7 @@ void HttpConnection::read()
         m_silence.start(Limits::HttpSilenceMs);
         const HttpReplyParser::State state = m_parser->feed(m_socket.read(pieceBytes));
         if (state != HttpReplyParser::State::Reading)
-            settle(state == HttpReplyParser::State::Done);
+            settle(state == HttpReplyParser::State::Done, m_parser->exceeded());
     }
     // Nobody has asked for this.
     if (!m_parser && m_socket.bytesAvailable() > 0)
@@ -91,16 +92,11 @@ void HttpConnection::lost()
     settle(m_parser->close() == HttpReplyParser::State::Done);
 }
 
-void HttpConnection::giveUp()
-{
-    settle(false);
-}
-
-void HttpConnection::settle(bool whole)
+void HttpConnection::settle(bool whole, const char* exceeded)
 {
     m_silence.stop();
     m_total.stop();
-    HttpAnswer answer{m_question.id, m_heard, 0, {}};
+    HttpAnswer answer{m_question.id, m_heard, 0, {}, exceeded};
     if (whole) {
         answer.status = m_parser->status();
         answer.body = m_parser->body();

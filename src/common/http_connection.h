@@ -16,6 +16,7 @@ struct HttpQuestion {
     quint16 port = 80;
     QByteArray target;       ///< path and query, encoded
     qint64 bodyLimit = 0;    ///< bytes
+    int totalMs = 0;         ///< for all of it
     bool isStranger = false; ///< nobody says that it is a box
 };
 
@@ -25,6 +26,8 @@ struct HttpAnswer {
     /// 0: not a whole reply in time, or more of it than is wanted.
     int status = 0;
     QByteArray body;
+    /// Which limit it went over, in plain words; null when none.
+    const char* exceeded = nullptr;
 };
 Q_DECLARE_METATYPE(HttpAnswer)
 
@@ -51,8 +54,7 @@ private:
     void send();
     void read();
     void lost();
-    void settle(bool whole);
-    void giveUp();
+    void settle(bool whole, const char* exceeded = nullptr);
 
     const QString m_host;
     const quint16 m_port;

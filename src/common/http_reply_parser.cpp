@@ -3,6 +3,14 @@
 
 #include "common/limits.h"
 
+namespace
+{
+
+constexpr const char* headBytesLimit = "bytes before the body of a reply";
+constexpr const char* bodyBytesLimit = "bytes of the body of a reply";
+
+} // namespace
+
 HttpReplyParser::State HttpReplyParser::feed(const QByteArray& data)
 {
     qint64 at = 0;
@@ -23,13 +31,19 @@ HttpReplyParser::State HttpReplyParser::close()
     return m_state;
 }
 
+void HttpReplyParser::failOver(const char* limit)
+{
+    m_exceeded = limit;
+    fail();
+}
+
 qint64 HttpReplyParser::takeLine(const QByteArray& data, qint64 from)
 {
     const qint64 end = data.indexOf('\n', int(from));
     const qint64 next = end < 0 ? data.size() : end + 1;
     m_headBytes += next - from;
     if (m_headBytes > Limits::HttpHeadBytes) {
-        fail();
+        failOver(headBytesLimit);
         return next;
     }
     m_line += data.mid(int(from), int(next - from));
@@ -46,7 +60,7 @@ qint64 HttpReplyParser::takeBody(const QByteArray& data, qint64 from)
     const qint64 there = data.size() - from;
     const qint64 mine = m_part == Part::UntilClose ? there : qMin(there, m_length);
     if (m_body.size() + mine > m_bodyLimit) {
-        fail();
+        failOver(bodyBytesLimit);
         return from;
     }
     m_body += data.mid(int(from), int(mine));
@@ -136,9 +150,13 @@ void HttpReplyParser::readLength(const QByteArray& value)
 void HttpReplyParser::readChunkSize()
 {
     bool isNumber = false;
-    const qint64 size = m_line.left(m_line.indexOf(';')).trimmed().toLongLong(&isNumber, 16);
-    if (!isNumber || size < 0 || size > m_bodyLimit - m_body.size()) {
+    const qint64 size = m_line.split(';').first().trimmed().toLongLong(&isNumber, 16);
+    if (!isNumber || size < 0) {
         fail();
+        return;
+    }
+    if (size > m_bodyLimit - m_body.size()) {
+        failOver(bodyBytesLimit);
         return;
     }
     m_length = size;
@@ -160,7 +178,7 @@ void HttpReplyParser::beginBody()
     } else if (m_chunked) {
         m_part = Part::ChunkSize;
     } else if (m_length > m_bodyLimit) {
-        fail();
+        failOver(bodyBytesLimit);
     } else {
         m_part = m_length > 0 ? Part::Length : Part::UntilClose;
         m_keepsAlive = m_keepsAlive && m_length > 0;

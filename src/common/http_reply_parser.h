@@ -23,6 +23,8 @@ public:
     State close();
 
     State state() const { return m_state; }
+    /// Which limit the reply went over, in plain words; null when none.
+    const char* exceeded() const { return m_exceeded; }
     /// Of the reply; 0 before it is known.
     int status() const { return m_status; }
     QByteArray body() const { return m_body; }
@@ -41,8 +43,10 @@ private:
     void readChunkSize();
     void beginBody();
     void fail() { m_state = State::Failed; }
+    void failOver(const char* limit);
 
     const qint64 m_bodyLimit;
+    const char* m_exceeded = nullptr;
     State m_state = State::Reading;
     Part m_part = Part::Status;
     QByteArray m_line;

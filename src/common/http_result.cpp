@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "common/http_result.h"
 
+#include "common/limit_log.h"
+#include "common/limits.h"
+
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -12,6 +16,36 @@ const QString idKey = QStringLiteral("id");
 const QString deviceIpKey = QStringLiteral("deviceip");
 const QString bodyKey = QStringLiteral("body");
 const QString statusKey = QStringLiteral("httpstatus");
+
+constexpr const char* valueLimit = "characters of a value";
+constexpr const char* listLimit = "entries of a list";
+
+HttpResult failed(const char* limit)
+{
+    HttpResult result;
+    result.exceeded = limit;
+    return result;
+}
+
+/// A list with its first entries only, and none that is longer than a value may be.
+QJsonValue bounded(const QJsonValue& value, const char*& exceeded)
+{
+    if (!value.isArray())
+        return value;
+    QJsonArray kept;
+    const QJsonArray all = value.toArray();
+    for (const QJsonValue& entry : all) {
+        if (kept.size() == Limits::ListEntries) {
+            exceeded = listLimit;
+            break;
+        }
+        if (entry.toString().size() <= Limits::ValueChars)
+            kept << entry;
+        else
+            exceeded = valueLimit;
+    }
+    return kept;
+}
 
 } // namespace
 
@@ -32,10 +66,13 @@ QString HttpResult::typeOf(const QVariantMap& map)
 
 HttpResult HttpResult::fromMap(const QVariantMap& map)
 {
+    const QString deviceIp = map.value(deviceIpKey).toString();
     HttpResult result = fromBody(map.value(bodyKey).toString());
+    if (result.exceeded)
+        limitReached(deviceIp, QString::fromLatin1(result.exceeded));
     result.type = typeOf(map);
     result.id = map.value(idKey).toString();
-    result.deviceIp = map.value(deviceIpKey).toString();
+    result.deviceIp = deviceIp;
     result.httpStatus = map.value(statusKey).toInt();
     return result;
 }
@@ -47,8 +84,12 @@ HttpResult HttpResult::fromBody(const QString& body)
     // Not the whole of it as a map: many answers come while boxes are watched.
     const QJsonObject reply = QJsonDocument::fromJson(body.toUtf8()).object();
     result.parameterName = reply.value(QStringLiteral("param_name")).toString();
-    result.value = reply.value(QStringLiteral("value")).toVariant();
+    result.value = bounded(reply.value(QStringLiteral("value")), result.exceeded).toVariant();
     result.status = reply.value(QStringLiteral("status")).toString();
+    for (const QString& text : {result.parameterName, result.value.toString(), result.status}) {
+        if (text.size() > Limits::ValueChars)
+            return failed(valueLimit);
+    }
     return result;
 }
 

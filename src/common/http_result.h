@@ -14,6 +14,9 @@ struct HttpResult {
     QString parameterName; ///< "param_name" of the reply, empty when it has none
     QVariant value;        ///< "value" of the reply, invalid when it has none
     QString status;        ///< "status" of the reply, empty when it has none
+    /// Which limit the reply went over, in plain words; null when none. One with a value that is
+    /// too long has failed; of a list that is too long the first entries are here.
+    const char* exceeded = nullptr;
 
     /// The box has answered, and says that it has nothing of that name.
     bool isRefusal() const;

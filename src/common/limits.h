@@ -17,10 +17,17 @@ constexpr qint64 ValueBodyBytes = 64 * 1024;
 /// Bytes of a body with a list of a box: its recordings, or the sources it sees.
 constexpr qint64 ListBodyBytes = 1024 * 1024;
 
+/// Characters of one value of a box; an answer with a longer one is none.
+constexpr int ValueChars = 4096;
+/// Entries of a list of a box, more than it can hold. Of a longer list the first ones are taken.
+constexpr int ListEntries = 5000;
+
 /// Milliseconds without a byte before a request counts as failed.
 constexpr int HttpSilenceMs = 2000;
 /// Milliseconds for a whole request, from when it is sent to its last byte.
 constexpr int HttpTotalMs = 10000;
+/// The same, while the window takes no input until the answer is there.
+constexpr int HttpBlockingMs = 3000;
 /// Milliseconds for which a connection that nobody uses is kept.
 constexpr int HttpIdleMs = 1000;
 /// Connections to boxes, and to strangers, at a time.

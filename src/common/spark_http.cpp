@@ -4,6 +4,7 @@
 #include "common/box_protocol.h"
 #include "common/http_request.h"
 #include "common/http_result.h"
+#include "common/limit_log.h"
 #include "common/operation_log.h"
 #include "common/spark_download.h"
 
@@ -163,6 +164,7 @@ void Spark_Http::send(Server& server, const Request& request)
     question.target =
         url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
     question.bodyLimit = bodyLimit(request.url, request.peer);
+    question.totalMs = request.isblocking ? Limits::HttpBlockingMs : Limits::HttpTotalMs;
     question.isStranger = request.peer == Peer::Stranger;
     m_network.ask(question);
 }
@@ -224,6 +226,8 @@ void Spark_Http::take(const HttpAnswer& answered)
         giveUpWaiting(server);
     sendNext(key);
     const QUrl url = httpRequest(request.url).url();
+    if (answered.exceeded)
+        limitReached(url.host(), QString::fromLatin1(answered.exceeded));
     if (!body.isEmpty())
         log(request, url, body);
     answer(request, url.host(), body, answered.status);

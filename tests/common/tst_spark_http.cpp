@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "common/box_protocol.h"
+#include "common/http_result.h"
+#include "common/limits.h"
 #include "common/spark_download.h"
 #include "common/spark_http.h"
 #include "tests/support/files.h"
@@ -8,6 +10,8 @@
 #include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -59,6 +63,12 @@ private slots:
     void answerCarriesItsTags();
     void failuresGiveAnEmptyBody_data();
     void failuresGiveAnEmptyBody();
+    void limitsHold_data();
+    void limitsHold();
+    void drippingRepliesEnd_data();
+    void drippingRepliesEnd();
+    void longValuesAreNone_data();
+    void longValuesAreNone();
     void slowReadsAllArrive();
     void whatWaitsIsAskedOnce();
     void blockingReadEndsByItself();
@@ -130,6 +140,110 @@ void tst_SparkHttp::failuresGiveAnEmptyBody()
     QTRY_COMPARE_WITH_TIMEOUT(answers.size(), requests, Spark_Http::TransferLimitMs + 2000);
     for (const QVariantList& answer : qAsConst(answers))
         QCOMPARE(answer.first().toMap().value("body").toString(), QString());
+}
+
+/// Each limit from both sides: what is just within it arrives, what is just over it does not, and
+/// that is said once.
+void tst_SparkHttp::limitsHold_data()
+{
+    columns<QByteArray, QString, bool, bool, QString>("reply", "path", "isStranger", "arrives",
+                                                      "said");
+    const QString value = "config?param_name=x";
+    const QString list = "config?param_name=eParam_RecordList";
+    const auto sized = [](qint64 bytes) { return fileAnswer(QByteArray(int(bytes), 'x')); };
+    const auto head = [](qint64 bytes) {
+        const QByteArray rest = fileAnswer("body", "Set-Cookie: \r\n");
+        const int filling = int(bytes) - (rest.indexOf("\r\n\r\n") + 4);
+        return fileAnswer("body", "Set-Cookie: " + QByteArray(filling, 'c') + "\r\n");
+    };
+    const auto pieces = [](qint64 bytes) {
+        QByteArray reply = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+        for (qint64 n = 0; n < bytes / 256; ++n)
+            reply += "100\r\n" + QByteArray(256, 'x') + "\r\n";
+        return QByteArray(reply + "0\r\n\r\n");
+    };
+    const QString body = "bytes of the body";
+    const QString before = "bytes before the body";
+    using namespace Limits;
+    row("value", sized(ValueBodyBytes), value, false, true, "");
+    row("long value", sized(ValueBodyBytes + 1), value, false, false, body);
+    row("list", sized(ListBodyBytes), list, false, true, "");
+    row("long list", sized(ListBodyBytes + 1), list, false, false, body);
+    row("stranger", sized(StrangerBodyBytes), list, true, true, "");
+    row("long stranger", sized(StrangerBodyBytes + 1), list, true, false, body);
+    row("head", head(HttpHeadBytes), value, false, true, "");
+    row("long head", head(HttpHeadBytes + 1), value, false, false, before);
+    row("cookies", fileAnswer("x", QByteArray("Set-Cookie: a=b\r\n").repeated(5000)), value, true,
+        false, before);
+    row("pieces", pieces(32 * 1024), value, false, true, "");
+    row("many pieces", pieces(ValueBodyBytes + 256), value, false, false, body);
+    row("packed", fileAnswer(qCompress(QByteArray(1000, 'x')), "Content-Encoding: deflate\r\n"),
+        value, false, false, "");
+}
+
+void tst_SparkHttp::limitsHold()
+{
+    const auto [reply, path, isStranger, arrives, said] =
+        cells<QByteArray, QString, bool, bool, QString>();
+    static int number = 100;
+    const QString ip = QString(TEST_BLOCK ".%1").arg(++number);
+    ScriptedServer server(ip, reply, ScriptedServer::Closes);
+    QSignalSpy answers(m_http, &Spark_Http::S_finished);
+    const auto peer = isStranger ? Spark_Http::Peer::Stranger : Spark_Http::Peer::Box;
+    for (int n = 1; n <= 2; ++n) {
+        m_http->get("x", server.url("http", path), false, peer);
+        QTRY_COMPARE(answers.size(), n);
+        const QString body = answers.last().first().toMap().value("body").toString();
+        QCOMPARE(!body.isEmpty(), arrives);
+    }
+    const auto records = [&ip = ip] { return linesOf(logFile("limits")).filter(ip); };
+    QTRY_COMPARE(records().size(), said.isEmpty() ? 0 : 1);
+    QVERIFY2(records().join("").contains(said), qPrintable(records().join("")));
+}
+
+/// What comes a byte now and then is never silent: it ends all the same.
+void tst_SparkHttp::drippingRepliesEnd_data()
+{
+    columns<bool, int>("isblocking", "limitMs");
+    row("blocking", true, Limits::HttpBlockingMs);
+    row("not blocking", false, Limits::HttpTotalMs);
+}
+
+void tst_SparkHttp::drippingRepliesEnd()
+{
+    const auto [isblocking, limitMs] = cells<bool, int>();
+    QVERIFY(m_box->addFault("throttle 1 on eParam_DeviceName"));
+    QSignalSpy answers(m_http, &Spark_Http::S_finished);
+    Stopwatch clock;
+    m_http->get("x", read("eParam_DeviceName"), isblocking);
+    if (!isblocking)
+        QVERIFY(answers.wait(limitMs + 2000));
+    QVERIFY(clock.elapsed() > limitMs - 200);
+    VERIFY_BELOW(clock.elapsed(), limitMs + 1000);
+}
+
+void tst_SparkHttp::longValuesAreNone_data()
+{
+    columns<QString, QString, bool>("value", "taken", "isOver");
+    const QString longest(Limits::ValueChars, 'v');
+    const auto list = [](int entries) { return QString("\"a\",").repeated(entries) + "\"last\""; };
+    row("longest", '"' + longest + '"', '"' + longest + '"', false);
+    row("too long", '"' + longest + "v\"", "", true);
+    row("longest list", '[' + list(Limits::ListEntries - 1) + ']',
+        '[' + list(Limits::ListEntries - 1) + ']', false);
+    row("longer list", '[' + list(Limits::ListEntries - 1) + ",\"more\"]",
+        '[' + list(Limits::ListEntries - 1) + ']', true);
+    row("long entry", "[\"a\",\"" + longest + "v\"]", "[\"a\"]", true);
+}
+
+void tst_SparkHttp::longValuesAreNone()
+{
+    const auto [value, taken, isOver] = cells<QString, QString, bool>();
+    const auto result = HttpResult::fromBody("{\"param_name\":\"x\",\"value\":" + value + '}');
+    const QJsonDocument expected = QJsonDocument::fromJson(('[' + taken + ']').toUtf8());
+    QCOMPARE(result.value, expected.array().first().toVariant());
+    QCOMPARE(result.parameterName, QString(taken.isEmpty() ? "" : "x"));
+    QCOMPARE(result.exceeded != nullptr, isOver);
 }
 
 /// More reads than HTTP allows connections: the time in which one waits for its turn is not the

@@ -2,13 +2,19 @@
 #include "ui/control/setui.h"
 
 #include "common/box_protocol.h"
-#include "common/json_map.h"
+#include "common/http_result.h"
 #include "common/spark_http.h"
 #include "ui_setui.h"
 #include "widgets/message_box.h"
 
 #include <QHeaderView>
-#include <QTimer>
+
+namespace
+{
+
+const QString requestType = QStringLiteral("refresh");
+
+} // namespace
 
 QString ndiSourceName(const QString& entry)
 {
@@ -35,6 +41,7 @@ setui::setui(Page page, const QString& deviceip, Spark_Http& http, QWidget* pare
     on_radioButton_Listener_toggled(m_ui->radioButton_Listener->isChecked());
     connect(m_ui->Media_tableWidget, &QTableWidget::cellDoubleClicked, this,
             &setui::on_okpushButton_clicked);
+    connect(&m_http, &Spark_Http::S_finished, this, &setui::showAnswer);
 }
 
 setui::~setui() = default;
@@ -43,7 +50,7 @@ void setui::showEvent(QShowEvent* event)
 {
     QDialog::showEvent(event);
     if (m_ui->pages->currentWidget() == m_ui->page_decode)
-        QTimer::singleShot(0, this, &setui::refresh); // the dialog shows before it waits
+        refresh();
     else
         m_ui->stream_url->setFocus();
 }
@@ -55,21 +62,28 @@ void setui::on_dec_refresh_clicked()
 
 void setui::refresh()
 {
-    if (m_refreshing)
+    if (!m_request.isEmpty())
         return;
-    m_refreshing = true;
     m_ui->dec_refresh->setEnabled(false);
     const QString url =
         BoxProtocol::readUrl(property("deviceip").toString(), BoxProtocol::NDIDecodeList);
-    const QVariantMap reply = jsonToMap(m_http.get(QStringLiteral("refresh"), url, true));
-    m_refreshing = false;
+    m_request = m_http.getFirst(requestType, url);
+}
+
+void setui::showAnswer(const QVariantMap& map)
+{
+    if (HttpResult::typeOf(map) != requestType)
+        return;
+    const HttpResult result = HttpResult::fromMap(map);
+    if (result.id != m_request)
+        return;
+    m_request.clear();
     m_ui->dec_refresh->setEnabled(true);
 
-    m_ui->no_sources->setText(reply.contains(QStringLiteral("value"))
-                                  ? tr("没有找到NDI源")
-                                  : tr("未能读到NDI源,请刷新重试"));
+    m_ui->no_sources->setText(result.value.isValid() ? tr("没有找到NDI源")
+                                                     : tr("未能读到NDI源,请刷新重试"));
     QStringList names;
-    const QVariantList entries = reply.value(QStringLiteral("value")).toList();
+    const QVariantList entries = result.value.toList();
     for (const QVariant& entry : entries)
         names << ndiSourceName(entry.toString());
     showSources(names);

@@ -44,13 +44,14 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    /// Reads the sources again. Blocks, serving events other than user input.
+    /// Reads the sources again.
     void refresh();
+    void showAnswer(const QVariantMap& map);
     void showSources(const QStringList& names);
 
     const std::unique_ptr<Ui::setui> m_ui;
     Spark_Http& m_http;
-    bool m_refreshing = false;
+    QString m_request; ///< for the sources, under way; empty when none
     QString m_source;
     QString m_address;
     QString m_port;

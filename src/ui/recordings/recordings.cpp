@@ -27,9 +27,6 @@ namespace
 
 const QString requestType = QStringLiteral("getDeviceRecordList");
 
-/// More than a box can hold; a list without end would only fill the memory.
-constexpr int mostRecordings = 5000;
-
 /// What identifies a recording while the list may be read again.
 struct RecordingKey {
     QString ip;
@@ -113,9 +110,7 @@ void Recordings::handleReply(const HttpResult& result)
     m_list.clearEntries();
     const QVariantList names = result.value.toList();
     const Item* box = m_hub.devices.model().find(result.deviceIp);
-    if (names.size() > mostRecordings)
-        qWarning().noquote() << result.deviceIp << "lists" << names.size() << "recordings";
-    for (const QVariant& value : names.mid(0, mostRecordings)) {
+    for (const QVariant& value : names) {
         const QString name = value.type() == QVariant::String ? value.toString() : QString();
         if (fileType(name) == FileType::Video) {
             auto recording = Item::makeRecording(name, result.deviceIp);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "common/limits.h"
+#include "tests/support/files.h"
 #include "tests/support/table.h"
 #include "tests/support/window_fixture.h"
-
 #include "ui/control/setui.h"
 
 #include <QLineEdit>
@@ -20,6 +21,7 @@ private slots:
     void decodingCommands();
     void sourceListIsKept();
     void hostileSourceAddsNoArgument();
+    void slowAndLongListsAreHarmless();
     void decodeFailureIsNamedOnce();
     void nothingChosenKeepsTheDialog();
     void liveCommands_data();
@@ -119,18 +121,39 @@ void tst_Streams::sourceListIsKept()
         sources(dialog)->setCurrentCell(1, 0);
         m_box->setDecodeSources({"NEW (A): 10.0.0.1:1", "no address", "STUDIO (Cam 2): 1.2.3.4:5"});
         press(dialog, "dec_refresh");
-        QCOMPARE(sourceNames(dialog), (QStringList{"NEW (A)", "no address)", "STUDIO (Cam 2)"}));
+        const QStringList names{"NEW (A)", "no address)", "STUDIO (Cam 2)"};
+        QTRY_COMPARE(sourceNames(dialog), names);
         QCOMPARE(sources(dialog)->currentItem()->text(), QString("STUDIO (Cam 2)"));
         // A chosen source that has gone is not silently replaced by another.
         m_box->setDecodeSources({"NEW (A): 10.0.0.1:1"});
         press(dialog, "dec_refresh");
-        QVERIFY(!sources(dialog)->currentItem());
+        QTRY_VERIFY(!sources(dialog)->currentItem());
         m_box->setDecodeSources({});
         press(dialog, "dec_refresh");
-        QVERIFY(dialog.findChild<QWidget*>("no_sources")->isVisible());
+        QTRY_VERIFY(dialog.findChild<QWidget*>("no_sources")->isVisible());
         QTest::keyClick(&dialog, Qt::Key_Escape);
     });
     QVERIFY(told().isEmpty());
+}
+
+/// A list that comes a byte a second takes nobody's keyboard away, and five thousand sources are
+/// shown in a moment.
+void tst_Streams::slowAndLongListsAreHarmless()
+{
+    QStringList many;
+    for (int n = 0; n < 5005; ++n)
+        many << QString("STUDIO (Camera with a name of its own %1): 1.2.3.4:5").arg(n);
+    m_box->setDecodeSources(many);
+    withDialog("pushButton_hxdec_on", [&](setui& dialog) {
+        QCOMPARE(sources(dialog)->rowCount(), Limits::ListEntries);
+        QVERIFY(m_box->addFault("throttle 1 on eParam_NDIDecodeList"));
+        press(dialog, "dec_refresh");
+        QVERIFY(!dialog.findChild<QWidget*>("dec_refresh")->isEnabled());
+        QTest::qWait(300);
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QVERIFY(!dialog.isVisible());
+    });
+    QVERIFY(linesOf(logFile("limits")).join('\n').contains("entries of a list"));
 }
 
 void tst_Streams::hostileSourceAddsNoArgument()
