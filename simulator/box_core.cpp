@@ -268,8 +268,10 @@ bool BoxCore::openPorts()
 {
     if (m_faults.has(FaultKind::Refuse))
         return true;
-    if (!openWeb())
+    if (!openWeb(m_setup.webPort, &m_webServer))
         return false;
+    if (m_setup.model == BoxModel::Stranger)
+        return openWeb(m_setup.apiPort, &m_apiServer);
     if (m_setup.model != BoxModel::Kora)
         return true;
     HttpHandlers handlers;
@@ -293,7 +295,7 @@ bool BoxCore::openPorts()
     return open;
 }
 
-bool BoxCore::openWeb()
+bool BoxCore::openWeb(quint16 port, std::unique_ptr<HttpServer>* server)
 {
     const QStringList models = dashboardModels(m_setup);
     if (models.isEmpty())
@@ -303,12 +305,11 @@ bool BoxCore::openWeb()
     handlers.handle = [this, page](const HttpRequest& request) {
         return m_api.handleWeb(request, page);
     };
-    m_webServer = std::make_unique<HttpServer>(address(), m_setup.webPort, handlers);
-    if (!m_webServer->start()) {
-        m_error = QStringLiteral("cannot open %1:%2").arg(address()).arg(m_setup.webPort);
-        return false;
-    }
-    return true;
+    *server = std::make_unique<HttpServer>(address(), port, handlers);
+    if ((*server)->start())
+        return true;
+    m_error = QStringLiteral("cannot open %1:%2").arg(address()).arg(port);
+    return false;
 }
 
 void BoxCore::closePorts()

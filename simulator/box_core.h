@@ -85,7 +85,7 @@ private:
     void install(const QString& version);
     bool openPorts();
     void closePorts();
-    bool openWeb();
+    bool openWeb(quint16 port, std::unique_ptr<HttpServer>* server);
     void setPower(Power power);
     QString bootAddress() const;
     bool mayUse(const QString& address) const;

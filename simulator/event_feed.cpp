@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/event_feed.h"
 
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QWebSocket>
 #include <QWebSocketServer>
 
@@ -30,17 +32,42 @@ bool EventFeed::open(const QString& address, quint16 port)
     close();
     m_server = std::make_unique<QWebSocketServer>(QString(), QWebSocketServer::NonSecureMode);
     connect(m_server.get(), &QWebSocketServer::newConnection, this, &EventFeed::accept);
-    if (!m_server->listen(QHostAddress(address), port)) {
-        m_server.reset();
-        return false;
+    m_port = std::make_unique<QTcpServer>();
+    connect(m_port.get(), &QTcpServer::newConnection, this, &EventFeed::greet);
+    return m_port->listen(QHostAddress(address), port);
+}
+
+/// By the rules, or as the faults want it.
+void EventFeed::greet()
+{
+    const QStringList tags = {QStringLiteral("events")};
+    while (QTcpSocket* client = m_port->nextPendingConnection()) {
+        const bool isEndless = bool(m_faults->strike(FaultKind::EndlessHandshake, tags));
+        const bool isRefused = !isEndless && m_faults->strike(FaultKind::RefusedHandshake, tags);
+        if (!isEndless && !isRefused) {
+            m_server->handleConnection(client);
+            continue;
+        }
+        connect(client, &QTcpSocket::disconnected, client, &QObject::deleteLater);
+        if (isRefused) {
+            client->write("HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n");
+            client->disconnectFromHost();
+            continue;
+        }
+        client->write("HTTP/1.1 101 Switching Protocols\r\n");
+        const auto more = [client] {
+            if (client->bytesToWrite() < maxUnsent)
+                client->write(QByteArray("X-More: more\r\n").repeated(1000));
+        };
+        auto* timer = new QTimer(client);
+        connect(timer, &QTimer::timeout, client, more);
+        timer->start(floodTickMs);
     }
-    return true;
 }
 
 void EventFeed::close()
 {
-    if (m_server)
-        m_server->close();
+    m_port.reset(); // and with it whom it holds up
     dropClients();
     m_server.reset();
 }
@@ -119,6 +146,10 @@ void EventFeed::tick()
         return;
     }
     m_timer.setInterval(tickMs);
+    if (const auto huge = m_faults->strike(FaultKind::HugeMessage, tags)) {
+        send(QString(int(huge->amountOrDefault()), QLatin1Char('x')));
+        return;
+    }
     QStringList messages = m_messages(m_ticks++);
     if (const auto text = m_faults->strike(FaultKind::Text, tags))
         messages << (text->text.isEmpty() ? hostileText() : text->text);

@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 
+class QTcpServer;
 class QWebSocket;
 class QWebSocketServer;
 
@@ -43,6 +44,7 @@ public:
     int listeners() const; ///< clients that have asked for messages
 
 private:
+    void greet();
     void accept();
     void forget(QWebSocket* client);
     void tick();
@@ -50,8 +52,9 @@ private:
 
     FaultList* const m_faults;
     const std::function<QStringList(int)> m_messages;
-    std::unique_ptr<QWebSocketServer> m_server;
-    QMap<QWebSocket*, bool> m_clients; // whether it listens
+    std::unique_ptr<QTcpServer> m_port;
+    std::unique_ptr<QWebSocketServer> m_server; ///< of those that m_port lets in
+    QMap<QWebSocket*, bool> m_clients;          // whether it listens
     QTimer m_timer;
     int m_ticks = 0;
     qint64 m_flooded = 0; // messages since the flood began

@@ -23,6 +23,11 @@ enum class FaultKind {
     EmptyReply,    ///< "empty": the reply has no content
     HttpError,     ///< "http-error": HTTP status `amount` (500)
     HugeReply,     ///< "huge": the reply is `amount` bytes long (10 MB)
+    HugeHead,      ///< "huge-head": the reply has `amount` lines before its body (5000); 0: no end
+    Endless,       ///< "endless": the reply never ends; `amount` bytes/s (0: as fast as it goes)
+    Packed,        ///< "packed": the reply unpacks to `amount` bytes (100 MB)
+    Chatter,       ///< "chatter": the reply comes `amount` times (1000); 0: without end
+    Misnamed,      ///< "misnamed": actions are answered as if they were `text`
     ValueAsNumber, ///< "number": "value" is a JSON number
     ValueAsArray,  ///< "array": "value" is a JSON array
     ValueMissing,  ///< "no-value": "value" is left out
@@ -43,6 +48,9 @@ enum class FaultKind {
     OtaLosesSettings, ///< "ota-loses-settings": comes back with the settings of the factory
     OtaResets,        ///< "ota-resets": the settings named in `text` come back as from the factory
     OtaMoves,         ///< "ota-moves": comes back under the address `text`
+    HugeMessage,      ///< "huge-message": the feeds' messages are `amount` bytes long (20 MB)
+    EndlessHandshake, ///< "endless-handshake": the feeds' greeting goes on and on
+    RefusedHandshake, ///< "refused-handshake": the feeds let nobody in
     Flood,            ///< "flood": both event feeds send `amount` messages a second (2000)
     NoPing,           ///< "no-ping": does not answer ping, though everything else works
 };

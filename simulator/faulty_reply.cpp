@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/faulty_reply.h"
 
+#include "simulator/hostile_reply.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -97,6 +99,7 @@ void spoilReply(FaultList* faults, const QStringList& tags, HttpReply* reply)
         reply->percent = int(std::min<qint64>(100, stall->amountOrDefault()));
         reply->stalls = true;
     }
+    makeHostile(faults, tags, reply);
 }
 
 void holdReply(FaultList* faults, const QStringList& tags, HttpWire* wire, HttpReply* reply)

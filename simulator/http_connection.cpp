@@ -64,6 +64,11 @@ void HttpConnection::cut()
     m_isCut = true;
 }
 
+void HttpConnection::finish()
+{
+    m_isFinished = true;
+}
+
 void HttpConnection::close()
 {
     if (m_socket == INVALID_SOCKET)
@@ -103,13 +108,13 @@ bool HttpConnection::is_readable() const
 
 bool HttpConnection::is_writable() const
 {
-    return !m_isCut && ready(POLLOUT);
+    return !m_isCut && !m_isFinished && ready(POLLOUT);
 }
 
 ssize_t HttpConnection::read(char* data, size_t size)
 {
     if (m_begin == m_end) {
-        if (m_isCut || !ready(POLLIN))
+        if (m_isCut || m_isFinished || !ready(POLLIN))
             return -1;
         const ssize_t got = ::recv(m_socket, m_buffer.data(), m_buffer.size(), 0);
         if (got <= 0)

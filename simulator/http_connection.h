@@ -26,6 +26,8 @@ public:
     bool wait(int ms) override;
     /// From now on nothing goes out any more, and the client finds the connection broken.
     void cut();
+    /// From now on nothing goes out any more; what went before arrives.
+    void finish();
     /// Closes it and runs `afterwards`.
     void close();
     void setAfterwards(std::function<void()> afterwards);
@@ -43,6 +45,7 @@ private:
 
     socket_t m_socket;
     bool m_isCut = false;
+    bool m_isFinished = false;
     std::function<void()> m_afterwards;
     std::array<char, 16 * 1024> m_buffer;
     size_t m_begin = 0;

@@ -2,9 +2,9 @@
 #include "simulator/http_server.h"
 
 #include "simulator/http_connection.h"
+#include "simulator/pace.h"
 
 #include <QCryptographicHash>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QThread>
 #include <QThreadPool>
@@ -27,7 +27,6 @@ constexpr int maxWorkers = 2000;        // more requests at once than this wait 
 constexpr qint64 maxBody = 1000 * 1000; // of anything but an upload
 constexpr size_t pieceSize = 64 * 1024; // of a download
 constexpr int listenBacklog = 512;      // the library's own 5 loses connections in a burst
-constexpr int pacePerSecond = 20;       // pieces a second of a throttled transfer
 
 QThreadPool& workers()
 {
@@ -146,40 +145,6 @@ private:
     std::set<socket_t> m_connections; // guarded by m_mutex
 };
 
-/// Keeps a transfer to a number of bytes a second, as a port does: what a busy computer has missed
-/// for a moment comes right behind, so that the rate does not depend on how busy it is.
-class Pace
-{
-public:
-    explicit Pace(qint64 bytesPerSecond) : m_bytesPerSecond(bytesPerSecond) { m_clock.start(); }
-
-    size_t pieceSize(size_t wanted) const
-    {
-        return m_bytesPerSecond <= 0 ? wanted
-                                     : std::min(wanted, static_cast<size_t>(std::max<qint64>(
-                                                            1, m_bytesPerSecond / pacePerSecond)));
-    }
-
-    /// False when the connection has ended meanwhile.
-    bool after(qint64 bytes)
-    {
-        if (m_bytesPerSecond <= 0)
-            return true;
-        const qint64 now = m_clock.nsecsElapsed();
-        m_dueNs = std::max(m_dueNs, now - mostCatchUpNs) +
-                  qint64(double(bytes) / double(m_bytesPerSecond) * 1e9);
-        const qint64 ms = (m_dueNs - now) / 1000000;
-        return ms < 1 || HttpConnection::current()->wait(static_cast<int>(ms));
-    }
-
-private:
-    static constexpr qint64 mostCatchUpNs = 200 * 1000000;
-
-    qint64 m_bytesPerSecond;
-    QElapsedTimer m_clock;
-    qint64 m_dueNs = 0; ///< when all that has passed so far has taken its time
-};
-
 HttpRequest requestOf(const httplib::Request& raw)
 {
     HttpRequest request;
@@ -241,6 +206,26 @@ void sendFile(const HttpReply& reply, const httplib::Request& in, httplib::Respo
     });
 }
 
+/// Until it ends, or the client has had enough.
+void sendRaw(const HttpReply& reply, HttpConnection* connection)
+{
+    Pace pace(reply.bytesPerSecond);
+    const auto send = [&](const QByteArray& piece) {
+        qint64 at = 0;
+        while (at < piece.size()) {
+            const size_t size = pace.pieceSize(size_t(piece.size() - at));
+            if (connection->write(piece.constData() + at, size) < 0 || !pace.after(qint64(size)))
+                return false;
+            at += qint64(size);
+        }
+        return connection->wait(0);
+    };
+    QByteArray piece;
+    while (reply.raw(&piece) && send(piece)) {
+    }
+    connection->finish();
+}
+
 void sendReply(const HttpReply& reply, const httplib::Request& in, httplib::Response* out)
 {
     HttpConnection* const connection = HttpConnection::current();
@@ -251,6 +236,10 @@ void sendReply(const HttpReply& reply, const httplib::Request& in, httplib::Resp
         const_cast<httplib::Request&>(in).ranges.clear();
     if (reply.cut) {
         connection->cut();
+        return;
+    }
+    if (reply.raw) {
+        sendRaw(reply, connection);
         return;
     }
     if (reply.status != 200)

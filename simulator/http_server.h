@@ -36,7 +36,7 @@ struct HttpRequest {
     HttpWire* wire = nullptr;
 };
 
-/// A reply. The first that is set of `cut`, `source`, `file`, `body` is what is sent.
+/// A reply. The first that is set of `cut`, `raw`, `source`, `file`, `body` is what is sent.
 struct HttpReply {
     int status = 200;
     QByteArray type = "application/json";
@@ -45,6 +45,8 @@ struct HttpReply {
     /// Gives the next piece of an endless reply; false ends it, an empty piece is no end. May
     /// block for some tenths of a second.
     std::function<bool(QByteArray* piece)> source;
+    /// The same for bytes that go out as they are, in place of everything HTTP says of a reply.
+    std::function<bool(QByteArray* piece)> raw;
     QByteArray location;                            ///< for a redirection
     QVector<QPair<QByteArray, QByteArray>> headers; ///< more lines for the head
     bool cut = false;                               ///< close without a word

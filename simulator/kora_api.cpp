@@ -208,6 +208,8 @@ HttpReply KoraApi::control(const HttpRequest& request)
         status = done ? QStringLiteral("success") : failed;
     }
     object.insert(QStringLiteral("status"), status);
+    if (const auto other = m_faults->strike(FaultKind::Misnamed, tags))
+        object.insert(QStringLiteral("action"), other->text);
     HttpReply reply = jsonReply(object);
     reply.afterwards = afterwards;
     spoilReply(m_faults, tags, &reply);

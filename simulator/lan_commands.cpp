@@ -51,6 +51,7 @@ LanCommands::LanCommands(VirtualLan* lan) : m_lan(lan) {}
 QString LanCommands::help()
 {
     return QStringLiteral("list                    the boxes, their state and faults\n"
+                          "add IP [MODEL]          one more, or \"stranger\": no box at all\n"
                           "unplug IP               power off\n"
                           "plug IP                 power on\n"
                           "reboot IP               reboot without being told by a client\n"
@@ -87,6 +88,8 @@ LanCommands::Answer LanCommands::onBox(const QString& command, const QString& ad
                                        const QStringList& rest)
 {
     VirtualBox* const box = m_lan->find(address);
+    if (command == QLatin1String("add"))
+        return add(address, rest.value(0));
     if (box == nullptr)
         return refuse(QStringLiteral("no box at %1").arg(address));
     if (command == QLatin1String("unplug")) {
@@ -131,6 +134,17 @@ LanCommands::Answer LanCommands::onBox(const QString& command, const QString& ad
     if (command == QLatin1String("log"))
         return {true, false, logText(*box)};
     return refuse(QStringLiteral("not understood: %1").arg(command));
+}
+
+LanCommands::Answer LanCommands::add(const QString& address, const QString& model)
+{
+    BoxSetup setup = m_lan->ordinarySetup(address);
+    if (!readModel(model.isEmpty() ? modelWord(setup.model) : model, &setup.model))
+        return refuse(QStringLiteral("unknown model %1").arg(model));
+    VirtualBox* const box = m_lan->add(setup);
+    if (box == nullptr)
+        return refuse(m_lan->errorString());
+    return box->plugIn() ? Answer{} : refuse(box->errorString());
 }
 
 LanCommands::Answer LanCommands::list() const

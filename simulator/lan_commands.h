@@ -27,6 +27,7 @@ public:
 
 private:
     Answer onBox(const QString& command, const QString& address, const QStringList& rest);
+    Answer add(const QString& address, const QString& model);
     Answer list() const;
 
     VirtualLan* const m_lan;

@@ -33,19 +33,6 @@ QStringList textList(const QJsonValue& value)
     return texts;
 }
 
-/// False when no model has this word.
-bool readModel(const QString& word, BoxModel* model)
-{
-    for (const BoxModel each :
-         {BoxModel::Kora, BoxModel::Orbit, BoxModel::River, BoxModel::Lantern}) {
-        if (word == modelWord(each)) {
-            *model = each;
-            return true;
-        }
-    }
-    return false;
-}
-
 } // namespace
 
 Scenario::Scenario(QObject* parent) : QObject(parent) {}

@@ -33,10 +33,24 @@ QString modelWord(BoxModel model)
         return QStringLiteral("river");
     case BoxModel::Lantern:
         return QStringLiteral("lantern");
+    case BoxModel::Stranger:
+        return QStringLiteral("stranger");
     case BoxModel::Kora:
         break;
     }
     return QStringLiteral("kora");
+}
+
+bool readModel(const QString& word, BoxModel* model)
+{
+    for (const BoxModel each : {BoxModel::Kora, BoxModel::Orbit, BoxModel::River, BoxModel::Lantern,
+                                BoxModel::Stranger}) {
+        if (word == modelWord(each)) {
+            *model = each;
+            return true;
+        }
+    }
+    return false;
 }
 
 /// What the core tells a handle and, through it, the network that the box belongs to.

@@ -16,11 +16,14 @@ namespace sim
 class BoxCore;
 class SimulatorThread;
 
-/// What kind of box it is: KORA, or one of those that have only a web page.
-enum class BoxModel { Kora, Orbit, River, Lantern };
+/// What kind of box it is: KORA, one of those that have only a web page, or no box at all: somebody
+/// else's web server, at the ports at which boxes are looked for.
+enum class BoxModel { Kora, Orbit, River, Lantern, Stranger };
 
-/// The word of a model in scenario files: "kora", "orbit", "river", "lantern".
+/// The word of a model in scenario files: "kora", "orbit", "river", "lantern", "stranger".
 QString modelWord(BoxModel model);
+/// False when no model has this word.
+bool readModel(const QString& word, BoxModel* model);
 
 /// How a box is made. The ports are those of real boxes; change them only where a test has to.
 struct BoxSetup {

@@ -2,6 +2,7 @@
 #include "common/box_protocol.h"
 #include "common/command_runner.h"
 #include "common/json_map.h"
+#include "common/limits.h"
 #include "common/platform.h"
 #include "tests/support/files.h"
 #include "tests/support/plugged_box.h"
@@ -38,6 +39,8 @@ private slots:
     void missingProgramGivesAnEmptyReply();
     void burstStartsOneATurn();
     void orderEndsAtItsLimit();
+    void oneReplyForACommand_data();
+    void oneReplyForACommand();
     void everyEventIsLogged();
     void nothingOutlivesTheProgram();
     void commandsStartAgainAfterAnEnd();
@@ -187,6 +190,36 @@ void tst_CommandRunner::orderEndsAtItsLimit()
     CommandRunner::limit(m_started.first(), 200);
     QTRY_COMPARE_WITH_TIMEOUT(m_ended, 1, 3000);
     QCOMPARE(m_replies, QStringList());
+}
+
+void tst_CommandRunner::oneReplyForACommand_data()
+{
+    columns<QStringList>("faults");
+    row("without end", QStringList{"endless on hxenc_on"});
+    row("over and over", QStringList{"chatter 0 on hxenc_on"});
+    row("over and over, slowly",
+        QStringList{"throttle 20000 on hxenc_on", "chatter 0 on hxenc_on"});
+    // A reply of just the length at which curl hands on what it has got.
+    const QString wide = "fail on hxenc_on as " + QString(4096 - 40, 'f');
+    row("whole, then more",
+        QStringList{wide, "throttle 20000 on hxenc_on", "chatter 9 on hxenc_on"});
+}
+
+/// Whatever a box goes on to say: not more than one reply is handed on, the command ends, and the
+/// log does not grow.
+void tst_CommandRunner::oneReplyForACommand()
+{
+    QFETCH(QStringList, faults);
+    for (const QString& fault : faults)
+        QVERIFY2(m_box->addFault(fault), qPrintable(fault));
+    const QString key = TEST_BLOCK ".98";
+    QFile::remove(logFile(key));
+    m_runner->execCurl(key, BoxProtocol::controlCommand("hxenc_on", boxIp), {});
+    QTRY_COMPARE_WITH_TIMEOUT(m_ended, 1, 9000);
+    m_replies.removeAll(QString());
+    QVERIFY2(m_replies.size() <= 1, qPrintable(QString::number(m_replies.size())));
+    QTRY_VERIFY(linesOf(logFile(key)).join("").contains("停止"));
+    VERIFY_BELOW(QFileInfo(logFile(key)).size(), 4 * Limits::LogRecordChars);
 }
 
 void tst_CommandRunner::everyEventIsLogged()

@@ -1,12 +1,29 @@
 // SPDX-License-Identifier: MIT
+#include "common/limits.h"
 #include "media/event_sockets.h"
 #include "tests/support/plugged_box.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
+#include <QCryptographicHash>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
 
 #include <memory>
+
+namespace
+{
+
+/// The value of a header of a request.
+QByteArray headerOf(const QByteArray& request, const QByteArray& name)
+{
+    const int at = request.indexOf(name + ": ");
+    return at < 0 ? QByteArray() : request.mid(at + name.size() + 2).split('\r').first();
+}
+
+} // namespace
 
 class tst_EventSockets : public QObject
 {
@@ -84,6 +101,76 @@ private slots:
         // It is found once it is there.
         const auto late = pluggedBox(TEST_BLOCK ".9");
         QTRY_COMPARE(late->mediaListeners(), 1);
+    }
+
+    void limitsOfAFeed_data()
+    {
+        columns<QString, bool>("fault", "arrives");
+        const QString message = "huge-message %1";
+        row("longest message", message.arg(Limits::FeedMessageBytes), true);
+        row("longer message", message.arg(Limits::FeedMessageBytes + 1), false);
+        row("huge message", message.arg(20 * 1000 * 1000), false);
+        row("handshake without end", "endless-handshake", false);
+        row("refused handshake", "refused-handshake", false);
+    }
+    /// What is too much ends the connection, and the feed is found again once the box behaves.
+    void limitsOfAFeed()
+    {
+        const auto [fault, arrives] = cells<QString, bool>();
+        const auto one = pluggedBox(TEST_BLOCK ".1");
+        QVERIFY(one->addFault(fault));
+        EventSockets sockets;
+        QSignalSpy lost(&sockets.media(), &EventSocket::reconnecting);
+        QSignalSpy got(&sockets.media(), &EventSocket::message);
+        sockets.connectTo(TEST_BLOCK ".1");
+        if (arrives)
+            QTRY_VERIFY(!got.isEmpty());
+        else
+            QTRY_VERIFY_WITH_TIMEOUT(lost.size() >= 2, 3 * Limits::FeedHandshakeMs);
+        QCOMPARE(got.isEmpty(), !arrives);
+        one->clearFaults();
+        QTRY_VERIFY_WITH_TIMEOUT(!got.isEmpty(), 2 * Limits::FeedHandshakeMs);
+    }
+
+    /// Everything that is sent in a flood need not be seen, but the window must be free meanwhile.
+    void floodIsThinnedOut()
+    {
+        const auto one = pluggedBox(TEST_BLOCK ".1");
+        QVERIFY(one->addFault("flood 50000"));
+        EventSockets sockets;
+        QSignalSpy got(&sockets.media(), &EventSocket::message);
+        sockets.connectTo(TEST_BLOCK ".1");
+        QTRY_VERIFY(!got.isEmpty());
+        got.clear();
+        QTest::qWait(1000);
+        VERIFY_BELOW(got.size(), 1100 / Limits::FeedPaceMs * Limits::FeedMessagesAtOnce);
+    }
+
+    /// The power of a box fails: it answers nothing any more, and says no farewell.
+    void silentEndIsNoticed()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress(TEST_BLOCK ".7"), 8002));
+        int connections = 0;
+        connect(&server, &QTcpServer::newConnection, this, [&] {
+            ++connections;
+            QTcpSocket* client = server.nextPendingConnection();
+            connect(client, &QTcpSocket::readyRead, client, [client] {
+                const QByteArray key = headerOf(client->readAll(), "Sec-WebSocket-Key");
+                const QByteArray sum = QCryptographicHash::hash(
+                    key + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11", QCryptographicHash::Sha1);
+                if (!key.isEmpty())
+                    client->write("HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\n"
+                                  "Connection: Upgrade\r\nSec-WebSocket-Accept: " +
+                                  sum.toBase64() + "\r\n\r\n");
+            });
+        });
+        EventSockets sockets;
+        QSignalSpy joined(&sockets.media(), &EventSocket::connected);
+        sockets.connectTo(TEST_BLOCK ".7");
+        QTRY_COMPARE(joined.size(), 1);
+        QTRY_VERIFY_WITH_TIMEOUT(joined.size() >= 2, 3 * Limits::FeedPingMs + 2000);
+        QVERIFY(connections >= 2);
     }
 
     void anotherBoxTakesOver()
