@@ -229,11 +229,13 @@ int main(int argc, char* argv[])
     };
     Saves calm;
     meter.start();
-    for (int n = 0; n < calmSaves; ++n)
+    qint64 memory = 0;
+    for (int n = 0; n < calmSaves; ++n) {
         calm.add(saveOne(n % goodBoxes + 1));
+        memory = std::max(memory, residentBytes());
+    }
     meter.stop();
     const double calmGap = meter.longestMs();
-    const qint64 memory = residentBytes();
 
     for (const QString& line : besiege())
         network.command(line);
@@ -246,7 +248,7 @@ int main(int argc, char* argv[])
     for (int n = 0; double(clock.elapsed()) < minutes * 60000; ++n) {
         person.select(firstHostile + n % hostileBoxes);
         serve(1500);
-        person.press("pushButton_hxenc_on");
+        person.press("recode");
         serve(500);
         siege.add(saveOne(n % goodBoxes + 1));
         most = std::max(most, residentBytes());
