@@ -659,6 +659,14 @@
       <source>关闭直播服务失败</source>
       <translation>Stopping the live service failed</translation>
     </message>
+    <message>
+      <source>设备没有回应,直播服务可能没有开启.</source>
+      <translation>The device did not answer; the live service may not have started.</translation>
+    </message>
+    <message>
+      <source>设备没有回应,直播服务可能没有关闭.</source>
+      <translation>The device did not answer; the live service may not have stopped.</translation>
+    </message>
   </context>
   <context>
     <name>Md5Tool</name>

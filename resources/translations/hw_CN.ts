@@ -659,6 +659,14 @@
       <source>关闭直播服务失败</source>
       <translation>라이브 서비스를 중지하지 못했습니다</translation>
     </message>
+    <message>
+      <source>设备没有回应,直播服务可能没有开启.</source>
+      <translation>장치가 응답하지 않습니다. 라이브 서비스가 시작되지 않았을 수 있습니다.</translation>
+    </message>
+    <message>
+      <source>设备没有回应,直播服务可能没有关闭.</source>
+      <translation>장치가 응답하지 않습니다. 라이브 서비스가 중지되지 않았을 수 있습니다.</translation>
+    </message>
   </context>
   <context>
     <name>Md5Tool</name>

@@ -47,6 +47,7 @@ constexpr QLatin1String RecordOn = constant("record_on");
 constexpr QLatin1String RecordOff = constant("record_off");
 constexpr QLatin1String StreamOn = constant("stream_on");
 constexpr QLatin1String StreamOff = constant("stream_off");
+constexpr QLatin1String Reboot = constant("reboot");
 constexpr QLatin1String FullEncoderOn = constant("ndienc_on");
 constexpr QLatin1String FullEncoderOff = constant("ndienc_off");
 constexpr QLatin1String HxEncoderOn = constant("hxenc_on");

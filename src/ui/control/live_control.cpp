@@ -15,8 +15,15 @@ LiveControl::LiveControl(const Hub& hub) : QObject(nullptr), m_hub(hub)
     hub.exchange.onReply(BoxProtocol::StreamOn,
                          [this](const QProcess&, const BoxReply& reply) { handleStarted(reply); });
     hub.exchange.onReply(BoxProtocol::StreamOff, [this](const QProcess&, const BoxReply& reply) {
-        if (reply.isSuccess())
-            messageBox::ask(tr("关闭直播服务成功"), m_hub.window);
+        messageBox::ask(reply.isSuccess() ? tr("关闭直播服务成功") : tr("关闭直播服务失败"),
+                        m_hub.window);
+    });
+    // The answer may be lost and the deed done.
+    hub.exchange.onSilence(BoxProtocol::StreamOn, [this](const QProcess&) {
+        messageBox::ask(tr("设备没有回应,直播服务可能没有开启."), m_hub.window);
+    });
+    hub.exchange.onSilence(BoxProtocol::StreamOff, [this](const QProcess&) {
+        messageBox::ask(tr("设备没有回应,直播服务可能没有关闭."), m_hub.window);
     });
 }
 

@@ -10,10 +10,18 @@
 #include "ui/hub/orders.h"
 #include "widgets/message_box.h"
 
+#include <QProcess>
+
 DeviceSelection::DeviceSelection(const Hub& hub) : QObject(hub.window), m_hub(hub)
 {
     hub.exchange.onAction(Action::Select, [this](Item* item) { select(item); });
     hub.exchange.onAction(Action::RestartDevice, [this](Item* item) { restart(item); });
+    hub.exchange.onReply(BoxProtocol::Reboot,
+                         [this](const QProcess& process, const BoxReply& reply) {
+                             // One that goes at once says nothing at all.
+                             if (!reply.isSuccess())
+                                 tellNotRestarted(process.property("ip").toString());
+                         });
     connect(&hub.devices, &DeviceRegistry::cameOnline, this, &DeviceSelection::handleCameOnline);
 }
 
@@ -53,10 +61,14 @@ void DeviceSelection::restart(Item* item)
         return;
     m_hub.orders.send(target, BoxProtocol::rebootCommand(ip), {}, this, [this, ip](bool isSent) {
         if (!isSent)
-            messageBox::ask(
-                m_hub.orders.explained(ip, tr("KORA %1 未重启,请检查KORA网络状态后重试.").arg(ip)),
-                m_hub.window);
+            tellNotRestarted(ip);
     });
+}
+
+void DeviceSelection::tellNotRestarted(const QString& ip)
+{
+    const QString text = tr("KORA %1 未重启,请检查KORA网络状态后重试.").arg(ip);
+    messageBox::ask(m_hub.orders.explained(ip, text), m_hub.window);
 }
 
 void DeviceSelection::handleCameOnline(const QString& ip)

@@ -26,6 +26,8 @@ private:
     void select(Item* item);
     /// Asks, then restarts the box. Blocks, serving events.
     void restart(Item* item);
+    /// Blocks, serving events.
+    void tellNotRestarted(const QString& ip);
     /// The selected box answers again: what is shown of it may be out of date.
     void handleCameOnline(const QString& ip);
 

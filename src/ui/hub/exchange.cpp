@@ -5,6 +5,13 @@
 
 #include <QProcess>
 
+namespace
+{
+
+constexpr const char* deliveredMark = "delivered";
+
+} // namespace
+
 void Exchange::onResult(const QString& type, ResultHandler handler)
 {
     m_results[type] = std::move(handler);
@@ -18,6 +25,11 @@ void Exchange::onResultPrefix(const QString& prefix, ResultHandler handler)
 void Exchange::onReply(const QString& command, ReplyHandler handler)
 {
     m_replies[command] = std::move(handler);
+}
+
+void Exchange::onSilence(const QString& command, SilenceHandler handler)
+{
+    m_silences[command] = std::move(handler);
 }
 
 void Exchange::onAction(Action action, ActionHandler handler)
@@ -44,14 +56,25 @@ void Exchange::deliverResult(const QVariantMap& map) const
         handler(HttpResult::fromMap(map));
 }
 
-void Exchange::deliverReply(const QProcess& process, const QString& text) const
+void Exchange::deliverReply(QProcess& process, const QString& text) const
 {
     const BoxReply reply(text);
     // What a box says of another command than the one that it was sent is not believed.
     if (reply.action() != process.property(CommandRunner::ActionProperty).toString())
         return;
+    // Before the handler, which may block until after the end of the process.
+    process.setProperty(deliveredMark, true);
     if (const ReplyHandler handler = m_replies.value(reply.action()))
         handler(process, reply);
+}
+
+void Exchange::deliverEnd(const QProcess& process) const
+{
+    if (process.property(deliveredMark).toBool())
+        return;
+    const QString command = process.property(CommandRunner::ActionProperty).toString();
+    if (const SilenceHandler handler = m_silences.value(command))
+        handler(process);
 }
 
 void Exchange::deliverAction(Action action, Item* item) const

@@ -112,6 +112,7 @@ void Tarn_Hub::R_stateChanged(QProcess::ProcessState state)
         return;
     m->runner.takeRest(process);
     m->runner.noteEnd(process);
+    m->exchange.deliverEnd(*process);
 }
 
 void Tarn_Hub::R_download(QList<QListWidgetItem*> items)

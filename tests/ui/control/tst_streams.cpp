@@ -220,7 +220,15 @@ void tst_Streams::liveCommands_data()
         "stream_on&srt_mode=listener&srt_port=9000&stream_id='cam1'", started);
     row("refused", "radioButton_rtmp", "rtmp://h/live", "fail stream_on",
         "stream_on&stream_url='rtmp://h/live'", "开启直播服务失败");
-    row("stop", "", "", "", "stream_off", "关闭直播");
+    row("hung up on", "radioButton_rtmp", "rtmp://h/live", "hang-up 0 on stream_on",
+        "stream_on&stream_url='rtmp://h/live'", "设备没有回应,直播服务可能没有开启");
+    row("answered as something else", "radioButton_rtmp", "rtmp://h/live",
+        "misnamed on stream_on as stream_off", "stream_on&stream_url='rtmp://h/live'",
+        "设备没有回应,直播服务可能没有开启");
+    row("stop", "", "", "", "stream_off", "关闭直播服务成功");
+    row("stop refused", "", "", "fail stream_off", "stream_off", "关闭直播服务失败");
+    row("stop unanswered", "", "", "hang-up 0 on stream_off", "stream_off",
+        "设备没有回应,直播服务可能没有关闭");
 }
 
 void tst_Streams::liveCommands()

@@ -16,6 +16,7 @@ private slots:
     void cleanup() { m_fixture.reset(); }
     void anotherBoxIsToldNothing_data();
     void anotherBoxIsToldNothing();
+    void refusedRestartIsTold();
     void boxThatHidIsAskedForAgain();
     void whatHappensMeanwhileCounts_data();
     void whatHappensMeanwhileCounts();
@@ -107,6 +108,16 @@ void tst_Orders::anotherBoxIsToldNothing()
     if (QTest::currentDataTag() == QByteArray("recode"))
         QTRY_VERIFY(!m_fixture->child<QAbstractButton>("recode")->isChecked());
     m_fixture->save("设置参数成功.");
+}
+
+void tst_Orders::refusedRestartIsTold()
+{
+    m_fixture->openKnowing({7});
+    QVERIFY(m_box->addFault("fail reboot"));
+    DialogAnswerer answers;
+    act("restart", answers);
+    QTRY_COMPARE(answers.texts().value(1),
+                 QString("KORA " TEST_BLOCK ".7 未重启,请检查KORA网络状态后重试."));
 }
 
 /// And from then on it is that one, for the panels as well. One lost answer changes nothing.
