@@ -3,6 +3,8 @@
 
 #include "common/limits.h"
 
+#include <QList>
+
 namespace
 {
 
