@@ -2,7 +2,9 @@
 #include "common/safe_name.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
+#include <QStringList>
+
+#include <algorithm>
 
 namespace
 {
@@ -34,24 +36,63 @@ QString fitted(const QString& name)
     return base + suffix;
 }
 
+/// Without what means something to a file system, and without halves of letters, which would get
+/// another name on the disk. By hand: no regular expression matches in a text with such a half.
+QString withoutForbidden(const QString& name)
+{
+    QString kept;
+    for (int at = 0; at < name.size(); ++at) {
+        const QChar c = name.at(at);
+        const bool isPair =
+            c.isHighSurrogate() && at + 1 < name.size() && name.at(at + 1).isLowSurrogate();
+        if (isPair)
+            kept += name.mid(at++, 2);
+        else if (!c.isSurrogate() && c.unicode() >= 0x20 && c.unicode() != 0x7f &&
+                 !QStringLiteral(":*?\"<>|").contains(c))
+            kept += c;
+    }
+    return kept;
+}
+
+/// A name that Windows takes for a device, or would once a number of ours stands behind it.
+bool isDevice(const QString& base)
+{
+    static const QStringList devices{QStringLiteral("con"),    QStringLiteral("prn"),
+                                     QStringLiteral("aux"),    QStringLiteral("nul"),
+                                     QStringLiteral("conin$"), QStringLiteral("conout$")};
+    const bool isPort = base.startsWith(QLatin1String("com"), Qt::CaseInsensitive) ||
+                        base.startsWith(QLatin1String("lpt"), Qt::CaseInsensitive);
+    return devices.contains(base, Qt::CaseInsensitive) ||
+           (isPort && (base.size() == 3 || (base.size() == 4 && base.at(3).digitValue() >= 0)));
+}
+
 } // namespace
 
 QString safeFileName(const QString& name)
 {
     // What follows the last separator of either kind is the name; the rest is somebody's path.
-    QString safe = name.mid(name.lastIndexOf(QRegularExpression(QStringLiteral("[/\\\\]"))) + 1);
-    safe.remove(QRegularExpression(QStringLiteral("[:*?\"<>|\\x00-\\x1f\\x7f]")));
-    while (safe.startsWith(QLatin1Char('.')) || safe.startsWith(QLatin1Char(' ')))
-        safe.remove(0, 1);
-    safe = fitted(safe);
+    const int end = qMax(name.lastIndexOf(QLatin1Char('/')), name.lastIndexOf(QLatin1Char('\\')));
+    QString safe = withoutForbidden(name.mid(end + 1));
+    const auto isVisible = [](QChar c) { return c != QLatin1Char('.') && c != QLatin1Char(' '); };
+    const auto begin = std::find_if(safe.cbegin(), safe.cend(), isVisible);
+    safe = fitted(safe.mid(int(begin - safe.cbegin())));
     while (safe.endsWith(QLatin1Char('.')) || safe.endsWith(QLatin1Char(' ')))
         safe.chop(1);
-    static const QRegularExpression reserved(
-        QStringLiteral("^(con|prn|aux|nul|com[0-9]|lpt[0-9])(\\.|$)"),
-        QRegularExpression::CaseInsensitiveOption);
-    if (reserved.match(safe).hasMatch())
+    if (isDevice(safe.section(QLatin1Char('.'), 0, 0).trimmed()))
         safe.prepend(QLatin1Char('_'));
     return safe.isEmpty() ? QStringLiteral("download") : safe;
+}
+
+QString nameInDisposition(const QByteArray& header)
+{
+    const QString text = QString::fromUtf8(header);
+    const QString mark = QStringLiteral("filename=");
+    const int at = text.indexOf(mark);
+    if (at < 0)
+        return QString();
+    QString name = text.mid(at + mark.size()).section(QLatin1Char(';'), 0, 0).trimmed();
+    name.remove(QLatin1Char('"'));
+    return name.isEmpty() ? QString() : safeFileName(name);
 }
 
 QString freePath(const QString& folder, const QString& name)

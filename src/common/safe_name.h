@@ -8,6 +8,10 @@
 /// takes. The suffix stays. Never empty.
 QString safeFileName(const QString& name);
 
+/// The safe name that the Content-Disposition `header` of a reply offers, empty when it offers
+/// none.
+QString nameInDisposition(const QByteArray& header);
+
 /// What a file is called while its data still comes.
 inline QString partSuffix()
 {

@@ -88,14 +88,7 @@ bool isWhole(const QNetworkReply& reply, qint64 received)
 /// The name a server offers for a file, empty when it offers none.
 QString offeredName(const QNetworkReply& reply)
 {
-    const QString header = QString::fromUtf8(reply.rawHeader("content-disposition"));
-    const QString mark = QStringLiteral("filename=");
-    const int at = header.indexOf(mark);
-    if (at < 0)
-        return QString();
-    QString name = header.mid(at + mark.size()).section(QLatin1Char(';'), 0, 0).trimmed();
-    name.remove(QLatin1Char('"'));
-    return name.isEmpty() ? QString() : safeFileName(name);
+    return nameInDisposition(reply.rawHeader("content-disposition"));
 }
 
 } // namespace

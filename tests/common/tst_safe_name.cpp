@@ -17,9 +17,15 @@ private slots:
         row("only upwards", "..", "download");
         row("absolute", "/etc/passwd", "passwd");
         row("windows path", "C:\\Windows\\x.exe", "x.exe");
+        row("upwards, with half a letter", QString("../../x") + QChar(0xD800) + ".mp4", "x.mp4");
         row("stream of a file", "a:b?.mp4", "ab.mp4");
         row("hidden", ".bashrc", "bashrc");
         row("reserved", "CON.txt", "_CON.txt");
+        row("reserved before a blank", "nul .txt", "_nul .txt");
+        row("reserved with a number of ours", "com.mp4", "_com.mp4");
+        row("reserved with another digit", QString::fromUtf8("lpt¹.mp4"),
+            QString::fromUtf8("_lpt¹.mp4"));
+        row("reserved console", "conin$", "_conin$");
         row("control characters", QString("a\n\tb\x7f.mp4"), "ab.mp4");
         row("trailing dot", "x.mp4. ", "x.mp4");
         row("nothing left", "///", "download");
