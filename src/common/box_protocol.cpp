@@ -68,7 +68,8 @@ bool isIpv4Address(const QString& text)
     if (parts.size() != 4)
         return false;
     for (const QStringRef& part : parts) {
-        if (part.isEmpty() || part.size() > 3)
+        if (part.isEmpty() || part.size() > 3 ||
+            (part.size() > 1 && part.at(0) == QLatin1Char('0')))
             return false;
         for (const QChar c : part) {
             if (c < QLatin1Char('0') || c > QLatin1Char('9'))
@@ -181,9 +182,18 @@ QString restartCommand(const QString& ip)
 
 QString actionOf(const QString& commandLine)
 {
-    // The first is the program's own; what was typed stands behind it.
-    static const QRegularExpression action(QStringLiteral("\\baction=(\\w+)"));
-    return action.match(commandLine).captured(1);
+    // The first is the program's own; what was typed stands behind it. No expression: none matches
+    // in a text with half a letter, wherever in it that is.
+    const QString mark = QStringLiteral("action=");
+    const int at = commandLine.indexOf(mark);
+    if (at < 0)
+        return QString();
+    const auto isPartOfIt = [](QChar c) { return c.isLetterOrNumber() || c == QLatin1Char('_'); };
+    const int begin = at + mark.size();
+    int end = begin;
+    while (end < commandLine.size() && isPartOfIt(commandLine.at(end)))
+        ++end;
+    return commandLine.mid(begin, end - begin);
 }
 
 QString rebootCommand(const QString& ip)

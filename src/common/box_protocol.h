@@ -59,8 +59,8 @@ constexpr QLatin1String DecodeOff = constant("hxdec_off");
 /// kept across an upgrade.
 QStringList configurationParameters();
 
-/// True for four decimal numbers of 0 to 255 joined by dots, and nothing else. Only such text may
-/// become a box's address.
+/// True for four decimal numbers of 0 to 255 joined by dots, and nothing else: no zero in front,
+/// with which a number is octal to some programs. Only such text may become a box's address.
 bool isIpv4Address(const QString& text);
 
 /// True for six pairs of hexadecimal digits, joined by ":", "-" or nothing. Only such text may

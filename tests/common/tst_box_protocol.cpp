@@ -58,6 +58,15 @@ private slots:
             QStringLiteral("http://10.0.0.9:8081/config?action=get&param_name=eParam_DeviceName"));
     }
 
+    void actionIsTheProgramsOwn()
+    {
+        const QString name = QString("action=b&x=") + QChar(0xD800);
+        QCOMPARE(BoxProtocol::actionOf(BoxProtocol::recordDeleteCommand(name, "10.0.0.5")),
+                 "record_del");
+        QCOMPARE(BoxProtocol::actionOf(BoxProtocol::otaCommand("10.0.0.5")), "ota");
+        QCOMPARE(BoxProtocol::actionOf("curl http://10.0.0.5"), "");
+    }
+
     void addresses_data()
     {
         columns<QString, bool>("text", "valid");
@@ -69,6 +78,7 @@ private slots:
         row("blank", "1.2.3.4 ", false);
         row("option", "-f/etc/passwd", false);
         row("sign", "1.2.3.+4", false);
+        row("octal to some programs", "10.0.0.010", false);
         row("other digits", QString::fromUtf8("١.٢.٣.٤"), false);
         row("empty", "", false);
     }

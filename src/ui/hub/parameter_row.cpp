@@ -120,6 +120,17 @@ ParameterBinding scaled(QSpinBox* box, QSlider* slider, int unit)
     return binding;
 }
 
+/// As the editor shows it: boxes may fill up the numbers of an address.
+QString withoutLeadingZeros(const QString& address)
+{
+    QStringList numbers = address.split(QLatin1Char('.'));
+    for (QString& number : numbers) {
+        while (number.size() > 1 && number.size() <= 3 && number.startsWith(QLatin1Char('0')))
+            number.remove(0, 1);
+    }
+    return numbers.join(QLatin1Char('.'));
+}
+
 } // namespace
 
 namespace Bind
@@ -141,7 +152,8 @@ ParameterBinding address(IPAddress* editor, std::function<void(const QString&)> 
     const QList<QLineEdit*> parts = editor->findChildren<QLineEdit*>();
     ParameterBinding binding;
     binding.meaning = [](const QString& value) {
-        return BoxProtocol::isIpv4Address(value) ? std::make_optional(value) : std::nullopt;
+        const QString plain = withoutLeadingZeros(value);
+        return BoxProtocol::isIpv4Address(plain) ? std::make_optional(plain) : std::nullopt;
     };
     binding.show = [editor, shown](const QString& value) {
         editor->setIP(value);
