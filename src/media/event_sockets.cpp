@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "media/event_sockets.h"
 
-#include "common/json_map.h"
 #include "media/event_feed.h"
-
-#include <QTime>
+#include "media/event_message.h"
 
 namespace
 {
@@ -12,23 +10,7 @@ namespace
 constexpr quint16 streamPort = 8001;
 constexpr quint16 mediaPort = 8002;
 
-QString timeText(qint64 ms)
-{
-    constexpr qint64 day = 24LL * 60 * 60 * 1000;
-    return QTime(0, 0).addMSecs(int(ms % day)).toString(QStringLiteral("hh:mm:ss.zzz"));
-}
-
-qint64 recordMs(const QString& message)
-{
-    return jsonToMap(message).value(QStringLiteral("record_ms")).toLongLong();
-}
-
 } // namespace
-
-QString recordTimeOf(const QString& message)
-{
-    return timeText(recordMs(message));
-}
 
 EventSocket::EventSocket(quint16 port, QThread& network) : m_feed(new EventFeed(port))
 {
@@ -64,11 +46,12 @@ EventSockets::EventSockets(QObject* parent)
     m_network.setObjectName(QStringLiteral("event feeds"));
     m_network.start();
     connect(&m_stream, &EventSocket::message, this, [this](const QString& text) {
-        const qint64 ms = recordMs(text);
-        emit recordTime(timeText(ms));
+        const qint64 ms = recordMsOf(text);
+        emit recordTime(recordTimeText(ms));
         emit recordClock(ms);
     });
-    connect(&m_stream, &EventSocket::reconnecting, this, [this] { emit recordTime(timeText(0)); });
+    connect(&m_stream, &EventSocket::reconnecting, this,
+            [this] { emit recordTime(recordTimeText(0)); });
 }
 
 EventSockets::~EventSockets()
@@ -80,7 +63,7 @@ EventSockets::~EventSockets()
 void EventSockets::connectTo(const QString& ip)
 {
     // What was heard last is another box's, or an earlier connection's.
-    emit recordTime(timeText(0));
+    emit recordTime(recordTimeText(0));
     m_stream.connectTo(ip);
     m_media.connectTo(ip);
 }

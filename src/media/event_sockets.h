@@ -65,7 +65,3 @@ private:
     EventSocket m_stream;
     EventSocket m_media;
 };
-
-/// The recording time that a message of the stream feed carries, "hh:mm:ss.zzz"; it wraps around
-/// at 24 hours, and is zero when the message carries none.
-QString recordTimeOf(const QString& message);

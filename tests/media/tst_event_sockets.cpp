@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "common/limits.h"
+#include "media/event_message.h"
 #include "media/event_sockets.h"
 #include "tests/support/plugged_box.h"
 #include "tests/support/stopwatch.h"
@@ -37,6 +38,7 @@ private slots:
         row("as text", R"({"record_ms": "1000"})", "00:00:01.000");
         row("over a day", R"({"record_ms": 90000000})", "01:00:00.000");
         row("enormous", R"({"record_ms": 9e300})", "\\d\\d:\\d\\d:\\d\\d.\\d\\d\\d"); // any time
+        row("before it began", R"({"record_ms": -5})", "00:00:00.000");
         row("none", R"({"x": 1})", "00:00:00.000");
         row("a list", R"({"record_ms": [5]})", "00:00:00.000");
         row("no JSON", "hello", "00:00:00.000");
@@ -44,7 +46,7 @@ private slots:
     void recordTime()
     {
         const auto [message, time] = cells<QString, QString>();
-        const QString shown = recordTimeOf(message);
+        const QString shown = recordTimeText(recordMsOf(message));
         const QRegularExpression whole(QRegularExpression::anchoredPattern(time));
         QVERIFY2(whole.match(shown).hasMatch(), qPrintable(shown));
     }
