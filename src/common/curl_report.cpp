@@ -13,8 +13,9 @@ qint64 bytesOf(QString text)
     if (power >= 0 && !text.isEmpty())
         text.chop(1);
     bool isNumber = false;
-    const double number = text.toDouble(&isNumber);
-    return isNumber ? qint64(number * double(qint64(1) << (10 * (power + 1)))) : -1;
+    const double number = text.toDouble(&isNumber) * double(qint64(1) << (10 * (power + 1)));
+    constexpr double most = 1e18; // holds in 64 bits
+    return isNumber ? qint64(qMin(number, most)) : -1;
 }
 
 qint64 numberOf(const QByteArray& text)
@@ -73,7 +74,8 @@ void CurlReport::readLine(const QByteArray& line)
 void CurlReport::readHeader(const QByteArray& line)
 {
     if (line.startsWith("HTTP/")) {
-        m_httpStatus = line.mid(line.indexOf(' ') + 1).left(3).toInt();
+        const int status = line.mid(line.indexOf(' ') + 1).left(3).toInt();
+        m_httpStatus = status >= 100 ? status : 0;
         m_contentLength = -1;
         m_rangeTotal = -1;
         return;

@@ -150,7 +150,10 @@ QString readRow(const QJsonObject& json, int format, UpgradeRow* row)
     row->expected = json.value(key("expected")).toString();
     row->aftermath = json.value(key("aftermath")).toString();
     row->started = QDateTime::fromString(json.value(key("started")).toString(), Qt::ISODateWithMs);
-    row->durationMs = qint64(json.value(key("durationMs")).toDouble());
+    // A number that is none of milliseconds would not fit, either.
+    const double durationMs = json.value(key("durationMs")).toDouble();
+    constexpr double most = 1e15;
+    row->durationMs = durationMs > 0 && durationMs < most ? qint64(durationMs) : 0;
     row->absent = json.value(key("absent")).toVariant().toStringList();
     row->stopped = json.value(key("stopped")).toString();
     row->note = json.value(key("note")).toString();

@@ -203,6 +203,15 @@ private slots:
         QCOMPARE(again.rows.last().settings, Settings::Dropped);
     }
 
+    void journalOfAnEternity()
+    {
+        QByteArray text = numbers;
+        text.replace("\"durationMs\":0", "\"durationMs\":1e300");
+        UpgradeSession session;
+        QVERIFY(UpgradeSession::fromJson(QJsonDocument::fromJson(text).object(), &session));
+        QCOMPARE(session.rows.first().durationMs, 0);
+    }
+
     void journalOfStrangers_data()
     {
         columns<QString, QString, QString>("was", "is", "reason");
