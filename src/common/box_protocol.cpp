@@ -182,11 +182,12 @@ QString restartCommand(const QString& ip)
 
 QString actionOf(const QString& commandLine)
 {
-    // The first is the program's own; what was typed stands behind it. No expression: none matches
-    // in a text with half a letter, wherever in it that is.
+    // No expression: none matches in a text with half a letter, wherever in it that is.
+    const QString data = QStringLiteral("curl -d ");
     const QString mark = QStringLiteral("action=");
-    const int at = commandLine.indexOf(mark);
-    if (at < 0)
+    const int at =
+        data.size() + (commandLine.midRef(data.size(), 1) == QLatin1String("\"") ? 1 : 0);
+    if (!commandLine.startsWith(data) || commandLine.midRef(at, mark.size()) != mark)
         return QString();
     const auto isPartOfIt = [](QChar c) { return c.isLetterOrNumber() || c == QLatin1Char('_'); };
     const int begin = at + mark.size();

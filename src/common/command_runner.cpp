@@ -2,6 +2,7 @@
 #include "common/command_runner.h"
 
 #include "common/box_protocol.h"
+#include "common/json_map.h"
 #include "common/limits.h"
 #include "common/operation_log.h"
 #include "common/platform.h"
@@ -9,7 +10,6 @@
 #include <QCoreApplication>
 #include <QDebug>
 #include <QEventLoop>
-#include <QJsonDocument>
 #include <QPointer>
 #include <QQueue>
 #include <QSet>
@@ -32,7 +32,7 @@ const QStringList& directly()
 
 bool isWhole(const QByteArray& reply)
 {
-    return reply.trimmed().endsWith('}') && QJsonDocument::fromJson(reply).isObject();
+    return reply.trimmed().endsWith('}') && jsonObject(reply).has_value();
 }
 
 /// What `process` has said that was not taken yet.

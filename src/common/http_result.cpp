@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "common/http_result.h"
 
+#include "common/json_map.h"
 #include "common/limit_log.h"
 #include "common/limits.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 namespace
 {
@@ -82,7 +81,7 @@ HttpResult HttpResult::fromBody(const QString& body)
     HttpResult result;
     result.body = body;
     // Not the whole of it as a map: many answers come while boxes are watched.
-    const QJsonObject reply = QJsonDocument::fromJson(body.toUtf8()).object();
+    const QJsonObject reply = jsonObject(body.toUtf8()).value_or(QJsonObject());
     result.parameterName = reply.value(QStringLiteral("param_name")).toString();
     result.value = bounded(reply.value(QStringLiteral("value")), result.exceeded).toVariant();
     result.status = reply.value(QStringLiteral("status")).toString();

@@ -2,10 +2,17 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QString>
 #include <QVariantMap>
 
-/// Decodes a box reply. Anything that is not a JSON object, broken text included, gives an empty
-/// map, so that every key reads empty and the request counts as failed.
+#include <optional>
+
+/// The JSON object that somebody has sent; nothing for all other text, broken text included, and
+/// for an object that Qt cannot read without losing memory.
+std::optional<QJsonObject> jsonObject(const QByteArray& utf8);
+
+/// Decodes a box reply. Anything that is not a JSON object gives an empty map, so that every key
+/// reads empty and the request counts as failed.
 QVariantMap jsonToMap(const QByteArray& utf8);
 QVariantMap jsonToMap(const QString& text);

@@ -2,6 +2,7 @@
 #include "upgrade/upgrade_journal.h"
 
 #include "common/data_path.h"
+#include "common/json_map.h"
 
 #include <QDir>
 #include <QJsonDocument>
@@ -106,7 +107,7 @@ QVector<UpgradeSession> UpgradeJournal::readAll()
             continue;
         UpgradeSession session;
         QString problem;
-        const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
+        const QJsonObject json = jsonObject(file.readAll()).value_or(QJsonObject());
         if (!UpgradeSession::fromJson(json, &session, &problem))
             // Left alone: a newer version of the program may have written it.
             qWarning("journal %s is not read: %s", qPrintable(info.fileName()),

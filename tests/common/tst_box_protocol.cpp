@@ -64,6 +64,7 @@ private slots:
         QCOMPARE(BoxProtocol::actionOf(BoxProtocol::recordDeleteCommand(name, "10.0.0.5")),
                  "record_del");
         QCOMPARE(BoxProtocol::actionOf(BoxProtocol::otaCommand("10.0.0.5")), "ota");
+        QCOMPARE(BoxProtocol::actionOf(BoxProtocol::uploadCommand("/action=x", "10.0.0.5")), "");
         QCOMPARE(BoxProtocol::actionOf("curl http://10.0.0.5"), "");
     }
 
@@ -96,6 +97,16 @@ private slots:
         row("text", R"("success")", "");
         row("torn", "{\"status\":\"succ", "");
         row("two in a row", R"({"status":"success"}{"status":"x"})", "");
+        row("a text twice", R"({"status":"x","status":"success"})", "success");
+        row("a list twice", R"({"status":"success","a":[1],"a":[2]})", "");
+        row("a list after a text", R"({"a":"x","status":"success","a":[2]})", "");
+        row("a list twice, in other words", R"({"a":[],"\u0061":5,"status":"success"})", "");
+        row("a list twice, deep inside", R"({"status":"success","b":[{"a":{},"a":{}}]})", "");
+        row("one list in each", R"({"a":{"a":[]},"b":[{"a":[]},{"a":[]}],"status":"success"})",
+            "success");
+        row("signs in texts", "{\"a\":[],\"b\":\"\\\",\\\"a\\\":[\",\"status\":\"success\"}",
+            "success");
+        row("too deep", QString(2000, '[') + QString(2000, ']'), "");
         row("empty", "", "");
         row("error page", "<html>404</html>", "");
     }
