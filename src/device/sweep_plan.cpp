@@ -11,6 +11,12 @@ constexpr int longestLine = 4096;
 /// The shortest command lines hold some 2,000 addresses; a block of these is asked within seconds.
 constexpr int addressesInBlock = 100;
 
+/// All of it: the conversion of a QByteArray would end at the first zero.
+QString textOf(const QByteArray& output)
+{
+    return QString::fromLocal8Bit(output.constData(), output.size());
+}
+
 } // namespace
 
 SweepStep SweepStep::next() const
@@ -86,14 +92,14 @@ QStringList LineAssembler::add(const QByteArray& piece)
             m_open.clear();
         return {};
     }
-    const QStringList lines = outputLines(QString::fromLocal8Bit(m_open.left(end)));
+    const QStringList lines = outputLines(textOf(m_open.left(end)));
     m_open.remove(0, end + 1);
     return lines;
 }
 
 QStringList LineAssembler::rest()
 {
-    const QStringList lines = outputLines(QString::fromLocal8Bit(m_open));
+    const QStringList lines = outputLines(textOf(m_open));
     m_open.clear();
     return lines;
 }

@@ -73,8 +73,9 @@ private slots:
 
     void outputInPiecesIsNeverCut()
     {
-        const QByteArray output = "10.0.0.5\n\n10.0.0.19\n10.0.0.200";
-        const QStringList expected{"10.0.0.5", "10.0.0.19", "10.0.0.200"};
+        const QByteArray output =
+            QByteArray("10.0.0.5\n\nx_\n10.0.0.19\n10.0.0.200").replace('_', '\0');
+        const QStringList expected{"10.0.0.5", QString("x") + QChar(0), "10.0.0.19", "10.0.0.200"};
         for (int cut = 0; cut <= output.size(); ++cut) {
             LineAssembler lines;
             QStringList got = lines.add(output.left(cut));
