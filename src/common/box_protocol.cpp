@@ -104,6 +104,8 @@ QString fillCommand(const QString& commandLine, const QStringList& values)
         QString value = values.at(n);
         // Three double quotes in a row stand for one in the splitting rule of child processes.
         value.replace(QLatin1Char('"'), QStringLiteral("\"\"\""));
+        // An argument ends at a zero: what is left could be the name of something else.
+        value.replace(QChar(0), QChar::ReplacementCharacter);
         if (!insideQuotes && hasBlank(value))
             value = QLatin1Char('"') + value + QLatin1Char('"');
         return value;
@@ -133,6 +135,7 @@ QString escapeEquals(const QString& text)
 QString escapeSeparators(QString text)
 {
     text.replace(QLatin1Char('%'), QStringLiteral("%25"));
+    text.replace(QChar(0), QStringLiteral("%00"));
     return text.replace(QLatin1Char('&'), QStringLiteral("%26"));
 }
 

@@ -49,6 +49,15 @@ private slots:
         QCOMPARE(words.last(), QStringLiteral("http://1.2.3.4 -o \"x y\":8081/control?"));
     }
 
+    void zeroEndsNoValue()
+    {
+        const QString name = QString("a") + QChar(0) + ".mp4";
+        QCOMPARE(
+            QProcess::splitCommand(BoxProtocol::recordDeleteCommand(name, "10.0.0.5")).value(2),
+            "action=record_del&file_name=a%00.mp4");
+        QVERIFY(!BoxProtocol::recordOnCommand("10.0.0.5", name).contains(QChar(0)));
+    }
+
     void fillReadsNoValueAgain()
     {
         QCOMPARE(BoxProtocol::fill(QStringLiteral("%1|%2|%3|100%"), {"%2", "%1%3", "c"}),
