@@ -66,7 +66,10 @@ void SettingsReader::tick()
 
 void SettingsReader::goOn()
 {
-    m_asking = true;
+    // A box that answers slowly, but always, would never be found not to be asked: tick() ends it.
+    m_asking = m_clock.ms() < m_limit;
+    if (!m_asking)
+        return;
     const QString next = due();
     if (m_sure && m_told.size() < mostTold && !next.isEmpty())
         read(next);

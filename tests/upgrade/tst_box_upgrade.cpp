@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/upgrade/upgrade_world.h"
+#include "upgrade/settings_reader.h"
 
 #include <QTest>
 
@@ -55,6 +56,7 @@ private slots:
     void guardRefusesWhatMayNeverHappen();
     void aRefusalEndsTheUpgradeOfOneBox();
     void aDenialIsBelievedTheSecondTime();
+    void aSlowBoxIsReadNoLongerThanAllowed();
     void aBoxThatHidIsKnownByItsPlace();
     void itsVersionAloneLetsNoBoxGo();
     void pingEndsNoAbsence();
@@ -202,6 +204,21 @@ void tst_BoxUpgrade::aDenialIsBelievedTheSecondTime()
         QCOMPARE(upgrade.row().absent, isThere ? QStringList() : QStringList(name));
         QVERIFY(bench.time.now() >= 15000);
     }
+}
+
+/// It answers everything in time, each a little late.
+void tst_BoxUpgrade::aSlowBoxIsReadNoLongerThanAllowed()
+{
+    Bench bench;
+    bench.box.habits.readMs = 1500;
+    SettingsReader reader(bench.link, bench.clock);
+    qint64 end = 0;
+    reader.start(ip, mac, 10, [&](const QVariantMap&, bool) { end = bench.time.now(); });
+    for (int n = 0; n < 100; ++n) {
+        bench.time.runUntil(bench.time.now() + 250);
+        reader.tick();
+    }
+    QVERIFY2(end >= 10000 && end <= 12000, qPrintable(QString::number(end)));
 }
 
 /// While it starts a box may deny that it has a MAC address.
