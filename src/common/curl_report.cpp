@@ -30,7 +30,7 @@ const QRegularExpression& meterPattern()
 {
     static const QRegularExpression pattern = [] {
         const QString percent = QStringLiteral("\\s*\\d{1,3}\\s+");
-        const QString size = QStringLiteral("(\\d[\\d.]*[kMGTP]?)");
+        const QString size = QStringLiteral("(\\d+(?:\\.\\d+)?[kMGTP]?)");
         const QString time =
             QStringLiteral("\\s+(?:--:--:--|\\d+:\\d\\d:\\d\\d|\\d+d(?: \\d\\dh)?)");
         const QString gap = QStringLiteral("\\s+");

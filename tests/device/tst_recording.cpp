@@ -379,6 +379,8 @@ void tst_Recording::meterIsReadAsItComes()
     QCOMPARE(report.httpStatus(), 0);
     feed(QByteArray(flowing).replace("1843M", QByteArray(30, '9') + 'P') + "\r");
     QVERIFY(report.receivedBytes() >= 0);
+    feed(QByteArray(flowing).replace("1843M", "1.8.4") + "\r");
+    QVERIFY(report.receivedBytes() >= 0);
 }
 
 void tst_Recording::cancelledDownloadLeavesNothing()
