@@ -58,6 +58,10 @@ void tst_CommandRunner::initTestCase()
 {
     qputenv("APPDATA", m_data.path().toUtf8());
     Platform::useUtf8ForChildProcesses();
+    // What an office sets for its browsers: no box is behind it.
+    qputenv("http_proxy", "http://" TEST_BLOCK ".254:9");
+    qputenv("HOME", m_data.path().toUtf8());
+    writeFile(m_data.filePath(".curlrc"), "proxy = " TEST_BLOCK ".254:9\nfail\nsilent\n");
 }
 
 void tst_CommandRunner::init()
