@@ -175,7 +175,7 @@ QPointer<QProcess> CommandRunner::execCurl(const QString& ip, const QString& com
     process->setProperty("ip", ip);
     process->setProperty(ActionProperty, BoxProtocol::actionOf(command));
     log(ip, process, QStringLiteral("  执行Curl   ") + command, __LINE__, "execCurl");
-    qDebug().noquote() << process << "执行Curl   " << command;
+    qDebug().noquote() << process << "执行Curl   " << logClip(command);
     for (auto it = properties.cbegin(); it != properties.cend(); ++it)
         process->setProperty(it.key().toUtf8().constData(), it.value());
     m_wire(process);
@@ -203,7 +203,7 @@ QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
     QByteArray output;
     discardErrorOutput(&process);
     log(ip, &process, QStringLiteral("  执行Curl   ") + command, __LINE__, "execCurlWait");
-    qDebug().noquote() << &process << "执行Curl   " << command;
+    qDebug().noquote() << &process << "执行Curl   " << logClip(command);
 
     const auto collect = [&] {
         output += process.readAllStandardOutput();
@@ -242,7 +242,7 @@ QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
         output.clear();
     const QString reply = QString::fromLocal8Bit(output);
     log(ip, &process, QStringLiteral("  执行Curl返回数据   ") + reply, __LINE__, "execCurlWait");
-    qDebug().noquote() << &process << "执行Curl返回数据     " << reply;
+    qDebug().noquote() << &process << "执行Curl返回数据     " << logClip(reply);
     return reply;
 }
 

@@ -49,5 +49,23 @@ constexpr int FeedPingMs = 2000;
 constexpr int CommandReplyBytes = 64 * 1024;
 /// Characters of one record in a log; of a longer one the beginning is kept, and its length.
 constexpr int LogRecordChars = 2048;
+/// Bytes that one log, and all of them together, may take at once, and how many of them are given
+/// back in a minute. What comes on top is left out, and said.
+constexpr qint64 LogBurstBytes = 1024 * 1024;
+constexpr qint64 LogBytesPerMinute = 64 * 1024;
+constexpr qint64 AllLogsBurstBytes = 16 * 1024 * 1024;
+constexpr qint64 AllLogsBytesPerMinute = 1024 * 1024;
+/// Bytes of records that wait for a disk which is slower than they come.
+constexpr qint64 LogWaitingBytes = 8 * 1024 * 1024;
+/// Bytes from which a log goes on in a new file.
+constexpr qint64 LogFileBytes = 32 * 1024 * 1024;
+/// Days for which logs are kept, and bytes of all of them together.
+constexpr int LogDays = 30;
+constexpr qint64 LogFolderBytes = 1024 * 1024 * 1024;
+/// Bytes, or parts in a hundred of a small disk, that the log leaves free.
+constexpr qint64 LogReserveBytes = 200 * 1024 * 1024;
+constexpr int LogReservePercent = 2;
+/// Addresses of strangers whose first answers are logged, once each.
+constexpr int StrangersLogged = 8192;
 
 } // namespace Limits

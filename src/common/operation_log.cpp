@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "common/operation_log.h"
 
-#include "common/data_path.h"
 #include "common/limits.h"
+#include "common/log_budget.h"
+#include "common/log_folder.h"
 
 #include <QDateTime>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QMutex>
 #include <QThreadPool>
@@ -15,31 +18,48 @@
 namespace
 {
 
-QString logFilePath(const QString& key, const QString& ending)
+QString noteLine(const QString& event, int line, const char* function)
 {
-    // The key may be a host name from an address; it never names another folder.
-    QString name = key;
-    for (QChar& c : name) {
-        if (!c.isLetterOrNumber() && c != QLatin1Char('.') && c != QLatin1Char('-'))
-            c = QLatin1Char('_');
-    }
-    return dataPath(QStringLiteral("log")) +
-           QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")) + QStringLiteral("---") +
-           name + ending;
+    return logLine(event, "src/common/operation_log.cpp", line, QString::fromLatin1(function));
 }
 
-/// The fixed set of log writers; it lives as long as the process and joins them at the end.
+/// The fixed set of log writers; it lives as long as the process.
 class Pool
 {
 public:
-    Pool() { m_overflow.setMaxThreadCount(1); }
-    ~Pool()
+    Pool()
     {
-        for (operatelog_Threads& worker : m_workers)
-            worker.wait();
+        m_clock.start();
+        m_overflow.setMaxThreadCount(1);
     }
 
     void write(const QString& key, const QString& line)
+    {
+        const auto verdict = m_budget.take(key, line.size() * 2, m_clock.elapsed());
+        if (verdict.isFirstLeftOut)
+            hand(key, noteLine(QStringLiteral("日志过多,以下记录略去"), __LINE__, "writeLog"));
+        if (verdict.leftOut > 0) {
+            const QString text = QStringLiteral("日志过多,已略去 %1 条记录").arg(verdict.leftOut);
+            hand(key, noteLine(text, __LINE__, "writeLog"));
+        }
+        if (verdict.mayWrite)
+            hand(key, line);
+    }
+
+    bool flush(int ms)
+    {
+        const QDeadlineTimer limit(ms);
+        bool all = true;
+        for (operatelog_Threads& worker : m_workers)
+            all = worker.wait(limit) && all;
+        return m_overflow.waitForDone(int(limit.remainingTime())) && all;
+    }
+
+    QMutex fileMutex;
+    LogFolder folder;
+
+private:
+    void hand(const QString& key, const QString& line)
     {
         const int k = freeWorker();
         if (k < 0) {
@@ -52,21 +72,29 @@ public:
         worker.start(QThread::LowPriority);
     }
 
-    QMutex fileMutex;
-
-private:
     /// On a thread of its own: all writers are busy, so the disk may be hanging.
     void overflow(const QString& key, const QString& line)
     {
-        constexpr int most = 10000;
-        if (m_waiting >= most)
+        const qint64 bytes = line.size() * 2;
+        if (m_waiting + bytes > Limits::LogWaitingBytes) {
+            ++m_dropped;
             return;
-        ++m_waiting;
-        m_overflow.start([this, key, line] {
-            appendToFile(logFilePath(key, QStringLiteral("_tarn_hub_overtake.txt")),
-                         line + QStringLiteral("线程数") + QString::number(0), QIODevice::Append);
-            --m_waiting;
+        }
+        m_waiting += bytes;
+        m_overflow.start([this, key, line, bytes] {
+            m_waiting -= bytes;
+            appendOverflow(key, line);
+            const int dropped = m_dropped.exchange(0);
+            if (dropped > 0)
+                appendOverflow(key, noteLine(QStringLiteral("磁盘太慢,略去 %1 条记录").arg(dropped),
+                                             __LINE__, "overflow"));
         });
+    }
+
+    void appendOverflow(const QString& key, const QString& line)
+    {
+        folder.append(key, QStringLiteral("_tarn_hub_overtake"),
+                      line + QStringLiteral("线程数") + QString::number(0));
     }
 
     /// Probes 0, then 1 to 29, 0, 1, … and gives up on the third wrap round to worker 0.
@@ -85,16 +113,33 @@ private:
         return -1;
     }
 
+    QElapsedTimer m_clock;
+    LogBudget m_budget;
     std::array<operatelog_Threads, 30> m_workers;
-    std::atomic<int> m_waiting{0}; // records on their way to an overflow file
-    QThreadPool m_overflow;        // goes first, and with it what waits there
+    std::atomic<qint64> m_waiting{0}; // bytes on their way to an overflow file
+    std::atomic<int> m_dropped{0};
+    QThreadPool m_overflow; // goes first, and with it what waits there
 };
 
-Pool& pool()
+Pool*& pool()
 {
-    static Pool instance;
+    static Pool* instance = new Pool;
     return instance;
 }
+
+/// Ends the writers with the process; those that a disk holds are left to the system.
+class PoolEnd
+{
+public:
+    ~PoolEnd()
+    {
+        constexpr int patienceMs = 500;
+        if (pool()->flush(patienceMs)) {
+            delete pool();
+            pool() = nullptr;
+        }
+    }
+};
 
 } // namespace
 
@@ -105,15 +150,22 @@ operatelog_Threads::operatelog_Threads()
 
 void operatelog_Threads::run()
 {
-    const QMutexLocker lock(&pool().fileMutex);
-    appendToFile(logFilePath(key, QStringLiteral("_tarn_hub.txt")),
-                 text + QStringLiteral("[iThreadCnt]") + QString::number(idealThreadCount()),
-                 QIODevice::Append);
+    Pool* const all = pool();
+    const QMutexLocker lock(&all->fileMutex);
+    all->folder.append(key, QStringLiteral("_tarn_hub"),
+                       text + QStringLiteral("[iThreadCnt]") + QString::number(idealThreadCount()));
 }
 
 void writeLog(const QString& key, const QString& line)
 {
-    pool().write(key, line);
+    static const PoolEnd end;
+    if (pool())
+        pool()->write(key, line);
+}
+
+bool flushLog(int ms)
+{
+    return !pool() || pool()->flush(ms);
 }
 
 QString logClip(const QString& text)
@@ -139,13 +191,20 @@ QString logLine(const QString& event, const char* file, int line, const QString&
            QStringLiteral("][") + QThread::currentThread()->objectName() + QLatin1Char(']');
 }
 
-void appendToFile(const QString& path, const QString& text, QIODevice::OpenMode mode)
+bool appendToFile(const QString& path, const QString& text, QIODevice::OpenMode mode)
 {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | mode))
-        return;
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode))
+        return false;
+    const qint64 before = file.size();
+    if (before == 0)
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     QByteArray record = text.toUtf8();
     if (mode & QIODevice::Append)
         record += '\n';
-    file.write(record);
+    if (file.write(record) == record.size())
+        return true;
+    // Half a record would spoil the next one, too.
+    file.resize(before);
+    return false;
 }

@@ -228,9 +228,26 @@ void Spark_Http::take(const HttpAnswer& answered)
     const QUrl url = httpRequest(request.url).url();
     if (answered.exceeded)
         limitReached(url.host(), QString::fromLatin1(answered.exceeded));
-    if (!body.isEmpty())
+    if (!body.isEmpty() && isNews(request, url.host()))
         log(request, url, body);
     answer(request, url.host(), body, answered.status);
+}
+
+/// Strangers are asked again and again: the first answer of each is enough. A box at the address
+/// makes whoever is found there after it somebody new.
+bool Spark_Http::isNews(const Request& request, const QString& host)
+{
+    if (request.peer == Peer::Box) {
+        m_loggedStrangers.remove(host);
+        return true;
+    }
+    if (!m_loggedStrangers.contains(host) && m_loggedStrangers.size() >= Limits::StrangersLogged)
+        return false;
+    QStringList& types = m_loggedStrangers[host];
+    const bool isNew = !types.contains(request.type);
+    if (isNew)
+        types << request.type;
+    return isNew;
 }
 
 void Spark_Http::log(const Request& request, const QUrl& url, const QString& body) const

@@ -88,6 +88,7 @@ private:
     void send(Server& server, const Request& request);
     void sendSecurely(quint64 number, const Request& request);
     void take(const HttpAnswer& answered);
+    bool isNews(const Request& request, const QString& host);
     void log(const Request& request, const QUrl& url, const QString& body) const;
     void giveUpWaiting(Server& server);
     void failSoon(const Request& request);
@@ -98,4 +99,5 @@ private:
     QHash<QString, Server> m_servers;
     QHash<quint64, QString> m_numbers; ///< of what is sent, and the server's key
     quint64 m_lastNumber = 0;
+    QHash<QString, QStringList> m_loggedStrangers; ///< by address: the types of what they answered
 };
