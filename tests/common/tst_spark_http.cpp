@@ -2,6 +2,7 @@
 #include "common/box_protocol.h"
 #include "common/http_result.h"
 #include "common/limits.h"
+#include "common/operation_log.h"
 #include "common/spark_download.h"
 #include "common/spark_http.h"
 #include "tests/support/files.h"
@@ -312,6 +313,17 @@ void tst_SparkHttp::successIsLogged()
     QVERIFY(both.contains(id + "  http请求 http://" TEST_BLOCK ".1:8081/config"));
     QVERIFY(both.contains(id + "  http请求结果 {"));
     QVERIFY(both.contains(":Spark_Http::R_finished]"));
+
+    // A stranger is asked for as long as he is there, and logged once; so is his successor.
+    const ScriptedServer server(serverIp, fileAnswer("<html>"), ScriptedServer::Closes);
+    for (const auto peer : {Spark_Http::Peer::Stranger, Spark_Http::Peer::Stranger,
+                            Spark_Http::Peer::Box, Spark_Http::Peer::Stranger}) {
+        QSignalSpy answers(m_http, &Spark_Http::S_finished);
+        m_http->get("findDevice", server.url("http"), false, peer);
+        QTRY_COMPARE(answers.size(), 1);
+    }
+    QVERIFY(flushLog(5000));
+    QCOMPARE(linesOf(logFile("http-" + serverIp)).size(), 3 * 2);
 }
 
 void tst_SparkHttp::downloadsNeverOverwrite()
