@@ -24,6 +24,7 @@ int printText(const OptionsResult& result)
 
 int main(int argc, char* argv[])
 {
+    Platform::secureStreams();
     // Read first: asking for help needs no display.
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
@@ -39,6 +40,7 @@ int main(int argc, char* argv[])
     options.sweep.fping = Platform::fpingPath(options.sweep.fping);
     Tarn_Hub window(options);
     StartUp::installCrashHandler();
+    window.watchEnds();
     window.show();
     const int exitCode = QApplication::exec();
     StartUp::limitEnd(exitCode);

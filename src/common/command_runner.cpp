@@ -15,6 +15,8 @@
 #include <QSet>
 #include <QTimer>
 
+#include <memory>
+
 namespace
 {
 
@@ -199,7 +201,8 @@ void CommandRunner::stop(QProcess* process)
 QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
 {
     QEventLoop loop;
-    QProcess process;
+    const std::unique_ptr<QProcess> owned(Platform::newProcess());
+    QProcess& process = *owned;
     QByteArray output;
     discardErrorOutput(&process);
     log(ip, &process, QStringLiteral("  执行Curl   ") + command, __LINE__, "execCurlWait");

@@ -5,6 +5,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
+class QObject;
 class QProcess;
 
 /// What differs between operating systems. One source file per system stands behind this header.
@@ -29,7 +32,23 @@ struct ChildInput {
 /// Prepares `arguments` of curl so that the data it posts is UTF-8 on the wire on every system.
 ChildInput curlInput(const QStringList& arguments);
 
-/// A child process without parent that leaves the processor to the window when both want it: sixty
+/// Before anything else in main: what is written to a standard stream that was closed, or whose
+/// reader has gone, neither lands in a file of ours nor ends the program.
+void secureStreams();
+
+/// Calls `asked` once, on a thread of its own, when the system wants the program to end: by a
+/// signal, or on Windows by what it sends to a console's programs. Signals that whoever started the
+/// program has switched off, as nohup does, stay so. To be called once.
+void watchEndSignals(std::function<void()> asked);
+
+/// A child process that ends with the program, however that ends.
+QProcess* newTool(QObject* parent);
+
+/// One without parent that ends only then, too: who ends a whole session or a terminal's programs
+/// ends it through the program.
+QProcess* newProcess();
+
+/// One that also leaves the processor to the window when both want it: sixty
 /// uploads at once must not make the window stutter.
 QProcess* newModestProcess();
 

@@ -5,17 +5,24 @@
 
 #ifndef Q_OS_WIN
 
+#include "crash/crash_handler.h"
+
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QProcess>
 #include <QTextCodec>
 
 #include <cerrno>
+#include <csignal>
+#include <thread>
+
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #ifdef Q_OS_LINUX
 #include <sched.h>
+#include <sys/prctl.h>
 #endif
 
 namespace
@@ -29,6 +36,57 @@ bool sandboxIsOff()
     return qEnvironmentVariableIsSet("QTWEBENGINE_DISABLE_SANDBOX") ||
            qEnvironmentVariable("QTWEBENGINE_CHROMIUM_FLAGS").contains(off) ||
            QCoreApplication::arguments().contains(off);
+}
+
+class ChildProcess : public QProcess
+{
+public:
+    explicit ChildProcess(QObject* parent, bool hearsSignals)
+        : QProcess(parent), m_hearsSignals(hearsSignals)
+    {
+    }
+
+protected:
+    // In the child, which shares this program's memory: system calls only.
+    void setupChildProcess() override
+    {
+        if (!m_hearsSignals) {
+            for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+                ::signal(signal, SIG_IGN);
+        }
+#ifdef Q_OS_LINUX
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
+    }
+
+private:
+    const bool m_hearsSignals;
+};
+
+int bell[2] = {-1, -1};
+pid_t program = 0;
+
+void ring(int)
+{
+    // A child that is no other program yet has this handler, too.
+    if (getpid() != program)
+        return;
+    const int before = errno;
+    const char any = 0;
+    const ssize_t written = write(bell[1], &any, 1);
+    (void)written;
+    errno = before;
+}
+
+void catchSignal(int signal)
+{
+    struct sigaction action = {};
+    if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN)
+        return;
+    action = {};
+    action.sa_handler = ring;
+    action.sa_flags = SA_RESTART;
+    sigaction(signal, &action, nullptr);
 }
 
 /// Tries in a child, which is gone at once, what the sandbox will do.
@@ -54,9 +112,48 @@ bool mayHaveNamespaces()
 namespace Platform
 {
 
+void secureStreams()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    // The next file or socket that is opened would get the number of one that is closed.
+    for (int stream = 0; stream <= STDERR_FILENO; ++stream) {
+        if (fcntl(stream, F_GETFD) < 0 && errno == EBADF && open("/dev/null", O_RDWR) != stream)
+            return;
+    }
+}
+
+void watchEndSignals(std::function<void()> asked)
+{
+    if (bell[0] >= 0 || pipe(bell) != 0)
+        return;
+    for (const int end : bell)
+        fcntl(end, F_SETFD, FD_CLOEXEC);
+    program = getpid();
+    // Not the window's thread: it may be what hangs.
+    std::thread([asked = std::move(asked)] {
+        CrashHandler::coverThread();
+        char any = 0;
+        while (read(bell[0], &any, 1) < 0 && errno == EINTR) {
+        }
+        asked();
+    }).detach();
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        catchSignal(signal);
+}
+
+QProcess* newTool(QObject* parent)
+{
+    return new ChildProcess(parent, true);
+}
+
+QProcess* newProcess()
+{
+    return new ChildProcess(nullptr, false);
+}
+
 QProcess* newModestProcess()
 {
-    auto* process = new QProcess;
+    QProcess* process = newProcess();
     // Only now: a child of low priority would share this program's memory, page by page copied, for
     // as long as it waits for its turn to become another program.
     QObject::connect(process, &QProcess::started, process, [process] {

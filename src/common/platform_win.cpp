@@ -8,14 +8,58 @@
 #include <QDir>
 #include <QProcess>
 
+#include <atomic>
+
 #include <windows.h>
+
+namespace
+{
+
+std::function<void()>& callback()
+{
+    static std::function<void()> asked;
+    return asked;
+}
+
+/// On a thread of the system's own; it ends the process as soon as this returns, in most cases.
+BOOL WINAPI hear(DWORD)
+{
+    static std::atomic<bool> isHeard{false};
+    if (!isHeard.exchange(true))
+        callback()();
+    Sleep(INFINITE);
+    return TRUE;
+}
+
+} // namespace
 
 namespace Platform
 {
 
+void secureStreams()
+{
+    // A program of the window kind has none.
+}
+
+void watchEndSignals(std::function<void()> asked)
+{
+    callback() = std::move(asked);
+    SetConsoleCtrlHandler(hear, TRUE);
+}
+
+QProcess* newTool(QObject* parent)
+{
+    return new QProcess(parent);
+}
+
+QProcess* newProcess()
+{
+    return new QProcess;
+}
+
 QProcess* newModestProcess()
 {
-    auto* process = new QProcess;
+    QProcess* process = newProcess();
     process->setCreateProcessArgumentsModifier([](QProcess::CreateProcessArguments* arguments) {
         arguments->flags |= BELOW_NORMAL_PRIORITY_CLASS;
     });

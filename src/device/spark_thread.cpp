@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "device/spark_thread.h"
 
+#include "common/platform.h"
 #include "device/sweep_plan.h"
 
 #include <QDeadlineTimer>
@@ -87,7 +88,7 @@ private:
 
     void begin(const SweepStep& step)
     {
-        auto* process = new QProcess(this);
+        QProcess* process = Platform::newTool(this);
         process->setProperty("ip1", step.ip1);
         process->setProperty("ip2", step.ip2);
         process->setProperty("v", step.v);
@@ -165,7 +166,7 @@ private:
     {
         if (m_waiting.isEmpty())
             return;
-        auto* process = new QProcess(this);
+        QProcess* process = Platform::newTool(this);
         ++m_running;
         connect(process, &QProcess::stateChanged, this,
                 [this, process](QProcess::ProcessState state) {

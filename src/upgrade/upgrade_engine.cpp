@@ -42,3 +42,9 @@ UpgradeEngine::UpgradeEngine(DeviceRegistry& devices, Spark_Http& http, KeptSett
     connect(&m_timer, &QTimer::timeout, &fleet, &UpgradeFleet::tick);
     m_timer.start(qBound(shortestPauseMs, tickMs / 2, longestPauseMs));
 }
+
+bool UpgradeEngine::keep(int ms)
+{
+    fleet.saveAll();
+    return journal.flush(ms);
+}

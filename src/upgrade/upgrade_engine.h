@@ -43,6 +43,9 @@ public:
     /// Looks for batches that an earlier run of the program left open.
     void loadInterrupted() { journal.load(); }
 
+    /// The program may end now: batches are kept as they are. Waits at most `ms` for the disk.
+    bool keep(int ms);
+
     SystemClock clock;
     CurlLink link;
     UpgradeJournal journal;

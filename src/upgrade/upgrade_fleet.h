@@ -43,6 +43,8 @@ public:
     /// All boxes have been told, or are given up.
     void endBatch();
 
+    /// The program may end now: what is not safe on disk yet is handed to the store.
+    void saveAll() { m_sessions.saveAll(); }
     /// To be called often: limits pass and pauses end in it.
     void tick();
     /// One of the upgrade's seconds has passed.

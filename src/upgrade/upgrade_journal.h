@@ -25,6 +25,8 @@ public:
 
     /// Writes both files; the journal is removed when `open` is false.
     void save(const UpgradeSession& session, bool open, Saved saved) override;
+    /// Waits at most `ms` until everything is written; false when the disk is slower.
+    bool flush(int ms) { return m_pool.waitForDone(ms); }
     /// Reads the journals that an earlier run left open; loaded() brings them. Those of another
     /// program that is still running are left alone.
     void load();

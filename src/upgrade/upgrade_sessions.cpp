@@ -23,6 +23,11 @@ UpgradeSessions::UpgradeSessions(UpgradeStore& store, const UpgradeClock& clock)
 
 UpgradeSessions::~UpgradeSessions()
 {
+    saveAll();
+}
+
+void UpgradeSessions::saveAll()
+{
     for (const auto& entry : m_entries) {
         if (entry->isTouched && entry->isListed)
             m_store.save(entry->session, isOpen(entry->session), [](bool) {});

@@ -103,6 +103,11 @@ bool UpgradeFeatures::mayClose()
                            m_hub.window) == messageBox::Confirmed;
 }
 
+void UpgradeFeatures::tellNotToEnd()
+{
+    messageBox::notify(tr("正在对KORA升级固件,请勿关闭软件."), m_hub.window);
+}
+
 bool UpgradeFeatures::isIdle() const
 {
     return isBatchOver() && m_engine.fleet.isIdle() && !m_settings.isAnyWaiting();

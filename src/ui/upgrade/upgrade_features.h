@@ -48,11 +48,17 @@ public:
     void choosePackage() { m_start.choosePackage(); }
     void showMd5() { m_md5.run(); }
 
+    /// What the next start of the program has to know is on the disk within `ms`, or may not be.
+    void keep(int ms) { m_engine.keep(ms); }
     /// No box is being upgraded or waits for its settings.
     bool isIdle() const;
     /// False while boxes are being upgraded: the operator is told so. While boxes wait for their
     /// settings he is asked. Both block and serve events.
     bool mayClose();
+    /// No box is being upgraded; some may wait for their settings.
+    bool isBatchOver() const;
+    /// Tells that boxes are being upgraded, and waits for nobody.
+    void tellNotToEnd();
 
 signals:
     /// The selected box is being upgraded from now on.
@@ -65,7 +71,6 @@ signals:
     void koraWanted(const Item& box);
 
 private:
-    bool isBatchOver() const;
     void registerWords();
     void connectEngine();
     void showPrepared();

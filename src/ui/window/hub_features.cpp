@@ -92,7 +92,10 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , updateCheck(*Spark_Http::instance(), options.updateServer, applicationVersion())
     , updatePrompt(hub, updateCheck, applicationVersion(), QCoreApplication::applicationDirPath(),
                    [this] { return mustNotEnd(); })
-    , closing([this] { return orders.isUnderWay() || audio.isWaiting(); }, *window)
+    , closing([this] { return isCommanding(); }, *window)
+    , endings({[this] { return isCommanding(); }, [this] { return !upgrade.isBatchOver(); },
+               [this] { upgrade.tellNotToEnd(); }, [this](int ms) { upgrade.keep(ms); }},
+              *window)
 {
 }
 
@@ -135,6 +138,11 @@ void Tarn_Hub::Features::start()
     devices->startSearch();
     devices->checkStates();
     frame.showNothingSelected();
+}
+
+bool Tarn_Hub::Features::isCommanding() const
+{
+    return orders.isUnderWay() || audio.isWaiting();
 }
 
 bool Tarn_Hub::Features::mustNotEnd() const

@@ -26,6 +26,7 @@
 #include "ui/upgrade/upgrade_features.h"
 #include "ui/window/closing.h"
 #include "ui/window/crash_notice.h"
+#include "ui/window/endings.h"
 #include "ui/window/language.h"
 #include "ui/window/tarn_hub.h"
 #include "ui/window/update_prompt.h"
@@ -47,6 +48,8 @@ struct Tarn_Hub::Features {
     /// Boxes are being upgraded or get their settings back, one is being told a list of commands,
     /// or recordings are being downloaded.
     bool mustNotEnd() const;
+    /// Commands to a box are under way or about to be sent.
+    bool isCommanding() const;
 
     Ui::Tarn_Hub form;
     HubState state;
@@ -80,4 +83,5 @@ struct Tarn_Hub::Features {
     UpdateCheck updateCheck;
     UpdatePrompt updatePrompt;
     Closing closing;
+    Endings endings;
 };

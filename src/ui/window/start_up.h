@@ -15,6 +15,6 @@ void dress(QApplication& application);
 void installCrashHandler();
 /// The event loop has ended: what is left may take so long, then the process ends all the same. A
 /// thread that hangs in a file on a share that is gone would keep it for ever.
-void limitEnd(int exitCode, int ms = 20000);
+void limitEnd(int exitCode, int ms = 700);
 
 } // namespace StartUp

@@ -40,6 +40,11 @@ Tarn_Hub::~Tarn_Hub()
     CommandRunner::endAll();
 }
 
+void Tarn_Hub::watchEnds()
+{
+    m->endings.watch();
+}
+
 void Tarn_Hub::R_delayAction()
 {
     m->start();
@@ -69,7 +74,8 @@ bool Tarn_Hub::eventFilter(QObject* watched, QEvent* event)
 
 void Tarn_Hub::closeEvent(QCloseEvent* event)
 {
-    event->setAccepted(m->closing.mayClose() && m->upgrade.mayClose() && m->downloads.mayClose());
+    event->setAccepted(m->endings.mustEnd() ||
+                       (m->closing.mayClose() && m->upgrade.mayClose() && m->downloads.mayClose()));
 }
 
 void Tarn_Hub::refreshLocalIP()

@@ -24,6 +24,9 @@ public:
     explicit Tarn_Hub(const Options& options, QWidget* parent = nullptr);
     ~Tarn_Hub() override;
 
+    /// The process ends with this window, in whatever way.
+    void watchEnds();
+
 public slots:
     void refreshLocalIP();
     void refreshDeviceState();
