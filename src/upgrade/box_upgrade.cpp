@@ -31,6 +31,9 @@ BoxUpgrade::BoxUpgrade(UpgradeSession& session, int row, BoxLink& link, const Up
     , m_reader(m_link, clock)
     , m_writer(m_link)
 {
+    // An earlier run of the program may have begun it; since then nobody sets the clock.
+    m_spentBefore = qMax<qint64>(0, session.rows[row].started.msecsTo(clock.date()));
+    m_begunAt = clock.ms();
     // One that only waits for its settings.
     if (session.rows[row].settings == Settings::Waiting)
         m_link.expect();
@@ -209,7 +212,7 @@ void BoxUpgrade::keep(std::function<void(bool)> then)
 void BoxUpgrade::spendTime()
 {
     if (row().durationMs == 0)
-        row().durationMs = qMax<qint64>(1, row().started.msecsTo(m_clock.date()));
+        row().durationMs = qMax<qint64>(1, m_spentBefore + m_clock.ms() - m_begunAt);
 }
 
 void BoxUpgrade::confirm(void (BoxUpgrade::*same)())

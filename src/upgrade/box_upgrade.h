@@ -268,6 +268,8 @@ private:
     int m_secondsLeft = AllowanceTicks;
     QString m_problem; ///< why the last upload failed
 
+    qint64 m_spentBefore = 0; ///< milliseconds, in earlier runs of the program
+    qint64 m_begunAt = 0;
     qint64 m_orderedAt = 0; ///< since when it is watched
     /// Since when it has told another version without a break; below 0: not.
     qint64 m_changedAt = -1;
