@@ -36,8 +36,10 @@ constexpr int StrangerConnections = 48;
 
 /// Bytes of a message of an event feed, and of a piece of one.
 constexpr int FeedMessageBytes = 64 * 1024;
-/// Messages of a feed that the window is handed at a time, and milliseconds between two times.
+/// Messages of a feed that the window is handed at a time, their characters together unless it is
+/// one, and milliseconds between two times.
 constexpr int FeedMessagesAtOnce = 16;
+constexpr int FeedCharsAtOnce = 16 * 1024;
 constexpr int FeedPaceMs = 20;
 /// Milliseconds for a feed to be agreed on.
 constexpr int FeedHandshakeMs = 5000;

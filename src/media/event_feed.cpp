@@ -56,7 +56,7 @@ void EventFeed::drop()
     m_handshake.stop();
     m_alive.stop();
     m_hand.stop();
-    m_texts.clear();
+    forget();
     if (!m_socket)
         return;
     // Its farewell would ask for another attempt.
@@ -89,17 +89,25 @@ void EventFeed::checkAlive()
 void EventFeed::take(const QString& text)
 {
     m_isWaitingForPong = false;
-    if (m_texts.size() >= Limits::FeedMessagesAtOnce)
-        m_texts.removeFirst();
     m_texts << text;
+    m_chars += text.size();
+    while (m_texts.size() > Limits::FeedMessagesAtOnce ||
+           (m_chars > Limits::FeedCharsAtOnce && m_texts.size() > 1))
+        m_chars -= m_texts.takeFirst().size();
     if (!m_hand.isActive())
         m_hand.start(Limits::FeedPaceMs);
+}
+
+void EventFeed::forget()
+{
+    m_texts.clear();
+    m_chars = 0;
 }
 
 void EventFeed::hand()
 {
     const QStringList texts = m_texts;
-    m_texts.clear();
+    forget();
     emit messages(m_turn, texts);
 }
 

@@ -35,6 +35,7 @@ private:
     void greet();
     void checkAlive();
     void take(const QString& text);
+    void forget();
     void hand();
     void lost();
 
@@ -49,4 +50,5 @@ private:
     QTimer m_hand;
     bool m_isWaitingForPong = false;
     QStringList m_texts;
+    qint64 m_chars = 0; ///< of those
 };

@@ -7,7 +7,10 @@
 
 qint64 recordMsOf(const QString& message)
 {
-    return qMax<qint64>(0, jsonToMap(message).value(QStringLiteral("record_ms")).toLongLong());
+    // Not the whole of it as a map: messages come in floods.
+    const QJsonValue told =
+        jsonObject(message.toUtf8()).value_or(QJsonObject()).value(QStringLiteral("record_ms"));
+    return qMax<qint64>(0, told.toVariant().toLongLong());
 }
 
 QString recordTimeText(qint64 ms)

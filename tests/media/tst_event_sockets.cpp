@@ -148,6 +148,24 @@ private slots:
         VERIFY_BELOW(got.size(), 1100 / Limits::FeedPaceMs * Limits::FeedMessagesAtOnce);
     }
 
+    /// To read one of these takes the window some milliseconds.
+    void largeMessagesComeOneByOne()
+    {
+        const auto one = pluggedBox(TEST_BLOCK ".1");
+        EventSockets sockets;
+        sockets.connectTo(TEST_BLOCK ".1");
+        QTRY_COMPARE(one->streamListeners(), 1);
+        const QString large = "{\"record_ms\": 1, \"x\": \"" + QString(60000, 'x') + "\"}";
+        QSignalSpy clock(&sockets, &EventSockets::recordClock);
+        QElapsedTimer time;
+        time.start();
+        for (int n = 0; n < 100; ++n)
+            one->sendStreamEvent(large);
+        one->sendStreamEvent("{\"record_ms\": 2}");
+        QTRY_VERIFY(clock.contains(QVariantList{qint64(2)}));
+        VERIFY_BELOW(clock.size(), 5 + time.elapsed() / Limits::FeedPaceMs);
+    }
+
     /// The power of a box fails: it answers nothing any more, and says no farewell.
     void silentEndIsNoticed()
     {
