@@ -3,6 +3,8 @@
 
 #include <QtGlobal>
 
+#include <cstddef>
+
 /// The most that anybody on the network gets of this program, whoever he says he is. What is over a
 /// limit is given up, not cut, unless it says so; docs/security.md tells why each is what it is.
 namespace Limits
@@ -69,5 +71,25 @@ constexpr qint64 LogReserveBytes = 200 * 1024 * 1024;
 constexpr int LogReservePercent = 2;
 /// Addresses of strangers whose first answers are logged, once each.
 constexpr int StrangersLogged = 8192;
+
+/// Pixels of a picture; larger ones than the largest in use (8192x4608) would only eat memory.
+constexpr qint64 PicturePixels = 8192 * 4608;
+/// Bytes of any one piece of memory of the player. What claims more is not decoded, however small
+/// the file that claims it: such a picture in red, green, blue and nothing while playing, its
+/// brightness at 16 bits while looking into a source, and what an RTSP server tells of itself.
+constexpr std::size_t MediaBlockBytes = 160 * 1024 * 1024;
+constexpr std::size_t MediaProbeBytes = 80 * 1024 * 1024;
+constexpr std::size_t MediaSessionBytes = 256 * 1024;
+/// Samples in a piece of sound.
+constexpr int SoundSamples = 262144;
+/// Streams of a source: each one that is claimed costs a decoder.
+constexpr int MediaStreams = 64;
+/// How often a media server's headers are looked for, each time for 4 KB at most.
+constexpr int MediaHeadLooks = 1000;
+/// Bytes of a playlist, and of all that are read until a source plays.
+constexpr qint64 PlaylistBytes = 128 * 1024;
+constexpr qint64 PlaylistsBytes = 1024 * 1024;
+/// Lines a minute that FFmpeg may write about a source.
+constexpr int MediaLogLines = 300;
 
 } // namespace Limits

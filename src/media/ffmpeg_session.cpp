@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "media/ffmpeg_session.h"
 
-#include "media/media_options.h"
+#include "common/limits.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/log.h>
+#include <libavutil/mem.h>
 #include <libavutil/time.h>
 }
 
@@ -13,18 +15,43 @@ extern "C" {
 #include <QTime>
 
 #include <algorithm>
+#include <atomic>
+#include <cstdarg>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace
 {
 
-/// A source that keeps dripping data without ever becoming playable is given up after this.
-constexpr qint64 openLimitUs = 15000000;
-/// Larger pictures than the largest in use (8192x4608) would only eat memory.
-constexpr qint64 largestPicture = 8192 * 4608;
 /// Up to this size one thread is fast enough, and the picture is not late by one per thread.
 constexpr qint64 oneThreadPicture = 1920 * 1088;
+
+/// What FFmpeg allots at a time, wherever in this process, while this lives: also for the decoders
+/// that it opens by itself to look into a source.
+class BlockLimit
+{
+public:
+    explicit BlockLimit(size_t bytes) { av_max_alloc(bytes); }
+    ~BlockLimit() { av_max_alloc(Limits::MediaBlockBytes); }
+    BlockLimit(const BlockLimit&) = delete;
+    BlockLimit& operator=(const BlockLimit&) = delete;
+};
+
+/// A source can make FFmpeg complain many times a millisecond, and what receives the lines may
+/// keep them on the disk.
+void writeLibraryLine(void* context, int level, const char* format, va_list arguments)
+{
+    static std::atomic<qint64> minute{-1};
+    static std::atomic<int> lines{0};
+    if (level > av_log_get_level())
+        return;
+    const qint64 now = av_gettime_relative() / 60000000;
+    if (minute.exchange(now) != now)
+        lines = 0;
+    if (++lines <= Limits::MediaLogLines)
+        av_log_default_callback(context, level, format, arguments);
+}
 
 } // namespace
 
@@ -58,65 +85,72 @@ void FFmpegSession::setUpLibrary()
     static std::once_flag once;
     std::call_once(once, [] {
         avformat_network_init();
+        av_max_alloc(Limits::MediaBlockBytes);
+        av_log_set_callback(&writeLibraryLine);
         writePlayerLine(QStringLiteral("init ffmpeg lib ok version:") +
                         QLatin1String(av_version_info()));
     });
 }
 
-FFmpegSession::FFmpegSession(std::function<bool()> isInterrupted)
-    : m_isInterrupted(std::move(isInterrupted))
+FFmpegSession::FFmpegSession(std::function<bool()> isInterrupted) : m_gate(std::move(isInterrupted))
 {
     setUpLibrary();
 }
 
 FFmpegSession::~FFmpegSession() = default;
 
-int FFmpegSession::interrupted(void* session)
+bool FFmpegSession::open(const QString& url, MediaOptions::Origin origin)
 {
-    const auto* self = static_cast<const FFmpegSession*>(session);
-    return self->m_isInterrupted() ||
-           (self->m_openLimit != 0 && av_gettime_relative() > self->m_openLimit);
-}
-
-bool FFmpegSession::open(const QString& url)
-{
-    m_openLimit = av_gettime_relative() + openLimitUs;
-    if (!openInput(url) || !openVideo() || !openAudio())
+    if (!openInput(url, origin) || !lookIntoStreams() || !openVideo() || !openAudio())
         return false;
     m_packet.reset(av_packet_alloc());
     m_next.reset(av_frame_alloc());
     m_frame.reset(av_frame_alloc());
     if (!m_packet || !m_next || !m_frame)
         return false;
-    m_openLimit = 0;
+    m_gate.setOpened();
     av_dump_format(m_input.get(), 0, url.toUtf8().constData(), 0);
     writePlayerLine(QStringLiteral("init ffmpeg finsh"));
     return true;
 }
 
-bool FFmpegSession::openInput(const QString& url)
+bool FFmpegSession::openInput(const QString& url, MediaOptions::Origin origin)
 {
     m_isLocal = MediaOptions::isLocalFile(url);
+    const BlockLimit block(MediaOptions::isRtsp(url) ? Limits::MediaSessionBytes
+                                                     : Limits::MediaProbeBytes);
     AVDictionary* options = nullptr;
-    MediaOptions::fill(&options, url);
-    AVFormatContext* context = avformat_alloc_context();
+    AVFormatContext* context = nullptr;
+    if (MediaOptions::fill(&options, url, origin))
+        context = avformat_alloc_context();
     if (context) {
-        context->interrupt_callback = {&FFmpegSession::interrupted, this};
+        m_gate.guard(context, url, origin);
         // On failure it has released the context.
         if (avformat_open_input(&context, url.toUtf8().constData(), nullptr, &options) < 0)
             context = nullptr;
     }
     av_dict_free(&options);
     m_input.reset(context);
-    if (!m_input) {
+    if (!m_input)
         writePlayerLine(QStringLiteral("open input error ") + url);
-        return false;
+    return m_input != nullptr;
+}
+
+/// Decodes a little of each stream to find out what a header does not say.
+bool FFmpegSession::lookIntoStreams()
+{
+    std::vector<AVDictionary*> limits(m_input->nb_streams, nullptr);
+    for (AVDictionary*& each : limits) {
+        av_dict_set_int(&each, "max_pixels", Limits::PicturePixels, 0);
+        av_dict_set_int(&each, "max_samples", Limits::SoundSamples, 0);
     }
-    if (avformat_find_stream_info(m_input.get(), nullptr) < 0) {
+    const BlockLimit block(Limits::MediaProbeBytes);
+    const int result = avformat_find_stream_info(m_input.get(), limits.data());
+    for (AVDictionary*& each : limits)
+        av_dict_free(&each);
+    if (result < 0)
         writePlayerLine(QStringLiteral("find stream info error"));
-        return false;
-    }
-    return true;
+    return result >= 0;
 }
 
 bool FFmpegSession::openVideo()
@@ -181,7 +215,7 @@ FFmpegSession::Decoder FFmpegSession::openDecoder(const AVStream& stream, const 
     if (isVideo) {
         decoder->lowres = codec.max_lowres;
         decoder->flags2 |= AV_CODEC_FLAG2_FAST;
-        decoder->max_pixels = largestPicture;
+        decoder->max_pixels = Limits::PicturePixels;
         if (qint64(decoder->width) * decoder->height > oneThreadPicture)
             decoder->thread_count = int(std::clamp(std::thread::hardware_concurrency(), 1U, 4U));
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "media/source_gate.h"
+
 #include <QString>
 
 #include <functional>
@@ -34,7 +36,7 @@ public:
 
     /// Opens the source and its decoders and describes both in the debug stream. Once only. False,
     /// with the reason in the debug stream, when there is nothing to show.
-    bool open(const QString& url);
+    bool open(const QString& url, MediaOptions::Origin origin);
 
     /// Takes the next packet in place of the one before. FFmpeg's result code, negative when there
     /// is none; the next call tries again.
@@ -73,17 +75,16 @@ private:
     };
     using Decoder = std::unique_ptr<AVCodecContext, FreeDecoder>;
 
-    static int interrupted(void* session);
     int takePicture();
-    bool openInput(const QString& url);
+    bool openInput(const QString& url, MediaOptions::Origin origin);
+    bool lookIntoStreams();
     bool openVideo();
     bool openAudio();
     Decoder openDecoder(const AVStream& stream, const AVCodec& codec, bool isVideo) const;
     void describeVideo() const;
     void describeAudio() const;
 
-    const std::function<bool()> m_isInterrupted;
-    qint64 m_openLimit = 0; // when opening is given up, microseconds; 0: not opening
+    SourceGate m_gate; // the input is closed through it
     std::unique_ptr<AVFormatContext, CloseInput> m_input;
     Decoder m_video;
     Decoder m_audio; // opened to be described, never used

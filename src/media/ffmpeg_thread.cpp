@@ -76,7 +76,7 @@ bool FFmpegThread::init()
 {
     m_session = std::make_unique<FFmpegSession>([this] { return m_stopPlay.load(); });
     m_converter = std::make_unique<FrameConverter>();
-    if (!m_session->open(m_url))
+    if (!m_session->open(m_url, m_origin))
         return false;
     m_pacing.setLive(!m_session->hasEnd());
     return true;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/frame_converter.h"
+#include "media/media_options.h"
 #include "media/pacing.h"
 
 #include <QImage>
@@ -35,6 +36,8 @@ public:
 
     /// The source; from the thread that owns this.
     QString url() const { return m_url; }
+    /// Who named the source; before start(). Without it, the operator.
+    void setOrigin(MediaOptions::Origin origin) { m_origin = origin; }
     /// Has run() open the source; before start().
     void setNeedInit() { m_needInit = true; }
     /// Ends run() soon, also out of a wait for the network, and says nothing about it. From any
@@ -83,6 +86,7 @@ private:
     void rest(qint64 microseconds);
 
     QString m_url = QStringLiteral("rtsp://192.168.1.128:554/1");
+    MediaOptions::Origin m_origin = MediaOptions::Origin::Operator;
     std::atomic<bool> m_needInit{false};
     std::atomic<bool> m_stopPlay{false};
     std::mutex m_restMutex; // with m_wake: stop wakes a rest

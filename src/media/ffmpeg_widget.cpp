@@ -83,7 +83,7 @@ void FFmpegWidget::updateImage(const QImage& image)
     update();
 }
 
-void FFmpegWidget::open(const QString& url)
+void FFmpegWidget::open(const QString& url, MediaOptions::Origin origin)
 {
     writePlayerLine(QStringLiteral("open video ") + url);
     releaseThread();
@@ -101,6 +101,7 @@ void FFmpegWidget::open(const QString& url)
         },
         Qt::QueuedConnection);
     m_ffmpegThread->setUrl(url);
+    m_ffmpegThread->setOrigin(origin);
     m_ffmpegThread->play();
     m_watch.start();
     showState(PictureState::State::Opening);

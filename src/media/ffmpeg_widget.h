@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "media/media_options.h"
 #include "media/picture_state.h"
 
 #include <QImage>
@@ -36,8 +37,9 @@ signals:
 public slots:
     void updateImage(const QImage& image);
     void R_customContextMenuRequested(const QPoint& pos);
-    /// Plays a path or an address. Call close() first: a session still running ends unannounced.
-    void open(const QString& url);
+    /// Plays a path or an address, as far as `origin` lets it. Call close() first: a session still
+    /// running ends unannounced.
+    void open(const QString& url, MediaOptions::Origin origin = MediaOptions::Origin::Operator);
     /// Ends the session and keeps the picture, marked as stopped; open() starts anew.
     void pause();
     void next() {} ///< does nothing

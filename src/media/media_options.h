@@ -5,10 +5,16 @@
 
 struct AVDictionary;
 
-/// What a source may be and how it is opened. The address may come from a box: it decides which of
-/// FFmpeg's protocols may be used, and never widens them.
+/// What a source may be and how it is opened. Who named its address decides which of FFmpeg's
+/// protocols and formats may be used; nothing that the source says widens them.
 namespace MediaOptions
 {
+
+/// Who named the address of a source.
+enum class Origin {
+    Operator, ///< a file here, or an address on the network, with playlists of that server
+    Box,      ///< a stream or a recording on the network; never a file or a list of others
+};
 
 /// How long a silent source is waited for, in microseconds: while connecting, and for each read.
 constexpr qint64 SilenceLimitUs = 3000000;
@@ -16,7 +22,11 @@ constexpr qint64 SilenceLimitUs = 3000000;
 /// Whether `url` is a path on this computer, or a "file:" address.
 bool isLocalFile(const QString& url);
 
-/// Adds the entries for opening `url` to `options`, which the caller owns and frees.
-void fill(AVDictionary** options, const QString& url);
+/// Whether `url` is opened through RTSP.
+bool isRtsp(const QString& url);
+
+/// Adds the entries for opening `url` to `options`, which the caller owns and frees. False, with
+/// nothing added, when a source of this origin is not opened at all.
+bool fill(AVDictionary** options, const QString& url, Origin origin);
 
 } // namespace MediaOptions

@@ -246,31 +246,6 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(player.pictures + player.thread.droppedPictures(), 200, 6000);
     }
 
-    void networkReachesNoFiles()
-    {
-        const QString film =
-            m_clips.make("secret.ts", Small + " -t 1 -c:v libx264 -tune zerolatency");
-        const QByteArray list = "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\nfile://" +
-                                film.toUtf8() + "\n#EXT-X-ENDLIST\n";
-        // The list as such is fine: from this computer it may name the file.
-        Player local(writeFile(m_clips.path("list.m3u8"), list));
-        QTRY_COMPARE_WITH_TIMEOUT(local.statuses, QList<int>{FFmpegThread::Playing}, 5000);
-
-        const ScriptedServer server(TEST_BLOCK ".5",
-                                    httpReply("application/vnd.apple.mpegurl", list));
-        const QStringList urls = {server.url("http", "list.m3u8"),
-                                  server.url("tcp", "list.m3u8"),
-                                  "concat:" + film,
-                                  "subfile,,start,0,end,0,,:" + film,
-                                  "async:file:" + film,
-                                  "crypto:file:" + film};
-        for (const QString& url : urls) {
-            Player player(url);
-            QTRY_VERIFY2_WITH_TIMEOUT(!player.statuses.isEmpty(), qPrintable(url), 12000);
-            QVERIFY2(player.statuses == QList<int>{FFmpegThread::OpenFailed}, qPrintable(url));
-        }
-    }
-
     void roundsLeaveNothingBehind()
     {
         const QString file = m_clips.two();

@@ -8,7 +8,8 @@
 
 /// A thread under test and what it has said.
 struct Player {
-    explicit Player(const QString& url)
+    explicit Player(const QString& url,
+                    MediaOptions::Origin origin = MediaOptions::Origin::Operator)
     {
         QObject::connect(&thread, &FFmpegThread::playstatus, &context,
                          [this](int status, const QString&) { statuses << status; });
@@ -18,6 +19,7 @@ struct Player {
                              last = image;
                          });
         thread.setUrl(url);
+        thread.setOrigin(origin);
         clock.start();
         thread.play();
     }

@@ -39,6 +39,7 @@ public:
             .arg(path);
     }
     int connections() const { return m_sockets.size(); }
+    int taken() const { return m_taken; } ///< connections ever
     void send(const QByteArray& data)
     {
         for (QTcpSocket* socket : qAsConst(m_sockets))
@@ -51,6 +52,7 @@ protected:
         auto* socket = new QSslSocket(this);
         socket->setSocketDescriptor(handle);
         m_sockets << socket;
+        ++m_taken;
         connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
             m_sockets.removeAll(socket);
             socket->deleteLater();
@@ -62,8 +64,14 @@ protected:
         }
         if (m_manner == Unasked)
             socket->write(m_reply);
-        else if (!m_reply.isEmpty())
+        else
             connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { answer(*socket); });
+    }
+
+    virtual QByteArray replyTo(const QByteArray& request)
+    {
+        const int body = m_reply.indexOf("\r\n\r\n") + 4;
+        return request.startsWith("HEAD") ? m_reply.left(body) : m_reply;
     }
 
 private:
@@ -72,8 +80,10 @@ private:
         const QByteArray request = socket.readAll();
         if (!request.contains("\r\n\r\n"))
             return;
-        const int body = m_reply.indexOf("\r\n\r\n") + 4;
-        socket.write(request.startsWith("HEAD") ? m_reply.left(body) : m_reply);
+        const QByteArray reply = replyTo(request);
+        if (reply.isEmpty())
+            return;
+        socket.write(reply);
         if (m_manner == Closes)
             socket.disconnectFromHost();
     }
@@ -83,6 +93,7 @@ private:
     QSslCertificate m_certificate;
     QSslKey m_key;
     QList<QTcpSocket*> m_sockets;
+    int m_taken = 0;
 };
 
 inline QByteArray httpReply(const QByteArray& type, const QByteArray& body)

@@ -177,7 +177,7 @@ void Recordings::play(const Item& recording)
 void Recordings::playUrl(const QString& url)
 {
     m_player.video.close();
-    m_player.video.open(url);
+    m_player.video.open(url, MediaOptions::Origin::Box);
 }
 
 void Recordings::playNamed(const QString& ip, const QString& name)

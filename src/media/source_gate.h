@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "media/media_options.h"
+
+#include <QByteArray>
+
+#include <functional>
+#include <vector>
+
+struct AVDictionary;
+struct AVFormatContext;
+struct AVIOContext;
+
+/// Everything that FFmpeg opens and waits for on behalf of one source passes here: so it gets
+/// nothing from elsewhere, and no more than the limits. Belongs to the session's thread.
+class SourceGate
+{
+public:
+    /// `isInterrupted` is asked several times a second while FFmpeg waits; it must be fast.
+    explicit SourceGate(std::function<bool()> isInterrupted);
+    SourceGate(const SourceGate&) = delete;
+    SourceGate& operator=(const SourceGate&) = delete;
+
+    /// To be called before `context` opens `url`; this outlives it. The clock for opening starts.
+    void guard(AVFormatContext* context, const QString& url, MediaOptions::Origin origin);
+    /// From now on there is no limit to how long it takes.
+    void setOpened() { m_openLimit = 0; }
+
+private:
+    static int interrupted(void* gate);
+    static int open(AVFormatContext* context, AVIOContext** io, const char* url, int flags,
+                    AVDictionary** options);
+    static int close(AVFormatContext* context, AVIOContext* io);
+
+    bool mayOpen(const char* url) const;
+    bool isOverLimit() const;
+    void watchPlaylist(AVIOContext* io);
+
+    const std::function<bool()> m_isInterrupted;
+    AVFormatContext* m_context = nullptr;
+    int (*m_openAsEver)(AVFormatContext*, AVIOContext**, const char*, int,
+                        AVDictionary**) = nullptr;
+    int (*m_closeAsEver)(AVFormatContext*, AVIOContext*) = nullptr;
+    MediaOptions::Origin m_origin = MediaOptions::Origin::Box;
+    QByteArray m_host;
+    bool m_isRtsp = false;
+    bool m_hasOpened = false;          // its own address
+    bool m_isConnecting = false;       // until the server's headers are read
+    int m_looks = 0;                   // how often FFmpeg has looked for more of them
+    qint64 m_openLimit = 0;            // when opening is given up, microseconds; 0: not opening
+    std::vector<AVIOContext*> m_lists; // playlists that are being read
+    qint64 m_listBytes = 0;            // of those that were read while opening
+};
