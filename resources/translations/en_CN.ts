@@ -718,6 +718,49 @@
     </message>
   </context>
   <context>
+    <name>PageBar</name>
+    <message>
+      <source>此网页想访问另一台主机：%1</source>
+      <translation>The page wants to reach another host: %1</translation>
+    </message>
+    <message>
+      <source>此网页多次要求登录，不再询问。</source>
+      <translation>The page asked for a login many times and is not asked again.</translation>
+    </message>
+    <message>
+      <source>此网页打开了太多对话框，不再显示。</source>
+      <translation>The page opened too many dialogs; no more are shown.</translation>
+    </message>
+    <message>
+      <source>此网页没有响应。</source>
+      <translation>The page does not respond.</translation>
+    </message>
+    <message>
+      <source>允许</source>
+      <translation>Allow</translation>
+    </message>
+    <message>
+      <source>关闭网页</source>
+      <translation>Close page</translation>
+    </message>
+    <message>
+      <source>重新加载</source>
+      <translation>Reload</translation>
+    </message>
+    <message>
+      <source>不允许</source>
+      <translation>Do not allow</translation>
+    </message>
+    <message>
+      <source>等待</source>
+      <translation>Wait</translation>
+    </message>
+    <message>
+      <source>关闭</source>
+      <translation>Close</translation>
+    </message>
+  </context>
+  <context>
     <name>PageDialog</name>
     <message>
       <source>未知来源</source>
@@ -805,6 +848,10 @@
     <message>
       <source>内置浏览器不可用：它的程序文件不完整。</source>
       <translation>The built-in browser is not available: its program files are incomplete.</translation>
+    </message>
+    <message>
+      <source>网页已关闭。</source>
+      <translation>The page is closed.</translation>
     </message>
   </context>
   <context>

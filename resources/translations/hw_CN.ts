@@ -718,6 +718,49 @@
     </message>
   </context>
   <context>
+    <name>PageBar</name>
+    <message>
+      <source>此网页想访问另一台主机：%1</source>
+      <translation>이 페이지가 다른 호스트에 접속하려고 합니다: %1</translation>
+    </message>
+    <message>
+      <source>此网页多次要求登录，不再询问。</source>
+      <translation>이 페이지가 로그인을 여러 번 요청하여 더 이상 묻지 않습니다.</translation>
+    </message>
+    <message>
+      <source>此网页打开了太多对话框，不再显示。</source>
+      <translation>이 페이지가 대화 상자를 너무 많이 열어 더 이상 표시하지 않습니다.</translation>
+    </message>
+    <message>
+      <source>此网页没有响应。</source>
+      <translation>이 페이지가 응답하지 않습니다.</translation>
+    </message>
+    <message>
+      <source>允许</source>
+      <translation>허용</translation>
+    </message>
+    <message>
+      <source>关闭网页</source>
+      <translation>페이지 닫기</translation>
+    </message>
+    <message>
+      <source>重新加载</source>
+      <translation>다시 로드</translation>
+    </message>
+    <message>
+      <source>不允许</source>
+      <translation>허용 안 함</translation>
+    </message>
+    <message>
+      <source>等待</source>
+      <translation>대기</translation>
+    </message>
+    <message>
+      <source>关闭</source>
+      <translation>닫기</translation>
+    </message>
+  </context>
+  <context>
     <name>PageDialog</name>
     <message>
       <source>未知来源</source>
@@ -805,6 +848,10 @@
     <message>
       <source>内置浏览器不可用：它的程序文件不完整。</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 프로그램 파일이 완전하지 않습니다.</translation>
+    </message>
+    <message>
+      <source>网页已关闭。</source>
+      <translation>페이지를 닫았습니다.</translation>
     </message>
   </context>
   <context>

@@ -89,6 +89,11 @@ constexpr int MediaHeadLooks = 1000;
 /// Bytes of a playlist, and of all that are read until a source plays.
 constexpr qint64 PlaylistBytes = 128 * 1024;
 constexpr qint64 PlaylistsBytes = 1024 * 1024;
+/// Dialogs of a page's scripts in one visit, and other hosts that the operator is asked about.
+constexpr int PageDialogs = 8;
+constexpr int PageHostQuestions = 5;
+/// Bytes of pages that are kept, in memory, to be shown again.
+constexpr int PageCacheBytes = 32 * 1024 * 1024;
 /// Lines a minute that FFmpeg may write about a source.
 constexpr int MediaLogLines = 300;
 

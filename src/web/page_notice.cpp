@@ -87,7 +87,7 @@ void PageNotice::retranslate()
     m_reason->setVisible(!m_reason->text().isEmpty());
     m_retry->setText(tr("重试"));
     m_open->setText(tr("在浏览器中打开"));
-    m_retry->setVisible(m_kind == Failed || m_kind == NoPage);
+    m_retry->setVisible(m_kind == Failed || m_kind == NoPage || m_kind == Closed);
     m_open->setVisible(m_kind != Loading && m_kind != Crashed);
 }
 
@@ -102,6 +102,8 @@ QString PageNotice::message() const
         return tr("设备没有返回可显示的网页。");
     case Crashed:
         return tr("网页意外终止，正在重新加载…");
+    case Closed:
+        return tr("网页已关闭。");
     default:
         return tr("此设备通过自己的网页管理。");
     }

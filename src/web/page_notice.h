@@ -22,6 +22,7 @@ public:
         Failed,  ///< the box does not answer
         NoPage,  ///< it answers, with nothing to show
         Crashed, ///< the page ended its process and is loaded again
+        Closed,  ///< the operator closed a page that did not answer
     };
 
     explicit PageNotice(QWidget* parent = nullptr);

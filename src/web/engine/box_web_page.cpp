@@ -1,29 +1,34 @@
 // SPDX-License-Identifier: MIT
 #include "web/engine/box_web_page.h"
 
+#include "common/limits.h"
+#include "web/engine/page_hosts.h"
+
 #include <QAuthenticator>
 #include <QCoreApplication>
 #include <QFileDialog>
 #include <QWebEngineCertificateError>
 #include <QWebEngineFullScreenRequest>
+#include <QWebEngineProfile>
 #include <QWebEngineQuotaRequest>
 #include <QWebEngineRegisterProtocolHandlerRequest>
+#include <QWebEngineScript>
+#include <QWebEngineScriptCollection>
 
 namespace
 {
 
-/// From the third dialog on the user may silence a page.
+/// From the third dialog on the user may silence a page; after some more it is silent anyway.
 constexpr int politeDialogs = 2;
+/// What an operator may mistype, and no more: each refusal brings the question again.
+constexpr int mostLogins = 3;
 
 QString askerName(const QUrl& origin)
 {
     QString name = origin.host();
     if (name.isEmpty())
         return PageDialog::tr("未知来源");
-    // A host of any length would push the rest out of sight; its end is what tells who it is.
-    constexpr int longestName = 80;
-    if (name.size() > longestName)
-        name = QStringLiteral("…") + name.right(longestName);
+    name = PageDialog::shortHost(name);
     if (origin.port() >= 0)
         name += QLatin1Char(':') + QString::number(origin.port());
     return name;
@@ -43,15 +48,6 @@ bool mayVisit(const QUrl& url)
            scheme == QLatin1String("data") || scheme == QLatin1String("blob");
 }
 
-/// The engine asks this by the same function as a page's own questions.
-bool isLeaveQuestion(const QString& text)
-{
-    // Not ours to translate: named apart from the call, it stays out of our translations.
-    static const char question[] =
-        "Are you sure you want to leave this page? Changes that you made may not be saved.";
-    return text == QCoreApplication::translate("QWebEnginePage", question);
-}
-
 } // namespace
 
 bool CustomWebEnginePage::certificateError(const QWebEngineCertificateError&)
@@ -59,8 +55,11 @@ bool CustomWebEnginePage::certificateError(const QWebEngineCertificateError&)
     return true;
 }
 
-BoxWebPage::BoxWebPage(QObject* parent) : CustomWebEnginePage(parent)
+BoxWebPage::BoxWebPage(const std::shared_ptr<QWebEngineProfile>& profile, PageHosts& hosts)
+    : CustomWebEnginePage(profile.get()), m_hosts(hosts)
 {
+    // The engine wants the profile to be there until the page is gone.
+    connect(this, &QObject::destroyed, qApp, [profile] {});
     connect(this, &QWebEnginePage::featurePermissionRequested, this, &BoxWebPage::denyFeature);
     connect(this, &QWebEnginePage::authenticationRequired, this, &BoxWebPage::logIn);
     connect(this, &QWebEnginePage::fullScreenRequested, this,
@@ -69,16 +68,34 @@ BoxWebPage::BoxWebPage(QObject* parent) : CustomWebEnginePage(parent)
             [](QWebEngineQuotaRequest request) { request.reject(); });
     connect(this, &QWebEnginePage::registerProtocolHandlerRequested, this,
             [](QWebEngineRegisterProtocolHandlerRequest request) { request.reject(); });
-    connect(this, &QWebEnginePage::urlChanged, this, [this] { m_leaving = false; });
     connect(this, &QWebEnginePage::renderProcessTerminated, this, &BoxWebPage::dismissDialog);
 }
 
-void BoxWebPage::beginVisit()
+void BoxWebPage::retire()
 {
-    m_asked = 0;
-    m_silenced = false;
-    m_leaving = true;
+    m_retired = true;
     dismissDialog();
+    if (!isAsking())
+        deleteLater();
+}
+
+void BoxWebPage::keepToHosts()
+{
+    // A copy in each document, from before its own scripts, where they cannot reach it. Removed
+    // again, it stays in force.
+    QWebEngineScript script;
+    script.setName(QStringLiteral("hosts"));
+    script.setInjectionPoint(QWebEngineScript::DocumentCreation);
+    script.setWorldId(QWebEngineScript::ApplicationWorld);
+    script.setRunsOnSubFrames(true);
+    script.setSourceCode(QStringLiteral("(h => { const m = document.createElement('meta');"
+                                        "m.httpEquiv = 'Content-Security-Policy';"
+                                        "m.content = '%1'; h.append(m);"
+                                        "document.documentElement.append(h); h.remove(); })"
+                                        "(document.createElement('head'))")
+                             .arg(m_hosts.policy()));
+    scripts().remove(scripts().findScript(script.name()));
+    scripts().insert(script);
 }
 
 void BoxWebPage::dismissDialog()
@@ -91,7 +108,11 @@ bool BoxWebPage::acceptNavigationRequest(const QUrl& url, NavigationType, bool i
 {
     // The engine shows documents in frames of its own scheme.
     const bool engineFrame = !isMainFrame && url.scheme() == QLatin1String("chrome-extension");
-    return mayVisit(url) || engineFrame;
+    if (engineFrame || (mayVisit(url) && m_hosts.mayReach(url)))
+        return true;
+    if (isMainFrame)
+        m_refused = url;
+    return false;
 }
 
 QStringList BoxWebPage::chooseFiles(FileSelectionMode mode, const QStringList&, const QStringList&)
@@ -99,23 +120,29 @@ QStringList BoxWebPage::chooseFiles(FileSelectionMode mode, const QStringList&, 
     if (!mayAsk())
         return {};
     const QString title = PageDialog::tr("选择发送给 %1 的文件").arg(askerName(url()));
+    const QPointer<BoxWebPage> self(this);
+    ++m_waits;
+    QStringList files;
     if (mode == FileSelectOpenMultiple)
-        return QFileDialog::getOpenFileNames(view(), title);
-    const QString file = QFileDialog::getOpenFileName(view(), title);
-    return file.isEmpty() ? QStringList() : QStringList{file};
+        files = QFileDialog::getOpenFileNames(view(), title);
+    else
+        files << QFileDialog::getOpenFileName(view(), title);
+    if (!self)
+        return {};
+    endWait();
+    files.removeAll(QString());
+    return files;
 }
 
 void BoxWebPage::javaScriptAlert(const QUrl& securityOrigin, const QString& msg)
 {
-    if (mayAsk() && !m_silenced)
+    if (mayAskForScript())
         askForScript(new PageDialog(PageDialog::Notice, askerName(securityOrigin), msg, view()));
 }
 
 bool BoxWebPage::javaScriptConfirm(const QUrl& securityOrigin, const QString& msg)
 {
-    if (m_leaving && isLeaveQuestion(msg))
-        return true;
-    if (!mayAsk() || m_silenced)
+    if (!mayAskForScript())
         return false;
     return askForScript(
         new PageDialog(PageDialog::Question, askerName(securityOrigin), msg, view()));
@@ -124,7 +151,7 @@ bool BoxWebPage::javaScriptConfirm(const QUrl& securityOrigin, const QString& ms
 bool BoxWebPage::javaScriptPrompt(const QUrl& securityOrigin, const QString& msg,
                                   const QString& defaultValue, QString* result)
 {
-    if (!mayAsk() || m_silenced)
+    if (!mayAskForScript())
         return false;
     auto* dialog = new PageDialog(PageDialog::Prompt, askerName(securityOrigin), msg, view());
     dialog->setAnswer(defaultValue);
@@ -153,7 +180,11 @@ void BoxWebPage::logIn(const QUrl& url, QAuthenticator* authenticator)
     QString user;
     QString password;
     bool accepted = false;
-    if (mayAsk()) {
+    const bool isEnough = m_logins >= mostLogins;
+    if (isEnough && mayAsk())
+        emit loginsEnded();
+    if (mayAsk() && !isEnough) {
+        ++m_logins;
         auto* dialog =
             new PageDialog(PageDialog::Login, askerName(url), authenticator->realm(), view());
         connect(dialog, &QDialog::accepted, dialog, [dialog, &user, &password] {
@@ -173,14 +204,38 @@ void BoxWebPage::logIn(const QUrl& url, QAuthenticator* authenticator)
 /// A page that nobody looks at asks nothing, and none asks two things at a time.
 bool BoxWebPage::mayAsk() const
 {
-    return view() && view()->isVisible() && !m_dialog;
+    return view() && view()->isVisible() && m_waits == 0;
+}
+
+bool BoxWebPage::mayAskForScript()
+{
+    if (!mayAsk() || m_silenced)
+        return false;
+    m_silenced = m_asked >= Limits::PageDialogs;
+    if (m_silenced)
+        emit dialogsEnded();
+    return !m_silenced;
 }
 
 bool BoxWebPage::ask(PageDialog* dialog)
 {
+    const QPointer<BoxWebPage> self(this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     m_dialog = dialog;
-    return dialog->exec() == QDialog::Accepted;
+    ++m_waits;
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    if (!self)
+        return false;
+    m_dialog.clear();
+    endWait();
+    return accepted;
+}
+
+void BoxWebPage::endWait()
+{
+    // After its callers in the engine.
+    if (--m_waits == 0 && m_retired)
+        deleteLater();
 }
 
 bool BoxWebPage::askForScript(PageDialog* dialog)

@@ -6,9 +6,11 @@
 #include <QPointer>
 #include <QWebEnginePage>
 
-#include <functional>
+#include <memory>
 
+class PageHosts;
 class QAuthenticator;
+class QWebEngineProfile;
 
 /// A page whose certificate nobody signed: boxes make their own.
 class CustomWebEnginePage : public QWebEnginePage
@@ -29,13 +31,25 @@ class BoxWebPage : public CustomWebEnginePage
     Q_OBJECT
 
 public:
-    explicit BoxWebPage(QObject* parent = nullptr);
+    /// `hosts` knows whom it may talk to, and outlives it.
+    BoxWebPage(const std::shared_ptr<QWebEngineProfile>& profile, PageHosts& hosts);
 
-    /// The user goes to another page: what was silenced may speak again, and the old page may not
-    /// hold the user back.
-    void beginVisit();
+    /// The user has left, whatever the page does: its process ends, and this deletes itself as soon
+    /// as nobody waits in it.
+    void retire();
+    /// Binds the documents that come to the hosts that are allowed by now.
+    void keepToHosts();
+    /// The last address that it was not let to go to.
+    QUrl refused() const { return m_refused; }
+    /// Whether the user is being asked something for it.
+    bool isAsking() const { return m_waits > 0; }
     /// Answers an open dialog with "no"; its page is gone or out of sight.
     void dismissDialog();
+
+signals:
+    /// From now on it is asked for no login, or shows no dialogs.
+    void loginsEnded();
+    void dialogsEnded();
 
 protected:
     bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) override;
@@ -52,15 +66,21 @@ private:
     void denyFeature(const QUrl& origin, Feature feature);
     void logIn(const QUrl& url, QAuthenticator* authenticator);
     bool mayAsk() const;
+    bool mayAskForScript();
     /// Waits for the user, serving events. False when the user declines or the page goes away.
     bool ask(PageDialog* dialog);
+    void endWait();
     /// As ask(), for a page that can ask again and again.
     bool askForScript(PageDialog* dialog);
 
+    PageHosts& m_hosts;
+    QUrl m_refused;
     QPointer<PageDialog> m_dialog;
+    int m_waits = 0; ///< calls of the engine in which the user is asked
     int m_asked = 0; ///< dialogs of scripts during this visit
+    int m_logins = 0;
     bool m_silenced = false;
-    bool m_leaving = false;
+    bool m_retired = false;
 };
 
 /// The page of a new window until its address is known, which it hands over instead of loading it.

@@ -2,6 +2,7 @@
 #include "web/engine/engine_browser.h"
 
 #include "web/engine/download_line.h"
+#include "web/engine/page_hosts.h"
 #include "web/engine/web_view.h"
 
 #include <QPointer>
@@ -15,6 +16,9 @@ namespace
 
 constexpr int progressHeight = 3;
 constexpr int mostDownloadLines = 4;
+/// How often a page is asked for a sign of life, and for how long it may owe one.
+constexpr int pulseMs = 1000;
+constexpr int patienceMs = 4000;
 
 QUrl blankPage()
 {
@@ -31,6 +35,7 @@ bool sameServer(const QUrl& a, const QUrl& b)
 EngineBrowser::EngineBrowser(QWidget* parent)
     : Browser(parent)
     , m_progress(new QProgressBar(this))
+    , m_bar(new PageBar(this))
     , m_view(new WebView(this))
     , m_notice(new PageNotice(this))
     , m_downloads(new QVBoxLayout)
@@ -59,6 +64,7 @@ EngineBrowser::EngineBrowser(QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(m_progress);
+    layout->addWidget(m_bar);
     layout->addLayout(stack, 1);
     layout->addLayout(m_downloads);
 
@@ -66,16 +72,32 @@ EngineBrowser::EngineBrowser(QWidget* parent)
     connect(m_view, &QWebEngineView::loadStarted, this, &EngineBrowser::handleLoadStarted);
     connect(m_view, &QWebEngineView::loadProgress, this, &EngineBrowser::handleProgress);
     connect(m_view, &QWebEngineView::loadFinished, this, &EngineBrowser::handleLoadFinished);
-    connect(m_view->page(), &QWebEnginePage::contentsSizeChanged, this,
-            &EngineBrowser::lookAtDocument);
+    connect(m_view, &WebView::contentChanged, this, &EngineBrowser::lookAtDocument);
+    connect(&m_view->hosts(), &PageHosts::wanted, m_bar,
+            [this](const QString& host) { m_bar->tell(PageBar::HostWanted, host); });
+    connect(m_view, &WebView::loginsEnded, m_bar, [this] { m_bar->tell(PageBar::LoginsEnded); });
+    connect(m_view, &WebView::dialogsEnded, m_bar, [this] { m_bar->tell(PageBar::DialogsEnded); });
+    connect(m_bar, &PageBar::agreed, this, &EngineBrowser::follow);
+    m_pulse.setInterval(pulseMs);
+    connect(&m_pulse, &QTimer::timeout, this, &EngineBrowser::feelPulse);
+    m_pulse.start();
     connect(m_view, &WebView::reloading, this, [this] { showNotice(PageNotice::Crashed); });
     connect(m_view, &WebView::downloadAccepted, this, &EngineBrowser::addDownload);
     m_view->setUrl(blankPage());
 }
 
+EngineBrowser::~EngineBrowser()
+{
+    // A page that goes calls back for everything that it was still asked.
+    delete m_view;
+}
+
 void EngineBrowser::setUrl(const QString& url)
 {
     m_wanted = QUrl(url);
+    m_closed = false;
+    m_unanswered.invalidate();
+    m_bar->clear();
     m_notice->setAddress(url);
     m_view->setUrl(m_wanted);
     showNotice(PageNotice::Loading);
@@ -123,7 +145,7 @@ void EngineBrowser::lookAtDocument()
 
 void EngineBrowser::judgeDocument(const QUrl& document)
 {
-    if (m_wanted.isEmpty())
+    if (m_wanted.isEmpty() || m_closed)
         return;
     if (document.scheme() == QLatin1String("chrome-error")) {
         if (!m_loading)
@@ -138,6 +160,42 @@ void EngineBrowser::judgeDocument(const QUrl& document)
     // Until the wanted box answers, the view still holds the page of the one before.
     if (!m_loading || sameServer(document, m_wanted))
         m_notice->hide();
+}
+
+void EngineBrowser::feelPulse()
+{
+    // A page that shows a dialog stands still until it is answered.
+    if (m_wanted.isEmpty() || m_closed || !isVisible() || m_view->isAsking()) {
+        m_unanswered.invalidate();
+        return;
+    }
+    if (m_unanswered.isValid()) {
+        if (m_unanswered.elapsed() > patienceMs)
+            m_bar->tell(PageBar::Unresponsive);
+        return;
+    }
+    m_unanswered.start();
+    const QPointer<EngineBrowser> self(this);
+    m_view->page()->runJavaScript(QStringLiteral("0"), QWebEngineScript::ApplicationWorld,
+                                  [self](const QVariant&) {
+                                      if (!self)
+                                          return;
+                                      self->m_unanswered.invalidate();
+                                      self->m_bar->take(PageBar::Unresponsive);
+                                  });
+}
+
+void EngineBrowser::follow(PageBar::Kind kind, const QString& host)
+{
+    if (kind == PageBar::HostWanted) {
+        m_view->allowHost(host);
+    } else if (kind == PageBar::Unresponsive) {
+        m_closed = true;
+        m_view->setUrl(QUrl());
+        showNotice(PageNotice::Closed);
+    } else {
+        setUrl(m_wanted.toString());
+    }
 }
 
 void EngineBrowser::addDownload(QWebEngineDownloadItem* item)

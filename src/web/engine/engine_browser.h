@@ -2,8 +2,11 @@
 #pragma once
 
 #include "web/browser.h"
+#include "web/engine/page_bar.h"
 #include "web/page_notice.h"
 
+#include <QElapsedTimer>
+#include <QTimer>
 #include <QUrl>
 
 class QProgressBar;
@@ -11,14 +14,15 @@ class QVBoxLayout;
 class QWebEngineDownloadItem;
 class WebView;
 
-/// The browser: the view, over it a notice whenever the view does not show the wanted box, a thin
-/// bar while something loads, and a line per download.
+/// The browser: the view, above it what is to be said of its page, over it a notice whenever the
+/// view does not show the wanted box, a thin bar while something loads, and a line per download.
 class EngineBrowser : public Browser
 {
     Q_OBJECT
 
 public:
     explicit EngineBrowser(QWidget* parent);
+    ~EngineBrowser() override;
 
     void setUrl(const QString& url) override;
 
@@ -30,12 +34,19 @@ private:
     /// Finds out what the view holds by now, and uncovers or covers it.
     void lookAtDocument();
     void judgeDocument(const QUrl& document);
+    /// Finds out whether the page is still alive.
+    void feelPulse();
+    void follow(PageBar::Kind kind, const QString& host);
     void addDownload(QWebEngineDownloadItem* item);
 
     QProgressBar* m_progress;
+    PageBar* m_bar;
     WebView* m_view;
     PageNotice* m_notice;
     QVBoxLayout* m_downloads;
     QUrl m_wanted; ///< what the user chose; links in its page do not change it
     bool m_loading = false;
+    bool m_closed = false; ///< by the user, who does not want to wait for its page
+    QTimer m_pulse;
+    QElapsedTimer m_unanswered; ///< since the page was asked for a sign; invalid: it has answered
 };

@@ -16,6 +16,7 @@ namespace
 constexpr int dialogWidth = 420;
 constexpr int longestText = 2000;
 constexpr int longestAnswer = 10000;
+constexpr int longestHost = 80;
 
 QString shortened(const QString& text)
 {
@@ -74,6 +75,11 @@ PageDialog::PageDialog(Kind kind, const QString& asker, const QString& text, QWi
     (m_answer ? static_cast<QWidget*>(m_answer) : ok)->setFocus();
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+}
+
+QString PageDialog::shortHost(const QString& host)
+{
+    return host.size() <= longestHost ? host : QStringLiteral("…") + host.right(longestHost);
 }
 
 QLineEdit* PageDialog::addField(const QString& caption)

@@ -20,6 +20,9 @@ public:
     /// and cut where it is absurdly long. Modal to the window of `parent`.
     PageDialog(Kind kind, const QString& asker, const QString& text, QWidget* parent);
 
+    /// The end of a host's name that would push the rest out of sight: its end tells who it is.
+    static QString shortHost(const QString& host);
+
     /// Offers to hear no more of this page.
     void offerSilence();
     bool silenceWanted() const;

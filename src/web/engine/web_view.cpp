@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "web/engine/web_view.h"
 
-#include "common/data_path.h"
+#include "common/limits.h"
 #include "common/platform.h"
 #include "web/download_name.h"
 #include "web/engine/box_web_page.h"
+#include "web/engine/page_hosts.h"
 
 #include <QContextMenuEvent>
 #include <QDebug>
@@ -29,6 +30,8 @@ constexpr int crashPauseMs = 400;
 constexpr int crashCalmMs = 3000;
 /// Nobody clicks a download this soon after declining one: a page that asks again is not a user.
 constexpr int declinedPauseMs = 1000;
+/// After so many the page of this visit is not asked for again.
+constexpr int mostDeclined = 3;
 
 QString timeNow()
 {
@@ -54,21 +57,51 @@ QString usualSaveFolder()
 
 WebView::WebView(QWidget* parent)
     : QWebEngineView(parent)
-    , m_page(std::make_unique<BoxWebPage>())
+    , m_hosts(std::make_unique<PageHosts>())
     , m_saveFolder(usualSaveFolder())
 {
     setWindowFlags(Qt::FramelessWindowHint);
-    setPage(m_page.get());
+    makeProfile();
+    makePage();
     QNetworkProxyFactory::setUseSystemConfiguration(false);
-    applySettings();
     makeDiskCache();
-    page()->setBackgroundColor(Qt::darkGray);
-    connectPage();
+    connectView();
     setAcceptDrops(false);
     forgetEarlierVisits();
 }
 
-WebView::~WebView() = default;
+WebView::~WebView()
+{
+    if (m_page->isAsking())
+        m_page->retire();
+    else
+        delete m_page;
+}
+
+void WebView::makeProfile()
+{
+    // Off the record: what a page stores is gone with it.
+    m_profile = std::make_shared<QWebEngineProfile>();
+    m_profile->setUrlRequestInterceptor(m_hosts.get());
+    connect(m_profile.get(), &QWebEngineProfile::downloadRequested, this, &WebView::webDownload);
+}
+
+/// A page of its own for each visit: one that hangs or holds on is left by throwing it away.
+void WebView::makePage()
+{
+    BoxWebPage* before = m_page;
+    m_page = new BoxWebPage(m_profile, *m_hosts);
+    connect(m_page, &QWebEnginePage::contentsSizeChanged, this, &WebView::contentChanged);
+    connect(m_page, &BoxWebPage::loginsEnded, this, &WebView::loginsEnded);
+    connect(m_page, &BoxWebPage::dialogsEnded, this, &WebView::dialogsEnded);
+    m_page->setBackgroundColor(Qt::darkGray);
+    setPage(m_page);
+    applySettings();
+    if (!before)
+        return;
+    before->disconnect(this);
+    before->retire();
+}
 
 void WebView::applySettings()
 {
@@ -90,10 +123,9 @@ void WebView::makeDiskCache()
     cache->setCacheDirectory(webCacheFolder());
 }
 
-void WebView::connectPage()
+void WebView::connectView()
 {
     connect(this, &QWebEngineView::loadFinished, this, &WebView::loadFinishedOK);
-    connect(page()->profile(), &QWebEngineProfile::downloadRequested, this, &WebView::webDownload);
     connect(this, &QWebEngineView::titleChanged, this, &QWidget::setWindowTitle);
     connect(this, &QWebEngineView::iconChanged, this, &WebView::on_iconChanged);
     connect(this, &QWebEngineView::renderProcessTerminated, this,
@@ -103,21 +135,35 @@ void WebView::connectPage()
 
 void WebView::forgetEarlierVisits()
 {
-    QWebEngineProfile* profile = page()->profile();
-    // What is never written need not be found and deleted at the next start.
-    profile->setPersistentStoragePath(dataPath(QStringLiteral("web")));
-    profile->setHttpCacheType(QWebEngineProfile::MemoryHttpCache);
-    profile->setPersistentCookiesPolicy(QWebEngineProfile::NoPersistentCookies);
-    profile->clearHttpCache();
-    profile->cookieStore()->deleteAllCookies();
+    m_profile->setHttpCacheMaximumSize(Limits::PageCacheBytes);
+    m_profile->clearHttpCache();
+    m_profile->cookieStore()->deleteAllCookies();
 }
 
 void WebView::setUrl(const QUrl& wanted)
 {
     url = wanted.toString();
     qDebug().noquote() << "加载网页开始 " << url << timeNow();
-    m_page->beginVisit();
+    m_hosts->begin(wanted);
+    m_declined = 0;
+    makePage();
+    m_page->keepToHosts();
     load(wanted.isEmpty() ? QUrl(QStringLiteral("about:blank")) : wanted);
+}
+
+void WebView::allowHost(const QString& host)
+{
+    m_hosts->allow(host);
+    m_page->keepToHosts();
+    if (m_page->refused().host() == host)
+        load(m_page->refused());
+    else
+        reload();
+}
+
+bool WebView::isAsking() const
+{
+    return m_saveDialogOpen || m_page->isAsking();
 }
 
 void WebView::loadFinishedOK(bool ok)
@@ -141,7 +187,16 @@ void WebView::OnRenderProcessTerminated(QWebEnginePage::RenderProcessTermination
     m_sinceCrash.start();
     emit reloading();
     // After the signal: the engine is still clearing up the old process.
-    QTimer::singleShot(again ? crashPauseMs : 0, this, &QWebEngineView::reload);
+    QTimer::singleShot(again ? crashPauseMs : 0, this, &WebView::loadAgain);
+}
+
+/// In a new page: the engine does not always bring one back to life whose process has ended.
+void WebView::loadAgain()
+{
+    const QUrl last = page()->url();
+    makePage();
+    m_page->keepToHosts();
+    load(last);
 }
 
 QWebEngineView* WebView::createWindow(QWebEnginePage::WebWindowType)
@@ -151,8 +206,9 @@ QWebEngineView* WebView::createWindow(QWebEnginePage::WebWindowType)
         m_popup->deleteLater();
     auto* popup = new QWebEngineView(parentWidget());
     m_popup = popup;
-    auto* popupPage = new PopupPage(popup);
+    auto* popupPage = new PopupPage(m_profile, *m_hosts);
     popup->setPage(popupPage);
+    connect(popup, &QObject::destroyed, popupPage, &QObject::deleteLater);
     connect(popupPage, &PopupPage::targetKnown, this, &WebView::openInPlace);
     connect(popup, &QWebEngineView::urlChanged, this, &WebView::openInPlace);
     return popup;
@@ -164,7 +220,9 @@ void WebView::openInPlace(const QUrl& target)
         return;
     m_popup->deleteLater();
     m_popup.clear();
-    setUrl(target);
+    // It goes on in the page that opened it, which is in the midst of doing so.
+    url = target.toString();
+    load(target);
 }
 
 void WebView::webDownload(QWebEngineDownloadItem* item)
@@ -172,8 +230,10 @@ void WebView::webDownload(QWebEngineDownloadItem* item)
     if (item->state() != QWebEngineDownloadItem::DownloadRequested)
         return;
     const bool insistent = m_sinceDeclined.isValid() && m_sinceDeclined.elapsed() < declinedPauseMs;
-    if (m_saveDialogOpen || insistent || !isVisible()) {
+    if (m_saveDialogOpen || insistent || !isVisible() || m_declined >= mostDeclined) {
         item->cancel();
+        if (m_declined >= mostDeclined && isVisible())
+            emit dialogsEnded();
         return;
     }
     const QPointer<WebView> self(this);
@@ -183,6 +243,7 @@ void WebView::webDownload(QWebEngineDownloadItem* item)
         return;
     if (path.isEmpty()) {
         m_sinceDeclined.start();
+        ++m_declined;
         item->cancel();
         return;
     }
