@@ -83,7 +83,7 @@ QString seconds(const UpgradeRow& row, const QDateTime& now)
 }
 
 /// Text of a box in a spreadsheet: a cell that begins like a formula is run, not shown.
-QString cell(QString text)
+QString harmless(QString text)
 {
     for (QChar& c : text) {
         if (c.unicode() < 0x20 || c.unicode() == 0x7f)
@@ -92,16 +92,21 @@ QString cell(QString text)
     const QString trimmed = text.trimmed();
     if (!trimmed.isEmpty() && QStringLiteral("=+-@＝＋－＠").contains(trimmed.at(0)))
         text.prepend(QLatin1Char('\''));
+    return text;
+}
+
+QString quoted(QString text)
+{
     return QLatin1Char('"') + text.replace(QLatin1Char('"'), QStringLiteral("\"\"")) +
            QLatin1Char('"');
 }
 
 QByteArray csvLine(const QStringList& texts)
 {
-    QStringList quoted;
+    QStringList cells;
     for (const QString& text : texts)
-        quoted << cell(text);
-    return quoted.join(QLatin1Char(',')).toUtf8() + "\r\n";
+        cells << quoted(harmless(text));
+    return cells.join(QLatin1Char(',')).toUtf8() + "\r\n";
 }
 
 /// The format of journals as written here: words. Journals without a format hold numbers.
@@ -327,4 +332,15 @@ QByteArray UpgradeText::csv(const UpgradeSession& session, const QDateTime& now)
     for (const UpgradeRow& row : session.rows)
         text += csvLine(cells(session, row, now));
     return text;
+}
+
+QString UpgradeText::clipboardLine(const QStringList& texts)
+{
+    QStringList cells;
+    for (const QString& text : texts) {
+        const QString cell = harmless(text);
+        // Spreadsheets take the quotes around a cell off, and what stood in them for its content.
+        cells << (cell.contains(QLatin1Char('"')) ? quoted(cell) : cell);
+    }
+    return cells.join(QLatin1Char('\t'));
 }

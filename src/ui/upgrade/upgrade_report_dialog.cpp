@@ -205,7 +205,7 @@ void UpgradeReportDialog::copySelection() const
                 cells << cell->text();
         }
         if (!cells.isEmpty())
-            lines << cells.join(QLatin1Char('\t'));
+            lines << UpgradeText::clipboardLine(cells);
     }
     if (!lines.isEmpty())
         QGuiApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
