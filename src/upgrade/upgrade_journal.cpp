@@ -14,9 +14,25 @@ namespace
 constexpr int mostJournals = 50;
 constexpr qint64 largestJournal = 64 * 1024 * 1024;
 
+/// Apart from where anybody on the network has a say in what files are called.
 QString folder()
 {
-    return dataPath(QStringLiteral("upgrade"));
+    return dataPath(QStringLiteral("batches"));
+}
+
+/// Earlier versions kept batches among the installers.
+void adoptEarlier()
+{
+    const QString earlier = dataPath(QStringLiteral("upgrade"));
+    const QFileInfoList files = QDir(earlier).entryInfoList(
+        {QStringLiteral("upgrade_*.json"), QStringLiteral("upgrade_*.csv")},
+        QDir::Files | QDir::NoSymLinks);
+    for (const QFileInfo& info : files) {
+        QLockFile lock(earlier + info.completeBaseName() + QStringLiteral(".lock"));
+        lock.setStaleLockTime(0);
+        if (lock.tryLock(0))
+            QFile::rename(info.filePath(), folder() + info.fileName());
+    }
 }
 
 bool writeWhole(const QString& path, const QByteArray& content)
@@ -89,6 +105,7 @@ bool UpgradeJournal::claim(const QString& baseName)
 void UpgradeJournal::load()
 {
     m_pool.start([this] {
+        adoptEarlier();
         const QVector<UpgradeSession> sessions = readAll();
         QMetaObject::invokeMethod(this, [this, sessions] { emit loaded(sessions); });
     });

@@ -11,7 +11,7 @@
 #include <map>
 #include <memory>
 
-/// Keeps batches on disk in the data folder's "upgrade": a journal while something is open, so that
+/// Keeps batches on disk in the data folder's "batches": a journal while something is open, so that
 /// a batch survives the end of the program, and the report as a CSV file for good. All file work
 /// happens on a thread of its own, in order; each file is replaced as a whole.
 class UpgradeJournal : public QObject, public UpgradeStore

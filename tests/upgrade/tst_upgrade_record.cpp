@@ -111,7 +111,7 @@ private slots:
         QCOMPARE(cellsOf(row).mid(7, 2), (QStringList{"61.5", "success"}));
     }
 
-    void csvRunsNoFormula_data()
+    void noFormulaIsRun_data()
     {
         columns<QString, QString>("note", "cell");
         row("plain", "上传固件 失败", "\"上传固件 失败\"");
@@ -124,15 +124,19 @@ private slots:
         row("behind a tab and a line end", "\t\r\n=1", "\"'   =1\"");
         row("sign inside", "a=b", "\"a=b\"");
         row("quote and comma", "a\",b", "\"a\"\",b\"");
+        row("quoted equals sign", "\"=1\"", "\"\"\"=1\"\"\"");
         row("lines", "a\r\nb", "\"a  b\"");
     }
-    void csvRunsNoFormula()
+    void noFormulaIsRun()
     {
         const auto [note, cell] = cells<QString, QString>();
         UpgradeRow row = rowAt(Stage::UploadFailed);
         row.note = note;
         const QString csv = QString::fromUtf8(UpgradeText::csv(sessionOf(row), row.started));
         QVERIFY2(csv.contains("," + cell + ",\"KORA_1.2.0.623.dat\","), qPrintable(csv));
+        // In the clipboard only what has to be is in quotes.
+        const QString plain = note.contains('"') ? cell : cell.mid(1, cell.size() - 2);
+        QCOMPARE(UpgradeText::clipboardLine({"1", note}), "1\t" + plain);
     }
 
     void csvHasOneLineABox()
@@ -228,7 +232,7 @@ private slots:
     {
         const auto [was, is, reason] = cells<QString, QString, QString>();
         const QString name = "upgrade_20240501_115950_000.json";
-        const QString path = m_data->path() + "/Tarn Hub/upgrade/" + name;
+        const QString path = m_data->path() + "/Tarn Hub/batches/" + name;
         QVERIFY(QDir().mkpath(QFileInfo(path).path()));
         QByteArray content = numbers;
         writeFile(path, content.replace(was.toUtf8(), is.toUtf8()));
@@ -236,14 +240,17 @@ private slots:
                              qPrintable("journal " + name + " is not read: " + reason));
         QVERIFY(load(*std::make_unique<UpgradeJournal>()).isEmpty());
         QVERIFY(QFile::exists(path));
-        // The same file, undisturbed, is taken up.
-        writeFile(path, numbers);
+        // The same file, undisturbed, is taken up, also from where an earlier version left it.
+        const QString earlier = m_data->path() + "/Tarn Hub/upgrade/" + name;
+        QVERIFY(QDir().mkpath(QFileInfo(earlier).path()) && QFile::remove(path));
+        writeFile(earlier, numbers);
         QCOMPARE(load(*std::make_unique<UpgradeJournal>()).size(), 1);
+        QVERIFY(QFile::exists(path) && !QFile::exists(earlier));
     }
 
     void journalIsKeptWhileSomethingIsOpen()
     {
-        const QString folder = m_data->path() + "/Tarn Hub/upgrade/";
+        const QString folder = m_data->path() + "/Tarn Hub/batches/";
         const UpgradeSession session = sessionOf(rowAt(Stage::Uploading));
         const QString file = folder + session.baseName();
         UpgradeJournal(nullptr).save(session, true, [](bool) {});

@@ -307,7 +307,7 @@ QStringList CampaignHistory::run()
             ++m_endings[ending];
         m_checker.addReport(
             report.name, report.rows,
-            QFile::exists(m_folder.path() + "/Tarn Hub/upgrade/" + report.name + ".json"));
+            QFile::exists(m_folder.path() + "/Tarn Hub/batches/" + report.name + ".json"));
     }
     QVector<UpgradeChecker::Truth> truth;
     for (const Box& box : m_boxes)
@@ -359,7 +359,7 @@ QStringList CampaignHistory::openStories() const
 
 QVector<CampaignHistory::Report> CampaignHistory::reports() const
 {
-    const QDir folder(m_folder.path() + "/Tarn Hub/upgrade");
+    const QDir folder(m_folder.path() + "/Tarn Hub/batches");
     QVector<Report> reports;
     for (const QString& name : folder.entryList({"*.csv"}, QDir::Files, QDir::Name)) {
         Report report{QFileInfo(name).completeBaseName(), {}, {}};

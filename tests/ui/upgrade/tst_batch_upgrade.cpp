@@ -85,7 +85,7 @@ void tst_BatchUpgrade::allSucceed()
     QTRY_COMPARE_WITH_TIMEOUT(newestCsv(*m_fixture).count("\"已证实\""), 2, 15000);
     QCOMPARE(newestCsv(*m_fixture).count("\"未保留\""), 2);
     // Nothing is open any more, so nothing is kept for the next start.
-    QTRY_VERIFY(QDir(m_fixture->dataFolder() + "upgrade").entryList({"*.json"}).isEmpty());
+    QTRY_VERIFY(QDir(m_fixture->dataFolder() + "batches").entryList({"*.json"}).isEmpty());
 }
 
 void tst_BatchUpgrade::secondBatchJoins()
@@ -214,7 +214,7 @@ void tst_BatchUpgrade::survivesBeingKilled()
     program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     program.start(QCoreApplication::applicationFilePath(), {"--as-program", "3", m_package});
     QTRY_COMPARE_WITH_TIMEOUT(m_boxes[1]->activity().reboots, 1, 20000);
-    const QDir folder(m_fixture->dataFolder() + "upgrade");
+    const QDir folder(m_fixture->dataFolder() + "batches");
     const auto journal = [&folder] {
         return readFile(folder.filePath(folder.entryList({"*.json"}).value(0, "none")));
     };

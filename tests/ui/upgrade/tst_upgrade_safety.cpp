@@ -221,7 +221,7 @@ void tst_UpgradeSafety::laterSettingsCount()
     m_fixture->open(quickUpgrades());
     QTRY_COMPARE(answers.texts().size(), 1);
     QVERIFY(answers.texts().first().contains("有1个KORA的设置尚未恢复"));
-    const QDir folder(m_fixture->dataFolder() + "upgrade");
+    const QDir folder(m_fixture->dataFolder() + "batches");
     QTRY_VERIFY_WITH_TIMEOUT(folder.entryList({"*.json"}).isEmpty(), 15000);
     QCOMPARE(told(1), (QStringList{"NDIName=1 hours ago", "reboot"}));
 }

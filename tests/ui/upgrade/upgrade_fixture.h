@@ -23,7 +23,7 @@ inline QMap<QString, QMap<QString, QString>> reportRows(const WindowFixture& fix
 /// The content of the newest CSV report, without the byte order mark; empty when there is none.
 inline QByteArray newestCsv(const WindowFixture& fixture)
 {
-    const QDir folder(fixture.dataFolder() + "upgrade");
+    const QDir folder(fixture.dataFolder() + "batches");
     const QStringList files = folder.entryList({"*.csv"}, QDir::Files, QDir::Name | QDir::Reversed);
     const QByteArray content = readFile(folder.filePath(files.value(0, "none")));
     if (content.isEmpty() || content.startsWith("\xEF\xBB\xBF"))
