@@ -4,26 +4,47 @@
 #include "device/sweep_plan.h"
 
 #include <QCommandLineParser>
-#include <QSet>
 #include <QUrl>
 
 namespace
 {
 
-/// Options that the application object takes out by itself, each followed by a value.
-const char* const windowSystemOptions[] = {"-platform", "-style",    "-stylesheet",
-                                           "-display",  "-geometry", "-platformtheme"};
+/// What desktops and session managers add: the application object takes these out by itself, those
+/// of the first kind with the value behind them.
+const char* const withValue =
+    " platform platformpluginpath platformtheme plugin style stylesheet session display geometry"
+    " qwindowgeometry qwindowtitle qwindowicon name title icon fontengine dialogs dpi visual ncols"
+    " foreground fg background bg font fn ";
+const char* const withoutValue = " reverse widgetcount sync nograb dograb cmap ";
+
+bool isOneOf(const char* names, const QString& name)
+{
+    return !name.isEmpty() &&
+           QLatin1String(names).contains(QLatin1Char(' ') + name + QLatin1Char(' '));
+}
+
+/// `argument` without its one or two hyphens; empty when it has none.
+QString optionName(const QString& argument)
+{
+    const QString rest = argument.mid(argument.startsWith(QLatin1String("--")) ? 2 : 1);
+    return argument.startsWith(QLatin1Char('-')) ? rest : QString();
+}
+
+/// A process serial number, which one system's finder adds.
+bool isSerialNumber(const QString& name)
+{
+    return name.startsWith(QLatin1String("psn_"));
+}
 
 QStringList withoutWindowSystemOptions(const QStringList& arguments)
 {
-    QSet<QString> known;
-    for (const char* name : windowSystemOptions)
-        known << QLatin1String(name) << QLatin1Char('-') + QLatin1String(name);
     QStringList rest;
     for (int i = 0; i < arguments.size(); ++i) {
-        if (known.contains(arguments.at(i)))
+        const QString name = optionName(arguments.at(i));
+        if (isOneOf(withValue, name))
             ++i;
-        else
+        else if (!isOneOf(withValue, name.section(QLatin1Char('='), 0, 0)) &&
+                 !isOneOf(withoutValue, name) && !isSerialNumber(name))
             rest << arguments.at(i);
     }
     return rest;

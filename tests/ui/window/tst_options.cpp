@@ -46,7 +46,11 @@ private slots:
 
     void windowSystemOptionsAreLeftAlone()
     {
-        QCOMPARE(readOptions({"tarn-hub", "-platform", "offscreen"}).outcome, OptionsResult::Run);
+        const QString added = "-platform offscreen -session 10_1 -reverse -style=fusion --style x"
+                              " -qwindowgeometry 800x600+0+0 -qwindowtitle --subnet -psn_0_1 -name";
+        const OptionsResult result = readOptions(("tarn-hub " + added + " n -fn x").split(' '));
+        QVERIFY2(result.outcome == OptionsResult::Run, qPrintable(result.text));
+        QVERIFY(result.options.sweep.subnets.isEmpty());
     }
 
     void hangingEndEnds()
