@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // tarn-hub-tour: the program itself, driven through a tour for scripts/demo.
-#include "common/platform.h"
 #include "tour/stops.h"
 #include "ui/window/options.h"
 #include "ui/window/start_up.h"
@@ -82,7 +81,6 @@ int main(int argc, char* argv[])
     }
     StartUp::dress(application);
     Options options = read.options;
-    options.sweep.fping = Platform::fpingPath(options.sweep.fping);
     bool reached = false;
     {
         Tarn_Hub window(options);

@@ -1033,6 +1033,13 @@ Close the program?</translation>
     </message>
   </context>
   <context>
+    <name>StartUp</name>
+    <message>
+      <source>Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.</source>
+      <translation>Tarn Hub is already running but does not respond. Wait a moment, or end that process, and start again.</translation>
+    </message>
+  </context>
+  <context>
     <name>StorageArea</name>
     <message>
       <source>存储区域:</source>
@@ -1041,6 +1048,21 @@ Close the program?</translation>
     <message>
       <source>存储区域</source>
       <translation>Storage</translation>
+    </message>
+  </context>
+  <context>
+    <name>ToolNotice</name>
+    <message>
+      <source>未找到 fping,无法发现设备. 请安装 fping 或重新安装本软件.</source>
+      <translation>fping was not found: no devices can be discovered. Install fping, or reinstall this program.</translation>
+    </message>
+    <message>
+      <source>未找到 %1,无法发现设备. 请检查启动参数 --fping.</source>
+      <translation>%1 was not found: no devices can be discovered. Check the option --fping.</translation>
+    </message>
+    <message>
+      <source>未找到 curl,无法控制和升级设备. 请安装 curl 或重新安装本软件.</source>
+      <translation>curl was not found: devices can be neither controlled nor upgraded. Install curl, or reinstall this program.</translation>
     </message>
   </context>
   <context>

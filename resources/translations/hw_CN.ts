@@ -1033,6 +1033,13 @@
     </message>
   </context>
   <context>
+    <name>StartUp</name>
+    <message>
+      <source>Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.</source>
+      <translation>Tarn Hub가 이미 실행 중이지만 응답하지 않습니다. 잠시 기다리거나 해당 프로세스를 종료한 후 다시 시작하십시오.</translation>
+    </message>
+  </context>
+  <context>
     <name>StorageArea</name>
     <message>
       <source>存储区域:</source>
@@ -1041,6 +1048,21 @@
     <message>
       <source>存储区域</source>
       <translation>저장소</translation>
+    </message>
+  </context>
+  <context>
+    <name>ToolNotice</name>
+    <message>
+      <source>未找到 fping,无法发现设备. 请安装 fping 或重新安装本软件.</source>
+      <translation>fping을 찾을 수 없어 장치를 검색할 수 없습니다. fping을 설치하거나 이 프로그램을 다시 설치하십시오.</translation>
+    </message>
+    <message>
+      <source>未找到 %1,无法发现设备. 请检查启动参数 --fping.</source>
+      <translation>%1을(를) 찾을 수 없어 장치를 검색할 수 없습니다. 시작 옵션 --fping을 확인하십시오.</translation>
+    </message>
+    <message>
+      <source>未找到 curl,无法控制和升级设备. 请安装 curl 或重新安装本软件.</source>
+      <translation>curl을 찾을 수 없어 장치를 제어하거나 업그레이드할 수 없습니다. curl을 설치하거나 이 프로그램을 다시 설치하십시오.</translation>
     </message>
   </context>
   <context>

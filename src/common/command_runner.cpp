@@ -60,10 +60,16 @@ void start(QProcess* process, const QString& command)
 {
     process->setReadChannel(QProcess::StandardOutput);
     QStringList arguments = QProcess::splitCommand(command);
-    const QString program = arguments.isEmpty() ? QString() : arguments.takeFirst();
-    if (program == QLatin1String("curl"))
+    QString program = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    if (program == QLatin1String("curl")) {
+        program = Platform::curlPath();
         arguments = directly() + arguments;
+    }
     const Platform::ChildInput input = Platform::curlInput(arguments);
+    if (!input.folder.isEmpty())
+        process->setWorkingDirectory(input.folder);
+    if (!input.standardInputFile.isEmpty())
+        process->setStandardInputFile(input.standardInputFile);
     process->start(program, input.arguments, QIODevice::ReadWrite);
     process->write(input.standardInput);
     process->closeWriteChannel();

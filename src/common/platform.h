@@ -18,18 +18,35 @@ namespace Platform
 /// APPDATA where that variable is set, else the user's standard data location.
 QString dataRoot();
 
-/// The ping-sweep tool: `wanted` when it is not empty, else the one shipped in the application
-/// folder, else the one on the search path. When none exists the shipped one's path is returned,
-/// so that starting it fails like any other missing program.
+/// Where the program `name` ("xdg-open") of the computer is, as an absolute path: on Windows in the
+/// application folder or the system's, and everywhere in those folders of the search path that are
+/// absolute. Never the current folder, in which anybody may have put a file of that name. Empty
+/// when there is none.
+QString programPath(const QString& name);
+/// All folders with programs, the first one first; `searched` is the search path.
+QStringList programFolders(const QStringList& searched);
+
+/// The command tool and the ping-sweep tool: `wanted` when it is not empty, else the one shipped in
+/// the application folder, else the one of the computer. When none exists the shipped one's path is
+/// returned, so that starting it fails like any other missing program.
+QString curlPath();
 QString fpingPath(const QString& wanted);
 
-/// What a child process gets: its arguments, and what it reads from its standard input.
+/// The arguments that this program was started with, its own name first, whatever letters are in
+/// them. Needs no application object.
+QStringList arguments(int argc, char* argv[]);
+
+/// What a child process gets: its arguments, and what it reads from its standard input: a file, or
+/// these bytes.
 struct ChildInput {
     QStringList arguments;
     QByteArray standardInput;
+    QString standardInputFile;
+    QString folder; ///< where it is started; empty: here
 };
 
-/// Prepares `arguments` of curl so that the data it posts is UTF-8 on the wire on every system.
+/// Prepares `arguments` of curl so that the data it posts is UTF-8 on the wire, and the files that
+/// it reads and writes are those named, on every system.
 ChildInput curlInput(const QStringList& arguments);
 
 /// Before anything else in main: what is written to a standard stream that was closed, or whose
@@ -61,6 +78,10 @@ bool revealFile(const QString& path);
 
 /// Starts `program` on its own, in `folder`. False when it cannot be started.
 bool startDetached(const QString& program, const QStringList& arguments, const QString& folder);
+
+/// Lets another program bring its window to the front, which some systems allow only to the program
+/// that the user has just started.
+void letOthersToFront();
 
 /// What the sandbox of an embedded browser would find here. A browser that needs it and does not
 /// get it ends the whole process.

@@ -2,11 +2,23 @@
 #include "common/platform.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace Platform
 {
+
+QString programPath(const QString& name)
+{
+    QStringList searched =
+        qEnvironmentVariable("PATH").split(QDir::listSeparator(), Qt::SkipEmptyParts);
+    searched.erase(std::remove_if(searched.begin(), searched.end(), &QDir::isRelativePath),
+                   searched.end());
+    return QStandardPaths::findExecutable(name, programFolders(searched));
+}
 
 QString dataRoot()
 {
@@ -16,21 +28,26 @@ QString dataRoot()
     return root.replace(QLatin1Char('\\'), QLatin1Char('/'));
 }
 
+QString curlPath()
+{
+    const QString found = programPath(QStringLiteral("curl"));
+    return found.isEmpty() ? QCoreApplication::applicationDirPath() + QStringLiteral("/curl.exe")
+                           : found;
+}
+
 QString fpingPath(const QString& wanted)
 {
-    if (!wanted.isEmpty())
-        return wanted;
+    if (!wanted.isEmpty()) {
+        const bool isPath = QDir::fromNativeSeparators(wanted).contains(QLatin1Char('/'));
+        const QString found = isPath ? QString() : programPath(wanted);
+        return found.isEmpty() ? QFileInfo(wanted).absoluteFilePath() : found;
+    }
     const QString shipped =
         QCoreApplication::applicationDirPath() + QStringLiteral("/fping/fping_x64/fping.exe");
     if (QFileInfo::exists(shipped))
         return shipped;
-    const QString installed = QStandardPaths::findExecutable(QStringLiteral("fping"));
-    if (!installed.isEmpty())
-        return installed;
-    // Debian and others keep it where only root's search path looks.
-    const QString admin = QStandardPaths::findExecutable(
-        QStringLiteral("fping"), {QStringLiteral("/usr/sbin"), QStringLiteral("/sbin")});
-    return admin.isEmpty() ? shipped : admin;
+    const QString found = programPath(QStringLiteral("fping"));
+    return found.isEmpty() ? shipped : found;
 }
 
 } // namespace Platform

@@ -151,6 +151,20 @@ QProcess* newProcess()
     return new ChildProcess(nullptr, false);
 }
 
+QStringList programFolders(const QStringList& searched)
+{
+    // Debian and others keep fping where only root's search path looks.
+    return searched + QStringList{QStringLiteral("/usr/sbin"), QStringLiteral("/sbin")};
+}
+
+QStringList arguments(int argc, char* argv[])
+{
+    QStringList texts;
+    for (int i = 0; i < argc; ++i)
+        texts << QString::fromLocal8Bit(argv[i]);
+    return texts;
+}
+
 QProcess* newModestProcess()
 {
     QProcess* process = newProcess();
@@ -165,7 +179,7 @@ QProcess* newModestProcess()
 
 ChildInput curlInput(const QStringList& arguments)
 {
-    return {arguments, QByteArray()};
+    return {arguments, {}, {}, {}};
 }
 
 void useUtf8ForChildProcesses()
@@ -176,12 +190,18 @@ void useUtf8ForChildProcesses()
 
 bool revealFile(const QString& path)
 {
-    return QProcess::startDetached(QStringLiteral("xdg-open"), {QFileInfo(path).absolutePath()});
+    const QString opener = programPath(QStringLiteral("xdg-open"));
+    return !opener.isEmpty() && QProcess::startDetached(opener, {QFileInfo(path).absolutePath()});
 }
 
 bool startDetached(const QString& program, const QStringList& arguments, const QString& folder)
 {
     return QProcess::startDetached(program, arguments, folder);
+}
+
+void letOthersToFront()
+{
+    // The window manager decides.
 }
 
 Sandbox browserSandbox()

@@ -5,12 +5,17 @@
 
 #ifdef Q_OS_WIN
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QProcess>
 
+#include <array>
 #include <atomic>
 
 #include <windows.h>
+
+#include <shellapi.h>
 
 namespace
 {
@@ -29,6 +34,72 @@ BOOL WINAPI hear(DWORD)
         callback()();
     Sleep(INFINITE);
     return TRUE;
+}
+
+// A program of the older kind, as curl is, sees its arguments in the local code page, where letters
+// of other alphabets are lost. Its standard input passes bytes as they are, and the folder in which
+// it is started may have any name.
+
+bool isInCodePage(const QString& text)
+{
+    return QString::fromLocal8Bit(text.toLocal8Bit()) == text;
+}
+
+/// The place of the value of `option`, below 0 when there is none.
+int placeOfValue(const QStringList& arguments, const QString& option)
+{
+    const int place = arguments.indexOf(option);
+    return place < 0 || place + 1 >= arguments.size() ? -1 : place + 1;
+}
+
+void passData(Platform::ChildInput* input)
+{
+    const int place = placeOfValue(input->arguments, QStringLiteral("-d"));
+    const QString data = input->arguments.value(place);
+    if (place < 0 || data.toUtf8() == data.toLatin1())
+        return;
+    input->arguments[place - 1] = QStringLiteral("--data-binary");
+    input->arguments[place] = QStringLiteral("@-");
+    input->standardInput = data.toUtf8();
+}
+
+void passUpload(Platform::ChildInput* input)
+{
+    const int place = placeOfValue(input->arguments, QStringLiteral("-F"));
+    const QString form = input->arguments.value(place);
+    const int path = form.indexOf(QLatin1String("=@")) + 2;
+    if (place < 0 || path < 2 || isInCodePage(form))
+        return;
+    const QFileInfo file(form.mid(path));
+    if (isInCodePage(file.fileName())) {
+        input->folder = file.absolutePath();
+        input->arguments[place] = form.left(path) + file.fileName();
+    } else {
+        // The box goes by what is in a package, not by what it was called here.
+        input->standardInputFile = file.absoluteFilePath();
+        input->arguments[place] = form.left(path) + QStringLiteral("-;filename=package.dat");
+    }
+}
+
+void passOutput(Platform::ChildInput* input)
+{
+    const int place = placeOfValue(input->arguments, QStringLiteral("-o"));
+    const QFileInfo file(input->arguments.value(place));
+    if (place < 0 || isInCodePage(file.filePath()))
+        return;
+    input->folder = file.absolutePath();
+    input->arguments[place] = file.fileName();
+}
+
+using FolderOf = UINT(WINAPI*)(wchar_t*, UINT);
+
+/// With "/" as separator and none at the end.
+QString systemFolder(FolderOf folderOf)
+{
+    std::array<wchar_t, MAX_PATH + 1> path{};
+    const UINT length = folderOf(path.data(), UINT(path.size()));
+    return length < path.size() ? QDir::cleanPath(QString::fromWCharArray(path.data(), int(length)))
+                                : QString();
 }
 
 } // namespace
@@ -57,6 +128,23 @@ QProcess* newProcess()
     return new QProcess;
 }
 
+QStringList programFolders(const QStringList& searched)
+{
+    return QStringList{QCoreApplication::applicationDirPath(), systemFolder(&GetSystemDirectoryW)} +
+           searched;
+}
+
+QStringList arguments(int, char**)
+{
+    QStringList texts;
+    int count = 0;
+    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+    for (int i = 0; words && i < count; ++i)
+        texts << QString::fromWCharArray(words[i]);
+    LocalFree(words);
+    return texts;
+}
+
 QProcess* newModestProcess()
 {
     QProcess* process = newProcess();
@@ -68,18 +156,10 @@ QProcess* newModestProcess()
 
 ChildInput curlInput(const QStringList& arguments)
 {
-    ChildInput input{arguments, QByteArray()};
-    const int option = arguments.indexOf(QStringLiteral("-d"));
-    if (option < 0 || option + 1 >= arguments.size())
-        return input;
-    const QString data = arguments.at(option + 1);
-    // A program of the older kind sees its arguments in the local code page, where letters of other
-    // alphabets are lost. Its standard input passes bytes as they are.
-    if (data.toUtf8() != data.toLatin1()) {
-        input.arguments[option] = QStringLiteral("--data-binary");
-        input.arguments[option + 1] = QStringLiteral("@-");
-        input.standardInput = data.toUtf8();
-    }
+    ChildInput input{arguments, {}, {}, {}};
+    passData(&input);
+    passUpload(&input);
+    passOutput(&input);
     return input;
 }
 
@@ -91,7 +171,8 @@ void useUtf8ForChildProcesses()
 bool revealFile(const QString& path)
 {
     QProcess explorer;
-    explorer.setProgram(QStringLiteral("explorer.exe"));
+    explorer.setProgram(systemFolder(&GetSystemWindowsDirectoryW) +
+                        QStringLiteral("/explorer.exe"));
     // It parses its command line itself: the comma belongs to the option, the quotes to the path.
     explorer.setNativeArguments(QStringLiteral("/select,\"") + QDir::toNativeSeparators(path) +
                                 QLatin1Char('"'));
@@ -103,6 +184,11 @@ bool startDetached(const QString& program, const QStringList& arguments, const Q
     // In quotes, so that no part of a path with blanks is tried as a program of its own.
     return QProcess::startDetached(QLatin1Char('"') + program + QLatin1Char('"'), arguments,
                                    folder);
+}
+
+void letOthersToFront()
+{
+    AllowSetForegroundWindow(ASFW_ANY);
 }
 
 Sandbox browserSandbox()

@@ -26,7 +26,9 @@ void startTool(QProcess& process, const QString& fping, const QString& arguments
 {
     process.setReadChannel(QProcess::StandardOutput);
     process.setStandardErrorFile(QProcess::nullDevice());
-    process.start(fping, QProcess::splitCommand(arguments), QIODevice::ReadWrite);
+    // Looked for each time: it may be installed, or updated, while the program runs.
+    process.start(Platform::fpingPath(fping), QProcess::splitCommand(arguments),
+                  QIODevice::ReadWrite);
 }
 
 /// All are asked to end before any is waited for: together they take no longer than one.

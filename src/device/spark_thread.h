@@ -8,7 +8,7 @@
 
 /// What every sweep of this run of the program is told.
 struct SweepSettings {
-    QString fping;       ///< path of the ping-sweep tool
+    QString fping;       ///< the ping-sweep tool to use; empty: the one that is there
     QStringList subnets; ///< blocks "a.b.c.0/24" to sweep; empty: the computer's own networks
 };
 

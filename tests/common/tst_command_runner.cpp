@@ -36,6 +36,7 @@ private slots:
     void asynchronousReply();
     void waitingServesEventsAndEnds_data();
     void waitingServesEventsAndEnds();
+    void currentFolderIsNotSearched();
     void missingProgramGivesAnEmptyReply();
     void burstStartsOneATurn();
     void orderEndsAtItsLimit();
@@ -145,6 +146,24 @@ void tst_CommandRunner::waitingServesEventsAndEnds()
     VERIFY_BELOW(clock.elapsed(), CommandRunner::WaitLimitMs + 1000);
     QVERIFY(ticks > 0);
     QVERIFY(!jsonToMap(reply).contains("status"));
+}
+
+void tst_CommandRunner::currentFolderIsNotSearched()
+{
+    const QTemporaryDir folder;
+    for (const char* name : {"curl", "fping"})
+        writeScript(folder.filePath(name), "echo planted\n");
+    const QString here = QDir::currentPath();
+    const QByteArray path = qgetenv("PATH");
+    QDir::setCurrent(folder.path());
+    qputenv("PATH", ".::" + path);
+    const QString fping = Platform::fpingPath(QString());
+    const QString reply =
+        m_runner->execCurlWait(boxIp, BoxProtocol::controlCommand("hxenc_on", boxIp));
+    qputenv("PATH", path);
+    QDir::setCurrent(here);
+    QCOMPARE(jsonToMap(reply).value("action").toString(), QString("hxenc_on"));
+    QVERIFY2(fping.startsWith('/') && !fping.startsWith(folder.path()), qPrintable(fping));
 }
 
 void tst_CommandRunner::missingProgramGivesAnEmptyReply()

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "device/spark_thread.h"
 
-#include "common/platform.h"
 #include "common/spark_http.h"
 #include "device/device_registry.h"
 #include "device/item.h"
@@ -110,8 +109,7 @@ private slots:
 
     void sweepStreamsItsResults()
     {
-        QPointer<Spark_Thread> thread =
-            new Spark_Thread({Platform::fpingPath(QString()), {TEST_BLOCK ".0/24"}});
+        QPointer<Spark_Thread> thread = new Spark_Thread({QString(), {TEST_BLOCK ".0/24"}});
         QStringList found;
         QElapsedTimer clock;
         qint64 first = -1;
@@ -135,7 +133,7 @@ private slots:
 
     void checkReportsOnce()
     {
-        QPointer<Spark_Thread> thread = new Spark_Thread({Platform::fpingPath(QString()), {}});
+        QPointer<Spark_Thread> thread = new Spark_Thread({QString(), {}});
         const auto answers = answersOf(thread);
         thread->startRefreshDevice({TEST_BLOCK ".5", TEST_BLOCK ".9"});
         QTRY_VERIFY(!thread);
@@ -147,7 +145,7 @@ private slots:
         QStringList ips;
         for (int n = 0; n < 1000; ++n)
             ips << QString("127.77.%1.%2").arg(n / 250).arg(n % 250 + 1);
-        QPointer<Spark_Thread> thread = new Spark_Thread({Platform::fpingPath(QString()), {}});
+        QPointer<Spark_Thread> thread = new Spark_Thread({QString(), {}});
         const auto answers = answersOf(thread);
         thread->startRefreshDevice(ips);
         QTRY_VERIFY_WITH_TIMEOUT(!thread, 30000);

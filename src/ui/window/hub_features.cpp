@@ -63,6 +63,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , frame(form, window)
     , localAddresses(form.device_list->ui.localip)
     , crashNotice(new CrashNotice(form.device_list->ui.layout1))
+    , toolNotice(new ToolNotice(form.device_list->ui.layout1, options.sweep.fping))
     , dropAreas({form.device_list, form.monitor_top->ui.page_video},
                 form.device_list->ui.deviceView, nullptr)
     , wheelGuard({form.config_area, form.control_area})
@@ -132,6 +133,7 @@ void Tarn_Hub::Features::start()
     language.chooseSystemLanguage();
     updateCheck.start();
     crashNotice->start(CrashHandler::instance().dumpFolder());
+    toolNotice->start();
     localAddresses.refresh();
     upgrade.loadInterrupted();
     downloads.showKept();

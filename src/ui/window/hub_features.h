@@ -29,6 +29,7 @@
 #include "ui/window/endings.h"
 #include "ui/window/language.h"
 #include "ui/window/tarn_hub.h"
+#include "ui/window/tool_notice.h"
 #include "ui/window/update_prompt.h"
 #include "ui/window/window_frame.h"
 #include "ui_tarn_hub.h"
@@ -62,7 +63,8 @@ struct Tarn_Hub::Features {
     Language language;
     WindowFrame frame;
     LocalAddresses localAddresses;
-    CrashNotice* const crashNotice; // the form owns it, as it does its other widgets
+    CrashNotice* const crashNotice; // the form owns both, as it does its other widgets
+    ToolNotice* const toolNotice;
     DropAreas dropAreas;
     WheelGuard wheelGuard;
     DeviceList deviceList;

@@ -47,6 +47,25 @@ private slots:
         }
     }
 
+    /// They are told until they are there, and then used without a new start.
+    void missingToolsAreTold()
+    {
+        close();
+        addBox(7);
+        Options with = options();
+        with.sweep.fping = appData() + "/fping";
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", "");
+        open(with);
+        QTRY_VERIFY(child<QWidget>("tool_notice")->isVisible());
+        qputenv("PATH", path);
+        const QString text = child<QLabel>("tool_text")->text();
+        QVERIFY2(text.contains(with.sweep.fping) && text.contains("未找到 curl"), qPrintable(text));
+        QVERIFY(QFile::link(LAN_FPING, with.sweep.fping));
+        QTRY_VERIFY_WITH_TIMEOUT(child<QWidget>("tool_notice")->isHidden(), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(item(7), 15000);
+    }
+
     void startsWithItsPanes()
     {
         QCOMPARE(window().windowTitle(), QString("Tarn Hub v1.0.0.10"));
