@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "common/data_path.h"
 #include "common/platform.h"
+#include "ui/window/one_instance.h"
 #include "ui/window/options.h"
 #include "ui/window/start_up.h"
 #include "ui/window/tarn_hub.h"
@@ -12,6 +14,7 @@ namespace
 {
 
 constexpr int wrongUsage = 2;
+constexpr int folderInUse = 3;
 
 int printText(const OptionsResult& result)
 {
@@ -26,19 +29,24 @@ int main(int argc, char* argv[])
 {
     Platform::secureStreams();
     // Read first: asking for help needs no display.
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments << QString::fromLocal8Bit(argv[i]);
-    const OptionsResult read = readOptions(arguments);
+    const OptionsResult read = readOptions(Platform::arguments(argc, argv));
     if (read.outcome != OptionsResult::Run)
         return printText(read);
 
     StartUp::setAttributes();
     QApplication application(argc, argv);
     StartUp::dress(application);
-    Options options = read.options;
-    options.sweep.fping = Platform::fpingPath(options.sweep.fping);
-    Tarn_Hub window(options);
+    OneInstance instance(dataPath({}));
+    const OneInstance::Outcome outcome = instance.claim();
+    if (outcome == OneInstance::Outcome::Told)
+        return 0;
+    if (outcome == OneInstance::Outcome::Stuck) {
+        StartUp::tellStuck();
+        return folderInUse;
+    }
+    Tarn_Hub window(read.options);
+    QObject::connect(&instance, &OneInstance::called, &window,
+                     [&window] { StartUp::bringToFront(window); });
     StartUp::installCrashHandler();
     window.watchEnds();
     window.show();

@@ -4,15 +4,19 @@
 #include "common/data_path.h"
 #include "common/platform.h"
 #include "crash/crash_handler.h"
+#include "ui/window/language.h"
 #include "ui/window/options.h"
 #include "web/browser_engine.h"
+#include "widgets/message_box.h"
 
 #include <QApplication>
 #include <QFontDatabase>
 #include <QIcon>
 #include <QNetworkProxyFactory>
+#include <QWidget>
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <thread>
 
@@ -50,6 +54,24 @@ void installCrashHandler()
 {
     CrashHandler::instance().setDumpFolder(dataPath(QStringLiteral("Dump")));
     CrashHandler::instance().install(applicationVersion());
+}
+
+void bringToFront(QWidget& window)
+{
+    window.setWindowState((window.windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
+    window.show();
+    window.raise();
+    window.activateWindow();
+}
+
+void tellStuck()
+{
+    Language language(nullptr);
+    language.chooseSystemLanguage();
+    const QString text = QCoreApplication::translate(
+        "StartUp", "Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.");
+    std::fputs((text + QLatin1Char('\n')).toLocal8Bit().constData(), stderr);
+    messageBox::ask(text, nullptr);
 }
 
 void limitEnd(int exitCode, int ms)
