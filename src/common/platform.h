@@ -50,7 +50,7 @@ struct ChildInput {
 ChildInput curlInput(const QStringList& arguments);
 
 /// Before anything else in main: what is written to a standard stream that was closed, or whose
-/// reader has gone, neither lands in a file of ours nor ends the program.
+/// reader has gone or is busy, neither lands in a file of ours nor ends or holds up the program.
 void secureStreams();
 
 /// Calls `asked` once, on a thread of its own, when the system wants the program to end: by a

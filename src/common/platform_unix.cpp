@@ -17,6 +17,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -62,6 +63,16 @@ protected:
 private:
     const bool m_hearsSignals;
 };
+
+QtMessageHandler usualHandler = nullptr;
+
+/// Who started the program may read what it says, or not: it waits for nobody.
+void sayUnlessItBlocks(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    pollfd errors{STDERR_FILENO, POLLOUT, 0};
+    if (poll(&errors, 1, 0) == 1 && (errors.revents & POLLOUT))
+        usualHandler(type, context, text);
+}
 
 int bell[2] = {-1, -1};
 pid_t program = 0;
@@ -115,6 +126,7 @@ namespace Platform
 void secureStreams()
 {
     std::signal(SIGPIPE, SIG_IGN);
+    usualHandler = qInstallMessageHandler(sayUnlessItBlocks);
     // The next file or socket that is opened would get the number of one that is closed.
     for (int stream = 0; stream <= STDERR_FILENO; ++stream) {
         if (fcntl(stream, F_GETFD) < 0 && errno == EBADF && open("/dev/null", O_RDWR) != stream)
