@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/scripted_server.h"
 #include "tests/support/table.h"
 #include "tests/support/window_fixture.h"
 #include "web/browser_engine.h"
 #include "web/download_name.h"
 
 #include <QDialog>
+#include <QDirIterator>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -227,6 +229,102 @@ private slots:
         }
     }
 
+    void keepsAPageWithItsBox_data()
+    {
+        columns<QString>("script");
+        row("picture", "new Image().src = 'http://%1/a'");
+        row("script's request", "fetch('http://%1/a', {mode: 'no-cors', method: 'POST'})");
+        row("on leaving", "navigator.sendBeacon('http://%1/a', 'x')");
+        row("frame", "document.body.append(Object.assign(document.createElement('iframe'), {src: "
+                     "'http://%1/a'}))");
+        row("socket", "new WebSocket('ws://%1/a')");
+        row("socket of a worker",
+            "new Worker(URL.createObjectURL(new Blob([\"new WebSocket('ws://%1/a')\"])))");
+        row("socket of a frame",
+            "document.body.append(Object.assign(document.createElement('iframe'"
+            "), {srcdoc: \"<script>new WebSocket('ws://%1/a')</script>\"}))");
+        row("form",
+            "f = document.createElement('form'); f.method = 'POST'; f.action = 'http://%1/a';"
+            "document.body.append(f); f.submit()");
+        row("page", "location = 'http://%1/a'");
+        row("redirect of a picture", "new Image().src = 'http://%2/a'");
+        row("redirect of a page", "location = 'http://%2/a'");
+    }
+    void keepsAPageWithItsBox()
+    {
+        QFETCH(QString, script);
+        const ScriptedServer other(TEST_BLOCK ".77", httpReply("text/html", "<title>Other</title>"),
+                                   ScriptedServer::Closes);
+        const QString there = other.url("http").section('/', 2, 2);
+        const ScriptedServer same(m_lan->ip(box),
+                                  "HTTP/1.1 302 x\r\nContent-Length: 0\r\nLocation: http://" +
+                                      there.toUtf8() + "/a\r\n\r\n",
+                                  ScriptedServer::Closes);
+        selectAndWait(box);
+        QCOMPARE(evaluate("document.compatMode").toString(), QString("CSS1Compat"));
+        evaluate(script.arg(there, same.url("http").section('/', 2, 2)) + "; 0");
+        auto* bar = view()->parentWidget()->findChild<QWidget*>("pageBar");
+        if (!script.contains("ws:")) {
+            QTRY_VERIFY_WITH_TIMEOUT(bar->isVisible(), loadMs);
+            QCOMPARE(bar->findChild<QLabel*>()->text(),
+                     QString("此网页想访问另一台主机：" TEST_BLOCK ".77"));
+        }
+        QTest::qWait(300);
+        QCOMPARE(other.taken(), 0);
+        if (!script.startsWith("location = 'http://%1"))
+            return;
+        bar->findChild<QPushButton*>("pageBarYes")->click();
+        QTRY_COMPARE_WITH_TIMEOUT(title(), QString("Other"), loadMs);
+        QVERIFY(!bar->isVisible());
+    }
+
+    void asksForFewLogins()
+    {
+        selectAndWait(box);
+        int shown = 0;
+        const std::function<void(QDialog&)> tryAgain = [&](QDialog& dialog) {
+            ++shown;
+            expectPage(tryAgain);
+            dialog.accept();
+        };
+        expectPage(tryAgain);
+        click("login");
+        auto* bar = view()->parentWidget()->findChild<QWidget*>("pageBar");
+        QTRY_VERIFY_WITH_TIMEOUT(bar->isVisible(), loadMs);
+        QCOMPARE(shown, 3);
+        QTRY_COMPARE_WITH_TIMEOUT(title(), QString("401 Unauthorized"), loadMs);
+    }
+
+    void keepsNothing()
+    {
+        selectAndWait(box);
+        QVERIFY(view()->page()->profile()->isOffTheRecord());
+        evaluate("localStorage.x = 'y'.repeat(4e6); indexedDB.open('db', 1).onupgradeneeded = e => "
+                 "e.target.result.createObjectStore('s').add('y'.repeat(2e7), 1); 0");
+        QTest::qWait(500);
+        qint64 bytes = 0;
+        QDirIterator files(qEnvironmentVariable("APPDATA"), QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            files.next();
+            bytes += files.filePath().contains("/log") ? 0 : files.fileInfo().size();
+        }
+        QVERIFY2(bytes < 1000000, qPrintable(QString::number(bytes)));
+    }
+
+    void closesAPageThatHangs()
+    {
+        selectAndWait(box);
+        view()->page()->runJavaScript("while (true);");
+        auto* bar = view()->parentWidget()->findChild<QWidget*>("pageBar");
+        QTRY_VERIFY_WITH_TIMEOUT(bar->isVisible(), loadMs);
+        bar->findChild<QPushButton*>("pageBarYes")->click();
+        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("网页已关闭。"), loadMs);
+        QVERIFY(!bar->isVisible());
+        notice()->findChild<QPushButton*>("webRetry")->click();
+        QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
+        QCOMPARE(title(), QString("Dashboard"));
+    }
+
     void leavesAPageThatHoldsOn()
     {
         selectAndWait(box);
@@ -240,7 +338,10 @@ private slots:
         QVERIFY(!m_answers->isDone());
 
         view()->page()->runJavaScript("while (true);");
+        const qint64 process = view()->page()->renderProcessPid();
         selectAndWait(box);
+        // It does not go on out of sight either.
+        QTRY_VERIFY(::kill(pid_t(process), 0) != 0);
     }
 
     void reloadsACrashedPage()
@@ -368,6 +469,9 @@ int main(int argc, char* argv[])
 {
     if (::geteuid() == 0)
         qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1"); // as the scripts do
+    // Nobody who works with boxes is sent there.
+    for (const char* name : {"http_proxy", "https_proxy", "all_proxy"})
+        qputenv(name, "http://" TEST_BLOCK ".76:9");
     StartUp::setAttributes();
     QApplication application(argc, argv);
     QCoreApplication::addLibraryPath(TARN_PROGRAM_FOLDER);

@@ -88,11 +88,15 @@ void BoxWebPage::keepToHosts()
     script.setInjectionPoint(QWebEngineScript::DocumentCreation);
     script.setWorldId(QWebEngineScript::ApplicationWorld);
     script.setRunsOnSubFrames(true);
-    script.setSourceCode(QStringLiteral("(h => { const m = document.createElement('meta');"
-                                        "m.httpEquiv = 'Content-Security-Policy';"
-                                        "m.content = '%1'; h.append(m);"
-                                        "document.documentElement.append(h); h.remove(); })"
-                                        "(document.createElement('head'))")
+    script.setSourceCode(QStringLiteral("{ const [root, head, policy] = ['html', 'head', 'meta']"
+                                        ".map(name => document.createElement(name));"
+                                        "policy.httpEquiv = 'Content-Security-Policy';"
+                                        "policy.content = '%1';"
+                                        "root.append(head); head.append(policy);"
+                                        "if (document.documentElement)"
+                                        " document.documentElement.append(head);"
+                                        "else document.append(root);"
+                                        "head.remove(); root.remove(); }")
                              .arg(m_hosts.policy()));
     scripts().remove(scripts().findScript(script.name()));
     scripts().insert(script);

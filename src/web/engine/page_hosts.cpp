@@ -71,14 +71,13 @@ bool PageHosts::mayReach(const QUrl& url)
 
 QString PageHosts::policy() const
 {
-    QString sources = QStringLiteral("data: blob:");
+    QString policy = QStringLiteral("connect-src http: https: data: blob:");
     for (const QString& host : m_allowed) {
-        const QString place =
-            host.contains(QLatin1Char(':')) ? QLatin1Char('[') + host + QLatin1Char(']') : host;
-        for (const char* scheme : {"http", "https", "ws", "wss"})
-            sources += QStringLiteral(" %1://%2:*").arg(QLatin1String(scheme), place);
+        const bool isNew = host.contains(QLatin1Char(':'));
+        const QString place = isNew ? QStringLiteral("[%1]").arg(host) : host;
+        policy += QStringLiteral(" ws://%1:* wss://%1:*").arg(place);
     }
-    return QStringLiteral("connect-src ") + sources;
+    return policy;
 }
 
 void PageHosts::interceptRequest(QWebEngineUrlRequestInfo& info)
