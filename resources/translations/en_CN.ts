@@ -853,6 +853,10 @@
       <source>网页已关闭。</source>
       <translation>The page is closed.</translation>
     </message>
+    <message>
+      <source>它占用了过多内存。</source>
+      <translation>It used too much memory.</translation>
+    </message>
   </context>
   <context>
     <name>ParameterPanel</name>

@@ -853,6 +853,10 @@
       <source>网页已关闭。</source>
       <translation>페이지를 닫았습니다.</translation>
     </message>
+    <message>
+      <source>它占用了过多内存。</source>
+      <translation>메모리를 너무 많이 사용했습니다.</translation>
+    </message>
   </context>
   <context>
     <name>ParameterPanel</name>

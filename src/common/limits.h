@@ -94,6 +94,10 @@ constexpr int PageDialogs = 8;
 constexpr int PageHostQuestions = 5;
 /// Bytes of pages that are kept, in memory, to be shown again.
 constexpr int PageCacheBytes = 32 * 1024 * 1024;
+/// Bytes of memory by which this process may grow while a page is shown, and that the page's own
+/// process may keep.
+constexpr qint64 PageStoreBytes = 256 * 1024 * 1024;
+constexpr qint64 PageProcessBytes = 1024 * 1024 * 1024;
 /// Lines a minute that FFmpeg may write about a source.
 constexpr int MediaLogLines = 300;
 

@@ -92,4 +92,7 @@ enum class Sandbox {
 };
 Sandbox browserSandbox();
 
+/// The memory that a process of ours keeps, in bytes; 0 when the system does not tell.
+qint64 residentBytes(qint64 process);
+
 } // namespace Platform

@@ -225,6 +225,14 @@ Sandbox browserSandbox()
     return mayHaveNamespaces() ? Sandbox::Ready : Sandbox::Unavailable;
 }
 
+qint64 residentBytes(qint64 process)
+{
+    QFile pages(QStringLiteral("/proc/%1/statm").arg(process));
+    if (!pages.open(QIODevice::ReadOnly))
+        return 0;
+    return pages.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
+}
+
 } // namespace Platform
 
 #endif

@@ -14,6 +14,8 @@
 #include <atomic>
 
 #include <windows.h>
+// Needs the one before.
+#include <psapi.h>
 
 #include <shellapi.h>
 
@@ -194,6 +196,18 @@ void letOthersToFront()
 Sandbox browserSandbox()
 {
     return Sandbox::Ready;
+}
+
+qint64 residentBytes(qint64 process)
+{
+    const HANDLE handle =
+        OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(process));
+    if (!handle)
+        return 0;
+    PROCESS_MEMORY_COUNTERS counters{};
+    const bool isKnown = K32GetProcessMemoryInfo(handle, &counters, sizeof counters);
+    CloseHandle(handle);
+    return isKnown ? qint64(counters.WorkingSetSize) : 0;
 }
 
 } // namespace Platform

@@ -87,7 +87,8 @@ void PageNotice::retranslate()
     m_reason->setVisible(!m_reason->text().isEmpty());
     m_retry->setText(tr("重试"));
     m_open->setText(tr("在浏览器中打开"));
-    m_retry->setVisible(m_kind == Failed || m_kind == NoPage || m_kind == Closed);
+    m_retry->setVisible(m_kind == Failed || m_kind == NoPage || m_kind == Closed ||
+                        m_kind == TooLarge);
     m_open->setVisible(m_kind != Loading && m_kind != Crashed);
 }
 
@@ -103,6 +104,7 @@ QString PageNotice::message() const
     case Crashed:
         return tr("网页意外终止，正在重新加载…");
     case Closed:
+    case TooLarge:
         return tr("网页已关闭。");
     default:
         return tr("此设备通过自己的网页管理。");
@@ -114,6 +116,8 @@ QString PageNotice::reason() const
     switch (m_kind) {
     case Failed:
         return tr("请检查设备的电源和网络连接。");
+    case TooLarge:
+        return tr("它占用了过多内存。");
     case NotInstalled:
         return tr("内置浏览器不可用：它没有安装。");
     case RunsAsRoot:

@@ -19,10 +19,11 @@ public:
         NoIsolation,  ///< ... because the system offers no sandbox
         Incomplete,   ///< ... because the engine is not whole
         Loading,
-        Failed,  ///< the box does not answer
-        NoPage,  ///< it answers, with nothing to show
-        Crashed, ///< the page ended its process and is loaded again
-        Closed,  ///< the operator closed a page that did not answer
+        Failed,   ///< the box does not answer
+        NoPage,   ///< it answers, with nothing to show
+        Crashed,  ///< the page ended its process and is loaded again
+        Closed,   ///< the operator closed a page that did not answer
+        TooLarge, ///< it was closed for the memory that it took
     };
 
     explicit PageNotice(QWidget* parent = nullptr);

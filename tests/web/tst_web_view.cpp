@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "common/platform.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/table.h"
 #include "tests/support/window_fixture.h"
@@ -299,16 +300,22 @@ private slots:
     {
         selectAndWait(box);
         QVERIFY(view()->page()->profile()->isOffTheRecord());
-        evaluate("localStorage.x = 'y'.repeat(4e6); indexedDB.open('db', 1).onupgradeneeded = e => "
-                 "e.target.result.createObjectStore('s').add('y'.repeat(2e7), 1); 0");
-        QTest::qWait(500);
+        // Once all of it would be 1.5 GB.
+        evaluate("o = indexedDB.open('db', 1); o.onupgradeneeded = () => "
+                 "o.result.createObjectStore('s'); o.onsuccess = () => { let n = 0; const put = () "
+                 "=> { const t = o.result.transaction('s', 'readwrite'); "
+                 "t.objectStore('s').put('y'.repeat(1e7), ++n); t.oncomplete = () => n < 150 ? "
+                 "put() : 0; }; put(); }; 0");
+        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("网页已关闭。"), loadMs);
+        QTRY_VERIFY(notice()->isVisible());
         qint64 bytes = 0;
         QDirIterator files(qEnvironmentVariable("APPDATA"), QDirIterator::Subdirectories);
         while (files.hasNext()) {
             files.next();
-            bytes += files.filePath().contains("/log") ? 0 : files.fileInfo().size();
+            bytes += files.fileInfo().isFile() ? files.fileInfo().size() : 0;
         }
         QVERIFY2(bytes < 1000000, qPrintable(QString::number(bytes)));
+        qInfo("%lld MB", Platform::residentBytes(QCoreApplication::applicationPid()) / 1000000);
     }
 
     void closesAPageThatHangs()

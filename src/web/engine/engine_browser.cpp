@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "web/engine/engine_browser.h"
 
+#include "common/limits.h"
+#include "common/platform.h"
 #include "web/engine/download_line.h"
 #include "web/engine/page_hosts.h"
 #include "web/engine/web_view.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QProgressBar>
 #include <QStackedLayout>
@@ -96,6 +99,7 @@ void EngineBrowser::setUrl(const QString& url)
 {
     m_wanted = QUrl(url);
     m_closed = false;
+    m_bytesBefore = Platform::residentBytes(QCoreApplication::applicationPid());
     m_unanswered.invalidate();
     m_bar->clear();
     m_notice->setAddress(url);
@@ -162,8 +166,26 @@ void EngineBrowser::judgeDocument(const QUrl& document)
         m_notice->hide();
 }
 
+/// What pages store off the record lies in the memory of this process.
+bool EngineBrowser::isTooLarge() const
+{
+    const qint64 bytes = Platform::residentBytes(QCoreApplication::applicationPid());
+    return bytes - m_bytesBefore > Limits::PageStoreBytes ||
+           Platform::residentBytes(m_view->page()->renderProcessPid()) > Limits::PageProcessBytes;
+}
+
+void EngineBrowser::close(PageNotice::Kind reason)
+{
+    m_closed = true;
+    m_bar->clear();
+    m_view->discard();
+    showNotice(reason);
+}
+
 void EngineBrowser::feelPulse()
 {
+    if (!m_wanted.isEmpty() && !m_closed && isTooLarge())
+        close(PageNotice::TooLarge);
     // A page that shows a dialog stands still until it is answered.
     if (m_wanted.isEmpty() || m_closed || !isVisible() || m_view->isAsking()) {
         m_unanswered.invalidate();
@@ -190,9 +212,7 @@ void EngineBrowser::follow(PageBar::Kind kind, const QString& host)
     if (kind == PageBar::HostWanted) {
         m_view->allowHost(host);
     } else if (kind == PageBar::Unresponsive) {
-        m_closed = true;
-        m_view->setUrl(QUrl());
-        showNotice(PageNotice::Closed);
+        close(PageNotice::Closed);
     } else {
         setUrl(m_wanted.toString());
     }

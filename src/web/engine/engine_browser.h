@@ -36,6 +36,8 @@ private:
     void judgeDocument(const QUrl& document);
     /// Finds out whether the page is still alive.
     void feelPulse();
+    bool isTooLarge() const;
+    void close(PageNotice::Kind reason);
     void follow(PageBar::Kind kind, const QString& host);
     void addDownload(QWebEngineDownloadItem* item);
 
@@ -46,7 +48,8 @@ private:
     QVBoxLayout* m_downloads;
     QUrl m_wanted; ///< what the user chose; links in its page do not change it
     bool m_loading = false;
-    bool m_closed = false; ///< by the user, who does not want to wait for its page
+    bool m_closed = false;    ///< instead of its page, why there is none
+    qint64 m_bytesBefore = 0; ///< of this process, when the visit began
     QTimer m_pulse;
     QElapsedTimer m_unanswered; ///< since the page was asked for a sign; invalid: it has answered
 };

@@ -80,7 +80,7 @@ WebView::~WebView()
 
 void WebView::makeProfile()
 {
-    // Off the record: what a page stores is gone with it.
+    // Off the record: what a page stores is in memory, and gone with the profile.
     m_profile = std::make_shared<QWebEngineProfile>();
     m_profile->setUrlRequestInterceptor(m_hosts.get());
     connect(m_profile.get(), &QWebEngineProfile::downloadRequested, this, &WebView::webDownload);
@@ -159,6 +159,13 @@ void WebView::allowHost(const QString& host)
         load(m_page->refused());
     else
         reload();
+}
+
+void WebView::discard()
+{
+    makeProfile();
+    forgetEarlierVisits();
+    setUrl(QUrl());
 }
 
 bool WebView::isAsking() const

@@ -31,6 +31,8 @@ public:
     PageHosts& hosts() { return *m_hosts; }
     /// The operator lets the page of this visit have the host.
     void allowHost(const QString& host);
+    /// Ends the page and forgets everything that pages have stored.
+    void discard();
     /// Whether the user is being asked something for the page, which waits for it.
     bool isAsking() const;
 
