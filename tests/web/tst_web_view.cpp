@@ -300,7 +300,11 @@ private slots:
     {
         selectAndWait(box);
         QVERIFY(view()->page()->profile()->isOffTheRecord());
-        // Once all of it would be 1.5 GB.
+        const auto ownBytes = [] {
+            return Platform::residentBytes(QCoreApplication::applicationPid());
+        };
+        const qint64 before = ownBytes();
+        // All of it would be 1.5 GB.
         evaluate("o = indexedDB.open('db', 1); o.onupgradeneeded = () => "
                  "o.result.createObjectStore('s'); o.onsuccess = () => { let n = 0; const put = () "
                  "=> { const t = o.result.transaction('s', 'readwrite'); "
@@ -315,7 +319,8 @@ private slots:
             bytes += files.fileInfo().isFile() ? files.fileInfo().size() : 0;
         }
         QVERIFY2(bytes < 1000000, qPrintable(QString::number(bytes)));
-        qInfo("%lld MB", Platform::residentBytes(QCoreApplication::applicationPid()) / 1000000);
+        QTRY_VERIFY2_WITH_TIMEOUT(ownBytes() - before < 100000000,
+                                  qPrintable(QString::number(ownBytes() - before)), 10000);
     }
 
     void closesAPageThatHangs()
