@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/source_gate.h"
 
+#include "common/limit_log.h"
 #include "common/limits.h"
 
 extern "C" {
@@ -9,6 +10,8 @@ extern "C" {
 #include <libavutil/opt.h>
 #include <libavutil/time.h>
 }
+
+#include <QCoreApplication>
 
 #include <algorithm>
 #include <array>
@@ -125,15 +128,27 @@ void SourceGate::watchPlaylist(AVIOContext* io)
         m_lists.push_back(io);
 }
 
-bool SourceGate::isOverLimit() const
+const char* SourceGate::exceeded() const
 {
     if (m_looks > Limits::MediaHeadLooks)
-        return true;
+        return "headers of a media server";
     qint64 opening = m_listBytes;
     for (const AVIOContext* list : m_lists) {
         if (list->bytes_read > Limits::PlaylistBytes)
-            return true;
+            return "length of a playlist";
         opening += list->bytes_read;
     }
-    return m_openLimit != 0 && opening > Limits::PlaylistsBytes;
+    return m_openLimit != 0 && opening > Limits::PlaylistsBytes ? "length of playlists" : nullptr;
+}
+
+bool SourceGate::isOverLimit()
+{
+    const char* what = exceeded();
+    if (!what || m_isOver)
+        return m_isOver;
+    m_isOver = true;
+    const QString who = QString::fromUtf8(m_host);
+    QMetaObject::invokeMethod(
+        qApp, [who, what] { limitReached(who, QString::fromLatin1(what)); }, Qt::QueuedConnection);
+    return true;
 }

@@ -34,7 +34,9 @@ private:
     static int close(AVFormatContext* context, AVIOContext* io);
 
     bool mayOpen(const char* url) const;
-    bool isOverLimit() const;
+    /// The limit that is exceeded, in plain words; null when none is.
+    const char* exceeded() const;
+    bool isOverLimit();
     void watchPlaylist(AVIOContext* io);
 
     const std::function<bool()> m_isInterrupted;
@@ -48,6 +50,7 @@ private:
     bool m_hasOpened = false;          // its own address
     bool m_isConnecting = false;       // until the server's headers are read
     int m_looks = 0;                   // how often FFmpeg has looked for more of them
+    bool m_isOver = false;             // it has had too much, and gets no more
     qint64 m_openLimit = 0;            // when opening is given up, microseconds; 0: not opening
     std::vector<AVIOContext*> m_lists; // playlists that are being read
     qint64 m_listBytes = 0;            // of those that were read while opening
