@@ -156,7 +156,7 @@ ParameterBinding address(IPAddress* editor, std::function<void(const QString&)> 
         return BoxProtocol::isIpv4Address(plain) ? std::make_optional(plain) : std::nullopt;
     };
     binding.show = [editor, shown](const QString& value) {
-        editor->setIP(value);
+        editor->setIP(withoutLeadingZeros(value));
         shown(editor->getIP());
     };
     binding.blank = [parts, shown](const QString&) {

@@ -103,6 +103,8 @@ void tst_Configuration::oddValues_data()
     row("profile empty", "HXEncProfile", "", "high", "on");
     row("DHCP other", "DHCP", "yes", "DHCP", "off");
     row("address invalid", "IPAddress", "10.1.2.999", "eParam_IPAddress", "");
+    row("address filled with zeros", "IPAddress", "010.001.000.009", "eParam_IPAddress",
+        "10.1.0.9");
     row("colour other", "NDIHDR", "2", "SDR", "off");
     row("full bandwidth", "NDIEncMode", "1", "HB", "on");
     row("full bandwidth, HX2 off", "NDIEncMode", "1", "HX2", "off");
