@@ -16,7 +16,7 @@ packages_for() {
     wayland) echo qtwayland5 ;;
     checking) echo clang-format clang-tidy g++-mingw-w64-x86-64-posix shellcheck ;;
     clang) echo clang libclang-rt-dev llvm ;;
-    testing) echo lldb ;;
+    testing) echo lldb openssl ;;
     *) die "no packages are listed for $1" ;;
     esac
 }

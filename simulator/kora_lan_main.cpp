@@ -46,7 +46,9 @@ struct Options {
     QString runDir;
     QString scenario;
     QString updateServer; // address to serve updates on, empty: none
-    int parent = 0;       // process to end with, 0: none
+    QString updateKey;    // file with the key that signs them, empty: nobody does
+    sim::UpdateServer::Lie updateLie = sim::UpdateServer::Lie::None;
+    int parent = 0; // process to end with, 0: none
 };
 
 /// The value of a whole-number option, or nothing when it is not one from `min` to `max`.
@@ -59,6 +61,19 @@ std::optional<int> number(const QCommandLineParser& parser, const QString& optio
         return std::nullopt;
     }
     return value;
+}
+
+/// What signatures lie about, or nothing when there is no such word.
+std::optional<sim::UpdateServer::Lie> lieOf(const QString& word)
+{
+    const QStringList words{QString(), QStringLiteral("kind"), QStringLiteral("version"),
+                            QStringLiteral("name"), QStringLiteral("digest")};
+    const int place = word.isEmpty() ? 0 : words.indexOf(word);
+    if (place < 0) {
+        complain(QStringLiteral("--update-lie is about kind, version, name or digest"));
+        return std::nullopt;
+    }
+    return sim::UpdateServer::Lie(place);
 }
 
 void describe(QCommandLineParser* parser, const QString& runDir)
@@ -82,6 +97,8 @@ void describe(QCommandLineParser* parser, const QString& runDir)
     add("scenario", "Boxes with faults, and what happens to them.", "file", {});
     add("update-server", "Serve an update of the box firmware on this address, port 8070.",
         "address", {});
+    add("update-key", "Sign what is served with the secret key in this file.", "file", {});
+    add("update-lie", "Sign another kind, version, name or digest than it has.", "word", {});
     add("exit-with-parent", "End when this process does.", "pid", QStringLiteral("0"));
     add("web-port", "Port of the web-managed boxes.", "port", QStringLiteral("80"));
     parser->addOption({QStringLiteral("web"),
@@ -110,12 +127,13 @@ std::optional<Options> readOptions(const QCoreApplication& app)
         complain(QStringLiteral("unexpected: ") + parser.positionalArguments().first());
         return std::nullopt;
     }
+    const auto lie = lieOf(parser.value(QStringLiteral("update-lie")));
     const auto boxes = number(parser, QStringLiteral("boxes"), 0, 254);
     const auto first = number(parser, QStringLiteral("first"), 1, 254);
     const auto reboot = number(parser, QStringLiteral("reboot-seconds"), 0, 3600);
     const auto parent = number(parser, QStringLiteral("exit-with-parent"), 0, 1 << 30);
     const auto webPort = number(parser, QStringLiteral("web-port"), 1, 65535);
-    if (!boxes || !first || !reboot || !parent || !webPort)
+    if (!lie || !boxes || !first || !reboot || !parent || !webPort)
         return std::nullopt;
     Options options;
     options.plan.subnet = parser.value(QStringLiteral("subnet"));
@@ -129,6 +147,8 @@ std::optional<Options> readOptions(const QCoreApplication& app)
     options.runDir = parser.value(QStringLiteral("run-dir"));
     options.scenario = parser.value(QStringLiteral("scenario"));
     options.updateServer = parser.value(QStringLiteral("update-server"));
+    options.updateKey = parser.value(QStringLiteral("update-key"));
+    options.updateLie = *lie;
     options.parent = *parent;
     return options;
 }
@@ -209,6 +229,7 @@ int main(int argc, char* argv[])
         return exitFailed;
     }
     sim::UpdateServer updates(options->updateServer);
+    updates.signWith(options->updateKey, options->updateLie);
     updates.furnish(QStringLiteral("1.0.0.10"));
     if (!options->updateServer.isEmpty() && !updates.start()) {
         complain(QStringLiteral("no update server on ") + options->updateServer);

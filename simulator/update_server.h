@@ -3,6 +3,7 @@
 
 #include "simulator/http_server.h"
 
+#include <QJsonObject>
 #include <QMap>
 
 #include <mutex>
@@ -11,7 +12,8 @@ namespace sim
 {
 
 /// The vendor's update server: the two descriptors and the packages they name. Until something else
-/// is set, every path is missing. All functions may be called from any thread.
+/// is set, every path is missing. All functions may be called from any thread, those that offer and
+/// sign from one.
 class UpdateServer
 {
 public:
@@ -31,7 +33,13 @@ public:
     /// A file that is offered under `offeredName`; empty: without a name of its own.
     static HttpReply file(const QByteArray& content, const QString& offeredName = {});
 
-    /// The descriptors, as the program reads them.
+    /// What a signature is about, in place of what it should be.
+    enum class Lie { None, Kind, Version, Name, Digest };
+    /// Descriptors offered from now on are signed with the secret key in this file (PEM), by the
+    /// openssl command; an empty name: not any more.
+    void signWith(const QString& keyFile, Lie lie = Lie::None);
+
+    /// The descriptors, as the program reads them. What is signed is the file as it is set by then.
     void offerProgram(const QString& version, const QString& downloadUrl);
     void offerFirmware(const QString& md5, const QString& downloadUrl);
     static QString programPath()
@@ -50,9 +58,13 @@ public:
 
 private:
     HttpReply answer(const HttpRequest& request);
+    QJsonObject signedFields(const QString& kind, const QString& version,
+                             const QString& downloadUrl) const;
 
     const QString m_address;
     const quint16 m_port;
+    QString m_keyFile; // of whoever offers
+    Lie m_lie = Lie::None;
     mutable std::mutex m_mutex; // guards the three below
     QMap<QString, HttpReply> m_replies;
     HttpReply m_others;

@@ -1110,6 +1110,10 @@ Close the program?</translation>
       <translation>A new version was found. Upgrade now?</translation>
     </message>
     <message>
+      <source>来自 %1</source>
+      <translation>From %1</translation>
+    </message>
+    <message>
       <source>安装文件已被更改,未启动升级.</source>
       <translation>The installer was changed; the upgrade was not started.</translation>
     </message>

@@ -1110,6 +1110,10 @@
       <translation>새 버전을 찾았습니다. 지금 업그레이드할까요?</translation>
     </message>
     <message>
+      <source>来自 %1</source>
+      <translation>제공: %1</translation>
+    </message>
+    <message>
       <source>安装文件已被更改,未启动升级.</source>
       <translation>설치 파일이 변경되어 업그레이드를 시작하지 않았습니다.</translation>
     </message>

@@ -4,5 +4,5 @@
 #include <QNetworkRequest>
 
 /// A request for an already encoded address. Any certificate is accepted: boxes and closed networks
-/// have none that a computer knows.
+/// have none that a computer knows. Not for servers on the internet.
 QNetworkRequest httpRequest(const QString& url);

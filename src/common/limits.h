@@ -49,6 +49,10 @@ constexpr int FeedHandshakeMs = 5000;
 /// answer by the next one it counts as lost.
 constexpr int FeedPingMs = 2000;
 
+/// Characters of a descriptor of the update server, and of the address in it.
+constexpr int DescriptorChars = 64 * 1024;
+constexpr int DescriptorUrlChars = 2000;
+
 /// Bytes of the reply to a command.
 constexpr int CommandReplyBytes = 64 * 1024;
 /// Characters of one record in a log; of a longer one the beginning is kept, and its length.

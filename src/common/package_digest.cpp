@@ -4,8 +4,10 @@
 #include "common/file_digest.h"
 #include "common/loose_thread.h"
 
-PackageDigest::PackageDigest(QString path, QObject* parent)
-    : QObject(parent), m_path(std::move(path)), m_pieces(std::make_shared<std::atomic<int>>(0))
+PackageDigest::PackageDigest(QString path, QCryptographicHash::Algorithm algorithm)
+    : m_path(std::move(path))
+    , m_algorithm(algorithm)
+    , m_pieces(std::make_shared<std::atomic<int>>(0))
 {
     constexpr int patienceMs = 20000;
     setPatience(patienceMs);
@@ -18,8 +20,8 @@ void PackageDigest::start()
 {
     m_thread = std::make_unique<LooseThread>(
         QStringLiteral("digest"),
-        [path = m_path, pieces = m_pieces](const std::atomic<bool>& stop) {
-            return fileMd5(path, &stop, pieces.get());
+        [path = m_path, algorithm = m_algorithm, pieces = m_pieces](const std::atomic<bool>& stop) {
+            return fileDigest(path, algorithm, &stop, pieces.get());
         });
     connect(m_thread.get(), &LooseThread::done, this, &PackageDigest::finish);
     m_thread->start();
@@ -37,9 +39,9 @@ void PackageDigest::checkProgress()
     finish(QString());
 }
 
-void PackageDigest::finish(const QString& md5)
+void PackageDigest::finish(const QString& digest)
 {
     m_patience.stop();
-    m_md5 = md5;
+    m_digest = digest;
     emit ready();
 }

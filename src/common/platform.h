@@ -79,6 +79,14 @@ bool revealFile(const QString& path);
 /// Starts `program` on its own, in `folder`. False when it cannot be started.
 bool startDetached(const QString& program, const QStringList& arguments, const QString& folder);
 
+/// Names under which a local server of this program may listen, the best one first: in `folder`,
+/// which whoever asks knows too, or where each user has a place of his own for such things. `name`
+/// is unlike any other there.
+QStringList serverNames(const QString& folder, const QString& name);
+
+/// OpenSSL's library of algorithms, in the places where it may be, the newest first.
+QStringList cryptoLibraries();
+
 /// Lets another program bring its window to the front, which some systems allow only to the program
 /// that the user has just started.
 void letOthersToFront();

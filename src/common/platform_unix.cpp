@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTextCodec>
 
 #include <cerrno>
@@ -209,6 +210,18 @@ bool revealFile(const QString& path)
 bool startDetached(const QString& program, const QStringList& arguments, const QString& folder)
 {
     return QProcess::startDetached(program, arguments, folder);
+}
+
+QStringList serverNames(const QString& folder, const QString& name)
+{
+    return {folder + QStringLiteral("/instance"),
+            QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + QLatin1Char('/') +
+                name};
+}
+
+QStringList cryptoLibraries()
+{
+    return {QStringLiteral("libcrypto.so.3"), QStringLiteral("libcrypto.so.1.1")};
 }
 
 void letOthersToFront()

@@ -188,6 +188,19 @@ bool startDetached(const QString& program, const QStringList& arguments, const Q
                                    folder);
 }
 
+QStringList serverNames(const QString&, const QString& name)
+{
+    return {name};
+}
+
+QStringList cryptoLibraries()
+{
+    // Qt uses the system's encryption here: what else is needed is shipped with the program.
+    const QString folder = QCoreApplication::applicationDirPath();
+    return {folder + QStringLiteral("/libcrypto-3-x64.dll"),
+            folder + QStringLiteral("/libcrypto-1_1-x64.dll")};
+}
+
 void letOthersToFront()
 {
     AllowSetForegroundWindow(ASFW_ANY);

@@ -85,6 +85,11 @@ bool isWhole(const QNetworkReply& reply, qint64 received)
     return false;
 }
 
+QString hex(const QCryptographicHash& hash)
+{
+    return QString::fromLatin1(hash.result().toHex());
+}
+
 /// The name a server offers for a file, empty when it offers none.
 QString offeredName(const QNetworkReply& reply)
 {
@@ -112,9 +117,14 @@ void SparkDownload::start()
     run([this] { return fetch(); });
 }
 
-void SparkDownload::startChecked(const QString& md5)
+void SparkDownload::startChecked(const FileDigests& digests, const QString& onlyName)
 {
-    run([this, md5] { return fetchChecked(md5); });
+    run([this, digests, onlyName] { return fetchChecked(digests, onlyName); });
+}
+
+void SparkDownload::startAs(const QString& name, const FileDigests& digests)
+{
+    run([this, name, digests] { return obtain(name, digests); });
 }
 
 void SparkDownload::run(const std::function<QString()>& work)
@@ -133,10 +143,10 @@ QString SparkDownload::fetch()
     const QString last = QUrl::fromEncoded(m_url.toUtf8(), QUrl::StrictMode).fileName();
     const QString name = last.isEmpty() ? QStringLiteral("download") : safeFileName(last);
     const QString path = freePath(m_folder, name);
-    return fetchInto(path) ? path : QString();
+    return fetchInto(path, {}) ? path : QString();
 }
 
-QString SparkDownload::fetchChecked(const QString& md5)
+QString SparkDownload::fetchChecked(const FileDigests& digests, const QString& onlyName)
 {
     QString name;
     {
@@ -147,26 +157,32 @@ QString SparkDownload::fetchChecked(const QString& md5)
             return QString();
         name = offeredName(*head);
     }
-    if (name.isEmpty())
+    if (!onlyName.isEmpty() && name != onlyName) {
+        qDebug().noquote() << "下载文件名不符 " << name << onlyName;
         return QString();
-    const QString path = m_folder + name;
-    if (QFileInfo::exists(path)) {
-        const QString digest = fileMd5(path, &m_stop);
-        if (m_stop)
-            return QString();
-        if (!digest.isEmpty() && digest == md5)
-            return path;
-        QFile::remove(path);
     }
-    if (!fetchInto(path))
-        return QString();
-    const QString digest = fileMd5(path, &m_stop);
-    if (!digest.isEmpty() && digest == md5)
+    return name.isEmpty() ? QString() : obtain(name, digests);
+}
+
+QString SparkDownload::obtain(const QString& name, const FileDigests& digests)
+{
+    const QString path = m_folder + name;
+    if (isAlready(path, digests))
         return path;
-    if (!m_stop)
-        qDebug().noquote() << "下载文件校验失败 " << path;
+    if (m_stop)
+        return QString();
     QFile::remove(path);
-    return QString();
+    return fetchInto(path, digests) ? path : QString();
+}
+
+bool SparkDownload::isAlready(const QString& path, const FileDigests& digests)
+{
+    if (!QFileInfo::exists(path))
+        return false;
+    m_sha256 = fileDigest(path, QCryptographicHash::Sha256, &m_stop);
+    return !m_sha256.isEmpty() && (digests.sha256.isEmpty() || digests.sha256 == m_sha256) &&
+           (digests.md5.isEmpty() ||
+            digests.md5 == fileDigest(path, QCryptographicHash::Md5, &m_stop));
 }
 
 /// How many bytes may come.
@@ -177,9 +193,11 @@ qint64 SparkDownload::longestFile() const
 }
 
 /// GETs the file into `path`, writing as the data comes so that a large one never sits in memory.
-/// It gets its name when all of it is on the disk.
-bool SparkDownload::fetchInto(const QString& path)
+/// It gets its name when all of it is on the disk, and is what it has to be.
+bool SparkDownload::fetchInto(const QString& path, const FileDigests& digests)
 {
+    QCryptographicHash md5(QCryptographicHash::Md5);
+    QCryptographicHash sha256(QCryptographicHash::Sha256);
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         qDebug().noquote() << "下载文件打开失败 " << file.errorString() << path;
@@ -201,6 +219,8 @@ bool SparkDownload::fetchInto(const QString& path)
     const auto drain = [&] {
         const QByteArray data = reply->readAll();
         received += data.size();
+        md5.addData(data);
+        sha256.addData(data);
         if (received > longest)
             refuse(QString::number(received));
         else if (!isRedirect(*reply) && file.write(data) != data.size())
@@ -214,7 +234,15 @@ bool SparkDownload::fetchInto(const QString& path)
     if (!waitForSuccess(*reply))
         return false;
     drain();
-    if (!fits || !isWhole(*reply, received) || m_stop || !file.commit())
+    if (!fits || !isWhole(*reply, received) || m_stop)
+        return false;
+    m_sha256 = hex(sha256);
+    if ((!digests.md5.isEmpty() && digests.md5 != hex(md5)) ||
+        (!digests.sha256.isEmpty() && digests.sha256 != m_sha256)) {
+        qDebug().noquote() << "下载文件校验失败 " << path;
+        return false;
+    }
+    if (!file.commit())
         return false;
     qDebug().noquote() << "下载文件完成 " << path;
     return true;

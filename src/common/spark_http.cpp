@@ -10,6 +10,7 @@
 
 #include <QEventLoop>
 #include <QNetworkReply>
+#include <QSslConfiguration>
 #include <QTimer>
 #include <QUuid>
 
@@ -171,7 +172,10 @@ void Spark_Http::send(Server& server, const Request& request)
 
 void Spark_Http::sendSecurely(quint64 number, const Request& request)
 {
-    QNetworkReply* reply = manager().get(httpRequest(request.url));
+    QNetworkRequest question = httpRequest(request.url);
+    if (request.peer == Peer::Server)
+        question.setSslConfiguration(QSslConfiguration::defaultConfiguration());
+    QNetworkReply* reply = manager().get(question);
     reply->setProperty("number", number);
     // One that sends a byte now and then is never silent.
     QTimer::singleShot(RequestLimitMs, reply, &QNetworkReply::abort);
@@ -192,7 +196,7 @@ QString Spark_Http::downloadFileChecked(const QString& url, const QString& saveP
                                         const QString& md5)
 {
     SparkDownload download(url, savePath);
-    return waitFor(download, [&] { download.startChecked(md5); });
+    return waitFor(download, [&] { download.startChecked({md5, {}}); });
 }
 
 void Spark_Http::R_finished()

@@ -36,8 +36,12 @@ public:
     static constexpr int MostAtOnce = 6;
     /// The most that wait for one server; what comes on top fails at once.
     static constexpr int MostWaiting = 400;
-    /// Who is asked: nobody has said yet that a stranger is a box. He gets connections apart.
-    enum class Peer { Box, Stranger };
+    /// Who is asked.
+    enum class Peer {
+        Box,
+        Stranger, ///< nobody has said yet that it is a box; it gets connections apart
+        Server,   ///< one on the internet, which has to prove by its certificate that it is
+    };
 
     /// Requests `url` (already encoded). Non-blocking: returns the request's id at once, and the
     /// answer comes by S_finished. Blocking: goes before what waits, serves events other than user

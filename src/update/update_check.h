@@ -1,24 +1,34 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "update/descriptor.h"
+
 #include <QObject>
 #include <QString>
 
 #include <memory>
 
-class PackageDigest;
+class LooseThread;
 class SparkDownload;
 class Spark_Http;
 
 /// A newer version of the program, downloaded.
 struct Installer {
     QString version; ///< as the server names it
+    QString name;    ///< what the server calls the file
+    QString host;    ///< of the server
     QString path;    ///< in the data folder "upgrade"
-    QString digest;  ///< MD5 of the file as it was when offered, lower-case hex
+    QString digest;  ///< SHA-256 of the file as it was when offered, lower-case hex
+};
+
+/// Where updates come from, and who vouches for them.
+struct UpdateSource {
+    QString server; ///< scheme, host and port; nothing comes from anywhere else
+    QByteArray key; ///< an Ed25519 public key, base64; empty: nobody has to sign
 };
 
 /// Asks the update server once what the newest versions are, and downloads what is new. Says
-/// nothing when there is no answer, a bad one or nothing new; the reason is in the debug stream.
+/// nothing when there is no answer, a bad one or nothing new; the reason is in the log "update".
 ///
 /// Nothing here waits: packages come and are read on threads of their own, which end with this
 /// object.
@@ -27,8 +37,8 @@ class UpdateCheck : public QObject
     Q_OBJECT
 
 public:
-    /// `server` is scheme and host; `version` is that of this program. `http` outlives this object.
-    UpdateCheck(Spark_Http& http, QString server, QString version);
+    /// `version` is that of this program. `http` outlives this object.
+    UpdateCheck(Spark_Http& http, UpdateSource source, QString version);
     ~UpdateCheck() override;
 
     /// The routing words of the two descriptors.
@@ -50,15 +60,20 @@ signals:
     void firmwareReady(const QString& path);
 
 private:
-    bool mayDownload(const QString& url) const;
+    bool mayFetch(const PackageOffer& offer) const;
+    bool isOurs(const QString& url) const;
+    void fetchInstaller();
     void takeInstaller(const QString& path);
+    void takeFirmware(const QString& path);
 
     Spark_Http& m_http;
-    const QString m_server;
+    const UpdateSource m_source;
     const QString m_version;
     int m_jobs = 0;
-    QString m_latest; ///< the newer version; empty: none known
+    bool m_hasProgram = false;
+    PackageOffer m_latest; ///< the newer version; without a version: none known
+    std::unique_ptr<LooseThread> m_programTidying;
+    std::unique_ptr<LooseThread> m_firmwareTidying;
     std::unique_ptr<SparkDownload> m_installer;
-    std::unique_ptr<PackageDigest> m_installerDigest;
     std::unique_ptr<SparkDownload> m_firmware;
 };

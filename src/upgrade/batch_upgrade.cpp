@@ -115,8 +115,8 @@ void BatchUpgrade::digestReady(const PackageDigest* digest)
     }
     Pending pending = std::move(*found);
     m_pending.erase(found);
-    if (!digest->md5().isEmpty()) {
-        begin(pending, digest->path(), digest->md5());
+    if (!digest->digest().isEmpty()) {
+        begin(pending, digest->path(), digest->digest());
         return;
     }
     // Nothing has been sent to any box, and nothing will be.

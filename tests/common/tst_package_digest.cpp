@@ -29,7 +29,7 @@ private slots:
             QSignalSpy ready(&digest, &PackageDigest::ready);
             digest.start();
             QTRY_COMPARE(ready.size(), 1);
-            QCOMPARE(digest.md5(), QString("a.dat") == name ? md5Of("abc") : QString());
+            QCOMPARE(digest.digest(), QString("a.dat") == name ? md5Of("abc") : QString());
         }
     }
 
@@ -47,7 +47,7 @@ private slots:
             given.start();
             left.start();
             QTRY_COMPARE(ready.size(), 1);
-            QCOMPARE(given.md5(), QString());
+            QCOMPARE(given.digest(), QString());
         }
         VERIFY_BELOW(clock.elapsed(), 3000);
     }

@@ -38,6 +38,9 @@ public:
             .arg(serverPort())
             .arg(path);
     }
+    void setReply(const QByteArray& reply) { m_reply = reply; }
+    /// Requests that it has read.
+    int asked() const { return m_asked; }
     int connections() const { return m_sockets.size(); }
     int taken() const { return m_taken; } ///< connections ever
     void send(const QByteArray& data)
@@ -80,6 +83,7 @@ private:
         const QByteArray request = socket.readAll();
         if (!request.contains("\r\n\r\n"))
             return;
+        ++m_asked;
         const QByteArray reply = replyTo(request);
         if (reply.isEmpty())
             return;
@@ -88,7 +92,8 @@ private:
             socket.disconnectFromHost();
     }
 
-    const QByteArray m_reply;
+    QByteArray m_reply;
+    int m_asked = 0;
     const Manner m_manner;
     QSslCertificate m_certificate;
     QSslKey m_key;

@@ -2,14 +2,17 @@
 #include "common/spark_http.h"
 #include "simulator/update_server.h"
 #include "tests/support/files.h"
+#include "tests/support/scripted_server.h"
 #include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 #include "update/update_check.h"
 #include "update/version.h"
 
 #include <QDirIterator>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
+#include <QSslConfiguration>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -39,6 +42,8 @@ private slots:
         QVERIFY(m_server->start());
         m_installers.clear();
         m_packages.clear();
+        m_key.clear();
+        m_url.clear();
     }
     void cleanup() { m_server.reset(); }
 
@@ -115,10 +120,34 @@ private slots:
         check();
         QCOMPARE(m_installers.size(), 2);
         QCOMPARE(m_installers.first().version, QString("1.0.1"));
-        QCOMPARE(m_installers.first().path, m_data->path() + "/data/Tarn Hub/upgrade/setup 2.exe");
-        QCOMPARE(m_installers.first().digest, md5Of("installer"));
+        QCOMPARE(m_installers.first().name, QString("setup 2.exe"));
+        QCOMPARE(m_installers.first().host, QString(TEST_BLOCK ".1:8070"));
+        QCOMPARE(m_installers.first().path, upgradeFolder() + "1.0.1_setup 2.exe");
+        QCOMPARE(m_installers.first().digest, sha256Of("installer"));
         QCOMPARE(m_installers.last().path, m_installers.first().path);
         QCOMPARE(m_server->requests().count("GET /a/setup 2.exe"), 1);
+    }
+
+    /// What another version was called, or a part of it, is not what is offered, and does not stay.
+    void leftoversAreNotOffered()
+    {
+        for (const char* name : {"setup.exe", "1.0.0.11_setup.exe", "1.0.1_setup.exe.Xy12Zz"})
+            writeFile(upgradeFolder() + name, "old");
+        writeFile(upgradeFolder() + "upgrade_20240501_115950_000.csv", "a report");
+        m_server->set("/setup.exe", sim::UpdateServer::file("new"));
+        m_server->offerProgram("1.0.1", m_server->url("/setup.exe"));
+        check();
+        QCOMPARE(m_installers.value(0).digest, sha256Of("new"));
+        m_server->set("/setup.exe", sim::UpdateServer::file("newer"));
+        m_server->offerProgram("1.0.2", m_server->url("/setup.exe"));
+        check();
+        QCOMPARE(m_installers.value(1).digest, sha256Of("newer"));
+        QCOMPARE(filesIn(upgradeFolder()),
+                 (QStringList{"1.0.2_setup.exe", "upgrade_20240501_115950_000.csv"}));
+        // The program has become that version.
+        m_server->offerProgram("1.0.0.10", m_server->url("/setup.exe"));
+        check();
+        QCOMPARE(filesIn(upgradeFolder()), QStringList("upgrade_20240501_115950_000.csv"));
     }
 
     void installersThatAreNone_data()
@@ -131,6 +160,10 @@ private slots:
         row("another protocol", "ftp://" TEST_BLOCK ".1/x.exe");
         row("no address at all", "x.exe");
         row("no host", "http:///x.exe");
+        row("another server", "http://" TEST_BLOCK ".2:8070/x.exe");
+        row("another port", "http://" TEST_BLOCK ".1:8071/x.exe");
+        row("to a user", "http://a:b@" TEST_BLOCK ".1:8070/x.exe");
+        row("led elsewhere", "/elsewhere.exe");
     }
     void installersThatAreNone()
     {
@@ -138,6 +171,16 @@ private slots:
         sim::HttpReply half = sim::UpdateServer::file(QByteArray(500000, 'x'));
         half.percent = 50;
         m_server->set("/half.exe", half);
+        sim::HttpReply elsewhere;
+        elsewhere.status = 302;
+        elsewhere.location = "http://" TEST_BLOCK ".2:8070/x.exe";
+        m_server->set("/elsewhere.exe", elsewhere);
+        sim::UpdateServer others[] = {sim::UpdateServer(TEST_BLOCK ".2"),
+                                      sim::UpdateServer(address, 8071)};
+        for (sim::UpdateServer* other : {&others[0], &others[1], m_server.get()}) {
+            other->set("/x.exe", sim::UpdateServer::file("x"));
+            QVERIFY(other == m_server.get() || other->start());
+        }
         m_server->offerProgram("2.0.0", url.startsWith("/") ? m_server->url(url) : url);
         check();
         QVERIFY(m_installers.isEmpty());
@@ -198,9 +241,11 @@ private slots:
             "upgradekora/" + QString(196, 'x') + ".dat");
         row("markup and signs", "/", "<b>%1 $(id) `id` --help.dat",
             "upgradekora/b%1 $(id) `id` --help.dat");
-        row("encoded separators", "/a/..%2F..%2Fevil.exe", "", "upgrade/evil.exe");
-        row("encoded, the other way", "/a/..%5C..%5Cevil.exe", "", "upgrade/evil.exe");
-        row("encoded dots", "/a/%2E%2E%2F%2E%2E%2Fevil.exe", "", "upgrade/evil.exe");
+        row("encoded separators", "/a/..%2F..%2Fevil.exe", "", "upgrade/2.0.0_evil.exe");
+        row("encoded, the other way", "/a/..%5C..%5Cevil.exe", "", "upgrade/2.0.0_evil.exe");
+        row("encoded dots", "/a/%2E%2E%2F%2E%2E%2Fevil.exe", "", "upgrade/2.0.0_evil.exe");
+        row("a journal", "/upgrade_20240501_115950_000.json", "",
+            "upgrade/2.0.0_upgrade_20240501_115950_000.json");
     }
     void offeredNamesStayInTheFolder()
     {
@@ -221,7 +266,7 @@ private slots:
     void halfInstallerIsNoInstaller()
     {
         offerSlowly(400000);
-        const QString path = m_data->path() + "/data/Tarn Hub/upgrade/slow";
+        const QString path = upgradeFolder() + "1.0.1_slow";
         QSet<qint64> sizes;
         int missing = 0;
         QTimer watch;
@@ -272,7 +317,7 @@ private slots:
     {
         m_server->set("/setup.exe", sim::UpdateServer::file("installer", "fw.dat"));
         const QString url = m_server->url("/setup.exe");
-        UpdateCheck check(*Spark_Http::instance(), "https://" TEST_BLOCK ".1", "1.0.0.10");
+        UpdateCheck check(*Spark_Http::instance(), {"https://" TEST_BLOCK ".1", {}}, "1.0.0.10");
         check.handleProgram(
             QString(R"({"updates":{"windows":{"latest-version":"9.0.0","download-url":"%1"}}})")
                 .arg(url));
@@ -283,11 +328,120 @@ private slots:
         QCOMPARE(m_server->requests(), QStringList());
     }
 
+    /// Who cannot prove to be the update server is asked nothing.
+    void encryptedServersProveWhoTheyAre()
+    {
+        const QString key = m_data->filePath("tls-key");
+        const QString certificate = m_data->filePath("certificate");
+        run("openssl", {"req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256",
+                        "-nodes", "-days", "2", "-subj", "/CN=update", "-addext",
+                        "subjectAltName=IP:" TEST_BLOCK ".1", "-keyout", key, "-out", certificate});
+        const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
+        for (bool trusted : {false, true}) {
+            ScriptedServer server(address, "?", ScriptedServer::Closes);
+            server.encrypt(readFile(certificate), readFile(key));
+            m_url = server.url("https", "").chopped(1);
+            // This is the installer, too.
+            server.setReply(httpReply(
+                "application/json",
+                QString(R"({"updates":{"windows":{"latest-version":"2.0.0","download-url":"%1"}}})")
+                    .arg(m_url + "/setup.exe")
+                    .toUtf8()));
+            QSslConfiguration tls = before;
+            if (trusted)
+                tls.addCaCertificates(certificate);
+            QSslConfiguration::setDefaultConfiguration(tls);
+            check();
+            QSslConfiguration::setDefaultConfiguration(before);
+            QCOMPARE(server.asked(), trusted ? 3 : 0);
+            QCOMPARE(m_installers.size(), trusted ? 1 : 0);
+        }
+    }
+
+    void signatures_data()
+    {
+        using Lie = sim::UpdateServer::Lie;
+        columns<QString, int, QString>("key", "lie", "told");
+        row("signed", "key", int(Lie::None), "");
+        row("not signed", "", int(Lie::None), "not signed");
+        row("by somebody else", "other key", int(Lie::None), "wrong signature");
+        row("of another kind", "key", int(Lie::Kind), "wrong signature");
+        row("of another version", "key", int(Lie::Version), "wrong signature");
+        row("of another name", "key", int(Lie::Name), "wrong signature");
+        row("of another file", "key", int(Lie::Digest), "");
+    }
+    /// With a key, only what bears its signature is offered.
+    void signatures()
+    {
+        const auto [key, lie, told] = cells<QString, int, QString>();
+        const bool isFine = told.isEmpty() && lie == int(sim::UpdateServer::Lie::None);
+        m_key = run(SIGN_UPDATE, {"--public", keyFile("key")}).trimmed();
+        QCOMPARE(QByteArray::fromBase64(m_key).size(), 32);
+        m_server->signWith(key.isEmpty() ? QString() : keyFile(key), sim::UpdateServer::Lie(lie));
+        m_server->set("/setup.exe", sim::UpdateServer::file("installer"));
+        m_server->set("/fw.dat", sim::UpdateServer::file("firmware", "fw.dat"));
+        m_server->offerProgram("1.0.1", m_server->url("/setup.exe"));
+        m_server->offerFirmware(md5Of("firmware"), m_server->url("/fw.dat"));
+        check();
+        QCOMPARE(m_installers.size(), isFine ? 1 : 0);
+        QCOMPARE(m_packages.size(), m_installers.size());
+        if (isFine)
+            QCOMPARE(QFileInfo(m_installers.first().path).fileName(),
+                     "1.0.1_" + sha256Of("installer").left(16) + "_setup.exe");
+        else
+            QCOMPARE(filesIn(upgradeFolder()), QStringList());
+        QTRY_VERIFY(told.isEmpty() || readFile(logFile("update")).contains(told.toUtf8()));
+    }
+
+    /// The script, the simulator and the program are of one mind about what is signed.
+    void scriptSigns()
+    {
+        const QString file = writeFile(m_data->filePath("setup 2.exe"), "installer");
+        m_key = run(SIGN_UPDATE, {"--public", keyFile("key")}).trimmed();
+        m_server->set("/setup 2.exe", sim::UpdateServer::file("installer"));
+        sim::HttpReply descriptor;
+        descriptor.body =
+            "{\"updates\":{\"windows\":{\"latest-version\":\"1.0.1\",\"download-url\":\"" +
+            m_server->url("/setup%202.exe").toUtf8() + "\"," +
+            run(SIGN_UPDATE, {keyFile("key"), "program", "1.0.1", file}) + "}}}";
+        m_server->set(sim::UpdateServer::programPath(), descriptor);
+        check();
+        QCOMPARE(m_installers.size(), 1);
+    }
+
 private:
+    /// A new secret key of that name.
+    QString keyFile(const QString& name)
+    {
+        const QString path = m_data->filePath(name);
+        if (!QFile::exists(path))
+            run(SIGN_UPDATE, {"--new-key", path});
+        return path;
+    }
+    static QByteArray run(const QString& program, const QStringList& arguments)
+    {
+        QProcess process;
+        process.start(program, arguments);
+        process.waitForFinished();
+        return process.readAllStandardOutput();
+    }
+    static QString sha256Of(const QByteArray& content)
+    {
+        return QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
+    }
+    /// Where installers come to; it exists.
+    QString upgradeFolder() const
+    {
+        const QString path = m_data->path() + "/data/Tarn Hub/upgrade/";
+        QDir().mkpath(path);
+        return path;
+    }
+
     std::unique_ptr<UpdateCheck> started()
     {
-        auto check =
-            std::make_unique<UpdateCheck>(*Spark_Http::instance(), m_server->url(), "1.0.0.10");
+        auto check = std::make_unique<UpdateCheck>(
+            *Spark_Http::instance(), UpdateSource{m_url.isEmpty() ? m_server->url() : m_url, m_key},
+            "1.0.0.10");
         connect(check.get(), &UpdateCheck::installerReady, this,
                 [this](const Installer& installer) { m_installers << installer; });
         connect(check.get(), &UpdateCheck::firmwareReady, this,
@@ -338,6 +492,8 @@ private:
     std::unique_ptr<sim::UpdateServer> m_server;
     QVector<Installer> m_installers;
     QStringList m_packages;
+    QByteArray m_key;
+    QString m_url; ///< in place of that of m_server
     int m_answers = 0;
 };
 

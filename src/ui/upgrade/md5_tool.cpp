@@ -35,7 +35,7 @@ void Md5Tool::show()
 {
     if (!m_digest)
         return;
-    const QString md5 = m_digest->md5();
+    const QString md5 = m_digest->digest();
     const QString name = QFileInfo(m_digest->path()).fileName();
     m_digest.reset();
     messageBox::notify(

@@ -90,7 +90,8 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , selection(hub)
     , monitor(hub, form.monitor_top->ui)
     , upgrade(hub, upgradeWidgets(form), dropAreas, options.upgradeTickMs)
-    , updateCheck(*Spark_Http::instance(), options.updateServer, applicationVersion())
+    , updateCheck(*Spark_Http::instance(), {options.updateServer, options.updateKey},
+                  applicationVersion())
     , updatePrompt(hub, updateCheck, applicationVersion(), QCoreApplication::applicationDirPath(),
                    [this] { return mustNotEnd(); })
     , closing([this] { return isCommanding(); }, *window)

@@ -9,7 +9,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocalSocket>
-#include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
 
@@ -18,6 +17,7 @@ namespace
 
 constexpr unsigned long betweenTriesMs = 50;
 constexpr int mostCallers = 4;
+constexpr int nameDigits = 32;
 /// Milliseconds for a caller to go; he has been told all there is.
 constexpr int callerMs = 1000;
 
@@ -33,23 +33,13 @@ OneInstance::OneInstance(QString folder)
     connect(&m_server, &QLocalServer::newConnection, this, &OneInstance::answer);
 }
 
-/// Where the first one may listen, the best place first: the folder itself, which both know, as far
-/// as a socket can be there.
 QStringList OneInstance::names() const
 {
     const QString folder = QFileInfo(m_folder).canonicalFilePath();
     const QByteArray whose = QDir::homePath().toUtf8() + '\n' + folder.toUtf8();
-    const QString unique =
-        QStringLiteral("tarn-hub-") +
-        QString::fromLatin1(
-            QCryptographicHash::hash(whose, QCryptographicHash::Sha256).toHex().left(32));
-#ifdef Q_OS_WIN
-    return {unique};
-#else
-    return {folder + QStringLiteral("/instance"),
-            QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + QLatin1Char('/') +
-                unique};
-#endif
+    const QByteArray digest = QCryptographicHash::hash(whose, QCryptographicHash::Sha256).toHex();
+    return Platform::serverNames(folder, QStringLiteral("tarn-hub-") +
+                                             QString::fromLatin1(digest.left(nameDigits)));
 }
 
 OneInstance::Outcome OneInstance::claim(int patienceMs)

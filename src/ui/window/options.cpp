@@ -6,6 +6,11 @@
 #include <QCommandLineParser>
 #include <QUrl>
 
+// Set by the build.
+#ifndef TARN_UPDATE_KEY
+#define TARN_UPDATE_KEY ""
+#endif
+
 namespace
 {
 
@@ -125,6 +130,7 @@ OptionsResult readOptions(const QStringList& arguments)
             return failure(
                 QStringLiteral("'%1' is not a block of the form a.b.c.0/24.").arg(block));
     }
+    result.options.updateKey = QByteArrayLiteral(TARN_UPDATE_KEY);
     result.options.updateServer = parser.value(updateServer);
     while (result.options.updateServer.endsWith(QLatin1Char('/')))
         result.options.updateServer.chop(1);

@@ -12,6 +12,8 @@ struct Options {
     /// The second by which an upgrade is timed, in milliseconds; tests make it shorter.
     int upgradeTickMs = 1000;
     QString updateServer; ///< scheme and host, without a trailing "/"
+    /// The key that signs updates, base64, as the build sets it; empty: they need no signature.
+    QByteArray updateKey;
 };
 
 /// The outcome of reading a command line.

@@ -7,7 +7,6 @@
 #include "widgets/message_box.h"
 
 #include <QApplication>
-#include <QFileInfo>
 
 namespace
 {
@@ -15,7 +14,6 @@ namespace
 constexpr int retryMs = 1000;
 /// The updater gets this long to start before the program makes room for it.
 constexpr int handOverMs = 200;
-constexpr int longestVersion = 40;
 
 /// A question or menu that the operator has to deal with first.
 bool isAskedSomething()
@@ -60,10 +58,10 @@ void UpdatePrompt::ask()
         m_later.start();
         return;
     }
-    // What is agreed to is this version and this file.
+    // What is agreed to is this version, this file and who it comes from.
     const messageBox* box = show(tr("发现新版本,是否立即升级?") + QStringLiteral("\n\n") +
-                                 m_offered.version.simplified().left(longestVersion) +
-                                 QStringLiteral("\n") + QFileInfo(m_offered.path).fileName());
+                                 m_offered.version + QStringLiteral("\n") + m_offered.name +
+                                 QStringLiteral("\n") + tr("来自 %1").arg(m_offered.host));
     connect(box, &QDialog::finished, this, [this](int answer) {
         if (answer == messageBox::Confirmed)
             check();
@@ -73,14 +71,14 @@ void UpdatePrompt::ask()
 /// Reads the file once more: it may have changed since it was offered.
 void UpdatePrompt::check()
 {
-    m_digest = std::make_unique<PackageDigest>(m_offered.path);
+    m_digest = std::make_unique<PackageDigest>(m_offered.path, QCryptographicHash::Sha256);
     connect(m_digest.get(), &PackageDigest::ready, this, &UpdatePrompt::install);
     m_digest->start();
 }
 
 void UpdatePrompt::install()
 {
-    if (m_digest->md5() != m_offered.digest) {
+    if (m_digest->digest() != m_offered.digest) {
         show(tr("安装文件已被更改,未启动升级."));
         return;
     }

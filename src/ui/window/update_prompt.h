@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 
+class PackageDigest;
 class messageBox;
 
 /// Offers a downloaded new version of the program; on consent starts its installation and ends the

@@ -47,7 +47,8 @@ private slots:
         open("1.0.1");
         QTRY_COMPARE(no.texts().size(), 1);
         QVERIFY(no.texts().first().startsWith("发现新版本,是否立即升级?"));
-        QVERIFY(no.texts().first().contains("1.0.1\nTarn_Hub_setup.exe"));
+        QVERIFY(no.texts().first().contains("1.0.1\nTarn_Hub_setup.exe\n来自 " + m_fixture->ip(2) +
+                                            ":8070"));
         QTest::qWait(500);
         QCOMPARE(started(), QString());
     }
@@ -60,7 +61,7 @@ private slots:
         QCOMPARE(QApplication::exec(), 0);
         QTRY_COMPARE(started(), QCoreApplication::applicationDirPath() + "\nTarn Hub.exe\n" +
                                     m_fixture->dataFolder() +
-                                    "upgrade/Tarn_Hub_setup.exe\n1.0.0.10\n");
+                                    "upgrade/1.0.1_Tarn_Hub_setup.exe\n1.0.0.10\n");
     }
 
     void updaterMayLieInAPathWithBlanks()
@@ -92,7 +93,7 @@ private slots:
         QFETCH(QString, content);
         DialogAnswerer yes;
         yes.expect<messageBox>([&](messageBox& question) {
-            const QString installer = m_fixture->dataFolder() + "upgrade/Tarn_Hub_setup.exe";
+            const QString installer = m_fixture->dataFolder() + "upgrade/1.0.1_Tarn_Hub_setup.exe";
             QVERIFY(QFile::remove(installer));
             if (!content.isEmpty())
                 writeFile(installer, content.toUtf8());
@@ -197,7 +198,8 @@ private:
         m_server->offerProgram("1.0.1", m_server->url("/Tarn_Hub_setup.exe"));
         Spark_Http::instance()->get("toupgrade", m_server->url(sim::UpdateServer::programPath()),
                                     false);
-        QTRY_VERIFY(QFileInfo::exists(m_fixture->dataFolder() + "upgrade/Tarn_Hub_setup.exe"));
+        QTRY_VERIFY(
+            QFileInfo::exists(m_fixture->dataFolder() + "upgrade/1.0.1_Tarn_Hub_setup.exe"));
         QTest::qWait(1500); // for what must not come
     }
 
