@@ -47,7 +47,7 @@ private:
     QString folder(const QString& name) const { return appData() + "/" + name; }
     QByteArray journal() const
     {
-        const QDir upgrades(dataFolder() + "upgrade");
+        const QDir upgrades(dataFolder() + "batches");
         return readFile(upgrades.filePath(upgrades.entryList({"*.json"}).value(0, "none")));
     }
 
@@ -122,7 +122,6 @@ void tst_Endings::endsAndLosesNothing()
         ::kill(pid_t(m_program->processId()), signal);
     QTRY_COMPARE_WITH_TIMEOUT(m_program->state(), QProcess::NotRunning, 10000);
     VERIFY_BELOW(clock.elapsed(), 2000);
-    qInfo("ended after %lld ms", clock.elapsed());
     QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
     QCOMPARE(m_program->exitCode(), signal == 0 ? 1 : 0);
     // Nobody writes to the box or a file any more.
