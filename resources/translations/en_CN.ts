@@ -1111,7 +1111,7 @@ Close the program?</translation>
     </message>
     <message>
       <source>来自 %1</source>
-      <translation>From %1</translation>
+      <translation>from %1</translation>
     </message>
     <message>
       <source>安装文件已被更改,未启动升级.</source>

@@ -59,9 +59,11 @@ void UpdatePrompt::ask()
         return;
     }
     // What is agreed to is this version, this file and who it comes from.
-    const messageBox* box = show(tr("发现新版本,是否立即升级?") + QStringLiteral("\n\n") +
-                                 m_offered.version + QStringLiteral("\n") + m_offered.name +
-                                 QStringLiteral("\n") + tr("来自 %1").arg(m_offered.host));
+    // The name, of which the server decides how long it is, stands behind all else.
+    const messageBox* box =
+        show(tr("发现新版本,是否立即升级?") + QStringLiteral("\n\n") + m_offered.version +
+             QStringLiteral("  ") + tr("来自 %1").arg(m_offered.host) + QLatin1Char('\n') +
+             m_offered.name);
     connect(box, &QDialog::finished, this, [this](int answer) {
         if (answer == messageBox::Confirmed)
             check();

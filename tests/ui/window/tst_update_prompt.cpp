@@ -47,8 +47,8 @@ private slots:
         open("1.0.1");
         QTRY_COMPARE(no.texts().size(), 1);
         QVERIFY(no.texts().first().startsWith("发现新版本,是否立即升级?"));
-        QVERIFY(no.texts().first().contains("1.0.1\nTarn_Hub_setup.exe\n来自 " + m_fixture->ip(2) +
-                                            ":8070"));
+        QVERIFY(no.texts().first().endsWith("1.0.1  来自 " + m_fixture->ip(2) +
+                                            ":8070\nTarn_Hub_setup.exe"));
         QTest::qWait(500);
         QCOMPARE(started(), QString());
     }
