@@ -269,12 +269,18 @@ void UpgradeFleet::changed(BoxUpgrade& box)
     m_sessions.touch(box.session());
     if (box.row().settings != Settings::Waiting && m_takenOver.contains(&box) &&
         !m_ending.contains(&box)) {
-        // What became of them is safe before the upgrade before is closed; where nothing can be
-        // saved there is nothing to wait for.
+        // What became of them is safe before the upgrade before is closed: a disk that has room
+        // again gets this one first.
         m_ending.insert(&box);
-        keep(box, [this, &box](bool) {
+        const auto close = [this, &box] {
             m_ending.remove(&box);
             endTakenOver(box);
+        };
+        m_sessions.keep(box.session(), [this, &box, close](bool kept) {
+            if (kept)
+                close();
+            else
+                m_sessions.whenKept(box.session(), close);
         });
     }
     mirrorWaiting(box);

@@ -99,6 +99,17 @@ void UpgradeSessions::keep(const UpgradeSession& session, Then then)
         request(entry);
 }
 
+void UpgradeSessions::whenKept(const UpgradeSession& session, std::function<void()> then)
+{
+    touch(session);
+    entryOf(session).waiting.push_back([this, &session, then = std::move(then)](bool kept) {
+        if (kept)
+            then();
+        else
+            whenKept(session, then);
+    });
+}
+
 bool UpgradeSessions::tick()
 {
     bool any = false;

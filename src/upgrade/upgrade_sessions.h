@@ -32,6 +32,8 @@ public:
     void touch(const UpgradeSession& session);
     /// Calls `then` once `session` is safe as it is now, or could not be saved; later.
     void keep(const UpgradeSession& session, Then then);
+    /// Calls `then` once `session` is safe, however long the disk takes; later, or never.
+    void whenKept(const UpgradeSession& session, std::function<void()> then);
     /// Hands whatever is not safe yet to the store.
     void saveAll();
     /// To be called often. True when something has been handed to the store.

@@ -61,6 +61,7 @@ private slots:
     void itsVersionAloneLetsNoBoxGo();
     void pingEndsNoAbsence();
     void anOlderUpgradeLeavesTheBoxToTheLater();
+    void aFullDiskHidesNoLaterUpgrade();
 };
 
 void tst_BoxUpgrade::guardRefusesWhatMayNeverHappen_data()
@@ -298,6 +299,41 @@ void tst_BoxUpgrade::anOlderUpgradeLeavesTheBoxToTheLater()
     bench.pass(100);
     QCOMPARE(bench.acts.join(' '), QString(name + " restart"));
     QVERIFY(bench.fleet.isIdle());
+}
+
+/// Whoever finds that settings were handed over finds to whom, whenever a full disk has room again.
+void tst_BoxUpgrade::aFullDiskHidesNoLaterUpgrade()
+{
+    UpgradeSession older;
+    older.started = QDateTime::fromMSecsSinceEpoch(1699990000000, Qt::UTC);
+    UpgradeRow row;
+    row.mac = mac;
+    row.address = row.addressBefore = ip;
+    row.started = older.started;
+    row.stage = UpgradeRow::Stage::UploadFailed;
+    row.settings = UpgradeRow::Settings::Waiting;
+    row.saved = {{name, "its name"}};
+    older.rows << row;
+    for (int fullMs = 0; fullMs < 40000; fullMs += 500) {
+        Bench bench;
+        bench.store.delay = 700;
+        bench.store.isFull = true;
+        bench.fleet.adopt({older});
+        bench.begin(true);
+        bench.time.in(fullMs, [&bench] { bench.store.isFull = false; });
+        const auto isHandedOver = [&bench, &older] {
+            const UpgradeSession saved = bench.store.reports.value(older.baseName());
+            return !saved.rows.isEmpty() &&
+                   saved.rows.first().settings == UpgradeRow::Settings::HandedOver;
+        };
+        for (int n = 0; n < 6000 && !isHandedOver(); ++n) {
+            bench.time.runUntil(bench.time.now() + 100);
+            if (n % 10 == 0)
+                bench.fleet.tick();
+        }
+        QVERIFY2(isHandedOver(), qPrintable(QString::number(fullMs)));
+        QVERIFY2(bench.store.reports.size() == 2, qPrintable(QString::number(fullMs)));
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_BoxUpgrade)
