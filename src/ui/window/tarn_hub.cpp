@@ -106,7 +106,9 @@ void Tarn_Hub::R_finished(QVariantMap map)
 void Tarn_Hub::R_readyReadStandardOutput()
 {
     auto* process = qobject_cast<QProcess*>(sender());
-    const QString reply = process ? m->runner.takeReply(process) : QString();
+    if (!process)
+        return;
+    const QString reply = m->runner.takeReply(process);
     if (!reply.isEmpty())
         m->exchange.deliverReply(*process, reply);
 }
