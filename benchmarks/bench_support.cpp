@@ -2,12 +2,15 @@
 #include "benchmarks/bench_support.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QEventLoop>
+#include <QFile>
 #include <QThread>
 
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <unistd.h>
 
 namespace
 {
@@ -102,6 +105,24 @@ double processorSeconds()
     timespec used{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
     return double(used.tv_sec) + double(used.tv_nsec) / 1e9;
+}
+
+qint64 residentBytes()
+{
+    QFile status("/proc/self/statm");
+    if (!status.open(QIODevice::ReadOnly))
+        qFatal("no /proc");
+    return status.readAll().split(' ').at(1).toLongLong() * sysconf(_SC_PAGESIZE);
+}
+
+int openFiles()
+{
+    return int(QDir("/proc/self/fd").count());
+}
+
+int threadCount()
+{
+    return int(QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
 }
 
 void report(const char* name, double value, const char* unit, const char* wanted)

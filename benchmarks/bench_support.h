@@ -50,5 +50,9 @@ void waitUntil(const std::function<bool()>& done, int limitMs, const char* what)
 void serve(int ms);
 /// Processor time that this process has used so far, in seconds.
 double processorSeconds();
+/// Memory of this process, its open files and its threads.
+qint64 residentBytes();
+int openFiles();
+int threadCount();
 /// Prints "name: value unit (wanted: limit)".
 void report(const char* name, double value, const char* unit, const char* wanted);
