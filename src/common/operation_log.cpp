@@ -194,10 +194,12 @@ QString logLine(const QString& event, const char* file, int line, const QString&
 bool appendToFile(const QString& path, const QString& text, QIODevice::OpenMode mode)
 {
     QFile file(path);
+    const bool isNew = !file.exists();
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode))
         return false;
     const qint64 before = file.size();
-    if (before == 0)
+    // Whatever else has this name is not ours to change.
+    if (isNew)
         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     QByteArray record = text.toUtf8();
     if (mode & QIODevice::Append)
