@@ -54,8 +54,8 @@ template <class Take> void inPieces(const QByteArray& data, int length, Take tak
         take(data.mid(at, step));
 }
 
-/// Text in which "\uXXXX" stands for any unit of UTF-16, halves of letters too: what a box's JSON
-/// can hold.
+/// Text in which "\u" and four digits stand for any unit of UTF-16, halves of letters too: what a
+/// box's JSON can hold.
 QString textOf(const QByteArray& written);
 
 /// `name` is one that a file can have in its folder, here and on Windows, and leads nowhere else.

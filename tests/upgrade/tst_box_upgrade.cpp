@@ -44,6 +44,22 @@ struct Bench {
     QStringList acts;
 };
 
+/// A batch of an earlier run with the one box, whose name was kept.
+UpgradeSession earlier(UpgradeRow::Stage stage, UpgradeRow::Settings settings)
+{
+    UpgradeSession session;
+    session.started = QDateTime::fromMSecsSinceEpoch(1699990000000, Qt::UTC);
+    UpgradeRow row;
+    row.mac = mac;
+    row.address = row.addressBefore = ip;
+    row.started = session.started;
+    row.stage = stage;
+    row.settings = settings;
+    row.saved = {{name, "its name"}};
+    session.rows << row;
+    return session;
+}
+
 } // namespace
 
 /// What histories drawn at random reach too seldom, or never may.
@@ -277,20 +293,12 @@ void tst_BoxUpgrade::pingEndsNoAbsence()
 void tst_BoxUpgrade::anOlderUpgradeLeavesTheBoxToTheLater()
 {
     Bench bench;
-    UpgradeSession older;
-    older.started = QDateTime::fromMSecsSinceEpoch(1699990000000, Qt::UTC);
-    UpgradeRow row;
-    row.mac = mac;
-    row.address = row.addressBefore = ip;
-    row.started = older.started;
-    row.stage = UpgradeRow::Stage::Activated;
-    row.settings = UpgradeRow::Settings::Restored;
-    older.rows << row;
+    const UpgradeSession older =
+        earlier(UpgradeRow::Stage::Activated, UpgradeRow::Settings::Restored);
     UpgradeSession later = older;
     later.started = older.started.addSecs(60);
     later.rows.first().stage = UpgradeRow::Stage::Uploading;
     later.rows.first().settings = UpgradeRow::Settings::Waiting;
-    later.rows.first().saved = {{name, "its name"}};
 
     bench.fleet.adopt({older, later});
     bench.pass(10);
@@ -304,16 +312,8 @@ void tst_BoxUpgrade::anOlderUpgradeLeavesTheBoxToTheLater()
 /// Whoever finds that settings were handed over finds to whom, whenever a full disk has room again.
 void tst_BoxUpgrade::aFullDiskHidesNoLaterUpgrade()
 {
-    UpgradeSession older;
-    older.started = QDateTime::fromMSecsSinceEpoch(1699990000000, Qt::UTC);
-    UpgradeRow row;
-    row.mac = mac;
-    row.address = row.addressBefore = ip;
-    row.started = older.started;
-    row.stage = UpgradeRow::Stage::UploadFailed;
-    row.settings = UpgradeRow::Settings::Waiting;
-    row.saved = {{name, "its name"}};
-    older.rows << row;
+    const UpgradeSession older =
+        earlier(UpgradeRow::Stage::UploadFailed, UpgradeRow::Settings::Waiting);
     for (int fullMs = 0; fullMs < 40000; fullMs += 500) {
         Bench bench;
         bench.store.delay = 700;
