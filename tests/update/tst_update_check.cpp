@@ -1,50 +1,22 @@
 // SPDX-License-Identifier: MIT
-#include "common/spark_http.h"
-#include "simulator/update_server.h"
-#include "tests/support/files.h"
-#include "tests/support/scripted_server.h"
 #include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
-#include "update/update_check.h"
+#include "tests/update/update_fixture.h"
 #include "update/version.h"
 
-#include <QDirIterator>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
-#include <QSslConfiguration>
-#include <QTemporaryDir>
 #include <QTimer>
-
-#include <memory>
 
 Q_DECLARE_METATYPE(sim::HttpReply)
 
-namespace
-{
-
-const QString address = TEST_BLOCK ".1";
-
-} // namespace
-
 /// The update check against a server of our own.
-class tst_UpdateCheck : public QObject
+class tst_UpdateCheck : public UpdateFixture
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_data = std::make_unique<QTemporaryDir>();
-        qputenv("APPDATA", m_data->filePath("data").toUtf8());
-        QDir(m_data->path()).mkpath("data");
-        m_server = std::make_unique<sim::UpdateServer>(address);
-        QVERIFY(m_server->start());
-        m_installers.clear();
-        m_packages.clear();
-        m_key.clear();
-        m_url.clear();
-    }
+    void init() { serve(); }
     void cleanup() { m_server.reset(); }
 
     void versions_data()
@@ -176,7 +148,7 @@ private slots:
         elsewhere.location = "http://" TEST_BLOCK ".2:8070/x.exe";
         m_server->set("/elsewhere.exe", elsewhere);
         sim::UpdateServer others[] = {sim::UpdateServer(TEST_BLOCK ".2"),
-                                      sim::UpdateServer(address, 8071)};
+                                      sim::UpdateServer(TEST_BLOCK ".1", 8071)};
         for (sim::UpdateServer* other : {&others[0], &others[1], m_server.get()}) {
             other->set("/x.exe", sim::UpdateServer::file("x"));
             QVERIFY(other == m_server.get() || other->start());
@@ -313,171 +285,7 @@ private slots:
         QCOMPARE(filesBelowData().filter("/upgrade"), QStringList());
     }
 
-    void encryptedDescriptorsLeadToNothingPlain()
-    {
-        m_server->set("/setup.exe", sim::UpdateServer::file("installer", "fw.dat"));
-        const QString url = m_server->url("/setup.exe");
-        UpdateCheck check(*Spark_Http::instance(), {"https://" TEST_BLOCK ".1", {}}, "1.0.0.10");
-        check.handleProgram(
-            QString(R"({"updates":{"windows":{"latest-version":"9.0.0","download-url":"%1"}}})")
-                .arg(url));
-        check.handleFirmware(QString(R"({"updates":{"MD5":"%1","download-url":"%2"}})")
-                                 .arg(md5Of("installer"), url));
-        QVERIFY(!check.isBusy());
-        QTest::qWait(300);
-        QCOMPARE(m_server->requests(), QStringList());
-    }
-
-    /// Who cannot prove to be the update server is asked nothing.
-    void encryptedServersProveWhoTheyAre()
-    {
-        const QString key = m_data->filePath("tls-key");
-        const QString certificate = m_data->filePath("certificate");
-        run("openssl", {"req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256",
-                        "-nodes", "-days", "2", "-subj", "/CN=update", "-addext",
-                        "subjectAltName=IP:" TEST_BLOCK ".1", "-keyout", key, "-out", certificate});
-        const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
-        for (bool trusted : {false, true}) {
-            ScriptedServer server(address, "?", ScriptedServer::Closes);
-            server.encrypt(readFile(certificate), readFile(key));
-            m_url = server.url("https", "").chopped(1);
-            // This is the installer, too.
-            server.setReply(httpReply(
-                "application/json",
-                QString(R"({"updates":{"windows":{"latest-version":"2.0.0","download-url":"%1"}}})")
-                    .arg(m_url + "/setup.exe")
-                    .toUtf8()));
-            QSslConfiguration tls = before;
-            if (trusted)
-                tls.addCaCertificates(certificate);
-            QSslConfiguration::setDefaultConfiguration(tls);
-            check();
-            QSslConfiguration::setDefaultConfiguration(before);
-            QCOMPARE(server.asked(), trusted ? 3 : 0);
-            QCOMPARE(m_installers.size(), trusted ? 1 : 0);
-        }
-    }
-
-    void signatures_data()
-    {
-        using Lie = sim::UpdateServer::Lie;
-        columns<QString, int, QString>("key", "lie", "told");
-        row("signed", "key", int(Lie::None), "");
-        row("not signed", "", int(Lie::None), "not signed");
-        row("by somebody else", "other key", int(Lie::None), "wrong signature");
-        row("of another kind", "key", int(Lie::Kind), "wrong signature");
-        row("of another version", "key", int(Lie::Version), "wrong signature");
-        row("of another name", "key", int(Lie::Name), "wrong signature");
-        row("of another file", "key", int(Lie::Digest), "");
-    }
-    /// With a key, only what bears its signature is offered.
-    void signatures()
-    {
-        const auto [key, lie, told] = cells<QString, int, QString>();
-        const bool isFine = told.isEmpty() && lie == int(sim::UpdateServer::Lie::None);
-        m_key = run(SIGN_UPDATE, {"--public", keyFile("key")}).trimmed();
-        QCOMPARE(QByteArray::fromBase64(m_key).size(), 32);
-        m_server->signWith(key.isEmpty() ? QString() : keyFile(key), sim::UpdateServer::Lie(lie));
-        m_server->set("/setup.exe", sim::UpdateServer::file("installer"));
-        m_server->set("/fw.dat", sim::UpdateServer::file("firmware", "fw.dat"));
-        m_server->offerProgram("1.0.1", m_server->url("/setup.exe"));
-        m_server->offerFirmware(md5Of("firmware"), m_server->url("/fw.dat"));
-        check();
-        QCOMPARE(m_installers.size(), isFine ? 1 : 0);
-        QCOMPARE(m_packages.size(), m_installers.size());
-        if (isFine)
-            QCOMPARE(QFileInfo(m_installers.first().path).fileName(),
-                     "1.0.1_" + sha256Of("installer").left(16) + "_setup.exe");
-        else
-            QCOMPARE(filesIn(upgradeFolder()), QStringList());
-        QTRY_VERIFY(told.isEmpty() || readFile(logFile("update")).contains(told.toUtf8()));
-    }
-
-    /// The script, the simulator and the program are of one mind about what is signed.
-    void scriptSigns()
-    {
-        const QString file = writeFile(m_data->filePath("setup 2.exe"), "installer");
-        m_key = run(SIGN_UPDATE, {"--public", keyFile("key")}).trimmed();
-        m_server->set("/setup 2.exe", sim::UpdateServer::file("installer"));
-        sim::HttpReply descriptor;
-        descriptor.body =
-            "{\"updates\":{\"windows\":{\"latest-version\":\"1.0.1\",\"download-url\":\"" +
-            m_server->url("/setup%202.exe").toUtf8() + "\"," +
-            run(SIGN_UPDATE, {keyFile("key"), "program", "1.0.1", file}) + "}}}";
-        m_server->set(sim::UpdateServer::programPath(), descriptor);
-        check();
-        QCOMPARE(m_installers.size(), 1);
-    }
-
 private:
-    /// A new secret key of that name.
-    QString keyFile(const QString& name)
-    {
-        const QString path = m_data->filePath(name);
-        if (!QFile::exists(path))
-            run(SIGN_UPDATE, {"--new-key", path});
-        return path;
-    }
-    static QByteArray run(const QString& program, const QStringList& arguments)
-    {
-        QProcess process;
-        process.start(program, arguments);
-        process.waitForFinished();
-        return process.readAllStandardOutput();
-    }
-    static QString sha256Of(const QByteArray& content)
-    {
-        return QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
-    }
-    /// Where installers come to; it exists.
-    QString upgradeFolder() const
-    {
-        const QString path = m_data->path() + "/data/Tarn Hub/upgrade/";
-        QDir().mkpath(path);
-        return path;
-    }
-
-    std::unique_ptr<UpdateCheck> started()
-    {
-        auto check = std::make_unique<UpdateCheck>(
-            *Spark_Http::instance(), UpdateSource{m_url.isEmpty() ? m_server->url() : m_url, m_key},
-            "1.0.0.10");
-        connect(check.get(), &UpdateCheck::installerReady, this,
-                [this](const Installer& installer) { m_installers << installer; });
-        connect(check.get(), &UpdateCheck::firmwareReady, this,
-                [this](const QString& path) { m_packages << path; });
-        connect(Spark_Http::instance(), &Spark_Http::S_finished, check.get(),
-                [this, it = check.get()](const QVariantMap& map) {
-                    if (map.value("type") == "toupgrade")
-                        it->handleProgram(map.value("body").toString());
-                    else if (map.value("type") == "toupgradekora")
-                        it->handleFirmware(map.value("body").toString());
-                    ++m_answers;
-                });
-        m_answers = 0;
-        check->start();
-        return check;
-    }
-
-    /// Runs the check until both answers have been dealt with.
-    void check()
-    {
-        const auto check = started();
-        QTRY_COMPARE_WITH_TIMEOUT(m_answers, 2, 15000);
-        // A package comes, or fails, after its descriptor.
-        QTRY_VERIFY_WITH_TIMEOUT(!check->isBusy(), 15000);
-    }
-
-    QStringList filesBelowData() const
-    {
-        QStringList files;
-        QDirIterator all(m_data->path(), QDir::Files, QDirIterator::Subdirectories);
-        while (all.hasNext())
-            files << QDir(m_data->path()).relativeFilePath(all.next());
-        files.sort();
-        return files;
-    }
-
     /// An installer and a package that take as many seconds as they have 200000 bytes.
     void offerSlowly(int size)
     {
@@ -487,14 +295,6 @@ private:
         m_server->offerProgram("1.0.1", m_server->url("/slow"));
         m_server->offerFirmware(md5Of(slow.body), m_server->url("/slow"));
     }
-
-    std::unique_ptr<QTemporaryDir> m_data;
-    std::unique_ptr<sim::UpdateServer> m_server;
-    QVector<Installer> m_installers;
-    QStringList m_packages;
-    QByteArray m_key;
-    QString m_url; ///< in place of that of m_server
-    int m_answers = 0;
 };
 
 QTEST_GUILESS_MAIN(tst_UpdateCheck)
