@@ -43,8 +43,13 @@ constexpr int FeedMessageBytes = 64 * 1024;
 constexpr int FeedMessagesAtOnce = 16;
 constexpr int FeedCharsAtOnce = 16 * 1024;
 constexpr int FeedPaceMs = 20;
-/// Milliseconds for a feed to be agreed on.
+/// Milliseconds for a feed to be agreed on; how often the answer is looked for meanwhile, and bytes
+/// of it each time.
 constexpr int FeedHandshakeMs = 5000;
+constexpr int FeedHandshakeLooks = 64;
+constexpr int FeedHandshakeLookBytes = 4096;
+/// Bytes that the other end of a feed has not taken yet: the answers to its pings.
+constexpr int FeedUnsentBytes = 64 * 1024;
 /// Milliseconds between two questions whether the other end of a feed is still there; without an
 /// answer by the next one it counts as lost.
 constexpr int FeedPingMs = 2000;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/event_sockets.h"
 
+#include "common/limit_log.h"
 #include "media/event_feed.h"
 #include "media/event_message.h"
 
@@ -31,6 +32,7 @@ EventSocket::EventSocket(quint16 port, QThread& network) : m_feed(new EventFeed(
         if (turn == m_turn)
             emit reconnecting(url);
     });
+    connect(m_feed, &EventFeed::limitPassed, this, &limitReached);
 }
 
 void EventSocket::connectTo(const QString& ip)

@@ -17,11 +17,19 @@
 namespace
 {
 
-/// The value of a header of a request.
-QByteArray headerOf(const QByteArray& request, const QByteArray& name)
+/// What agrees to the feed that is asked for; nothing when none is.
+QByteArray greeting(const QByteArray& request)
 {
-    const int at = request.indexOf(name + ": ");
-    return at < 0 ? QByteArray() : request.mid(at + name.size() + 2).split('\r').first();
+    const QByteArray name = "Sec-WebSocket-Key: ";
+    const int at = request.indexOf(name);
+    if (at < 0)
+        return {};
+    const QByteArray key = request.mid(at + name.size()).split('\r').first();
+    const QByteArray sum = QCryptographicHash::hash(key + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11",
+                                                    QCryptographicHash::Sha1);
+    return "HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+           "Sec-WebSocket-Accept: " +
+           sum.toBase64() + "\r\n\r\n";
 }
 
 } // namespace
@@ -166,6 +174,47 @@ private slots:
         VERIFY_BELOW(clock.size(), 5 + time.elapsed() / Limits::FeedPaceMs);
     }
 
+    /// The handshake is bounded in bytes, not in time alone, and so is what a box does not take.
+    void boxesThatOnlyTakeMemory_data()
+    {
+        columns<QByteArray, bool>("piece", "joins");
+        row("handshake without end", QByteArray("X: 1\r\n").repeated(1000), false);
+        row("handshake in one line", QByteArray(10000, 'x'), false);
+        row("pings, no answer taken", QByteArray("\x89\x7d") + QByteArray(125, 'x'), true);
+    }
+    void boxesThatOnlyTakeMemory()
+    {
+        const auto [piece, joins] = cells<QByteArray, bool>();
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress(TEST_BLOCK ".7"), 8002));
+        QVector<qint64> sent;
+        connect(&server, &QTcpServer::newConnection, this, [&, piece = piece, joins = joins] {
+            QTcpSocket* client = server.nextPendingConnection();
+            const int n = sent.size();
+            sent << 0;
+            connect(client, &QTcpSocket::readyRead, client, [&, client] {
+                if (client->property("greeted").toBool())
+                    return;
+                client->setProperty("greeted", true);
+                const QByteArray hello = greeting(client->readAll());
+                client->setReadBufferSize(1); // and nothing more is taken
+                client->write(joins ? hello : hello.chopped(2));
+                client->write(piece);
+            });
+            connect(client, &QTcpSocket::bytesWritten, client, [&, client, n](qint64 bytes) {
+                sent[n] += bytes;
+                if (client->bytesToWrite() < 100000)
+                    client->write(piece.repeated(100000 / piece.size()));
+            });
+        });
+        EventSockets sockets;
+        QSignalSpy lost(&sockets.media(), &EventSocket::reconnecting);
+        sockets.connectTo(TEST_BLOCK ".7");
+        QTRY_VERIFY_WITH_TIMEOUT(!lost.isEmpty(), Limits::FeedHandshakeMs + 2000);
+        // More than the kernel takes on its way is never read.
+        VERIFY_BELOW(sent.first(), 12 * 1000 * 1000);
+    }
+
     /// The power of a box fails: it answers nothing any more, and says no farewell.
     void silentEndIsNoticed()
     {
@@ -175,15 +224,8 @@ private slots:
         connect(&server, &QTcpServer::newConnection, this, [&] {
             ++connections;
             QTcpSocket* client = server.nextPendingConnection();
-            connect(client, &QTcpSocket::readyRead, client, [client] {
-                const QByteArray key = headerOf(client->readAll(), "Sec-WebSocket-Key");
-                const QByteArray sum = QCryptographicHash::hash(
-                    key + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11", QCryptographicHash::Sha1);
-                if (!key.isEmpty())
-                    client->write("HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\n"
-                                  "Connection: Upgrade\r\nSec-WebSocket-Accept: " +
-                                  sum.toBase64() + "\r\n\r\n");
-            });
+            connect(client, &QTcpSocket::readyRead, client,
+                    [client] { client->write(greeting(client->readAll())); });
         });
         EventSockets sockets;
         QSignalSpy joined(&sockets.media(), &EventSocket::connected);
