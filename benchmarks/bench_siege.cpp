@@ -161,7 +161,9 @@ private:
             auto* box = qobject_cast<messageBox*>(widget);
             if (!box || !box->isVisible())
                 continue;
-            m_said = box->text();
+            // What is told of the hostile boxes' recordings may come in the middle of a save.
+            if (box->text().contains(QString::fromUtf8("设置参数")))
+                m_said = box->text();
             box->accept();
         }
     }
