@@ -53,6 +53,17 @@ void writeLibraryLine(void* context, int level, const char* format, va_list argu
         av_log_default_callback(context, level, format, arguments);
 }
 
+/// How often the decoder may halve the picture, so that it still fills the screen.
+int halvings(const AVCodec& codec, const QSize& picture, const QSize& screen)
+{
+    int count = 0;
+    while (!screen.isEmpty() && count < codec.max_lowres &&
+           (picture.width() >> (count + 1)) >= screen.width() &&
+           (picture.height() >> (count + 1)) >= screen.height())
+        ++count;
+    return count;
+}
+
 } // namespace
 
 void writePlayerLine(const QString& message)
@@ -213,7 +224,7 @@ FFmpegSession::Decoder FFmpegSession::openDecoder(const AVStream& stream, const 
         return nullptr;
     decoder->pkt_timebase = stream.time_base;
     if (isVideo) {
-        decoder->lowres = codec.max_lowres;
+        decoder->lowres = halvings(codec, {decoder->width, decoder->height}, m_screen);
         decoder->flags2 |= AV_CODEC_FLAG2_FAST;
         decoder->max_pixels = Limits::PicturePixels;
         if (qint64(decoder->width) * decoder->height > oneThreadPicture)
@@ -303,6 +314,11 @@ void FFmpegSession::resume()
     if (m_drained)
         avcodec_flush_buffers(m_video.get());
     m_drained = false;
+}
+
+PictureShape FFmpegSession::shape() const
+{
+    return shapeOf(m_input.get(), m_input->streams[m_videoStream], m_frame.get());
 }
 
 int FFmpegSession::videoWidth() const

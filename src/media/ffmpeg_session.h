@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "media/picture_shape.h"
 #include "media/source_gate.h"
 
 #include <QString>
@@ -34,6 +35,9 @@ public:
     FFmpegSession(const FFmpegSession&) = delete;
     FFmpegSession& operator=(const FFmpegSession&) = delete;
 
+    /// Decoders that can do so leave out detail that no screen of this size could show; before
+    /// open(). Without it, in pixels, pictures come in full.
+    void setScreen(const QSize& size) { m_screen = size; }
     /// Opens the source and its decoders and describes both in the debug stream. Once only. False,
     /// with the reason in the debug stream, when there is nothing to show.
     bool open(const QString& url, MediaOptions::Origin origin);
@@ -54,6 +58,8 @@ public:
 
     /// The last picture that decode() or drain() has taken.
     const AVFrame& frame() const { return *m_frame; }
+    /// How that is to be seen.
+    PictureShape shape() const;
 
     int videoWidth() const;  ///< in pixels, as the decoder says
     int videoHeight() const; ///< in pixels
@@ -90,6 +96,7 @@ private:
     Decoder m_audio; // opened to be described, never used
     int m_videoStream = -1;
     int m_audioStream = -1;
+    QSize m_screen;
     bool m_isLocal = false;
     bool m_drained = false;
     std::unique_ptr<AVPacket, FreePacket> m_packet;

@@ -75,6 +75,7 @@ qint64 FFmpegThread::silentMs() const
 bool FFmpegThread::init()
 {
     m_session = std::make_unique<FFmpegSession>([this] { return m_stopPlay.load(); });
+    m_session->setScreen(m_screen);
     m_converter = std::make_unique<FrameConverter>();
     if (!m_session->open(m_url, m_origin))
         return false;
@@ -98,11 +99,9 @@ void FFmpegThread::run()
             step();
         } else if (init()) {
             m_needInit = false;
-            emit playstatus(Playing, m_url);
+            tell(Playing);
         } else {
-            // What was stopped has not failed.
-            if (!m_stopPlay)
-                emit playstatus(OpenFailed, m_url);
+            tell(OpenFailed);
             break;
         }
     }
@@ -112,6 +111,14 @@ void FFmpegThread::run()
     m_waitingSince = 0;
     m_stopPlay = false;
     m_needInit = false;
+}
+
+/// What was stopped has not failed, and does not begin to play.
+void FFmpegThread::tell(Status status)
+{
+    const std::lock_guard<std::mutex> lock(m_restMutex);
+    if (!m_stopPlay)
+        emit playstatus(status, m_url);
 }
 
 /// Reads one packet and shows the picture that it completes.
@@ -141,7 +148,8 @@ void FFmpegThread::step()
 void FFmpegThread::showPicture()
 {
     QImage image;
-    const FrameConverter::Result result = m_converter->convert(m_session->frame(), &image);
+    const FrameConverter::Result result =
+        m_converter->convert(m_session->frame(), m_session->shape(), &image);
     m_isPending = result == FrameConverter::Result::Busy;
     // That nobody takes a picture is not the source's fault.
     if (result != FrameConverter::Result::Failed)

@@ -38,6 +38,8 @@ public:
     QString url() const { return m_url; }
     /// Who named the source; before start(). Without it, the operator.
     void setOrigin(MediaOptions::Origin origin) { m_origin = origin; }
+    /// Detail that no screen of this size, in pixels, could show may be left out; before start().
+    void setScreen(const QSize& size) { m_screen = size; }
     /// Has run() open the source; before start().
     void setNeedInit() { m_needInit = true; }
     /// Ends run() soon, also out of a wait for the network, and says nothing about it. From any
@@ -55,7 +57,8 @@ public:
 signals:
     /// A picture in format RGB32; its memory stays as it is while any copy of it lives.
     void receiveImage(const QImage& image);
-    /// OpenFailed: the source cannot be opened; Playing: it is open; Stopped: stop() was called.
+    /// OpenFailed: the source cannot be opened; Playing: it is open; Stopped: stop() was called,
+    /// and nothing else follows. Receivers take it through their event loop.
     void playstatus(int status, const QString& url);
 
 public slots:
@@ -84,9 +87,11 @@ private:
     void waitForData(int result);
     void showHeldBack();
     void rest(qint64 microseconds);
+    void tell(Status status);
 
     QString m_url = QStringLiteral("rtsp://192.168.1.128:554/1");
     MediaOptions::Origin m_origin = MediaOptions::Origin::Operator;
+    QSize m_screen;
     std::atomic<bool> m_needInit{false};
     std::atomic<bool> m_stopPlay{false};
     std::mutex m_restMutex; // with m_wake: stop wakes a rest

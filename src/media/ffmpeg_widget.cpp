@@ -11,6 +11,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QStyleOption>
 
@@ -102,6 +103,7 @@ void FFmpegWidget::open(const QString& url, MediaOptions::Origin origin)
         Qt::QueuedConnection);
     m_ffmpegThread->setUrl(url);
     m_ffmpegThread->setOrigin(origin);
+    m_ffmpegThread->setScreen(screen()->size() * devicePixelRatioF());
     m_ffmpegThread->play();
     m_watch.start();
     showState(PictureState::State::Opening);
@@ -116,8 +118,6 @@ void FFmpegWidget::pause()
 void FFmpegWidget::close()
 {
     writePlayerLine(QStringLiteral("close video ") + objectName());
-    if (m_ffmpegThread && m_ffmpegThread->isRunning())
-        m_ffmpegThread->stop();
     releaseThread();
     ++m_session;
     m_watch.stop();
@@ -132,6 +132,8 @@ void FFmpegWidget::releaseThread()
         return;
     FFmpegThread* thread = m_ffmpegThread;
     m_ffmpegThread = nullptr;
+    if (thread->isRunning())
+        thread->stop();
     thread->requestStop();
     thread->quit();
     if (thread->wait(closeLimitMs)) {
@@ -162,6 +164,9 @@ void FFmpegWidget::handleImage(int session, const QImage& image)
 
 void FFmpegWidget::handleStatus(int session, int status, const QString& url)
 {
+    // Of a session that is over only its end is told.
+    if (session != m_session && status != FFmpegThread::Stopped)
+        return;
     if (session == m_session && status == FFmpegThread::OpenFailed)
         showState(PictureState::State::Failed);
     if (session == m_session && status == FFmpegThread::Stopped)

@@ -37,8 +37,7 @@ signals:
 public slots:
     void updateImage(const QImage& image);
     void R_customContextMenuRequested(const QPoint& pos);
-    /// Plays a path or an address, as far as `origin` lets it. Call close() first: a session still
-    /// running ends unannounced.
+    /// Plays a path or an address, as far as `origin` lets it. A session still running ends first.
     void open(const QString& url, MediaOptions::Origin origin = MediaOptions::Origin::Operator);
     /// Ends the session and keeps the picture, marked as stopped; open() starts anew.
     void pause();

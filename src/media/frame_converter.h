@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/frame_pool.h"
+#include "media/picture_shape.h"
 
 #include <QImage>
 
@@ -10,8 +11,9 @@
 struct AVFrame;
 struct SwsContext;
 
-/// Turns decoded pictures into images of the same size, in the colours that the picture says it
-/// has. Follows sources that change size, format or colours. Belongs to one thread.
+/// Turns decoded pictures into images, in the colours that the picture says it has, in square
+/// pixels, upright. Follows sources that change size, format, colours or shape. Belongs to one
+/// thread.
 class FrameConverter
 {
 public:
@@ -28,20 +30,24 @@ public:
 
     /// On Done `image` is the picture, in format RGB32, in memory that is written to no more while
     /// any copy of the image lives.
-    Result convert(const AVFrame& frame, QImage* image);
+    Result convert(const AVFrame& frame, const PictureShape& shape, QImage* image);
 
 private:
-    struct Colours {
+    struct Source {
+        QSize size;
         int format = -1;
         int space = -1;
         int range = -1;
-        bool operator==(const Colours& other) const;
+        bool operator==(const Source& other) const;
     };
 
-    bool prepare(const AVFrame& frame);
-    void applyColours(const AVFrame& frame);
+    bool prepare(const AVFrame& frame, const PictureShape& shape);
+    void applyColours(const Source& source);
+    bool scale(const AVFrame& frame, QImage& image);
 
     SwsContext* m_scaler = nullptr;
-    Colours m_colours;
+    Source m_source;
+    PictureShape m_shape;
+    QImage m_unturned; ///< in between, where the picture is turned
     std::unique_ptr<FramePool> m_pool;
 };

@@ -13,8 +13,14 @@ extern "C" {
 namespace
 {
 
-/// The converter writes whole vectors and may run over the end of the last row by less than one.
-constexpr int overrun = 64;
+/// The converter writes whole vectors: the end of a row without room for one it leaves out, and
+/// over the end of the last one it may run.
+constexpr int vectorBytes = 128;
+
+int bytesPerRow(const QSize& size)
+{
+    return (size.width() * 4 + vectorBytes - 1) / vectorBytes * vectorBytes;
+}
 
 } // namespace
 
@@ -54,14 +60,14 @@ QImage FramePool::take()
         if (slot.owner)
             continue;
         if (!slot.buffer) {
-            const int bytes =
-                av_image_get_buffer_size(AV_PIX_FMT_BGRA, size.width(), size.height(), 1);
-            slot.buffer =
-                bytes > 0 ? static_cast<uchar*>(av_malloc(size_t(bytes) + overrun)) : nullptr;
+            const bool isSane =
+                av_image_check_size(uint(size.width()), uint(size.height()), 0, nullptr) >= 0;
+            const size_t bytes = size_t(bytesPerRow(size)) * size_t(size.height()) + vectorBytes;
+            slot.buffer = isSane ? static_cast<uchar*>(av_malloc(bytes)) : nullptr;
         }
         if (!slot.buffer)
             return {};
-        QImage image(slot.buffer, size.width(), size.height(), size.width() * 4,
+        QImage image(slot.buffer, size.width(), size.height(), bytesPerRow(size),
                      QImage::Format_RGB32, &FramePool::giveBack, &slot);
         if (!image.isNull()) {
             slot.owner = m_shared;

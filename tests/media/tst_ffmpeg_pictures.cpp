@@ -11,37 +11,84 @@ class tst_FFmpegPictures : public QObject
     Q_OBJECT
 
 private slots:
-    void coloursAreThoseOfTheSource_data()
+    void looksAsItShould_data()
     {
-        columns<QString>("encoding");
-        const QString h264 = "-c:v libx264 -qp 4 -pix_fmt ";
+        // "seen": what FFmpeg's own tool has to do to show it; it turns pictures by itself.
+        columns<QString, QString, QString, QString>("size", "encoding", "type", "seen");
+        const QString h264 = "-c:v libx264 -qp 4 ";
         const auto tagged = [&](const QString& format, const QString& space, const QString& range) {
-            return QStringLiteral(
-                       "-vf scale=out_color_matrix=%2:out_range=%3,format=%1 -colorspace %4 "
-                       "-color_range %3 -c:v libx264 -qp 4")
-                .arg(format, space, range, space == "bt601" ? "smpte170m" : space);
+            return QStringLiteral("-vf scale=out_color_matrix=%2:out_range=%3,format=%1 "
+                                  "-colorspace %4 -color_range %3 ")
+                       .arg(format, space, range, space == "bt601" ? "smpte170m" : space) +
+                   h264;
         };
-        row("BT.601 limited", tagged("yuv420p", "bt601", "tv"));
-        row("BT.601 full", tagged("yuv420p", "bt601", "pc"));
-        row("BT.709 limited", tagged("yuv420p", "bt709", "tv"));
-        row("BT.709 full", tagged("yuv420p", "bt709", "pc"));
-        row("4:2:2, ten bits", tagged("yuv422p10le", "bt709", "tv"));
-        row("4:4:4 full", tagged("yuv444p", "bt709", "pc"));
-        row("says nothing", h264 + "yuv420p");
-        row("RGB", "-c:v ffv1 -pix_fmt bgr0");
+        const QString small = "320x180";
+        row("BT.601 limited", small, tagged("yuv420p", "bt601", "tv"), "mkv", "null");
+        row("BT.601 full", small, tagged("yuv420p", "bt601", "pc"), "mkv", "null");
+        row("BT.709 limited", small, tagged("yuv420p", "bt709", "tv"), "mkv", "null");
+        row("BT.709 full", small, tagged("yuv420p", "bt709", "pc"), "mkv", "null");
+        row("4:2:2, ten bits", small, tagged("yuv422p10le", "bt709", "tv"), "mkv", "null");
+        row("4:4:4 full", small, tagged("yuv444p", "bt709", "pc"), "mkv", "null");
+        row("says nothing", small, h264 + "-pix_fmt yuv420p", "mkv", "null");
+        row("HD says nothing", "1280x720", h264 + "-pix_fmt yuv420p", "mkv",
+            "scale=in_color_matrix=bt709");
+        row("HD of its own colours", "1280x720", tagged("yuv420p", "bt601", "tv"), "mkv", "null");
+        row("RGB", small, "-c:v ffv1 -pix_fmt bgr0", "mkv", "null");
+        row("alpha", small, "-vf format=yuva420p,colorchannelmixer=aa=0.3 -c:v ffv1", "mkv",
+            "null");
+        row("rows end inside a vector", "854x480", h264 + "-pix_fmt yuv420p", "mkv", "null");
+        row("odd size", "341x193", "-c:v ffv1 -pix_fmt yuv420p", "mkv",
+            "scale=flags=fast_bilinear,format=bgra");
+        row("interlaced", small, "-c:v mpeg2video -q:v 1 -flags +ildct+ilme", "ts", "null");
+        row("MPEG-4", small, "-c:v mpeg4 -q:v 1", "mp4", "null");
+        row("MJPEG", small, "-c:v mjpeg -q:v 1 -pix_fmt yuvj420p", "avi", "null");
+        row("wide pixels", "720x576", "-vf setsar=64/45 -c:v mpeg2video -q:v 1", "ts",
+            "scale=1024:576:flags=fast_bilinear");
+        row("narrow pixels", "720x480", "-vf setsar=8/9 -c:v mpeg2video -q:v 1", "ts",
+            "scale=720:540:flags=fast_bilinear");
+        row("absurd pixels", small, "-vf setsar=1/1000 -pix_fmt yuv420p " + h264, "mkv", "null");
+        for (const char* angle : {"90", "180", "270"})
+            row(angle, small, h264 + "-pix_fmt yuv420p -metadata:s:v rotate=" + angle, "mov",
+                "null");
+        row("mirrored", small,
+            h264 + "-pix_fmt yuv420p -bsf:v h264_metadata=display_orientation=insert:"
+                   "flip=horizontal:rotate=0",
+            "mkv", "null");
     }
-    void coloursAreThoseOfTheSource()
+    void looksAsItShould()
     {
-        QFETCH(QString, encoding);
-        const QString file =
-            m_clips.make(QString("colours-%1.mkv").arg(qHash(encoding)),
-                         "-f lavfi -i smptehdbars=size=320x180:rate=25 -frames:v 3 " + encoding);
-        const QByteArray theirs = Clips::picture(file, 0);
-        QCOMPARE(theirs.size(), 320 * 180 * 4);
+        const auto [size, encoding, type, seen] = cells<QString, QString, QString, QString>();
+        const QString file = m_clips.make(
+            QString("looks-%1.%2").arg(qHash(size + encoding)).arg(type),
+            "-f lavfi -i smptehdbars=size=" + size + ":rate=25 -frames:v 3 " + encoding);
+        const QByteArray theirs = Clips::picture(file, 0, seen);
         Player player(file);
         QTRY_VERIFY(player.pictures > 0);
+        const int bytes = player.last.width() * player.last.height() * 4;
+        QCOMPARE(theirs.size(), bytes);
         // Edges may differ a little more: the reference blends colours between pixels.
-        VERIFY_BELOW(difference(player.last, theirs, 4), 320 * 180 * 4 / 40);
+        VERIFY_BELOW(difference(player.last, theirs, 4), bytes / 40);
+        VERIFY_BELOW(difference(player.last, theirs, 4, player.last.width() - 8),
+                     player.last.height() * 8 * 4 / 10);
+        QCOMPARE(qAlpha(*reinterpret_cast<const QRgb*>(player.last.constScanLine(0))), 255);
+    }
+
+    void leavesOutWhatNoScreenShows()
+    {
+        const QString film = m_clips.make(
+            "large.avi", "-f lavfi -i testsrc2=size=1280x720:rate=25 -frames:v 3 -c:v mjpeg");
+        for (const auto& [screen, shown] :
+             {std::pair(QSize(1281, 720), QSize(1280, 720)), {{640, 360}, {640, 360}}}) {
+            FFmpegThread thread;
+            QSize size;
+            QObject context;
+            connect(&thread, &FFmpegThread::receiveImage, &context,
+                    [&size = size](const QImage& image) { size = image.size(); });
+            thread.setUrl(film);
+            thread.setScreen(screen);
+            thread.play();
+            QTRY_COMPARE(size, shown);
+        }
     }
 
     void followsAChangeOfSize()

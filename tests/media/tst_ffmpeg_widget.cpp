@@ -196,6 +196,28 @@ private slots:
         QCOMPARE(statuses.size(), 2);
     }
 
+    void closedWhileOpeningNeverPlays()
+    {
+        QSignalSpy statuses(m_widget.get(), &FFmpegWidget::playstatus);
+        for (int n = 0; n < 200; ++n) {
+            m_widget->open(m_clips.two());
+            QThread::usleep(static_cast<unsigned long>(n * 100));
+            m_widget->close();
+            statuses.clear();
+            QTRY_VERIFY(!statuses.isEmpty());
+            QCOMPARE(statuses.size(), 1);
+            QCOMPARE(statuses.first(), QVariantList({2, m_clips.two()}));
+            QCOMPARE(m_widget->state(), State::Idle);
+        }
+        // Nor is the one before left playing by who opens another one at once.
+        m_widget->open(m_clips.two());
+        QTRY_COMPARE(statuses.size(), 2);
+        m_widget->open(m_clips.live());
+        QTRY_COMPARE(statuses.size(), 4);
+        QCOMPARE(statuses.at(2), QVariantList({2, m_clips.two()}));
+        QCOMPARE(statuses.at(3), QVariantList({1, m_clips.live()}));
+    }
+
     void pausingKeepsAMarkedPicture()
     {
         QSignalSpy statuses(m_widget.get(), &FFmpegWidget::playstatus);

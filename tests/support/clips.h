@@ -26,10 +26,12 @@ public:
         return file;
     }
 
-    /// One picture of a film, as bytes: blue, green, red and nothing for each pixel.
-    static QByteArray picture(const QString& film, int number)
+    /// One picture of a film, after that filter of FFmpeg, as bytes: blue, green, red and nothing
+    /// for each pixel.
+    static QByteArray picture(const QString& film, int number, const QString& filter = "null")
     {
-        const QString select = QString(" -vf select=eq(n\\,%1) -frames:v 1").arg(number);
+        const QString select =
+            QString(" -vf select=eq(n\\,%1),%2 -frames:v 1").arg(number).arg(filter);
         return run("-i " + film + select + " -f rawvideo -pix_fmt bgra", "pipe:1");
     }
 
@@ -43,7 +45,8 @@ private:
     static QByteArray run(const QString& arguments, const QString& output)
     {
         QProcess ffmpeg;
-        ffmpeg.start("ffmpeg", ("-v error -nostdin " + arguments).split(' ') << output);
+        ffmpeg.start("ffmpeg", ("-v error -nostdin " + arguments).split(' ', Qt::SkipEmptyParts)
+                                   << output);
         if (!ffmpeg.waitForFinished(60000) || ffmpeg.exitCode() != 0)
             qFatal("ffmpeg %s: %s", qPrintable(arguments),
                    ffmpeg.readAllStandardError().constData());

@@ -32,15 +32,15 @@ struct Player {
     FFmpegThread thread; // goes first
 };
 
-/// How many colours of pixels differ by more than `near`.
-inline int difference(const QImage& image, const QByteArray& bgra, int near)
+/// How many colours of pixels differ by more than `near`, from that column on.
+inline int difference(const QImage& image, const QByteArray& bgra, int near, int column = 0)
 {
     int far = 0;
     for (int y = 0; y < image.height(); ++y) {
         const uchar* ours = image.constScanLine(y);
         const auto* theirs =
             reinterpret_cast<const uchar*>(bgra.constData()) + y * image.width() * 4;
-        for (int x = 0; x < image.width() * 4; ++x)
+        for (int x = column * 4; x < image.width() * 4; ++x)
             far += x % 4 != 3 && qAbs(int(ours[x]) - int(theirs[x])) > near ? 1 : 0;
     }
     return far;
