@@ -21,6 +21,9 @@ constexpr qint64 ListBodyBytes = 1024 * 1024;
 
 /// Characters of one value of a box; an answer with a longer one is none.
 constexpr int ValueChars = 4096;
+/// Names, and lists and objects, in a reply or message of a box; one with more is none: to sort
+/// them takes the window longer than their bytes tell.
+constexpr int JsonParts = 1000;
 /// Entries of a list of a box, more than it can hold. Of a longer list the first ones are taken.
 constexpr int ListEntries = 5000;
 
@@ -45,6 +48,11 @@ constexpr int FeedCharsAtOnce = 16 * 1024;
 constexpr int FeedPaceMs = 20;
 /// Milliseconds for a feed to be agreed on.
 constexpr int FeedHandshakeMs = 5000;
+/// Pieces, of the size of a message at most, in which what is agreed on may come, and bytes that
+/// may wait for a box that does not take them: it is answered whenever it asks whether we are
+/// there.
+constexpr int FeedHandshakePieces = 16;
+constexpr qint64 FeedUnsentBytes = 64 * 1024;
 /// Milliseconds between two questions whether the other end of a feed is still there; without an
 /// answer by the next one it counts as lost.
 constexpr int FeedPingMs = 2000;
