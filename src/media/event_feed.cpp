@@ -5,7 +5,18 @@
 #include "media/event_sockets.h"
 
 #include <QNetworkProxy>
+#include <QTcpSocket>
 #include <QWebSocket>
+
+namespace
+{
+
+constexpr const char* handshakeTimeLimit = "milliseconds until an event feed is agreed on";
+constexpr const char* handshakeLimit = "pieces of what an event feed begins with";
+constexpr const char* unsentLimit = "unread bytes of an event feed";
+constexpr const char* messageLimit = "bytes of a message of an event feed";
+
+} // namespace
 
 EventFeed::EventFeed(quint16 port)
     : m_port(port), m_retry(this), m_handshake(this), m_alive(this), m_hand(this)
@@ -14,7 +25,7 @@ EventFeed::EventFeed(quint16 port)
         timer->setSingleShot(true);
     m_alive.setInterval(Limits::FeedPingMs);
     connect(&m_retry, &QTimer::timeout, this, &EventFeed::attempt);
-    connect(&m_handshake, &QTimer::timeout, this, &EventFeed::lost);
+    connect(&m_handshake, &QTimer::timeout, this, [this] { loseOver(handshakeTimeLimit); });
     connect(&m_alive, &QTimer::timeout, this, &EventFeed::checkAlive);
     connect(&m_hand, &QTimer::timeout, this, &EventFeed::hand);
 }
@@ -47,8 +58,13 @@ void EventFeed::attempt()
     connect(m_socket, &QWebSocket::disconnected, this, &EventFeed::lost);
     connect(m_socket, QOverload<QAbstractSocket::SocketError>::of(&QWebSocket::error), this,
             &EventFeed::lost);
+    m_pieces = 0;
     m_handshake.start(Limits::FeedHandshakeMs);
     m_socket->open(m_url);
+    // Neither what it keeps of a handshake nor its answers to pings has a limit of its own.
+    const auto* bytes = m_socket ? m_socket->findChild<QTcpSocket*>() : nullptr;
+    if (bytes)
+        connect(bytes, &QTcpSocket::readyRead, this, &EventFeed::checkCost);
 }
 
 void EventFeed::drop()
@@ -86,6 +102,17 @@ void EventFeed::checkAlive()
     m_socket->ping();
 }
 
+/// With each piece that has come.
+void EventFeed::checkCost()
+{
+    if (!m_socket)
+        return;
+    if (m_handshake.isActive() && ++m_pieces > Limits::FeedHandshakePieces)
+        loseOver(handshakeLimit);
+    else if (m_socket->bytesToWrite() > Limits::FeedUnsentBytes)
+        loseOver(unsentLimit);
+}
+
 void EventFeed::take(const QString& text)
 {
     m_isWaitingForPong = false;
@@ -111,8 +138,16 @@ void EventFeed::hand()
     emit messages(m_turn, texts);
 }
 
+void EventFeed::loseOver(const char* limit)
+{
+    emit exceeded(m_url.host(), QString::fromLatin1(limit));
+    lost();
+}
+
 void EventFeed::lost()
 {
+    if (m_socket && m_socket->closeCode() == QWebSocketProtocol::CloseCodeTooMuchData)
+        emit exceeded(m_url.host(), QString::fromLatin1(messageLimit));
     drop();
     emit reconnecting(m_turn, m_url.toString());
     constexpr qint64 pace = EventSocket::AttemptPaceMs;

@@ -28,21 +28,26 @@ signals:
     /// What has come since the last time, the newest last; of a flood only the end.
     void messages(int turn, const QStringList& texts);
     void reconnecting(int turn, const QString& url);
+    /// The box at `ip` went over `limit`, in plain words.
+    void exceeded(const QString& ip, const QString& limit);
 
 private:
     void attempt();
     void drop();
     void greet();
     void checkAlive();
+    void checkCost();
     void take(const QString& text);
     void forget();
     void hand();
     void lost();
+    void loseOver(const char* limit);
 
     const quint16 m_port;
     int m_turn = 0;
     QUrl m_url;
     QWebSocket* m_socket = nullptr; ///< a new one for each attempt
+    int m_pieces = 0;               ///< of the handshake
     QElapsedTimer m_lastAttempt;
     QTimer m_retry;
     QTimer m_handshake;

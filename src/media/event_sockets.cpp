@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/event_sockets.h"
 
+#include "common/limit_log.h"
 #include "media/event_feed.h"
 #include "media/event_message.h"
 
@@ -27,6 +28,7 @@ EventSocket::EventSocket(quint16 port, QThread& network) : m_feed(new EventFeed(
                 emit message(text);
         }
     });
+    connect(m_feed, &EventFeed::exceeded, this, &limitReached);
     connect(m_feed, &EventFeed::reconnecting, this, [this](int turn, const QString& url) {
         if (turn == m_turn)
             emit reconnecting(url);

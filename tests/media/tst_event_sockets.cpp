@@ -24,6 +24,40 @@ QByteArray headerOf(const QByteArray& request, const QByteArray& name)
     return at < 0 ? QByteArray() : request.mid(at + name.size() + 2).split('\r').first();
 }
 
+/// Agrees on a feed with whoever asks, and then sends `more` over and over; nothing is read.
+class RawFeed : public QTcpServer
+{
+public:
+    RawFeed(const QString& ip, const QByteArray& more, bool agrees = true)
+    {
+        const bool listens = listen(QHostAddress(ip), 8002);
+        Q_ASSERT(listens);
+        connect(this, &QTcpServer::newConnection, this, [this, more, agrees] {
+            ++connections;
+            QTcpSocket* client = nextPendingConnection();
+            client->setReadBufferSize(4096);
+            connect(client, &QTcpSocket::readyRead, client, [client, more, agrees] {
+                client->disconnect();
+                const QByteArray key = headerOf(client->readAll(), "Sec-WebSocket-Key");
+                const QByteArray sum = QCryptographicHash::hash(
+                    key + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11", QCryptographicHash::Sha1);
+                client->write("HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\n"
+                              "Connection: Upgrade\r\n");
+                if (agrees)
+                    client->write("Sec-WebSocket-Accept: " + sum.toBase64() + "\r\n\r\n");
+                const auto send = [client, more] {
+                    if (client->bytesToWrite() < 1000000)
+                        client->write(more);
+                };
+                connect(client, &QTcpSocket::bytesWritten, client, send);
+                send();
+            });
+        });
+    }
+
+    int connections = 0;
+};
+
 } // namespace
 
 class tst_EventSockets : public QObject
@@ -169,28 +203,34 @@ private slots:
     /// The power of a box fails: it answers nothing any more, and says no farewell.
     void silentEndIsNoticed()
     {
-        QTcpServer server;
-        QVERIFY(server.listen(QHostAddress(TEST_BLOCK ".7"), 8002));
-        int connections = 0;
-        connect(&server, &QTcpServer::newConnection, this, [&] {
-            ++connections;
-            QTcpSocket* client = server.nextPendingConnection();
-            connect(client, &QTcpSocket::readyRead, client, [client] {
-                const QByteArray key = headerOf(client->readAll(), "Sec-WebSocket-Key");
-                const QByteArray sum = QCryptographicHash::hash(
-                    key + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11", QCryptographicHash::Sha1);
-                if (!key.isEmpty())
-                    client->write("HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\n"
-                                  "Connection: Upgrade\r\nSec-WebSocket-Accept: " +
-                                  sum.toBase64() + "\r\n\r\n");
-            });
-        });
+        RawFeed server(TEST_BLOCK ".7", {});
         EventSockets sockets;
         QSignalSpy joined(&sockets.media(), &EventSocket::connected);
         sockets.connectTo(TEST_BLOCK ".7");
         QTRY_COMPARE(joined.size(), 1);
         QTRY_VERIFY_WITH_TIMEOUT(joined.size() >= 2, 3 * Limits::FeedPingMs + 2000);
-        QVERIFY(connections >= 2);
+        QVERIFY(server.connections >= 2);
+    }
+
+    void memoryOfAFeedIsBounded_data()
+    {
+        columns<QByteArray, bool>("sends", "agrees");
+        QByteArray names;
+        for (int n = 0; n < 5000; ++n)
+            names += "X-" + QByteArray::number(n) + ": x\r\n";
+        row("headers without end", names, false);
+        // With a sign of life, or it would count as lost.
+        row("pings whose answers it does not take",
+            QByteArray("\x89\x7d" + QByteArray(125, 'x')).repeated(1000) + "\x81\x01x", true);
+    }
+    /// The connection ends long before time alone would end it.
+    void memoryOfAFeedIsBounded()
+    {
+        const auto [sends, agrees] = cells<QByteArray, bool>();
+        RawFeed server(TEST_BLOCK ".7", sends, agrees);
+        EventSockets sockets;
+        sockets.connectTo(TEST_BLOCK ".7");
+        QTRY_VERIFY_WITH_TIMEOUT(server.connections >= 3, Limits::FeedHandshakeMs);
     }
 
     void anotherBoxTakesOver()
