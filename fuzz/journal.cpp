@@ -8,6 +8,8 @@
 
 #include <QJsonDocument>
 
+#include <climits>
+
 namespace
 {
 
@@ -97,7 +99,7 @@ void requireReport(const UpgradeSession& session, const QDateTime& now)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    const QJsonObject json = jsonObject(Input(data, size).rest()).value_or(QJsonObject());
+    const QJsonObject json = jsonObject(Input(data, size).rest(), INT_MAX).value_or(QJsonObject());
     UpgradeSession session;
     QString problem;
     const bool isTaken = UpgradeSession::fromJson(json, &session, &problem);

@@ -3,6 +3,7 @@
 
 #include "common/box_protocol.h"
 #include "common/json_map.h"
+#include "common/limit_log.h"
 #include "common/limits.h"
 #include "common/operation_log.h"
 #include "common/platform.h"
@@ -20,6 +21,7 @@
 namespace
 {
 
+constexpr const char* replyLimit = "bytes of a reply to a command";
 constexpr const char* stoppedMark = "stopped";
 constexpr const char* replyProperty = "reply";
 constexpr const char* repliedMark = "replied";
@@ -247,7 +249,10 @@ QString CommandRunner::execCurlWait(const QString& ip, const QString& command)
         answered = false;
     }
 
-    if (!answered || output.size() > Limits::CommandReplyBytes)
+    const bool isTooLong = output.size() > Limits::CommandReplyBytes;
+    if (isTooLong)
+        limitReached(ip, QString::fromLatin1(replyLimit));
+    if (!answered || isTooLong)
         output.clear();
     const QString reply = QString::fromLocal8Bit(output);
     log(ip, &process, QStringLiteral("  执行Curl返回数据   ") + reply, __LINE__, "execCurlWait");
@@ -266,8 +271,7 @@ QString CommandRunner::takeReply(QProcess* process) const
     process->setProperty(repliedMark, isTooLong || isReply);
     process->setProperty(replyProperty, isTooLong || isReply ? QByteArray() : reply);
     if (isTooLong) {
-        qWarning().noquote() << process->property("ip").toString()
-                             << "sends more than a reply to a command; it is ended";
+        limitReached(process->property("ip").toString(), QString::fromLatin1(replyLimit));
         process->kill();
     }
     return isReply ? logged(process, reply) : QString();

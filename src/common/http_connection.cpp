@@ -25,8 +25,8 @@ HttpConnection::HttpConnection(QString host, quint16 port, QObject* parent)
     connect(&m_socket, &QTcpSocket::connected, this, &HttpConnection::send);
     connect(&m_socket, &QTcpSocket::readyRead, this, &HttpConnection::read);
     connect(&m_socket, &QAbstractSocket::errorOccurred, this, &HttpConnection::lost);
-    connect(&m_silence, &QTimer::timeout, this, [this] { settle(false); });
-    connect(&m_total, &QTimer::timeout, this, [this] { settle(false, totalLimit); });
+    connect(&m_silence, &QTimer::timeout, this, [this] { giveUp(nullptr); });
+    connect(&m_total, &QTimer::timeout, this, [this] { giveUp(totalLimit); });
     connect(&m_idle, &QTimer::timeout, this, &HttpConnection::ended);
 }
 
@@ -35,6 +35,7 @@ void HttpConnection::ask(const HttpQuestion& question)
     m_question = question;
     m_parser = std::make_unique<HttpReplyParser>(question.bodyLimit);
     m_heard = false;
+    m_isLate = false;
     m_idle.stop();
     m_silence.start(Limits::HttpSilenceMs);
     m_total.start(question.totalMs);
@@ -92,11 +93,17 @@ void HttpConnection::lost()
     settle(m_parser->close() == HttpReplyParser::State::Done);
 }
 
+void HttpConnection::giveUp(const char* exceeded)
+{
+    m_isLate = true;
+    settle(false, exceeded);
+}
+
 void HttpConnection::settle(bool whole, const char* exceeded)
 {
     m_silence.stop();
     m_total.stop();
-    HttpAnswer answer{m_question.id, m_heard, 0, {}, exceeded};
+    HttpAnswer answer{m_question.id, m_heard, m_isLate, 0, {}, exceeded};
     if (whole) {
         answer.status = m_parser->status();
         answer.body = m_parser->body();

@@ -18,11 +18,13 @@ struct HttpQuestion {
     qint64 bodyLimit = 0;    ///< bytes
     int totalMs = 0;         ///< for all of it
     bool isStranger = false; ///< nobody says that it is a box
+    bool goesFirst = false;  ///< somebody waits for it
 };
 
 struct HttpAnswer {
     quint64 id = 0;
-    bool heard = false; ///< somebody is there, whatever he said
+    bool heard = false;  ///< somebody is there, whatever he said
+    bool isLate = false; ///< nothing came, or not all of it, in time
     /// 0: not a whole reply in time, or more of it than is wanted.
     int status = 0;
     QByteArray body;
@@ -43,6 +45,7 @@ public:
     /// Only while it is idle.
     void ask(const HttpQuestion& question);
     bool isIdle() const { return !m_parser; }
+    QString host() const { return m_host; }
 
 signals:
     /// The answer to the last question: every question has one.
@@ -54,6 +57,7 @@ private:
     void send();
     void read();
     void lost();
+    void giveUp(const char* exceeded);
     void settle(bool whole, const char* exceeded = nullptr);
 
     const QString m_host;
@@ -66,4 +70,5 @@ private:
     std::unique_ptr<HttpReplyParser> m_parser; ///< while something is asked
     bool m_used = false;  ///< it has answered before, so that its server may just have closed it
     bool m_heard = false; ///< something of this answer has arrived
+    bool m_isLate = false;
 };

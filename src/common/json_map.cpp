@@ -11,6 +11,8 @@ namespace
 
 /// Qt reads nothing deeper.
 constexpr int deepest = 1024;
+/// So many plain values of a list cost as much as a name.
+constexpr int valuesOfPart = 100;
 
 /// An object or a list that is open, and the names in it.
 struct Level {
@@ -48,12 +50,15 @@ bool takeName(Level& level)
 }
 
 /// Of two values with the same name in one object Qt 5 drops one; a list or an object is never
-/// freed then, so that a box could fill the memory. As far as the text is JSON this reads it as Qt
-/// does; behind the first fault Qt reads nothing.
-bool losesMemory(const QByteArray& json)
+/// freed then, so that a box could fill the memory. And names are sorted, which takes long if there
+/// are more than `mostParts`. As far as the text is JSON this reads it as Qt does; behind the first
+/// fault Qt reads nothing.
+bool costsTooMuch(const QByteArray& json, int mostParts)
 {
     QVector<Level> levels(1);
     bool isName = false;
+    int parts = 0;
+    qint64 values = 0;
     for (int at = 0; at < json.size(); ++at) {
         const char c = json.at(at);
         Level& level = levels.last();
@@ -64,10 +69,10 @@ bool losesMemory(const QByteArray& json)
             at = end;
         } else if (c == ':' && level.isObject) {
             isName = false;
-            if (takeName(level))
+            if (++parts > mostParts || takeName(level))
                 return true;
         } else if (c == '{' || c == '[') {
-            if (level.isRepeated || levels.size() > deepest)
+            if (++parts > mostParts || level.isRepeated || levels.size() > deepest)
                 return true;
             if (level.isObject)
                 level.hasParts[level.name] = true;
@@ -77,6 +82,8 @@ bool losesMemory(const QByteArray& json)
         } else if ((c == '}' || c == ']') && levels.size() > 1) {
             levels.removeLast();
         } else if (c == ',') {
+            if (++values / valuesOfPart > mostParts)
+                return true;
             isName = level.isObject;
         }
     }
@@ -85,9 +92,9 @@ bool losesMemory(const QByteArray& json)
 
 } // namespace
 
-std::optional<QJsonObject> jsonObject(const QByteArray& utf8)
+std::optional<QJsonObject> jsonObject(const QByteArray& utf8, int mostParts)
 {
-    if (losesMemory(utf8))
+    if (costsTooMuch(utf8, mostParts))
         return std::nullopt;
     const QJsonDocument document = QJsonDocument::fromJson(utf8);
     return document.isObject() ? std::make_optional(document.object()) : std::nullopt;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/limits.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QString>
@@ -9,8 +11,9 @@
 #include <optional>
 
 /// The JSON object that somebody has sent; nothing for all other text, broken text included, and
-/// for an object that Qt cannot read without losing memory.
-std::optional<QJsonObject> jsonObject(const QByteArray& utf8);
+/// for an object that Qt cannot read without losing memory, or that has more names, lists and
+/// objects than `mostParts`.
+std::optional<QJsonObject> jsonObject(const QByteArray& utf8, int mostParts = Limits::JsonParts);
 
 /// Decodes a box reply. Anything that is not a JSON object gives an empty map, so that every key
 /// reads empty and the request counts as failed.

@@ -21,6 +21,9 @@ constexpr qint64 ListBodyBytes = 1024 * 1024;
 
 /// Characters of one value of a box; an answer with a longer one is none.
 constexpr int ValueChars = 4096;
+/// Names, and lists and objects, in a reply or message of a box; one with more is none: to sort
+/// them takes the window longer than their bytes tell.
+constexpr int JsonParts = 1000;
 /// Entries of a list of a box, more than it can hold. Of a longer list the first ones are taken.
 constexpr int ListEntries = 5000;
 
@@ -28,13 +31,21 @@ constexpr int ListEntries = 5000;
 constexpr int HttpSilenceMs = 2000;
 /// Milliseconds for a whole request, from when it is sent to its last byte.
 constexpr int HttpTotalMs = 10000;
-/// The same, while the window takes no input until the answer is there.
+/// The same of a stranger.
+constexpr int HttpStrangerMs = 3000;
+/// The same, from the question, while the window takes no input until the answer is there.
 constexpr int HttpBlockingMs = 3000;
 /// Milliseconds for which a connection that nobody uses is kept.
 constexpr int HttpIdleMs = 1000;
 /// Connections to boxes, and to strangers, at a time.
 constexpr int BoxConnections = 96;
-constexpr int StrangerConnections = 48;
+constexpr int StrangerConnections = 72;
+/// Of a hundred of these, the most that those hold together who last let us wait, until they have
+/// answered in time so often.
+constexpr int LatePercent = 60;
+constexpr int AnswersInTime = 3;
+/// Connections besides, for what somebody waits for.
+constexpr int FirstConnections = 8;
 
 /// Bytes of a message of an event feed, and of a piece of one.
 constexpr int FeedMessageBytes = 64 * 1024;

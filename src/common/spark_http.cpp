@@ -80,6 +80,8 @@ QString Spark_Http::get(const QString& type, const QString& url, bool isblocking
     QEventLoop loop;
     request.loop = &loop;
     enqueue(request);
+    // Also when what was sent before it holds all of its server's connections.
+    QTimer::singleShot(Limits::HttpBlockingMs, &loop, &QEventLoop::quit);
     loop.exec(QEventLoop::ExcludeUserInputEvents);
     return loop.property("body").toString();
 }
@@ -91,9 +93,15 @@ QString Spark_Http::getFirst(const QString& type, const QString& url)
     return id;
 }
 
-/// True when `request` need not wait in a place of its own.
+/// True when `request` need not wait in a place of its own. Strangers are asked one thing once.
 bool Spark_Http::joinWaiting(Server& server, const Request& request)
 {
+    for (Request& sent : server.sent) {
+        if (request.peer != Peer::Stranger || sent.type != request.type || sent.url != request.url)
+            continue;
+        sent.ids << request.ids;
+        return true;
+    }
     for (Request& waiting : server.waiting) {
         if (waiting.isblocking || waiting.type != request.type || waiting.url != request.url)
             continue;
@@ -139,7 +147,9 @@ void Spark_Http::sendNext(const QString& serverKey)
 {
     Server& server = m_servers[serverKey];
     // Fewer while it does not answer, so that it has six tries in all to show that it is there.
-    while (server.sent.size() + server.unanswered < MostAtOnce && !server.waiting.isEmpty()) {
+    // What somebody waits for does not wait for them.
+    const auto most = [&server] { return MostAtOnce + (server.waiting.first().goesFirst ? 1 : 0); };
+    while (!server.waiting.isEmpty() && server.sent.size() + server.unanswered < most()) {
         const Request request = server.waiting.takeFirst();
         if (!request.isblocking || request.loop)
             send(server, request);
@@ -165,8 +175,13 @@ void Spark_Http::send(Server& server, const Request& request)
     question.target =
         url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
     question.bodyLimit = bodyLimit(request.url, request.peer);
-    question.totalMs = request.isblocking ? Limits::HttpBlockingMs : Limits::HttpTotalMs;
     question.isStranger = request.peer == Peer::Stranger;
+    question.goesFirst = request.goesFirst;
+    question.totalMs = Limits::HttpTotalMs;
+    if (request.isblocking)
+        question.totalMs = Limits::HttpBlockingMs;
+    else if (question.isStranger)
+        question.totalMs = Limits::HttpStrangerMs;
     m_network.ask(question);
 }
 

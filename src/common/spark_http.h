@@ -32,7 +32,8 @@ public:
     static constexpr int TransferLimitMs = Limits::HttpSilenceMs;
     /// Of a whole request, in milliseconds.
     static constexpr int RequestLimitMs = Limits::HttpTotalMs;
-    /// The most requests that one server is sent at a time, each over a connection of its own.
+    /// The most requests that one server is sent at a time, each over a connection of its own; one
+    /// more for what somebody waits for.
     static constexpr int MostAtOnce = 6;
     /// The most that wait for one server; what comes on top fails at once.
     static constexpr int MostWaiting = 400;

@@ -22,6 +22,8 @@ const char* const textColour = "#e8eaed";
 const char* const dimTextColour = "#a9b0b8";
 
 constexpr int markWidth = 4;
+/// Characters of a text; somebody may have made it of thousands, in letters of many fonts.
+constexpr int mostShown = 512;
 
 QColor colour(const char* name)
 {
@@ -134,8 +136,8 @@ void TreeDelegate::paintText(QPainter& painter, const RowZones& zones, const Ite
 {
     const auto draw = [&painter](const QRect& rect, const char* name, const QString& text) {
         // One line, whatever a box sends: line ends would push the text out of the row.
-        const QString line =
-            painter.fontMetrics().elidedText(text.simplified(), Qt::ElideRight, rect.width());
+        const QString line = painter.fontMetrics().elidedText(text.simplified().left(mostShown),
+                                                              Qt::ElideRight, rect.width());
         painter.setPen(colour(name));
         painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, line);
     };

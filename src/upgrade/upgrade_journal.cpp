@@ -8,6 +8,8 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 
+#include <climits>
+
 namespace
 {
 
@@ -124,7 +126,8 @@ QVector<UpgradeSession> UpgradeJournal::readAll()
             continue;
         UpgradeSession session;
         QString problem;
-        const QJsonObject json = jsonObject(file.readAll()).value_or(QJsonObject());
+        constexpr int mostParts = INT_MAX; // its size is bounded, and this is no thread of a window
+        const QJsonObject json = jsonObject(file.readAll(), mostParts).value_or(QJsonObject());
         if (!UpgradeSession::fromJson(json, &session, &problem))
             // Left alone: a newer version of the program may have written it.
             qWarning("journal %s is not read: %s", qPrintable(info.fileName()),

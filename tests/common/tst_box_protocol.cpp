@@ -115,6 +115,13 @@ private slots:
             "success");
         row("signs in texts", "{\"a\":[],\"b\":\"\\\",\\\"a\\\":[\",\"status\":\"success\"}",
             "success");
+        const auto names = [](int count) {
+            return "{\"status\":\"success\"" + QString(",\"\\u0061\":1").repeated(count - 1) + '}';
+        };
+        row("many names", names(Limits::JsonParts - 1), "success");
+        row("more names", names(Limits::JsonParts), "");
+        row("endless list",
+            "{\"status\":\"success\",\"a\":[" + QString("0,").repeated(200000) + "0]}", "");
         row("too deep", QString(2000, '[') + QString(2000, ']'), "");
         row("empty", "", "");
         row("error page", "<html>404</html>", "");

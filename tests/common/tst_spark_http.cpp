@@ -15,9 +15,11 @@
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <array>
 #include <memory>
 
 namespace
@@ -70,6 +72,8 @@ private slots:
     void drippingRepliesEnd();
     void longValuesAreNone_data();
     void longValuesAreNone();
+    void othersDoNotHoldUpAnAnswer_data();
+    void othersDoNotHoldUpAnAnswer();
     void slowReadsAllArrive();
     void whatWaitsIsAskedOnce();
     void blockingReadEndsByItself();
@@ -247,6 +251,46 @@ void tst_SparkHttp::longValuesAreNone()
     QCOMPARE(result.exceeded != nullptr, isOver);
 }
 
+void tst_SparkHttp::othersDoNotHoldUpAnAnswer_data()
+{
+    columns<bool>("areStrangers");
+    row("boxes", false);
+    row("strangers", true);
+}
+/// A hundred take every connection there is and say nothing.
+void tst_SparkHttp::othersDoNotHoldUpAnAnswer()
+{
+    QFETCH(bool, areStrangers);
+    const auto peer = areStrangers ? Spark_Http::Peer::Stranger : Spark_Http::Peer::Box;
+    constexpr int others = 100;
+    constexpr int each = 2;
+    std::array<QTcpServer, others> servers;
+    for (int n = 0; n < others; ++n) {
+        const QString ip = TEST_BLOCK "." + QString::number(100 + n);
+        QVERIFY(servers[size_t(n)].listen(QHostAddress(ip), 8081));
+        for (int k = 0; k < each; ++k)
+            m_http->get("x", BoxProtocol::readUrl(ip, QString::number(k)), false, peer);
+    }
+    QSignalSpy answers(m_http, &Spark_Http::S_finished);
+    Stopwatch clock;
+    const QString id = m_http->get("x", read("eParam_DeviceName"), false, peer);
+    const auto body = [&] {
+        for (const auto& answer : answers) {
+            const QVariantMap map = answer.first().toMap();
+            if (map.value("id") == id)
+                return map.value("body").toString();
+        }
+        return QString();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(body().contains("value"), 30000);
+    VERIFY_BELOW(clock.elapsed(), Limits::HttpSilenceMs + 1500);
+    // What somebody waits for needs no connection of theirs at all.
+    clock.start();
+    QVERIFY(m_http->get("x", read("eParam_FirmVersion"), true).contains("value"));
+    VERIFY_BELOW(clock.elapsed(), 500);
+    QTRY_COMPARE_WITH_TIMEOUT(answers.size(), others * each + 1, 60000);
+}
+
 /// More reads than HTTP allows connections: the time in which one waits for its turn is not the
 /// box's.
 void tst_SparkHttp::slowReadsAllArrive()
@@ -290,6 +334,14 @@ void tst_SparkHttp::blockingReadEndsByItself()
     Stopwatch clock;
     QCOMPARE(m_http->get("x", read("eParam_DeviceName"), true), QString());
     VERIFY_BELOW(clock.elapsed(), Spark_Http::TransferLimitMs + 1500);
+    // Nor for what was sent before it and holds all connections of its box.
+    QSignalSpy answers(m_http, &Spark_Http::S_finished);
+    for (int n = 0; n < Spark_Http::MostAtOnce; ++n)
+        m_http->get("x", read(QString::number(n)), false);
+    clock.start();
+    QCOMPARE(m_http->get("x", read("eParam_DeviceName"), true), QString());
+    VERIFY_BELOW(clock.elapsed(), Limits::HttpBlockingMs + 500);
+    QTRY_COMPARE_WITH_TIMEOUT(answers.size(), Spark_Http::MostAtOnce, 5000);
 }
 
 void tst_SparkHttp::blockingReadsMayNest()

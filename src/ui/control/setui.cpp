@@ -13,6 +13,8 @@ namespace
 {
 
 const QString requestType = QStringLiteral("refresh");
+/// Characters of names of which it is looked how many lines they take; the others get one line.
+constexpr int mostMeasured = 10000;
 
 } // namespace
 
@@ -100,7 +102,14 @@ void setui::showSources(const QStringList& names)
         table->setItem(row, 0, new QTableWidgetItem(names.at(row)));
         table->item(row, 0)->setToolTip(names.at(row).toHtmlEscaped());
     }
-    table->resizeRowsToContents();
+    // Thousands, in letters of many fonts, would take the window the better part of a second.
+    int measured = 0;
+    for (int row = 0; row < names.size(); ++row) {
+        measured += names.at(row).size();
+        if (measured > mostMeasured)
+            break;
+        table->resizeRowToContents(row);
+    }
     const int again = chosen.isEmpty() ? -1 : names.indexOf(chosen);
     table->setCurrentCell(again, again < 0 ? -1 : 0);
     m_ui->no_sources->setVisible(names.isEmpty());

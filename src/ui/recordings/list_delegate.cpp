@@ -123,10 +123,17 @@ void ListDelegate::paintIcon(QPainter& painter, const QRect& rect, const QString
 void ListDelegate::paintName(QPainter& painter, const QRect& rect, const QString& name)
 {
     const QFontMetrics metrics = painter.fontMetrics();
-    const QString text = name.simplified();
+    // Somebody may have made it of thousands of characters that have no width.
+    constexpr int mostShown = 256;
+    QString text = name.simplified();
+    if (text.size() > mostShown)
+        text = text.left(mostShown / 2) + QChar(0x2026) + text.right(mostShown / 2);
     int fitting = 0;
-    while (fitting < text.size() && metrics.horizontalAdvance(text, fitting + 1) <= rect.width())
-        ++fitting;
+    for (int more = mostShown; more > 0; more /= 2) {
+        const int longer = fitting + more;
+        if (longer <= text.size() && metrics.horizontalAdvance(text, longer) <= rect.width())
+            fitting = longer;
+    }
     QRect line(rect.left(), rect.top(), rect.width(), metrics.height());
     painter.drawText(line, Qt::AlignCenter | Qt::TextSingleLine, text.left(fitting));
     line.moveTop(line.top() + metrics.height());

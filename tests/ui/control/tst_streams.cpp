@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "common/limits.h"
 #include "tests/support/files.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 #include "tests/support/window_fixture.h"
 #include "ui/control/setui.h"
 
 #include <QLineEdit>
 #include <QTableWidget>
+#include <QTimer>
 
 /// The control area: decoding a source and streaming live.
 class tst_Streams : public QObject, WindowFixture
@@ -141,11 +143,24 @@ void tst_Streams::sourceListIsKept()
 void tst_Streams::slowAndLongListsAreHarmless()
 {
     QStringList many;
+    QString letters; // of many scripts, each of which costs a font
+    for (int n = 0; n < 50; ++n)
+        letters += QChar(0x600 + n * 7);
     for (int n = 0; n < 5005; ++n)
-        many << QString("STUDIO (Camera with a name of its own %1): 1.2.3.4:5").arg(n);
+        many << QString("STUDIO (Camera %1 %2): 1.2.3.4:5").arg(n).arg(letters);
     m_box->setDecodeSources(many);
     withDialog("pushButton_hxdec_on", [&](setui& dialog) {
         QCOMPARE(sources(dialog)->rowCount(), Limits::ListEntries);
+        Stopwatch sinceBeat;
+        qint64 longest = 0;
+        QTimer beat;
+        connect(&beat, &QTimer::timeout, this,
+                [&] { longest = qMax(longest, sinceBeat.restart()); });
+        beat.start(5);
+        press(dialog, "dec_refresh");
+        QTRY_VERIFY(dialog.findChild<QWidget*>("dec_refresh")->isEnabled());
+        QTest::qWait(50);
+        VERIFY_BELOW(longest, 200);
         QVERIFY(m_box->addFault("throttle 1 on eParam_NDIDecodeList"));
         press(dialog, "dec_refresh");
         QVERIFY(!dialog.findChild<QWidget*>("dec_refresh")->isEnabled());

@@ -19,6 +19,7 @@ private slots:
     void init() { forgetRecordings(); }
     void cleanup() { stopPlaying(); }
     void onlyVideosAreListed();
+    void namesAreShownInTime();
     void otherBoxClearsTheList();
     void hostileNamesAreShownPlain();
     void nothingSelectedPlaysNothing();
@@ -56,6 +57,18 @@ void tst_Recordings::onlyVideosAreListed()
     QCOMPARE(first.address(), ip(7));
     QVERIFY(!first.property("ispaly").toBool() && !first.isGroup());
     QCOMPARE(list()->item(0)->toolTip(), QString("a.MP4"));
+}
+
+/// Of characters that take no room a line could hold any number.
+void tst_Recordings::namesAreShownInTime()
+{
+    for (int n = 0; n < 20; ++n)
+        m_box->addRecording(QString::number(n) + QString(3900, QChar(0x200b)) + ".mp4", "x");
+    clickRow(7);
+    QTRY_COMPARE(list()->count(), 20);
+    Stopwatch clock;
+    list()->grab();
+    VERIFY_BELOW(clock.elapsed(), 500);
 }
 
 void tst_Recordings::otherBoxClearsTheList()
