@@ -84,6 +84,10 @@ constexpr qint64 PicturePixels = 8192 * 4608;
 constexpr std::size_t MediaBlockBytes = 160 * 1024 * 1024;
 constexpr std::size_t MediaProbeBytes = 80 * 1024 * 1024;
 constexpr std::size_t MediaSessionBytes = 256 * 1024;
+/// Bytes by which this process may grow while the player reads what a source says of itself, and
+/// while it plays: all those pieces together, the pictures that a film refers back to among them.
+constexpr qint64 MediaHeaderBytes = 256 * 1024 * 1024;
+constexpr qint64 MediaStoreBytes = qint64(1536) * 1024 * 1024;
 /// Samples in a piece of sound.
 constexpr int SoundSamples = 262144;
 /// Streams of a source: each one that is claimed costs a decoder.
