@@ -4,7 +4,7 @@
 #include "common/http_reply_parser.h"
 
 #include <QObject>
-#include <QTcpSocket>
+#include <QSslSocket>
 #include <QTimer>
 
 #include <memory>
@@ -14,6 +14,8 @@ struct HttpQuestion {
     quint64 id = 0;
     QString host;
     quint16 port = 80;
+    bool isSecure = false;   ///< over TLS
+    bool isProven = false;   ///< then: only of whom its certificate proves to be this host
     QByteArray target;       ///< path and query, encoded
     qint64 bodyLimit = 0;    ///< bytes
     int totalMs = 0;         ///< for all of it
@@ -38,7 +40,8 @@ class HttpConnection : public QObject
     Q_OBJECT
 
 public:
-    HttpConnection(QString host, quint16 port, QObject* parent);
+    /// To the server of which `first` will be asked.
+    HttpConnection(const HttpQuestion& first, QObject* parent);
 
     /// Only while it is idle.
     void ask(const HttpQuestion& question);
@@ -51,18 +54,18 @@ signals:
     void ended();
 
 private:
+    void setUpTls(QSslSocket* socket);
+    void connectSocket();
     void send();
     void read();
     void lost();
     void settle(bool whole, const char* exceeded = nullptr);
 
-    const QString m_host;
-    const quint16 m_port;
-    QTcpSocket m_socket;
+    std::unique_ptr<QTcpSocket> m_socket;
     QTimer m_silence;
     QTimer m_total;
     QTimer m_idle;
-    HttpQuestion m_question;
+    HttpQuestion m_question;                   ///< the last one
     std::unique_ptr<HttpReplyParser> m_parser; ///< while something is asked
     bool m_used = false;  ///< it has answered before, so that its server may just have closed it
     bool m_heard = false; ///< something of this answer has arrived

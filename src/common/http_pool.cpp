@@ -3,7 +3,10 @@
 
 QString HttpPool::serverOf(const HttpQuestion& question)
 {
-    return question.host + QLatin1Char(':') + QString::number(question.port);
+    const QString way = question.isProven   ? QStringLiteral("proven ")
+                        : question.isSecure ? QStringLiteral("secure ")
+                                            : QString();
+    return way + question.host + QLatin1Char(':') + QString::number(question.port);
 }
 
 HttpConnection* HttpPool::idleOne(const QString& server) const
@@ -49,7 +52,7 @@ void HttpPool::serve()
 
 void HttpPool::open(const QString& server, const HttpQuestion& question)
 {
-    auto* connection = new HttpConnection(question.host, question.port, this);
+    auto* connection = new HttpConnection(question, this);
     m_connections.insert(server, connection);
     connect(connection, &HttpConnection::answered, this, [this](const HttpAnswer& answer) {
         emit answered(answer);
