@@ -14,6 +14,17 @@ constexpr const char* totalLimit = "milliseconds of a whole request";
 
 } // namespace
 
+HttpQuestion HttpQuestion::of(const QUrl& url)
+{
+    HttpQuestion question;
+    question.host = url.host();
+    question.isSecure = url.scheme() == QLatin1String("https");
+    question.port = quint16(url.port(question.isSecure ? 443 : 80));
+    question.target =
+        url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
+    return question;
+}
+
 HttpConnection::HttpConnection(const HttpQuestion& first, QObject* parent)
     : QObject(parent), m_question(first)
 {
@@ -60,11 +71,14 @@ void HttpConnection::connectSocket()
 void HttpConnection::ask(const HttpQuestion& question)
 {
     m_question = question;
-    m_parser = std::make_unique<HttpReplyParser>(question.bodyLimit);
+    m_parser = std::make_unique<HttpReplyParser>(question.bodyLimit, question.sink);
+    if (question.isHead)
+        m_parser->expectNoBody();
     m_heard = false;
     m_idle.stop();
-    m_silence.start(Limits::HttpSilenceMs);
-    m_total.start(question.totalMs);
+    m_silence.start(m_question.silenceMs);
+    if (question.totalMs > 0)
+        m_total.start(question.totalMs);
     if (m_socket->state() == QAbstractSocket::ConnectedState)
         send();
     else
@@ -78,7 +92,8 @@ void HttpConnection::send()
     QByteArray host = m_question.host.toLatin1();
     if (m_question.port != (m_question.isSecure ? 443 : 80))
         host += ':' + QByteArray::number(m_question.port);
-    m_socket->write("GET " + m_question.target + " HTTP/1.1\r\nHost: " + host +
+    m_socket->write((m_question.isHead ? "HEAD " : "GET ") + m_question.target +
+                    " HTTP/1.1\r\nHost: " + host +
                     "\r\nContent-Type: application/xhtml+xml;chatset=utf-8"
                     "\r\nConnection: " +
                     (m_question.isStranger ? "close" : "keep-alive") +
@@ -91,7 +106,7 @@ void HttpConnection::read()
 {
     while (m_parser && m_socket->bytesAvailable() > 0) {
         m_heard = true;
-        m_silence.start(Limits::HttpSilenceMs);
+        m_silence.start(m_question.silenceMs);
         const HttpReplyParser::State state = m_parser->feed(m_socket->read(pieceBytes));
         if (state != HttpReplyParser::State::Reading)
             settle(state == HttpReplyParser::State::Done, m_parser->exceeded());
@@ -123,10 +138,11 @@ void HttpConnection::settle(bool whole, const char* exceeded)
 {
     m_silence.stop();
     m_total.stop();
-    HttpAnswer answer{m_question.id, m_heard, 0, {}, exceeded};
+    HttpAnswer answer{m_question.id, m_heard, 0, {}, {}, exceeded};
     if (whole) {
         answer.status = m_parser->status();
         answer.body = m_parser->body();
+        answer.disposition = m_parser->disposition();
     }
     const bool keeps = whole && m_parser->keepsAlive() && !m_question.isStranger;
     m_parser.reset();

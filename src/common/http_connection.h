@@ -2,24 +2,32 @@
 #pragma once
 
 #include "common/http_reply_parser.h"
+#include "common/limits.h"
 
 #include <QObject>
 #include <QSslSocket>
 #include <QTimer>
+#include <QUrl>
 
 #include <memory>
 
-/// One thing to be asked of a server by GET.
+/// One thing to be asked of a server.
 struct HttpQuestion {
+    /// That for `url`, which is already encoded.
+    static HttpQuestion of(const QUrl& url);
+
     quint64 id = 0;
     QString host;
     quint16 port = 80;
-    bool isSecure = false;   ///< over TLS
-    bool isProven = false;   ///< then: only of whom its certificate proves to be this host
-    QByteArray target;       ///< path and query, encoded
-    qint64 bodyLimit = 0;    ///< bytes
-    int totalMs = 0;         ///< for all of it
-    bool isStranger = false; ///< nobody says that it is a box
+    bool isSecure = false; ///< over TLS
+    bool isProven = false; ///< then: only of whom its certificate proves to be this host
+    QByteArray target;     ///< path and query, encoded
+    qint64 bodyLimit = 0;  ///< bytes
+    int totalMs = 0;       ///< for all of it; 0: as long as it goes on
+    int silenceMs = Limits::HttpSilenceMs;
+    bool isHead = false;        ///< only what stands before the body is asked for
+    HttpReplyParser::Sink sink; ///< takes the body, in the connection's thread
+    bool isStranger = false;    ///< nobody says that it is a box
 };
 
 struct HttpAnswer {
@@ -28,6 +36,7 @@ struct HttpAnswer {
     /// 0: not a whole reply in time, or more of it than is wanted.
     int status = 0;
     QByteArray body;
+    QByteArray disposition; ///< what the server says of the body's name
     /// Which limit it went over, in plain words; null when none.
     const char* exceeded = nullptr;
 };

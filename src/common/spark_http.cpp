@@ -148,14 +148,9 @@ void Spark_Http::send(Server& server, const Request& request)
     const QUrl url = urlOf(request.url);
     server.sent.insert(number, request);
     m_numbers.insert(number, serverKey(url));
-    HttpQuestion question;
+    HttpQuestion question = HttpQuestion::of(url);
     question.id = number;
-    question.host = url.host();
-    question.isSecure = url.scheme() == QLatin1String("https");
     question.isProven = question.isSecure && request.peer == Peer::Server;
-    question.port = quint16(url.port(question.isSecure ? 443 : 80));
-    question.target =
-        url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
     question.bodyLimit = bodyLimit(request.url, request.peer);
     question.totalMs = request.isblocking ? Limits::HttpBlockingMs : Limits::HttpTotalMs;
     question.isStranger = request.peer == Peer::Stranger;

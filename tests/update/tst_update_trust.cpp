@@ -71,6 +71,37 @@ private slots:
         VERIFY_BELOW(longest, 100);
     }
 
+    /// Nothing that a server says before a package fills the memory or holds up the end.
+    void packagesHaveTheUsualLimits()
+    {
+        class Server : public ScriptedServer
+        {
+        public:
+            using ScriptedServer::ScriptedServer;
+
+        protected:
+            QByteArray replyTo(const QByteArray& request) override
+            {
+                return request.startsWith("GET /wp-")
+                           ? ScriptedServer::replyTo(request)
+                           : "HTTP/1.1 200 OK\r\n" +
+                                 QByteArray("Set-Cookie: a=b; Path=/\r\n").repeated(20000) +
+                                 "\r\nx";
+            }
+        } server(TEST_BLOCK ".1", {}, ScriptedServer::Closes);
+        m_url = server.url("http", "").chopped(1);
+        server.setReply(httpReply(
+            "application/json",
+            QString(R"({"updates":{"MD5":"%1","download-url":"%2","windows":{"latest-version":)"
+                    R"("2.0.0","download-url":"%2"}}})")
+                .arg(md5Of("x"), m_url + "/a.exe")
+                .toUtf8()));
+        check();
+        QCOMPARE(m_installers.size(), 0);
+        QCOMPARE(m_packages, QStringList());
+        QCOMPARE(server.asked(), 4);
+    }
+
     void signatures_data()
     {
         using Lie = sim::UpdateServer::Lie;
