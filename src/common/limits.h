@@ -73,6 +73,9 @@ constexpr qint64 LogFolderBytes = 1024 * 1024 * 1024;
 /// Bytes, or parts in a hundred of a small disk, that the log leaves free.
 constexpr qint64 LogReserveBytes = 200 * 1024 * 1024;
 constexpr int LogReservePercent = 2;
+/// Bytes of a disk that the download of a recording leaves free, unless what is left to come takes
+/// less than half of what there is.
+constexpr qint64 DownloadReserveBytes = 256 * 1024 * 1024;
 /// Addresses of strangers whose first answers are logged, once each.
 constexpr int StrangersLogged = 8192;
 
