@@ -137,8 +137,15 @@ private slots:
         expectPage([](QDialog& dialog) { dialog.accept(); });
         QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
         expectPage([](QDialog& dialog) { dialog.reject(); });
+        // A window that nobody sees may not go on to the next box.
+        const ScriptedServer next(m_lan->ip(otherBox), httpReply("text/html", "x"),
+                                  ScriptedServer::Closes);
+        evaluate("w = open(''); w.eval(\"setInterval(() => fetch('" + next.url("http") +
+                 "', {mode: 'no-cors', method: 'POST'}), 50)\"); 0");
         selectAndWait(otherBox);
         QVERIFY(!m_answers->isDone());
+        QTest::qWait(300);
+        QCOMPARE(next.taken(), 0);
 
         view()->page()->runJavaScript("while (true);");
         const qint64 process = view()->page()->renderProcessPid();

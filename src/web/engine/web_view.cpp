@@ -101,6 +101,10 @@ void WebView::makePage()
         return;
     before->disconnect(this);
     before->retire();
+    // It was opened by that page, and would go on after it.
+    if (m_popup)
+        m_popup->deleteLater();
+    m_popup.clear();
 }
 
 void WebView::applySettings()
