@@ -103,6 +103,10 @@ constexpr qint64 PlaylistsBytes = 1024 * 1024;
 /// Dialogs of a page's scripts in one visit, and other hosts that the operator is asked about.
 constexpr int PageDialogs = 8;
 constexpr int PageHostQuestions = 5;
+/// Characters that a page's scripts may write to a console in a second, and what each message
+/// counts besides: nobody reads them, but the window's thread takes each.
+constexpr qint64 PageConsoleChars = 4 * 1024 * 1024;
+constexpr int PageConsoleMessage = 1000;
 /// Bytes of pages that are kept, in memory, to be shown again.
 constexpr int PageCacheBytes = 32 * 1024 * 1024;
 /// Bytes of memory by which this process may grow while a page is shown, and that the page's own

@@ -128,6 +128,14 @@ private slots:
         QCOMPARE(title(), QString("Dashboard"));
     }
 
+    void closesAPageThatFloods()
+    {
+        selectAndWait(box);
+        view()->page()->runJavaScript("for (;;) console.log('x'.repeat(1e6));");
+        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("网页已关闭。"), 3000);
+        QTRY_VERIFY(notice()->isVisible());
+    }
+
     void leavesAPageThatHoldsOn()
     {
         selectAndWait(box);
