@@ -7,7 +7,10 @@
 
 QString HttpPool::serverOf(const HttpQuestion& question)
 {
-    return question.host + QLatin1Char(':') + QString::number(question.port);
+    const QString way = question.isProven   ? QStringLiteral("proven ")
+                        : question.isSecure ? QStringLiteral("secure ")
+                                            : QString();
+    return way + question.host + QLatin1Char(':') + QString::number(question.port);
 }
 
 HttpConnection* HttpPool::idleOne(const QString& server) const
@@ -132,7 +135,7 @@ bool HttpPool::serveHead(QQueue<HttpQuestion>& waiting, int most)
 
 void HttpPool::open(const QString& server, const HttpQuestion& question)
 {
-    auto* connection = new HttpConnection(question.host, question.port, this);
+    auto* connection = new HttpConnection(question, this);
     m_connections.insert(server, connection);
     const auto take = [this, host = question.host](const HttpAnswer& answer) {
         noteTime(host, answer.isLate);

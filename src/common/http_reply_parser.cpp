@@ -61,11 +61,17 @@ qint64 HttpReplyParser::takeBody(const QByteArray& data, qint64 from)
 {
     const qint64 there = data.size() - from;
     const qint64 mine = m_part == Part::UntilClose ? there : qMin(there, m_length);
-    if (m_body.size() + mine > m_bodyLimit) {
+    m_bodyBytes += mine;
+    if (m_bodyBytes > m_bodyLimit) {
         failOver(bodyBytesLimit);
         return from;
     }
-    m_body += data.mid(int(from), int(mine));
+    if (!m_sink)
+        m_body += data.mid(int(from), int(mine));
+    else if (!m_sink(data.mid(int(from), int(mine))))
+        fail();
+    if (m_state == State::Failed)
+        return from + mine;
     if (m_part == Part::UntilClose)
         return from + mine;
     m_length -= mine;
@@ -135,6 +141,8 @@ void HttpReplyParser::readHeader()
         m_keepsAlive = false;
     else if (name == "connection" && value.toLower() == "keep-alive")
         m_keepsAlive = true;
+    else if (name == "content-disposition")
+        m_disposition = value;
     else if (name == "content-encoding" && value.toLower() != "identity")
         fail(); // nobody asked for it, and nobody unpacks it
 }
@@ -157,10 +165,13 @@ void HttpReplyParser::readChunkSize()
         fail();
         return;
     }
-    if (size > m_bodyLimit - m_body.size()) {
+    if (size > m_bodyLimit - m_bodyBytes) {
         failOver(bodyBytesLimit);
         return;
     }
+    // A long body has many of them, which nobody keeps.
+    if (m_sink)
+        m_headBytes = 0;
     m_length = size;
     m_part = size == 0 ? Part::Trailers : Part::Chunk;
 }
@@ -174,7 +185,8 @@ void HttpReplyParser::beginBody()
         m_chunked = false;
         return;
     }
-    const bool isEmpty = m_status == 204 || m_status == 304 || (!m_chunked && m_length == 0);
+    const bool isEmpty =
+        m_hasNoBody || m_status == 204 || m_status == 304 || (!m_chunked && m_length == 0);
     if (isEmpty) {
         m_state = State::Done;
     } else if (m_chunked) {

@@ -89,6 +89,9 @@ constexpr qint64 LogFolderBytes = 1024 * 1024 * 1024;
 /// Bytes, or parts in a hundred of a small disk, that the log leaves free.
 constexpr qint64 LogReserveBytes = 200 * 1024 * 1024;
 constexpr int LogReservePercent = 2;
+/// Bytes of a disk that the download of a recording leaves free, unless what is left to come takes
+/// less than half of what there is.
+constexpr qint64 DownloadReserveBytes = 256 * 1024 * 1024;
 /// Addresses of strangers whose first answers are logged, once each.
 constexpr int StrangersLogged = 8192;
 
@@ -100,6 +103,10 @@ constexpr qint64 PicturePixels = 8192 * 4608;
 constexpr std::size_t MediaBlockBytes = 160 * 1024 * 1024;
 constexpr std::size_t MediaProbeBytes = 80 * 1024 * 1024;
 constexpr std::size_t MediaSessionBytes = 256 * 1024;
+/// Bytes by which this process may grow while the player reads what a source says of itself, and
+/// while it plays: all those pieces together, the pictures that a film refers back to among them.
+constexpr qint64 MediaHeaderBytes = 256 * 1024 * 1024;
+constexpr qint64 MediaStoreBytes = qint64(1536) * 1024 * 1024;
 /// Samples in a piece of sound.
 constexpr int SoundSamples = 262144;
 /// Streams of a source: each one that is claimed costs a decoder.
@@ -112,6 +119,10 @@ constexpr qint64 PlaylistsBytes = 1024 * 1024;
 /// Dialogs of a page's scripts in one visit, and other hosts that the operator is asked about.
 constexpr int PageDialogs = 8;
 constexpr int PageHostQuestions = 5;
+/// Characters that a page's scripts may write to a console in a second, and what each message
+/// counts besides: nobody reads them, but the window's thread takes each.
+constexpr qint64 PageConsoleChars = 4 * 1024 * 1024;
+constexpr int PageConsoleMessage = 1000;
 /// Bytes of pages that are kept, in memory, to be shown again.
 constexpr int PageCacheBytes = 32 * 1024 * 1024;
 /// Bytes of memory by which this process may grow while a page is shown, and that the page's own

@@ -2,6 +2,8 @@
 #include "common/spark_download.h"
 
 #include "common/file_digest.h"
+#include "common/http_connection.h"
+#include "common/limits.h"
 #include "common/safe_name.h"
 #include "crash/crash_handler.h"
 
@@ -9,12 +11,12 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QSaveFile>
 #include <QStorageInfo>
 #include <QThread>
 #include <QUrl>
+
+#include <optional>
 
 namespace
 {
@@ -23,77 +25,41 @@ namespace
 /// has gone.
 constexpr int silenceLimitMs = 60000;
 
-using ReplyPointer = std::unique_ptr<QNetworkReply>;
-
-QNetworkRequest requestFor(const QString& url)
+/// Nothing of a redirect is followed, and a certificate has to prove who sends the file.
+HttpQuestion questionFor(const QString& url)
 {
-    QNetworkRequest request(QUrl::fromEncoded(url.toUtf8(), QUrl::StrictMode));
-    // As it is, so that its length can be compared with the announced one.
-    request.setRawHeader("Accept-Encoding", "identity");
-    return request;
+    HttpQuestion question = HttpQuestion::of(QUrl::fromEncoded(url.toUtf8(), QUrl::StrictMode));
+    question.isProven = question.isSecure;
+    question.silenceMs = silenceLimitMs;
+    return question;
 }
 
-bool isRedirect(const QNetworkReply& reply)
+/// Waits for the answer, unless the thread is told to end; logs when there is none to use. Nobody
+/// else has the connection.
+std::optional<HttpAnswer> ask(const HttpQuestion& question)
 {
-    switch (reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt()) {
-    case 301:
-    case 302:
-    case 303:
-    case 305:
-    case 307:
-    case 308:
-        return true;
-    default:
-        return false;
-    }
-}
-
-/// Waits until `reply` has finished; logs and returns false when there is nothing to keep.
-bool waitForSuccess(QNetworkReply& reply)
-{
+    HttpConnection connection(question, nullptr);
+    std::optional<HttpAnswer> answer;
     QEventLoop loop;
-    QObject::connect(&reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    if (!reply.isFinished())
+    QObject::connect(&connection, &HttpConnection::answered, &loop, [&](const HttpAnswer& told) {
+        answer = told;
+        loop.quit();
+    });
+    connection.ask(question);
+    if (!answer)
         loop.exec();
-    if (!reply.isFinished())
-        return false; // given up
-    if (reply.error() != QNetworkReply::NoError) {
-        qDebug().noquote() << "下载错误 " << reply.url().toEncoded() << reply.errorString();
-        return false;
-    }
-    if (isRedirect(reply)) {
-        qDebug().noquote() << "下载请求 重定向 ";
-        return false;
-    }
-    return true;
-}
-
-/// The length that the server announces, below 0 when it announces none.
-qint64 announcedLength(const QNetworkReply& reply)
-{
-    const QVariant length = reply.header(QNetworkRequest::ContentLengthHeader);
-    return length.isValid() ? length.toLongLong() : -1;
-}
-
-/// A connection that is cut is not always reported as an error.
-bool isWhole(const QNetworkReply& reply, qint64 received)
-{
-    const qint64 announced = announcedLength(reply);
-    if (announced < 0 || announced == received)
-        return true;
-    qDebug().noquote() << "下载不完整 " << received << "/" << announced;
-    return false;
+    if (!answer)
+        return std::nullopt; // given up
+    if (answer->status >= 200 && answer->status <= 299)
+        return answer;
+    qDebug().noquote() << "下载错误 " << question.host << question.target << answer->status
+                       << (answer->exceeded ? answer->exceeded : "");
+    return std::nullopt;
 }
 
 QString hex(const QCryptographicHash& hash)
 {
     return QString::fromLatin1(hash.result().toHex());
-}
-
-/// The name a server offers for a file, empty when it offers none.
-QString offeredName(const QNetworkReply& reply)
-{
-    return nameInDisposition(reply.rawHeader("content-disposition"));
 }
 
 } // namespace
@@ -149,14 +115,13 @@ QString SparkDownload::fetch()
 QString SparkDownload::fetchChecked(const FileDigests& digests, const QString& onlyName)
 {
     QString name;
-    {
-        QNetworkAccessManager manager;
-        manager.setTransferTimeout(silenceLimitMs);
-        const ReplyPointer head(manager.head(requestFor(m_url)));
-        if (!waitForSuccess(*head))
-            return QString();
-        name = offeredName(*head);
-    }
+    HttpQuestion question = questionFor(m_url);
+    question.isHead = true;
+    question.totalMs = Limits::HttpTotalMs;
+    if (const auto answer = ask(question))
+        name = nameInDisposition(answer->disposition);
+    else
+        return QString();
     if (!onlyName.isEmpty() && name != onlyName) {
         qDebug().noquote() << "下载文件名不符 " << name << onlyName;
         return QString();
@@ -203,38 +168,14 @@ bool SparkDownload::fetchInto(const QString& path, const FileDigests& digests)
         qDebug().noquote() << "下载文件打开失败 " << file.errorString() << path;
         return false;
     }
-    const qint64 longest = longestFile();
-    QNetworkAccessManager manager;
-    manager.setTransferTimeout(silenceLimitMs);
-    const ReplyPointer reply(manager.get(requestFor(m_url)));
-    reply->setReadBufferSize(1 << 20);
-    qint64 received = 0;
-    bool fits = true;
-    const auto refuse = [&](const QString& why) {
-        if (fits)
-            qDebug().noquote() << "下载文件过大 " << path << why;
-        fits = false;
-        reply->abort();
+    HttpQuestion question = questionFor(m_url);
+    question.bodyLimit = qMax<qint64>(0, longestFile());
+    question.sink = [&](const QByteArray& piece) {
+        md5.addData(piece);
+        sha256.addData(piece);
+        return file.write(piece) == piece.size();
     };
-    const auto drain = [&] {
-        const QByteArray data = reply->readAll();
-        received += data.size();
-        md5.addData(data);
-        sha256.addData(data);
-        if (received > longest)
-            refuse(QString::number(received));
-        else if (!isRedirect(*reply) && file.write(data) != data.size())
-            refuse(file.errorString());
-    };
-    QObject::connect(reply.get(), &QNetworkReply::metaDataChanged, reply.get(), [&] {
-        if (announcedLength(*reply) > longest)
-            refuse(QString::number(announcedLength(*reply)));
-    });
-    QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), drain);
-    if (!waitForSuccess(*reply))
-        return false;
-    drain();
-    if (!fits || !isWhole(*reply, received) || m_stop)
+    if (!ask(question) || m_stop)
         return false;
     m_sha256 = hex(sha256);
     if ((!digests.md5.isEmpty() && digests.md5 != hex(md5)) ||

@@ -2,16 +2,14 @@
 #include "common/spark_http.h"
 
 #include "common/box_protocol.h"
-#include "common/http_request.h"
 #include "common/http_result.h"
 #include "common/limit_log.h"
 #include "common/operation_log.h"
 #include "common/spark_download.h"
 
 #include <QEventLoop>
-#include <QNetworkReply>
-#include <QSslConfiguration>
 #include <QTimer>
+#include <QUrl>
 #include <QUuid>
 
 #include <functional>
@@ -36,6 +34,12 @@ QString waitFor(SparkDownload& download, const std::function<void()>& start)
     return path;
 }
 
+/// `url` is already encoded.
+QUrl urlOf(const QString& url)
+{
+    return QUrl::fromEncoded(url.toUtf8(), QUrl::StrictMode);
+}
+
 qint64 bodyLimit(const QString& url, Spark_Http::Peer peer)
 {
     if (peer == Spark_Http::Peer::Stranger)
@@ -55,17 +59,7 @@ QString serverKey(const QUrl& url)
 
 Spark_Http::Spark_Http()
 {
-    connect(&m_network, &HttpNetwork::answered, this, &Spark_Http::take);
-}
-
-/// Made for the first request: it starts threads of its own, which the window need not wait for.
-QNetworkAccessManager& Spark_Http::manager()
-{
-    if (!m_manager) {
-        m_manager = new QNetworkAccessManager(this);
-        m_manager->setTransferTimeout(TransferLimitMs);
-    }
-    return *m_manager;
+    connect(&m_network, &HttpNetwork::answered, this, &Spark_Http::R_finished);
 }
 
 QString Spark_Http::get(const QString& type, const QString& url, bool isblocking, Peer peer)
@@ -113,7 +107,7 @@ bool Spark_Http::joinWaiting(Server& server, const Request& request)
 
 void Spark_Http::enqueue(const Request& request)
 {
-    const QString key = serverKey(httpRequest(request.url).url());
+    const QString key = serverKey(urlOf(request.url));
     Server& server = m_servers[key];
     if (request.goesFirst) {
         server.waiting.prepend(request);
@@ -130,7 +124,7 @@ void Spark_Http::enqueue(const Request& request)
 
 void Spark_Http::failSoon(const Request& request)
 {
-    const QString host = httpRequest(request.url).url().host();
+    const QString host = urlOf(request.url).host();
     QTimer::singleShot(0, this, [this, request, host] { answer(request, host, QString(), 0); });
 }
 
@@ -161,19 +155,12 @@ void Spark_Http::sendNext(const QString& serverKey)
 void Spark_Http::send(Server& server, const Request& request)
 {
     const quint64 number = ++m_lastNumber;
-    const QUrl url = httpRequest(request.url).url();
+    const QUrl url = urlOf(request.url);
     server.sent.insert(number, request);
     m_numbers.insert(number, serverKey(url));
-    if (url.scheme() == QLatin1String("https")) {
-        sendSecurely(number, request);
-        return;
-    }
-    HttpQuestion question;
+    HttpQuestion question = HttpQuestion::of(url);
     question.id = number;
-    question.host = url.host();
-    question.port = quint16(url.port(80));
-    question.target =
-        url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
+    question.isProven = question.isSecure && request.peer == Peer::Server;
     question.bodyLimit = bodyLimit(request.url, request.peer);
     question.isStranger = request.peer == Peer::Stranger;
     question.goesFirst = request.goesFirst;
@@ -183,22 +170,6 @@ void Spark_Http::send(Server& server, const Request& request)
     else if (question.isStranger)
         question.totalMs = Limits::HttpStrangerMs;
     m_network.ask(question);
-}
-
-void Spark_Http::sendSecurely(quint64 number, const Request& request)
-{
-    QNetworkRequest question = httpRequest(request.url);
-    if (request.peer == Peer::Server)
-        question.setSslConfiguration(QSslConfiguration::defaultConfiguration());
-    QNetworkReply* reply = manager().get(question);
-    reply->setProperty("number", number);
-    // One that sends a byte now and then is never silent.
-    QTimer::singleShot(RequestLimitMs, reply, &QNetworkReply::abort);
-    connect(reply, &QNetworkReply::finished, this, &Spark_Http::R_finished);
-    connect(reply, &QNetworkReply::readyRead, reply, [reply] {
-        if (reply->bytesAvailable() > Limits::StrangerBodyBytes)
-            reply->abort();
-    });
 }
 
 QString Spark_Http::downloadFile(const QString& url, const QString& savePath)
@@ -214,25 +185,7 @@ QString Spark_Http::downloadFileChecked(const QString& url, const QString& saveP
     return waitFor(download, [&] { download.startChecked({md5, {}}); });
 }
 
-void Spark_Http::R_finished()
-{
-    auto* reply = qobject_cast<QNetworkReply*>(sender());
-    if (!reply)
-        return;
-    reply->deleteLater();
-    HttpAnswer answered;
-    answered.id = reply->property("number").toULongLong();
-    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    answered.heard = status > 0;
-    if (reply->error() == QNetworkReply::NoError &&
-        reply->bytesAvailable() <= Limits::StrangerBodyBytes) {
-        answered.status = status;
-        answered.body = reply->readAll();
-    }
-    take(answered);
-}
-
-void Spark_Http::take(const HttpAnswer& answered)
+void Spark_Http::R_finished(const HttpAnswer& answered)
 {
     const QString body =
         answered.status < firstError ? QString::fromUtf8(answered.body) : QString();
@@ -244,7 +197,7 @@ void Spark_Http::take(const HttpAnswer& answered)
     if (server.unanswered >= MostAtOnce)
         giveUpWaiting(server);
     sendNext(key);
-    const QUrl url = httpRequest(request.url).url();
+    const QUrl url = urlOf(request.url);
     if (answered.exceeded)
         limitReached(url.host(), QString::fromLatin1(answered.exceeded));
     if (!body.isEmpty() && isNews(request, url.host()))

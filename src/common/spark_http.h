@@ -7,7 +7,6 @@
 
 #include <QHash>
 #include <QList>
-#include <QNetworkAccessManager>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -64,12 +63,11 @@ signals:
     void S_finished(QVariantMap map);
 
 private slots:
-    void R_finished();
+    void R_finished(const HttpAnswer& answered);
 
 private:
     friend class UISingleton<Spark_Http>;
     Spark_Http();
-    QNetworkAccessManager& manager();
 
     /// What is asked once for all who wait for it: those with these ids, or the one with a loop.
     struct Request {
@@ -91,8 +89,6 @@ private:
     void enqueue(const Request& request);
     void sendNext(const QString& serverKey);
     void send(Server& server, const Request& request);
-    void sendSecurely(quint64 number, const Request& request);
-    void take(const HttpAnswer& answered);
     bool isNews(const Request& request, const QString& host);
     void log(const Request& request, const QUrl& url, const QString& body) const;
     void giveUpWaiting(Server& server);
@@ -100,7 +96,6 @@ private:
     void answer(const Request& request, const QString& host, const QString& body, int httpStatus);
 
     HttpNetwork m_network;
-    QNetworkAccessManager* m_manager = nullptr; ///< for https only: no box speaks it
     QHash<QString, Server> m_servers;
     QHash<quint64, QString> m_numbers; ///< of what is sent, and the server's key
     quint64 m_lastNumber = 0;

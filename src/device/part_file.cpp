@@ -11,6 +11,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
+#include <QStorageInfo>
 
 namespace
 {
@@ -167,6 +168,13 @@ bool PartFile::lock()
 bool PartFile::isWorthKeeping() const
 {
     return m_length >= 0 && (size() > 0 || !QFileInfo::exists(m_part));
+}
+
+bool PartFile::hasRoom(qint64 reserve) const
+{
+    const QStorageInfo disk(m_folder);
+    return !disk.isValid() || disk.bytesAvailable() > reserve ||
+           (m_length >= 0 && m_length - size() < disk.bytesAvailable() / 2);
 }
 
 void PartFile::setLength(qint64 length)

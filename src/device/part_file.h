@@ -70,6 +70,8 @@ public:
 
     /// How long the whole recording is, as the box said when the part began; -1 while unknown.
     qint64 length() const { return m_length; }
+    /// Whether its disk has more than `reserve` bytes, or twice of what is still to come.
+    bool hasRoom(qint64 reserve) const;
     /// Writes the record.
     void setLength(qint64 length);
     PartState state() const { return {m_path, m_part, size(), m_length, isWorthKeeping()}; }

@@ -153,6 +153,7 @@ void RecordingDownload::attempt()
     m_offset = m_now.size;
     m_changed = false;
     m_stalled = false;
+    m_isFull = false;
     m_unanswered = false;
     if (m_source.mac.isEmpty())
         transfer();
@@ -190,7 +191,7 @@ void RecordingDownload::transfer()
 
 void RecordingDownload::read()
 {
-    if (!m_process || m_cancelled || m_changed || m_stalled)
+    if (!m_process || m_cancelled || m_changed || m_stalled || m_isFull)
         return;
     m_report.feed(m_process->readAllStandardError());
     noteLength();
@@ -198,6 +199,8 @@ void RecordingDownload::read()
     if (m_changed || m_stalled)
         stop();
     else
+        lookForRoom();
+    if (m_process && !m_changed && !m_stalled)
         emit progressed({m_offset + m_report.receivedBytes(), m_now.length, false});
 }
 
@@ -219,6 +222,22 @@ void RecordingDownload::noteLength()
             return true;
         },
         nullptr);
+}
+
+/// A box may send without end, or as much as it says. Not before it has said that.
+void RecordingDownload::lookForRoom()
+{
+    if (m_report.httpStatus() != 0 && m_pieces == 0)
+        onPart(
+            [reserve = m_patience.reserve](const PartFile& part) { return part.hasRoom(reserve); },
+            &RecordingDownload::stopWithoutRoom);
+}
+
+void RecordingDownload::stopWithoutRoom()
+{
+    m_isFull = m_process && !m_isDone;
+    if (m_isFull)
+        stop();
 }
 
 /// One that writes to a disk that hangs does not end.
@@ -302,6 +321,8 @@ RecordingDownload::Outcome RecordingDownload::judge() const
         return Outcome::Failed;
     if (m_unanswered)
         return Outcome::Broken;
+    if (m_isFull)
+        return Outcome::Failed;
     if (m_changed)
         return Outcome::Changed;
     // There is nothing behind the end of a file that is whole.
@@ -327,6 +348,8 @@ QString RecordingDownload::problem() const
         return tr("无法启动下载程序");
     if (m_unanswered)
         return tr("无法连接设备");
+    if (m_isFull)
+        return tr("无法写入文件");
     if (m_stalled)
         return tr("设备停止发送数据");
     if (m_changed)

@@ -3,6 +3,7 @@
 
 #include "common/command_runner.h"
 #include "common/curl_report.h"
+#include "common/limits.h"
 #include "common/loose_queue.h"
 #include "device/part_file.h"
 
@@ -37,6 +38,7 @@ struct DownloadPatience {
     int tries = 8;          ///< that bring nothing, before it gives up: some two minutes
     int silentReports = 30; ///< about one a second, before a transfer counts as broken off
     int quietMs = 2000;     ///< that an earlier run's part must not have grown for
+    qint64 reserve = Limits::DownloadReserveBytes; ///< of the disk
 };
 
 /// The download of one recording: curl, started again where the transfer broke off, until the file
@@ -92,6 +94,8 @@ private:
     void transfer();
     void read();
     void noteLength();
+    void lookForRoom();
+    void stopWithoutRoom();
     void stop();
     void endAttempt(const QProcess& curl);
     void decide();
@@ -130,6 +134,7 @@ private:
     qint64 m_offset = 0; ///< what had come before it
     bool m_changed = false;
     bool m_stalled = false;
+    bool m_isFull = false;     ///< it would take the last of the disk
     bool m_unanswered = false; ///< nobody has said who is there
 
     qint64 m_lastSize = 0; ///< of the part, when the pause began

@@ -144,6 +144,7 @@ bool FFmpegSession::openInput(const QString& url, MediaOptions::Origin origin)
     m_input.reset(context);
     if (!m_input)
         writePlayerLine(QStringLiteral("open input error ") + url);
+    m_gate.setHeaderRead();
     return m_input != nullptr;
 }
 

@@ -45,6 +45,8 @@ public:
     /// Takes the next packet in place of the one before. FFmpeg's result code, negative when there
     /// is none; the next call tries again.
     int read();
+    /// Whether it has had more than one source gets: it goes on no more.
+    bool isOverLimit() { return m_gate.isOverLimit(); }
     bool isVideo() const;
     /// The packet's decode time stamp in microseconds, when it has one.
     std::optional<qint64> stampUs() const;

@@ -95,9 +95,9 @@ void FFmpegThread::run()
     CrashHandler::coverThread();
     m_pacing.start(av_gettime_relative());
     while (!m_stopPlay) {
-        if (!m_needInit) {
+        if (!m_needInit && !m_session->isOverLimit()) {
             step();
-        } else if (init()) {
+        } else if (m_needInit && init()) {
             m_needInit = false;
             tell(Playing);
         } else {

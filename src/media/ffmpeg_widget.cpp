@@ -6,6 +6,7 @@
 #include "media/ffmpeg_thread.h"
 #include "widgets/message_box.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFileDialog>
 #include <QPaintEvent>
@@ -22,7 +23,10 @@ namespace
 enum MenuChoice { LocalFile = 1, NetworkAddress = 2 };
 
 constexpr int clearDelayMs = 1;
-constexpr unsigned long closeLimitMs = 500;
+/// How long the window waits for a thread that is in the midst of something, and how long for all
+/// of them at its end.
+constexpr unsigned long closeLimitMs = 30;
+constexpr int endLimitMs = 500;
 constexpr int watchPeriodMs = 200;
 /// After this long without a picture an operator has to know.
 constexpr qint64 silenceMs = 2000;
@@ -69,7 +73,12 @@ FFmpegWidget::FFmpegWidget(QWidget* parent)
 
 FFmpegWidget::~FFmpegWidget()
 {
-    close();
+    releaseThread();
+    const QDeadlineTimer end(endLimitMs);
+    for (const QPointer<FFmpegThread>& thread : qAsConst(m_leaving)) {
+        if (thread)
+            thread->wait(end);
+    }
 }
 
 int FFmpegWidget::droppedPictures() const
@@ -140,7 +149,10 @@ void FFmpegWidget::releaseThread()
         delete thread;
         return;
     }
-    // Looking up a name cannot be interrupted. It ends by itself, and nobody listens any more.
+    // Neither a large picture nor looking up a name can be interrupted. It ends by itself, and
+    // nobody listens any more.
+    m_leaving.removeAll(nullptr);
+    m_leaving << thread;
     thread->disconnect(this);
     connect(thread, &QThread::finished, thread, &QObject::deleteLater);
     if (thread->isFinished())

@@ -6,7 +6,9 @@
 
 #include <QImage>
 #include <QMenu>
+#include <QPointer>
 #include <QTimer>
+#include <QVector>
 #include <QWidget>
 
 class FFmpegThread;
@@ -63,6 +65,7 @@ private:
     void playTypedAddress();
 
     FFmpegThread* m_ffmpegThread = nullptr;
+    QVector<QPointer<FFmpegThread>> m_leaving; ///< that had not ended when they were let go
     QImage m_image;
     QMenu m_menu;
     QAction* m_fileAction;

@@ -33,7 +33,7 @@ QByteArray hostOf(const char* url)
 } // namespace
 
 SourceGate::SourceGate(std::function<bool()> isInterrupted)
-    : m_isInterrupted(std::move(isInterrupted))
+    : m_isInterrupted(std::move(isInterrupted)), m_memory(Limits::MediaHeaderBytes)
 {
 }
 
@@ -44,14 +44,21 @@ void SourceGate::guard(AVFormatContext* context, const QString& url, MediaOption
     m_isRtsp = MediaOptions::isRtsp(url);
     m_openLimit = av_gettime_relative() + openLimitUs;
     context->interrupt_callback = {&SourceGate::interrupted, this};
-    if (MediaOptions::isLocalFile(url))
+    if (MediaOptions::isLocalFile(url)) {
+        m_host = QByteArrayLiteral("file");
         return;
+    }
     m_host = hostOf(url.toUtf8().constData());
     context->opaque = this;
     m_openAsEver = context->io_open;
     m_closeAsEver = context->io_close2;
     context->io_open = &SourceGate::open;
     context->io_close2 = &SourceGate::close;
+}
+
+void SourceGate::setHeaderRead()
+{
+    m_memory.setLimit(Limits::MediaStoreBytes);
 }
 
 int SourceGate::interrupted(void* gate)
@@ -132,6 +139,8 @@ const char* SourceGate::exceeded() const
 {
     if (m_looks > Limits::MediaHeadLooks)
         return "headers of a media server";
+    if (m_memory.isOver())
+        return "memory for a source";
     qint64 opening = m_listBytes;
     for (const AVIOContext* list : m_lists) {
         if (list->bytes_read > Limits::PlaylistBytes)

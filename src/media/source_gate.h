@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/media_options.h"
+#include "media/memory_watch.h"
 
 #include <QByteArray>
 
@@ -24,8 +25,12 @@ public:
 
     /// To be called before `context` opens `url`; this outlives it. The clock for opening starts.
     void guard(AVFormatContext* context, const QString& url, MediaOptions::Origin origin);
+    /// What follows decodes: pictures may cost more than headers.
+    void setHeaderRead();
     /// From now on there is no limit to how long it takes.
     void setOpened() { m_openLimit = 0; }
+    /// Whether the source has had too much, and gets no more.
+    bool isOverLimit();
 
 private:
     static int interrupted(void* gate);
@@ -36,7 +41,6 @@ private:
     bool mayOpen(const char* url) const;
     /// The limit that is exceeded, in plain words; null when none is.
     const char* exceeded() const;
-    bool isOverLimit();
     void watchPlaylist(AVIOContext* io);
 
     const std::function<bool()> m_isInterrupted;
@@ -47,11 +51,12 @@ private:
     MediaOptions::Origin m_origin = MediaOptions::Origin::Box;
     QByteArray m_host;
     bool m_isRtsp = false;
-    bool m_hasOpened = false;          // its own address
-    bool m_isConnecting = false;       // until the server's headers are read
-    int m_looks = 0;                   // how often FFmpeg has looked for more of them
-    bool m_isOver = false;             // it has had too much, and gets no more
-    qint64 m_openLimit = 0;            // when opening is given up, microseconds; 0: not opening
+    bool m_hasOpened = false;    // its own address
+    bool m_isConnecting = false; // until the server's headers are read
+    int m_looks = 0;             // how often FFmpeg has looked for more of them
+    bool m_isOver = false;       // it has had too much, and gets no more
+    qint64 m_openLimit = 0;      // when opening is given up, microseconds; 0: not opening
+    MemoryWatch m_memory;
     std::vector<AVIOContext*> m_lists; // playlists that are being read
     qint64 m_listBytes = 0;            // of those that were read while opening
 };

@@ -39,8 +39,7 @@ QString installerName(const PackageOffer& offer)
     return safeFileName(parts.join(QLatin1Char('_')));
 }
 
-/// Takes out of `folder` what earlier downloads have left there, but not `kept`, nor what it is
-/// called while it comes.
+/// Takes out of `folder` what earlier downloads have left there, but not `kept`.
 std::unique_ptr<LooseThread> tidying(const QString& folder, const QString& kept)
 {
     return std::make_unique<LooseThread>(
@@ -48,10 +47,11 @@ std::unique_ptr<LooseThread> tidying(const QString& folder, const QString& kept)
             const QStringList files =
                 QDir(folder).entryList(QDir::Files | QDir::System | QDir::Hidden);
             for (const QString& file : files) {
-                // Earlier versions of this program kept their reports beside the installers.
-                const bool isReport = file.startsWith(QLatin1String("upgrade_"));
-                const bool isKept = !kept.isEmpty() && file.startsWith(kept);
-                if (!isReport && !isKept && !stop)
+                // Earlier versions of this program kept their reports beside the installers, of
+                // which none is called so.
+                const bool isReport =
+                    folder == installerFolder() && file.startsWith(QLatin1String("upgrade_"));
+                if (!isReport && file != kept && !stop)
                     QFile::remove(folder + file);
             }
             return QString();

@@ -5,6 +5,7 @@
 #include "tests/support/files.h"
 #include "tests/support/held_file.h"
 #include "tests/support/plugged_box.h"
+#include "tests/support/scripted_server.h"
 #include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
@@ -44,6 +45,7 @@ private slots:
     void nothingIsOverwritten();
     void brokenDownloadsSayWhy_data();
     void brokenDownloadsSayWhy();
+    void leavesRoomOnTheDisk();
     void goesOnWhereItBrokeOff_data();
     void goesOnWhereItBrokeOff();
     void goesOnAfterARestart_data();
@@ -176,6 +178,22 @@ void tst_Recording::brokenDownloadsSayWhy()
     QCOMPARE(result.reason, reason);
     QCOMPARE(result.kept, isHalf);
     QCOMPARE(files(), isHalf ? QStringList("a.mp4.part") : QStringList());
+}
+
+void tst_Recording::leavesRoomOnTheDisk()
+{
+    // More than any disk has, and what fits is taken all the same.
+    DownloadPatience patience = hasty;
+    patience.reserve = std::numeric_limits<qint64>::max();
+    m_box->addRecording("a.mp4", whole);
+    QVERIFY(m_box->addFault("throttle 400000 on media"));
+    QVERIFY(download(source("a.mp4"), patience).succeeded);
+    m_box->clearFaults();
+    const ScriptedServer endless(TEST_BLOCK ".9", "HTTP/1.1 200 OK\r\n\r\n" + whole,
+                                 ScriptedServer::StaysOpen, 8081);
+    const DownloadResult result = download({TEST_BLOCK ".9", QString(), "b.mp4"}, patience);
+    QCOMPARE(result.reason, QString("无法写入文件"));
+    QCOMPARE(files(), QStringList("a.mp4"));
 }
 
 void tst_Recording::goesOnWhereItBrokeOff_data()

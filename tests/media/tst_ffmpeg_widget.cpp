@@ -218,6 +218,21 @@ private slots:
         QCOMPARE(statuses.at(3), QVariantList({1, m_clips.live()}));
     }
 
+    void closingHoldsNobodyUp()
+    {
+        ScriptedServer server(TEST_BLOCK ".4");
+        qint64 longest = 0;
+        for (int n = 1; n <= 8; ++n) {
+            m_widget->open(server.url("http"));
+            QTRY_COMPARE_WITH_TIMEOUT(server.asked(), n, 5000);
+            QElapsedTimer clock;
+            clock.start();
+            m_widget->close();
+            longest = qMax(longest, clock.elapsed());
+        }
+        VERIFY_BELOW(longest, 50);
+    }
+
     void pausingKeepsAMarkedPicture()
     {
         QSignalSpy statuses(m_widget.get(), &FFmpegWidget::playstatus);

@@ -18,10 +18,10 @@ public:
     };
 
     explicit ScriptedServer(const QString& address, const QByteArray& reply = {},
-                            Manner manner = StaysOpen)
+                            Manner manner = StaysOpen, quint16 port = 0)
         : m_reply(reply), m_manner(manner)
     {
-        if (!listen(QHostAddress(address)))
+        if (!listen(QHostAddress(address), port))
             qFatal("cannot listen at %s", qPrintable(address));
     }
     /// From now on over TLS.

@@ -176,6 +176,11 @@ private slots:
         check();
         QCOMPARE(m_server->requests().count("GET /fw"), 2);
         QCOMPARE(QFileInfo(path).size(), qint64(package.size()));
+        // Nothing that the server called otherwise earlier stays.
+        for (const char* ending : {".1", "/../upgrade_1.dat"})
+            writeFile(QDir::cleanPath(path + ending), "earlier");
+        const auto running = started();
+        QTRY_COMPARE(filesIn(QFileInfo(path).path()), QStringList("KORA_1.2.0.623.dat"));
     }
 
     void badPackagesLeaveNothing_data()

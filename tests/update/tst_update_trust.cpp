@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/scripted_server.h"
+#include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 #include "tests/update/update_fixture.h"
 
 #include <QProcess>
 #include <QSslConfiguration>
+#include <QTimer>
 
 /// Whose updates are taken: only those of a server that proves who it is, and of who has the key.
 class tst_UpdateTrust : public UpdateFixture
@@ -33,31 +35,71 @@ private slots:
     /// Who cannot prove to be the update server is asked nothing.
     void encryptedServersProveWhoTheyAre()
     {
-        const QString key = m_data->filePath("tls-key");
-        const QString certificate = m_data->filePath("certificate");
-        run("openssl", {"req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256",
-                        "-nodes", "-days", "2", "-subj", "/CN=update", "-addext",
-                        "subjectAltName=IP:" TEST_BLOCK ".1", "-keyout", key, "-out", certificate});
-        const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
         for (bool trusted : {false, true}) {
             ScriptedServer server(TEST_BLOCK ".1", "?", ScriptedServer::Closes);
-            server.encrypt(readFile(certificate), readFile(key));
-            m_url = server.url("https", "").chopped(1);
+            encrypt(&server);
             // This is the installer, too.
             server.setReply(httpReply(
                 "application/json",
                 QString(R"({"updates":{"windows":{"latest-version":"2.0.0","download-url":"%1"}}})")
                     .arg(m_url + "/setup.exe")
                     .toUtf8()));
-            QSslConfiguration tls = before;
-            if (trusted)
-                tls.addCaCertificates(certificate);
-            QSslConfiguration::setDefaultConfiguration(tls);
-            check();
-            QSslConfiguration::setDefaultConfiguration(before);
+            checkTrusting(trusted);
             QCOMPARE(server.asked(), trusted ? 3 : 0);
             QCOMPARE(m_installers.size(), trusted ? 1 : 0);
         }
+    }
+
+    void encryptedServersHaveTheUsualLimits_data()
+    {
+        columns<QByteArray>("headers");
+        row("cookies", QByteArray("Set-Cookie: a=b; Path=/\r\n").repeated(20000));
+    }
+    void encryptedServersHaveTheUsualLimits()
+    {
+        QFETCH(QByteArray, headers);
+        ScriptedServer server(TEST_BLOCK ".1", "HTTP/1.1 200 OK\r\n" + headers + "\r\n\r\n{}");
+        encrypt(&server);
+        qint64 longest = 0;
+        Stopwatch since;
+        QTimer beat;
+        connect(&beat, &QTimer::timeout, [&] { longest = qMax(longest, since.restart()); });
+        beat.start(1);
+        checkTrusting(true);
+        qInfo("%lld ms", longest);
+        QCOMPARE(server.asked(), 2);
+        VERIFY_BELOW(longest, 100);
+    }
+
+    /// Nothing that a server says before a package fills the memory or holds up the end.
+    void packagesHaveTheUsualLimits()
+    {
+        class Server : public ScriptedServer
+        {
+        public:
+            using ScriptedServer::ScriptedServer;
+
+        protected:
+            QByteArray replyTo(const QByteArray& request) override
+            {
+                return request.startsWith("GET /wp-")
+                           ? ScriptedServer::replyTo(request)
+                           : "HTTP/1.1 200 OK\r\n" +
+                                 QByteArray("Set-Cookie: a=b; Path=/\r\n").repeated(20000) +
+                                 "\r\nx";
+            }
+        } server(TEST_BLOCK ".1", {}, ScriptedServer::Closes);
+        m_url = server.url("http", "").chopped(1);
+        server.setReply(httpReply(
+            "application/json",
+            QString(R"({"updates":{"MD5":"%1","download-url":"%2","windows":{"latest-version":)"
+                    R"("2.0.0","download-url":"%2"}}})")
+                .arg(md5Of("x"), m_url + "/a.exe")
+                .toUtf8()));
+        check();
+        QCOMPARE(m_installers.size(), 0);
+        QCOMPARE(m_packages, QStringList());
+        QCOMPARE(server.asked(), 4);
     }
 
     void signatures_data()
@@ -112,6 +154,30 @@ private slots:
     }
 
 private:
+    /// Makes `server` the update server; it proves to be that to who trusts the certificate.
+    void encrypt(ScriptedServer* server)
+    {
+        const QString key = m_data->filePath("tls-key");
+        m_certificate = m_data->filePath("certificate");
+        run("openssl",
+            {"req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes",
+             "-days", "2", "-subj", "/CN=update", "-addext", "subjectAltName=IP:" TEST_BLOCK ".1",
+             "-keyout", key, "-out", m_certificate});
+        server->encrypt(readFile(m_certificate), readFile(key));
+        m_url = server->url("https", "").chopped(1);
+    }
+    void checkTrusting(bool trusting)
+    {
+        const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
+        QSslConfiguration tls = before;
+        if (trusting)
+            tls.addCaCertificates(m_certificate);
+        QSslConfiguration::setDefaultConfiguration(tls);
+        check();
+        QSslConfiguration::setDefaultConfiguration(before);
+    }
+
+    QString m_certificate;
     /// A new secret key of that name.
     QString keyFile(const QString& name)
     {

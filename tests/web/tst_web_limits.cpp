@@ -128,6 +128,14 @@ private slots:
         QCOMPARE(title(), QString("Dashboard"));
     }
 
+    void closesAPageThatFloods()
+    {
+        selectAndWait(box);
+        view()->page()->runJavaScript("for (;;) console.log('x'.repeat(1e6));");
+        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("网页已关闭。"), 3000);
+        QTRY_VERIFY(notice()->isVisible());
+    }
+
     void leavesAPageThatHoldsOn()
     {
         selectAndWait(box);
@@ -137,8 +145,15 @@ private slots:
         expectPage([](QDialog& dialog) { dialog.accept(); });
         QTRY_VERIFY_WITH_TIMEOUT(m_answers->isDone(), loadMs);
         expectPage([](QDialog& dialog) { dialog.reject(); });
+        // A window that nobody sees may not go on to the next box.
+        const ScriptedServer next(m_lan->ip(otherBox), httpReply("text/html", "x"),
+                                  ScriptedServer::Closes);
+        evaluate("w = open(''); w.eval(\"setInterval(() => fetch('" + next.url("http") +
+                 "', {mode: 'no-cors', method: 'POST'}), 50)\"); 0");
         selectAndWait(otherBox);
         QVERIFY(!m_answers->isDone());
+        QTest::qWait(300);
+        QCOMPARE(next.taken(), 0);
 
         view()->page()->runJavaScript("while (true);");
         const qint64 process = view()->page()->renderProcessPid();

@@ -168,10 +168,19 @@ bool BoxWebPage::javaScriptPrompt(const QUrl& securityOrigin, const QString& msg
     return true;
 }
 
-void BoxWebPage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString&, int,
-                                          const QString&)
+void BoxWebPage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString& message,
+                                          int, const QString&)
 {
-    // A page could fill a log without end.
+    // A page could fill a log without end, and holds up the window where there is none.
+    constexpr int secondMs = 1000;
+    if (!m_second.isValid() || m_second.elapsed() > secondMs) {
+        m_second.start();
+        m_said = 0;
+    }
+    const bool wasFine = m_said <= Limits::PageConsoleChars;
+    m_said += message.size() + Limits::PageConsoleMessage;
+    if (wasFine && m_said > Limits::PageConsoleChars)
+        emit flooding();
 }
 
 void BoxWebPage::denyFeature(const QUrl& origin, Feature feature)

@@ -3,6 +3,7 @@
 
 #include "web/engine/page_dialog.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QWebEnginePage>
 
@@ -50,6 +51,8 @@ signals:
     /// From now on it is asked for no login, or shows no dialogs.
     void loginsEnded();
     void dialogsEnded();
+    /// It says more to nobody than the window can bear.
+    void flooding();
 
 protected:
     bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) override;
@@ -79,6 +82,8 @@ private:
     int m_waits = 0; ///< calls of the engine in which the user is asked
     int m_asked = 0; ///< dialogs of scripts during this visit
     int m_logins = 0;
+    QElapsedTimer m_second; ///< in which it has said so much
+    qint64 m_said = 0;
     bool m_silenced = false;
     bool m_retired = false;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "web/engine/engine_browser.h"
 
+#include "common/limit_log.h"
 #include "common/limits.h"
 #include "common/platform.h"
 #include "web/engine/download_line.h"
@@ -80,6 +81,8 @@ EngineBrowser::EngineBrowser(QWidget* parent)
             [this](const QString& host) { m_bar->tell(PageBar::HostWanted, host); });
     connect(m_view, &WebView::loginsEnded, m_bar, [this] { m_bar->tell(PageBar::LoginsEnded); });
     connect(m_view, &WebView::dialogsEnded, m_bar, [this] { m_bar->tell(PageBar::DialogsEnded); });
+    // After the page's call.
+    connect(m_view, &WebView::flooding, this, &EngineBrowser::endFlood, Qt::QueuedConnection);
     connect(m_bar, &PageBar::agreed, this, &EngineBrowser::follow);
     m_pulse.setInterval(pulseMs);
     connect(&m_pulse, &QTimer::timeout, this, &EngineBrowser::feelPulse);
@@ -180,6 +183,14 @@ void EngineBrowser::close(PageNotice::Kind reason)
     m_bar->clear();
     m_view->discard();
     showNotice(reason);
+}
+
+void EngineBrowser::endFlood()
+{
+    if (m_wanted.isEmpty() || m_closed)
+        return;
+    limitReached(m_wanted.host(), QStringLiteral("messages of a page"));
+    close(PageNotice::Closed);
 }
 
 void EngineBrowser::feelPulse()

@@ -35,6 +35,7 @@ private:
     void lookAtDocument();
     void judgeDocument(const QUrl& document);
     /// Finds out whether the page is still alive.
+    void endFlood();
     void feelPulse();
     bool isTooLarge() const;
     void close(PageNotice::Kind reason);

@@ -82,6 +82,9 @@ QString PageHosts::policy() const
 
 void PageHosts::interceptRequest(QWebEngineUrlRequestInfo& info)
 {
-    if (!mayReach(info.requestUrl()))
+    // What a page of the visit before has begun on leaving may not reach the box of this one.
+    const QString asker = info.initiator().host();
+    const bool isOfThisVisit = asker.isEmpty() || m_allowed.contains(asker);
+    if (!isOfThisVisit || !mayReach(info.requestUrl()))
         info.block(true);
 }

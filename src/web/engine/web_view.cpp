@@ -94,6 +94,7 @@ void WebView::makePage()
     connect(m_page, &QWebEnginePage::contentsSizeChanged, this, &WebView::contentChanged);
     connect(m_page, &BoxWebPage::loginsEnded, this, &WebView::loginsEnded);
     connect(m_page, &BoxWebPage::dialogsEnded, this, &WebView::dialogsEnded);
+    connect(m_page, &BoxWebPage::flooding, this, &WebView::flooding);
     m_page->setBackgroundColor(Qt::darkGray);
     setPage(m_page);
     applySettings();
@@ -101,6 +102,10 @@ void WebView::makePage()
         return;
     before->disconnect(this);
     before->retire();
+    // It was opened by that page, and would go on after it.
+    if (m_popup)
+        m_popup->deleteLater();
+    m_popup.clear();
 }
 
 void WebView::applySettings()

@@ -59,6 +59,8 @@ signals:
     /// From now on the page is asked for no login, or shows no dialogs.
     void loginsEnded();
     void dialogsEnded();
+    /// The page says more than the window can bear.
+    void flooding();
 
 protected:
     QWebEngineView* createWindow(QWebEnginePage::WebWindowType type) override;

@@ -298,14 +298,15 @@ void tst_Recordings::downloadsWaitForTheirTurn()
     QTRY_COMPARE(rows().size(), 4);
     cancelLast();
     QTRY_COMPARE(rows().size(), 3);
-    QCOMPARE(filesIn(folder.path()).size(), 3);
+    QTRY_COMPARE(filesIn(folder.path()).size(), 3);
     m_box->clearRequests();
     for (int n = 0; n < 3; ++n) {
         QCOMPARE(format(n), QString("未下载完"));
         rows().at(n)->findChild<QToolButton*>("resumeDownload")->click();
     }
     QTRY_COMPARE(rows().size(), 0);
-    QTRY_VERIFY(answers.texts().last().startsWith("下载完成"));
+    // A system without a way to show the folder names it in another message.
+    QTRY_VERIFY(!answers.texts().filter("下载完成").isEmpty());
     for (const QString& file : filesIn(folder.path()))
         QCOMPARE(readFile(folder.path() + '/' + file), QByteArray(400000, 's'));
     QCloseEvent closing;
