@@ -360,7 +360,7 @@
     </message>
     <message>
       <source>关闭</source>
-      <translation>중지: </translation>
+      <translation>닫기</translation>
     </message>
   </context>
   <context>
@@ -479,7 +479,7 @@
     <name>DownloadLine</name>
     <message>
       <source>关闭</source>
-      <translation>중지: </translation>
+      <translation>닫기</translation>
     </message>
     <message>
       <source>取消</source>

@@ -141,7 +141,8 @@ void FFmpegWidget::releaseThread()
         return;
     FFmpegThread* thread = m_ffmpegThread;
     m_ffmpegThread = nullptr;
-    if (thread->isRunning())
+    // What has failed is about to end by itself.
+    if (thread->isRunning() && state() != PictureState::State::Failed)
         thread->stop();
     thread->requestStop();
     thread->quit();
