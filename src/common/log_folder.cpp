@@ -90,6 +90,18 @@ QVector<Log> logsIn(const QString& folder, const QDate& today)
     return logs;
 }
 
+/// The last day on which something was logged, before today; today when there is none. What is too
+/// old goes by that: a clock that is years ahead for an hour takes no log away.
+QDate latestBefore(const QDate& today, const QVector<Log>& logs)
+{
+    QDate latest;
+    for (const Log& log : logs) {
+        if (log.day != today && (!latest.isValid() || log.day > latest))
+            latest = log.day;
+    }
+    return latest.isValid() ? latest : today;
+}
+
 } // namespace
 
 void LogFolder::append(const QString& key, const QString& ending, const QString& record)
@@ -164,8 +176,8 @@ void LogFolder::noteRoom(bool hasRoom)
 void LogFolder::tidy(const QString& folder) const
 {
     const QDate today = QDate::currentDate();
-    const QDate oldest = today.addDays(-m_bounds.days);
     const QVector<Log> logs = logsIn(folder, today);
+    const QDate oldest = qMin(today, latestBefore(today, logs)).addDays(-m_bounds.days);
     qint64 all = 0;
     for (const Log& log : logs)
         all += log.sizeOnDisk();

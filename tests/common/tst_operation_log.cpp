@@ -183,6 +183,16 @@ void tst_OperationLog::folderIsPrivateAndBounded()
         QCOMPARE(QFile::permissions(log(name)) & 0x77, 0);
     for (const QString& path : {dataPath("log"), dataPath(QString())})
         QCOMPARE(QFile::permissions(path) & 0x77, 0);
+
+    // A clock that is years ahead for an hour: all there is seems old.
+    for (const QString& name : filesIn(dataPath("log")).filter(".txt"))
+        QVERIFY(QFile::remove(log(name)));
+    writeFile(log(lastYear + ".txt"), "x");
+    folder.look();
+    QVERIFY(QFile::exists(log(lastYear + ".txt")));
+    writeFile(log(lastWeek + "---old_tarn_hub.txt"), "x");
+    folder.look();
+    QVERIFY(!QFile::exists(log(lastYear + ".txt")));
 }
 
 void tst_OperationLog::diskIsNeverFilled()
