@@ -18,6 +18,7 @@ const QString statusKey = QStringLiteral("httpstatus");
 
 constexpr const char* valueLimit = "characters of a value";
 constexpr const char* listLimit = "entries of a list";
+constexpr const char* partsLimit = "names and lists in a reply";
 
 HttpResult failed(const char* limit)
 {
@@ -81,7 +82,11 @@ HttpResult HttpResult::fromBody(const QString& body)
     HttpResult result;
     result.body = body;
     // Not the whole of it as a map: many answers come while boxes are watched.
-    const QJsonObject reply = jsonObject(body.toUtf8()).value_or(QJsonObject());
+    const QByteArray utf8 = body.toUtf8();
+    const std::optional<QJsonObject> read = jsonObject(utf8);
+    if (!read && isCostlyJson(utf8))
+        result.exceeded = partsLimit;
+    const QJsonObject reply = read.value_or(QJsonObject());
     result.parameterName = reply.value(QStringLiteral("param_name")).toString();
     result.value = bounded(reply.value(QStringLiteral("value")), result.exceeded).toVariant();
     result.status = reply.value(QStringLiteral("status")).toString();

@@ -49,11 +49,13 @@ bool takeName(Level& level)
     return level.isRepeated && *known;
 }
 
+} // namespace
+
 /// Of two values with the same name in one object Qt 5 drops one; a list or an object is never
 /// freed then, so that a box could fill the memory. And names are sorted, which takes long if there
 /// are more than `mostParts`. As far as the text is JSON this reads it as Qt does; behind the first
 /// fault Qt reads nothing.
-bool costsTooMuch(const QByteArray& json, int mostParts)
+bool isCostlyJson(const QByteArray& json, int mostParts)
 {
     QVector<Level> levels(1);
     bool isName = false;
@@ -90,11 +92,9 @@ bool costsTooMuch(const QByteArray& json, int mostParts)
     return false;
 }
 
-} // namespace
-
 std::optional<QJsonObject> jsonObject(const QByteArray& utf8, int mostParts)
 {
-    if (costsTooMuch(utf8, mostParts))
+    if (isCostlyJson(utf8, mostParts))
         return std::nullopt;
     const QJsonDocument document = QJsonDocument::fromJson(utf8);
     return document.isObject() ? std::make_optional(document.object()) : std::nullopt;

@@ -238,6 +238,7 @@ void tst_SparkHttp::longValuesAreNone_data()
         '[' + list(Limits::ListEntries - 1) + ']', false);
     row("longer list", '[' + list(Limits::ListEntries - 1) + ",\"more\"]",
         '[' + list(Limits::ListEntries - 1) + ']', true);
+    row("lists in a list", '[' + QString("[],").repeated(Limits::JsonParts) + "[]]", "", true);
     row("long entry", "[\"a\",\"" + longest + "v\"]", "[\"a\"]", true);
 }
 

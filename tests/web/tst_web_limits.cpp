@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "common/platform.h"
+#include "tests/support/files.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/table.h"
 #include "tests/web/web_view_fixture.h"
@@ -85,6 +86,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(bar->isVisible(), loadMs);
         QCOMPARE(shown, 3);
         QTRY_COMPARE_WITH_TIMEOUT(title(), QString("401 Unauthorized"), loadMs);
+        QTRY_VERIFY(linesOf(logFile("limits")).join('\n').contains("logins of a page"));
     }
 
     void keepsNothing()

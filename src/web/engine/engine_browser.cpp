@@ -79,8 +79,14 @@ EngineBrowser::EngineBrowser(QWidget* parent)
     connect(m_view, &WebView::contentChanged, this, &EngineBrowser::lookAtDocument);
     connect(&m_view->hosts(), &PageHosts::wanted, m_bar,
             [this](const QString& host) { m_bar->tell(PageBar::HostWanted, host); });
-    connect(m_view, &WebView::loginsEnded, m_bar, [this] { m_bar->tell(PageBar::LoginsEnded); });
-    connect(m_view, &WebView::dialogsEnded, m_bar, [this] { m_bar->tell(PageBar::DialogsEnded); });
+    connect(m_view, &WebView::loginsEnded, this, [this] {
+        m_bar->tell(PageBar::LoginsEnded);
+        limitReached(m_wanted.host(), QStringLiteral("logins of a page"));
+    });
+    connect(m_view, &WebView::dialogsEnded, this, [this] {
+        m_bar->tell(PageBar::DialogsEnded);
+        limitReached(m_wanted.host(), QStringLiteral("dialogs of a page"));
+    });
     // After the page's call.
     connect(m_view, &WebView::flooding, this, &EngineBrowser::endFlood, Qt::QueuedConnection);
     connect(m_bar, &PageBar::agreed, this, &EngineBrowser::follow);
@@ -195,8 +201,10 @@ void EngineBrowser::endFlood()
 
 void EngineBrowser::feelPulse()
 {
-    if (!m_wanted.isEmpty() && !m_closed && isTooLarge())
+    if (!m_wanted.isEmpty() && !m_closed && isTooLarge()) {
+        limitReached(m_wanted.host(), QStringLiteral("memory of a page"));
         close(PageNotice::TooLarge);
+    }
     // A page that shows a dialog stands still until it is answered.
     if (m_wanted.isEmpty() || m_closed || !isVisible() || m_view->isAsking()) {
         m_unanswered.invalidate();

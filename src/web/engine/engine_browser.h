@@ -34,8 +34,8 @@ private:
     /// Finds out what the view holds by now, and uncovers or covers it.
     void lookAtDocument();
     void judgeDocument(const QUrl& document);
-    /// Finds out whether the page is still alive.
     void endFlood();
+    /// Finds out whether the page is still alive.
     void feelPulse();
     bool isTooLarge() const;
     void close(PageNotice::Kind reason);
