@@ -111,6 +111,9 @@ constexpr qint64 MediaStoreBytes = qint64(1536) * 1024 * 1024;
 constexpr int SoundSamples = 262144;
 /// Streams of a source: each one that is claimed costs a decoder.
 constexpr int MediaStreams = 64;
+/// Bytes and packets of a live source that wait to be decoded.
+constexpr qint64 MediaQueueBytes = 16 * 1024 * 1024;
+constexpr std::size_t MediaQueuePackets = 4096;
 /// How often a media server's headers are looked for, each time for 4 KB at most.
 constexpr int MediaHeadLooks = 1000;
 /// Bytes of a playlist, and of all that are read until a source plays.

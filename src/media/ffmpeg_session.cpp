@@ -14,18 +14,13 @@ extern "C" {
 #include <QDebug>
 #include <QTime>
 
-#include <algorithm>
 #include <atomic>
 #include <cstdarg>
 #include <mutex>
-#include <thread>
 #include <vector>
 
 namespace
 {
-
-/// Up to this size one thread is fast enough, and the picture is not late by one per thread.
-constexpr qint64 oneThreadPicture = 1920 * 1088;
 
 /// What FFmpeg allots at a time, wherever in this process, while this lives: also for the decoders
 /// that it opens by itself to look into a source.
@@ -53,15 +48,22 @@ void writeLibraryLine(void* context, int level, const char* format, va_list argu
         av_log_default_callback(context, level, format, arguments);
 }
 
-/// How often the decoder may halve the picture, so that it still fills the screen.
-int halvings(const AVCodec& codec, const QSize& picture, const QSize& screen)
+/// Whether a server has said that this address is wrong, and not only that it has no time.
+bool isRefusal(int result)
 {
-    int count = 0;
-    while (!screen.isEmpty() && count < codec.max_lowres &&
-           (picture.width() >> (count + 1)) >= screen.width() &&
-           (picture.height() >> (count + 1)) >= screen.height())
-        ++count;
-    return count;
+    switch (result) {
+    case AVERROR_HTTP_BAD_REQUEST:
+    case AVERROR_HTTP_UNAUTHORIZED:
+    case AVERROR_HTTP_FORBIDDEN:
+    case AVERROR_HTTP_NOT_FOUND:
+    case AVERROR_HTTP_OTHER_4XX:
+    case AVERROR_PROTOCOL_NOT_FOUND:
+    case AVERROR(EACCES):
+    case AVERROR(EINVAL):
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace
@@ -81,16 +83,6 @@ void FFmpegSession::FreeDecoder::operator()(AVCodecContext* context) const
     avcodec_free_context(&context);
 }
 
-void FFmpegSession::FreePacket::operator()(AVPacket* packet) const
-{
-    av_packet_free(&packet);
-}
-
-void FFmpegSession::FreeFrame::operator()(AVFrame* frame) const
-{
-    av_frame_free(&frame);
-}
-
 void FFmpegSession::setUpLibrary()
 {
     static std::once_flag once;
@@ -103,7 +95,10 @@ void FFmpegSession::setUpLibrary()
     });
 }
 
-FFmpegSession::FFmpegSession(std::function<bool()> isInterrupted) : m_gate(std::move(isInterrupted))
+FFmpegSession::FFmpegSession(std::function<bool()> isInterrupted)
+    : m_gate([this, isInterrupted = std::move(isInterrupted)] {
+        return m_interrupt || isInterrupted();
+    })
 {
     setUpLibrary();
 }
@@ -113,11 +108,6 @@ FFmpegSession::~FFmpegSession() = default;
 bool FFmpegSession::open(const QString& url, MediaOptions::Origin origin)
 {
     if (!openInput(url, origin) || !lookIntoStreams() || !openVideo() || !openAudio())
-        return false;
-    m_packet.reset(av_packet_alloc());
-    m_next.reset(av_frame_alloc());
-    m_frame.reset(av_frame_alloc());
-    if (!m_packet || !m_next || !m_frame)
         return false;
     m_gate.setOpened();
     av_dump_format(m_input.get(), 0, url.toUtf8().constData(), 0);
@@ -132,14 +122,17 @@ bool FFmpegSession::openInput(const QString& url, MediaOptions::Origin origin)
                                                      : Limits::MediaProbeBytes);
     AVDictionary* options = nullptr;
     AVFormatContext* context = nullptr;
+    int result = AVERROR(EACCES);
     if (MediaOptions::fill(&options, url, origin))
         context = avformat_alloc_context();
     if (context) {
         m_gate.guard(context, url, origin);
+        result = avformat_open_input(&context, url.toUtf8().constData(), nullptr, &options);
         // On failure it has released the context.
-        if (avformat_open_input(&context, url.toUtf8().constData(), nullptr, &options) < 0)
+        if (result < 0)
             context = nullptr;
     }
+    m_isRefused = m_isLocal || isRefusal(result);
     av_dict_free(&options);
     m_input.reset(context);
     if (!m_input)
@@ -179,12 +172,12 @@ bool FFmpegSession::openVideo()
         writePlayerLine(QStringLiteral("video decoder not found"));
         return false;
     }
-    m_video = openDecoder(stream, *codec, true);
-    if (!m_video) {
+    m_video = std::make_unique<PictureDecoder>();
+    if (!m_video->open(stream, *codec, m_screen)) {
         writePlayerLine(QStringLiteral("open video codec error"));
         return false;
     }
-    if (videoWidth() == 0 || videoHeight() == 0) {
+    if (m_video->size().isEmpty()) {
         writePlayerLine(QStringLiteral("find width height error"));
         return false;
     }
@@ -208,8 +201,9 @@ bool FFmpegSession::openAudio()
         writePlayerLine(QStringLiteral("audio codec not found"));
         return false;
     }
-    m_audio = openDecoder(stream, *codec, false);
-    if (!m_audio) {
+    m_audio.reset(avcodec_alloc_context3(codec));
+    if (!m_audio || avcodec_parameters_to_context(m_audio.get(), stream.codecpar) < 0 ||
+        avcodec_open2(m_audio.get(), codec, nullptr) < 0) {
         writePlayerLine(QStringLiteral("open audio codec error"));
         return false;
     }
@@ -217,33 +211,15 @@ bool FFmpegSession::openAudio()
     return true;
 }
 
-FFmpegSession::Decoder FFmpegSession::openDecoder(const AVStream& stream, const AVCodec& codec,
-                                                  bool isVideo) const
-{
-    Decoder decoder(avcodec_alloc_context3(&codec));
-    if (!decoder || avcodec_parameters_to_context(decoder.get(), stream.codecpar) < 0)
-        return nullptr;
-    decoder->pkt_timebase = stream.time_base;
-    if (isVideo) {
-        decoder->lowres = halvings(codec, {decoder->width, decoder->height}, m_screen);
-        decoder->flags2 |= AV_CODEC_FLAG2_FAST;
-        decoder->max_pixels = Limits::PicturePixels;
-        if (qint64(decoder->width) * decoder->height > oneThreadPicture)
-            decoder->thread_count = int(std::clamp(std::thread::hardware_concurrency(), 1U, 4U));
-    }
-    if (avcodec_open2(decoder.get(), &codec, nullptr) < 0)
-        return nullptr;
-    return decoder;
-}
-
 void FFmpegSession::describeVideo() const
 {
     writePlayerLine(
         QStringLiteral("视频流信息 -> 索引: %1  解码: %2  格式: %3  时长: %4 秒  分辨率: %5*%6")
-            .arg(QString::number(m_videoStream), QLatin1String(m_video->codec->name),
+            .arg(QString::number(m_videoStream), m_video->name(),
                  QLatin1String(m_input->iformat->name),
                  QString::number(qMax<qint64>(0, m_input->duration) / AV_TIME_BASE),
-                 QString::number(videoWidth()), QString::number(videoHeight())));
+                 QString::number(m_video->size().width()),
+                 QString::number(m_video->size().height())));
 }
 
 void FFmpegSession::describeAudio() const
@@ -256,80 +232,40 @@ void FFmpegSession::describeAudio() const
                  QString::number(m_audio->sample_rate)));
 }
 
-int FFmpegSession::read()
+bool FFmpegSession::mayComeLater()
 {
-    av_packet_unref(m_packet.get());
-    // FFmpeg remembers the end of the data; only asked this way it looks whether there is more.
-    if (m_input->pb && m_input->pb->eof_reached)
+    return !m_isRefused && !isOverLimit() && !(m_input && hasEnd());
+}
+
+int FFmpegSession::read(AVPacket& packet)
+{
+    av_packet_unref(&packet);
+    // FFmpeg remembers the end of the data; only asked this way it looks whether a film has grown.
+    if (hasEnd() && m_input->pb && m_input->pb->eof_reached)
         avio_feof(m_input->pb);
-    return av_read_frame(m_input.get(), m_packet.get());
+    return av_read_frame(m_input.get(), &packet);
 }
 
-bool FFmpegSession::isVideo() const
+bool FFmpegSession::isBroken(int result) const
 {
-    return m_packet->stream_index == m_videoStream;
+    if (m_isLocal || result >= 0)
+        return false;
+    const bool hasFailed =
+        m_input->pb && m_input->pb->error < 0 && m_input->pb->error != AVERROR_EOF;
+    return hasFailed ||
+           (result != AVERROR_EOF && result != AVERROR(EAGAIN) && result != AVERROR_INVALIDDATA);
 }
 
-std::optional<qint64> FFmpegSession::stampUs() const
+bool FFmpegSession::seek(qint64 stampUs)
 {
-    if (m_packet->dts == AV_NOPTS_VALUE)
-        return std::nullopt;
-    return av_rescale_q(m_packet->dts, m_input->streams[m_videoStream]->time_base,
-                        AVRational{1, AV_TIME_BASE});
+    const AVRational base = m_input->streams[m_videoStream]->time_base;
+    const int64_t stamp = av_rescale_q(stampUs, AVRational{1, AV_TIME_BASE}, base);
+    return av_seek_frame(m_input.get(), m_videoStream, stamp, AVSEEK_FLAG_BACKWARD) >= 0;
 }
 
-int FFmpegSession::decode()
+bool FFmpegSession::isVideo(const AVPacket& packet) const
 {
-    const int sent = avcodec_send_packet(m_video.get(), m_packet.get());
-    if (sent < 0 && sent != AVERROR(EAGAIN))
-        return sent;
-    const int received = takePicture();
-    // A decoder that was full has room now.
-    if (sent == AVERROR(EAGAIN))
-        avcodec_send_packet(m_video.get(), m_packet.get());
-    return received;
-}
-
-int FFmpegSession::drain()
-{
-    if (!m_drained) {
-        m_drained = true;
-        avcodec_send_packet(m_video.get(), nullptr);
-    }
-    return takePicture();
-}
-
-/// Leaves the picture in hand alone unless there is a new one.
-int FFmpegSession::takePicture()
-{
-    const int received = avcodec_receive_frame(m_video.get(), m_next.get());
-    if (received >= 0) {
-        av_frame_unref(m_frame.get());
-        av_frame_move_ref(m_frame.get(), m_next.get());
-    }
-    return received;
-}
-
-void FFmpegSession::resume()
-{
-    if (m_drained)
-        avcodec_flush_buffers(m_video.get());
-    m_drained = false;
-}
-
-PictureShape FFmpegSession::shape() const
-{
-    return shapeOf(m_input.get(), m_input->streams[m_videoStream], m_frame.get());
-}
-
-int FFmpegSession::videoWidth() const
-{
-    return m_video ? m_video->width : 0;
-}
-
-int FFmpegSession::videoHeight() const
-{
-    return m_video ? m_video->height : 0;
+    return packet.stream_index == m_videoStream;
 }
 
 bool FFmpegSession::hasEnd() const

@@ -1,28 +1,28 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "media/picture_shape.h"
+#include "media/media_packet.h"
+#include "media/picture_decoder.h"
 #include "media/source_gate.h"
 
 #include <QString>
 
+#include <atomic>
 #include <functional>
 #include <memory>
-#include <optional>
 
 struct AVCodec;
 struct AVCodecContext;
 struct AVFormatContext;
-struct AVFrame;
 struct AVPacket;
 struct AVStream;
 
 /// Writes a debug line of the player: the time, then `message`.
 void writePlayerLine(const QString& message);
 
-/// One opened source: its demuxer, its decoders, the packet and the picture in hand. Everything is
-/// released with it. Belongs to one thread; calls block until there is data, the source has been
-/// silent for MediaOptions::SilenceLimitUs, or `isInterrupted` says so.
+/// One opened source: where its packets come from, and the decoders for them. Everything is
+/// released with it. One thread at a time reads; calls block until there is data, the source has
+/// been silent for MediaOptions::SilenceLimitUs, or `isInterrupted` or interrupt() says so.
 class FFmpegSession
 {
 public:
@@ -41,30 +41,24 @@ public:
     /// Opens the source and its decoders and describes both in the debug stream. Once only. False,
     /// with the reason in the debug stream, when there is nothing to show.
     bool open(const QString& url, MediaOptions::Origin origin);
+    /// After open() has failed: whether the same address may have something to show later.
+    bool mayComeLater();
 
-    /// Takes the next packet in place of the one before. FFmpeg's result code, negative when there
-    /// is none; the next call tries again.
-    int read();
-    /// Whether it has had more than one source gets: it goes on no more.
+    /// Takes the next packet. FFmpeg's result code, negative when there is none; the next call
+    /// tries again.
+    int read(AVPacket& packet);
+    /// Whether that result means that the connection is gone, as opposed to the source's end.
+    bool isBroken(int result) const;
+    /// Ends a read that waits in another thread, and all that follow.
+    void interrupt() { m_interrupt = true; }
+    /// Goes to a key picture at or before that stamp, in microseconds; false when the source
+    /// cannot do so.
+    bool seek(qint64 stampUs);
+    /// Whether it has had more than one source gets: it goes on no more. Only who reads may ask.
     bool isOverLimit() { return m_gate.isOverLimit(); }
-    bool isVideo() const;
-    /// The packet's decode time stamp in microseconds, when it has one.
-    std::optional<qint64> stampUs() const;
-    /// Passes the packet to the decoder and takes a picture from it, if there is one: negative
-    /// when not.
-    int decode();
-    /// Takes a picture that the decoder has held back; negative when there are no more. Until
-    /// resume() the decoder takes no packets.
-    int drain();
-    void resume();
-
-    /// The last picture that decode() or drain() has taken.
-    const AVFrame& frame() const { return *m_frame; }
-    /// How that is to be seen.
-    PictureShape shape() const;
-
-    int videoWidth() const;  ///< in pixels, as the decoder says
-    int videoHeight() const; ///< in pixels
+    bool isVideo(const AVPacket& packet) const;
+    /// What makes pictures of the packets; another thread than the one that reads may use it.
+    PictureDecoder& pictures() { return *m_video; }
     /// Whether it has an end: a file or recording, as opposed to a stream.
     bool hasEnd() const;
 
@@ -75,33 +69,22 @@ private:
     struct FreeDecoder {
         void operator()(AVCodecContext* context) const;
     };
-    struct FreePacket {
-        void operator()(AVPacket* packet) const;
-    };
-    struct FreeFrame {
-        void operator()(AVFrame* frame) const;
-    };
-    using Decoder = std::unique_ptr<AVCodecContext, FreeDecoder>;
 
-    int takePicture();
     bool openInput(const QString& url, MediaOptions::Origin origin);
     bool lookIntoStreams();
     bool openVideo();
     bool openAudio();
-    Decoder openDecoder(const AVStream& stream, const AVCodec& codec, bool isVideo) const;
     void describeVideo() const;
     void describeAudio() const;
 
+    std::atomic<bool> m_interrupt{false};
     SourceGate m_gate; // the input is closed through it
     std::unique_ptr<AVFormatContext, CloseInput> m_input;
-    Decoder m_video;
-    Decoder m_audio; // opened to be described, never used
+    std::unique_ptr<PictureDecoder> m_video;
+    std::unique_ptr<AVCodecContext, FreeDecoder> m_audio; // opened to be described, never used
     int m_videoStream = -1;
     int m_audioStream = -1;
     QSize m_screen;
     bool m_isLocal = false;
-    bool m_drained = false;
-    std::unique_ptr<AVPacket, FreePacket> m_packet;
-    std::unique_ptr<AVFrame, FreeFrame> m_next; // what the decoder writes to
-    std::unique_ptr<AVFrame, FreeFrame> m_frame;
+    bool m_isRefused = false; // for good
 };

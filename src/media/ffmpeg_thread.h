@@ -1,23 +1,24 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "media/frame_converter.h"
 #include "media/media_options.h"
-#include "media/pacing.h"
+#include "media/playback_state.h"
+#include "media/retry.h"
+#include "media/stop_signal.h"
 
 #include <QImage>
 #include <QThread>
 
 #include <atomic>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
+#include <optional>
 
-class FFmpegSession;
+class Playback;
 
-/// Plays one source: opens it, decodes its pictures at the pace of their time stamps and hands them
-/// out as images. One object plays one source once. It belongs to the thread that made it; the
-/// destructor stops and waits.
+/// Plays one source: opens it, decodes its pictures and hands them out as images, in the size in
+/// which they are shown. A source on the network that goes away is opened again until it is back,
+/// after pauses that grow. One object plays one source once. It belongs to the thread that made it;
+/// the destructor stops and waits.
 ///
 /// Memory is bounded whatever the receiver does: while it holds FramePool::Limit pictures, newer
 /// ones replace each other, and the newest is handed out as soon as one of the others is released.
@@ -42,23 +43,37 @@ public:
     void setScreen(const QSize& size) { m_screen = size; }
     /// Has run() open the source; before start().
     void setNeedInit() { m_needInit = true; }
+    /// Where the pictures are shown. Without it, and for an empty area, they come in full. From any
+    /// thread.
+    void setArea(const ShownArea& area) { m_state.setArea(area); }
     /// Ends run() soon, also out of a wait for the network, and says nothing about it. From any
     /// thread; returns at once.
-    void requestStop();
+    void requestStop() { m_stop.request(); }
 
     /// How long the source has been asked for a picture in vain, in milliseconds; 0 while pictures
     /// come at the pace of their time stamps. From any thread.
     qint64 silentMs() const;
     /// Whether a source that has an end has been shown up to it. From any thread.
-    bool isAtEnd() const { return m_atEnd; }
+    bool isAtEnd() const { return m_state.isAtEnd; }
     /// Pictures that were never handed out because newer ones came first. From any thread.
-    int droppedPictures() const { return m_dropped; }
+    int droppedPictures() const { return m_state.dropped; }
+    /// How far the picture shown last was behind the newest that had arrived, in milliseconds; -1
+    /// for a source with an end. From any thread.
+    int lagMs() const;
+    /// Which try to open the source again is under way; 0 while it plays or is opened first. From
+    /// any thread.
+    int tries() const { return m_state.tries; }
+    /// How often the source has been gone and opened again. From any thread.
+    int reconnections() const { return m_state.reconnections; }
+    /// The picture handed out last. From any thread.
+    ShownPicture shown() const { return m_state.shown(); }
 
 signals:
     /// A picture in format RGB32; its memory stays as it is while any copy of it lives.
     void receiveImage(const QImage& image);
-    /// OpenFailed: the source cannot be opened; Playing: it is open; Stopped: stop() was called,
-    /// and nothing else follows. Receivers take it through their event loop.
+    /// OpenFailed: the source cannot be opened, though one on the network may play later; Playing:
+    /// it is open; Stopped: stop() was called, and nothing else follows. Receivers take it through
+    /// their event loop.
     void playstatus(int status, const QString& url);
 
 public slots:
@@ -80,31 +95,24 @@ protected:
     void run() override;
 
 private:
-    void step();
-    void showPicture();
-    void showPending();
-    void waitUntilDue();
-    void waitForData(int result);
-    void showHeldBack();
-    void rest(qint64 microseconds);
+    bool openNow();
     void tell(Status status);
+    void noteBreak();
+    bool waitForNextTry();
 
     QString m_url = QStringLiteral("rtsp://192.168.1.128:554/1");
     MediaOptions::Origin m_origin = MediaOptions::Origin::Operator;
     QSize m_screen;
     std::atomic<bool> m_needInit{false};
-    std::atomic<bool> m_stopPlay{false};
-    std::mutex m_restMutex; // with m_wake: stop wakes a rest
-    std::condition_variable m_wake;
-
-    std::atomic<qint64> m_waitingSince{0}; // microseconds; 0: not waiting for the source
-    std::atomic<bool> m_atEnd{false};
-    std::atomic<int> m_dropped{0};
+    StopSignal m_stop;
+    PlaybackState m_state;
 
     // Only run() and what it calls.
-    std::unique_ptr<FFmpegSession> m_session;
-    std::unique_ptr<FrameConverter> m_converter;
-    Pacing m_pacing;
-    bool m_isPending = false; // the session's picture has not found a free image yet
-    qint64 m_noDataSince = 0; // microseconds; 0: the last read succeeded
+    std::unique_ptr<Playback> m_playback;
+    Retry m_retry;
+    std::optional<Status> m_told;
+    std::optional<qint64> m_position; // where a film has broken off, microseconds
+    qint64 m_startedAt = 0;           // microseconds
+    qint64 m_openedAt = 0;
+    bool m_hasPlayed = false;
 };

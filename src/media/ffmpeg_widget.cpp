@@ -31,17 +31,6 @@ constexpr int watchPeriodMs = 200;
 /// After this long without a picture an operator has to know.
 constexpr qint64 silenceMs = 2000;
 
-/// Where a picture of this size is shown: as large as fits, centred.
-QRect fitted(const QSize& picture, const QSize& area)
-{
-    const double across = double(area.width()) / picture.width();
-    const double down = double(area.height()) / picture.height();
-    const double scale = down <= across ? down : across;
-    return {int((area.width() - picture.width() * scale) * 0.5),
-            int((area.height() - picture.height() * scale) * 0.5), int(picture.width() * scale),
-            int(picture.height() * scale)};
-}
-
 QStringList filePatterns()
 {
     // One of them twice, as in the list that users know.
@@ -89,6 +78,7 @@ int FFmpegWidget::droppedPictures() const
 void FFmpegWidget::updateImage(const QImage& image)
 {
     m_image = image;
+    m_natural = image.size();
     m_state->setOverPicture(!image.isNull());
     update();
 }
@@ -113,6 +103,7 @@ void FFmpegWidget::open(const QString& url, MediaOptions::Origin origin)
     m_ffmpegThread->setUrl(url);
     m_ffmpegThread->setOrigin(origin);
     m_ffmpegThread->setScreen(screen()->size() * devicePixelRatioF());
+    m_ffmpegThread->setArea({size(), devicePixelRatioF()});
     m_ffmpegThread->play();
     m_watch.start();
     showState(PictureState::State::Opening);
@@ -171,6 +162,8 @@ void FFmpegWidget::handleImage(int session, const QImage& image)
         return;
     m_clearTimer.stop();
     updateImage(image);
+    if (m_ffmpegThread)
+        m_natural = m_ffmpegThread->shown().size();
     if (state() != PictureState::State::Playing && state() != PictureState::State::Stopped)
         showState(PictureState::State::Playing);
 }
@@ -190,16 +183,19 @@ void FFmpegWidget::handleStatus(int session, int status, const QString& url)
 /// A source that has broken off says nothing; only its silence tells.
 void FFmpegWidget::checkSource()
 {
-    if (!m_ffmpegThread || state() == PictureState::State::Failed ||
-        state() == PictureState::State::Stopped)
+    if (!m_ffmpegThread || !m_ffmpegThread->isRunning() || state() == PictureState::State::Stopped)
         return;
+    // A window may have come to another screen.
+    m_ffmpegThread->setArea({size(), devicePixelRatioF()});
     const qint64 silence = m_ffmpegThread->silentMs();
+    const int tries = m_ffmpegThread->tries();
+    const bool isNew = state() != PictureState::State::Silent || m_state->tries() != tries;
     if (m_ffmpegThread->isAtEnd()) {
         if (state() != PictureState::State::Ended)
             showState(PictureState::State::Ended);
-    } else if (silence > silenceMs && state() != PictureState::State::Silent) {
+    } else if (silence > silenceMs && isNew) {
         m_state->show(PictureState::State::Silent, m_url,
-                      QTime::currentTime().addMSecs(-int(silence)));
+                      QTime::currentTime().addMSecs(-int(silence)), tries);
     }
 }
 
@@ -213,7 +209,7 @@ void FFmpegWidget::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     QStyleOption option;
     option.initFrom(this);
-    const QRect target = m_image.isNull() ? QRect() : fitted(m_image.size(), size());
+    const QRect target = m_image.isNull() ? QRect() : fittedRect(m_natural, size());
     const QRegion around = event->region() - target;
     if (!around.isEmpty()) {
         painter.setClipRegion(around);
@@ -226,6 +222,13 @@ void FFmpegWidget::paintEvent(QPaintEvent* event)
     painter.setRenderHint(QPainter::SmoothPixmapTransform,
                           target.size() * devicePixelRatioF() != m_image.size());
     painter.drawImage(target, m_image);
+}
+
+void FFmpegWidget::resizeEvent(QResizeEvent* event)
+{
+    if (m_ffmpegThread)
+        m_ffmpegThread->setArea({size(), devicePixelRatioF()});
+    QWidget::resizeEvent(event);
 }
 
 void FFmpegWidget::changeEvent(QEvent* event)

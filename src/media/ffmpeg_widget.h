@@ -27,7 +27,7 @@ public:
 
     /// What shows: whether the picture is live, and if not, why.
     PictureState::State state() const { return m_state->state(); }
-    /// The picture shown; null when there is none.
+    /// The picture shown, in the size in which it is; null when there is none.
     const QImage& picture() const { return m_image; }
     /// Pictures that this session did not show because newer ones came first.
     int droppedPictures() const;
@@ -52,6 +52,7 @@ public slots:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
@@ -67,6 +68,7 @@ private:
     FFmpegThread* m_ffmpegThread = nullptr;
     QVector<QPointer<FFmpegThread>> m_leaving; ///< that had not ended when they were let go
     QImage m_image;
+    QSize m_natural; ///< of the picture that m_image may be a smaller image of
     QMenu m_menu;
     QAction* m_fileAction;
     QAction* m_addressAction;

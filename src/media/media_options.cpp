@@ -82,6 +82,14 @@ void allow(AVDictionary** options, const QByteArray& protocols, const QByteArray
     av_dict_set(options, "format_whitelist", formats.constData(), 0);
 }
 
+/// A stream is shown as soon as it can be decoded. How many pictures a second it has is seen when
+/// they come: FFmpeg would look at twenty of them first.
+void fillQuick(AVDictionary** options)
+{
+    av_dict_set(options, "fpsprobesize", "0", 0);
+    av_dict_set(options, "analyzeduration", "1000000", 0);
+}
+
 void fillUsual(AVDictionary** options)
 {
     av_dict_set(options, "buffer_size", "8192000", 0);
@@ -120,6 +128,7 @@ bool fill(AVDictionary** options, const QString& url, Origin origin)
     if (!way || (origin == Origin::Box && !way->fromBoxes))
         return false;
     fillUsual(options);
+    fillQuick(options);
     const bool isHttp = qstrncmp(way->scheme, "http", 4) == 0;
     if (origin == Origin::Operator && isHttp)
         allow(options, playlistProtocols, playlistFormats);

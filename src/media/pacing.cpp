@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "media/pacing.h"
 
+#include <limits>
+
 namespace
 {
 
@@ -8,20 +10,28 @@ constexpr qint64 second = 1000000;
 /// Stamps are untrusted: differences of smaller ones do not overflow.
 constexpr qint64 largestStamp = Q_INT64_C(1) << 60;
 constexpr qint64 jumpBack = second / 5;
-/// A file may be a slide show; a live source that leaves out more has begun again.
+/// A film may be a slide show.
 constexpr qint64 jumpAhead = 60 * second;
-constexpr qint64 liveJumpAhead = 2 * second;
+/// A delay that nobody sees.
+constexpr qint64 punctualUs = 10000;
+/// How long pictures are looked at until what all of them have waited is taken off.
+constexpr qint64 trimPeriod = second;
+
+bool isSane(qint64 stamp)
+{
+    return stamp >= -largestStamp && stamp <= largestStamp;
+}
 
 } // namespace
 
 bool Pacing::isJump(qint64 stamp) const
 {
-    return stamp < m_last - jumpBack || stamp > m_last + (m_live ? liveJumpAhead : jumpAhead);
+    return stamp < m_last - jumpBack || stamp > m_last + jumpAhead;
 }
 
 qint64 Pacing::waitAfter(qint64 stamp, qint64 now)
 {
-    if (stamp < -largestStamp || stamp > largestStamp)
+    if (!isSane(stamp))
         return 0;
     if (!m_hasBase) {
         m_hasBase = true;
@@ -30,5 +40,41 @@ qint64 Pacing::waitAfter(qint64 stamp, qint64 now)
         m_base += stamp - m_last;
     }
     m_last = stamp;
-    return qMax<qint64>(0, (stamp - m_base) - (now - m_start));
+    const qint64 wait = (stamp - m_base) - (now - m_start);
+    if (wait < -LongestDelayUs)
+        m_start -= wait;
+    return qMax<qint64>(0, wait);
+}
+
+void LivePacing::begin(qint64 stamp, qint64 now)
+{
+    m_hasBase = true;
+    m_start = now;
+    m_base = stamp;
+    m_window = now;
+    m_leastWait = std::numeric_limits<qint64>::max();
+}
+
+qint64 LivePacing::waitBefore(qint64 stamp, qint64 newest, qint64 now)
+{
+    if (!isSane(stamp) || !isSane(newest))
+        return 0;
+    const qint64 lag = qMax<qint64>(0, newest - stamp);
+    const qint64 due = (stamp - m_base) - (now - m_start);
+    // Whatever has brought it about, the newest one is due now.
+    if (!m_hasBase || lag >= LateUs || due > LateUs || due < -LateUs) {
+        begin(qMax(stamp, newest), now);
+        return 0;
+    }
+    // Those that follow keep their distance, as far as none gets late by it.
+    if (due < -punctualUs)
+        begin(stamp, now);
+    const qint64 wait = qBound<qint64>(0, due, LateUs - lag);
+    m_leastWait = qMin(m_leastWait, wait);
+    if (now - m_window < trimPeriod)
+        return wait;
+    m_start -= m_leastWait;
+    m_window = now;
+    m_leastWait = std::numeric_limits<qint64>::max();
+    return wait;
 }

@@ -8,8 +8,6 @@ extern "C" {
 #include <libavutil/frame.h>
 }
 
-#include <QRect>
-
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -70,17 +68,35 @@ bool PictureShape::operator==(const PictureShape& other) const
     return size == other.size && turn == other.turn;
 }
 
-PictureShape shapeOf(AVFormatContext* source, AVStream* stream, AVFrame* frame)
+StreamShape shapeOf(const AVStream& stream)
+{
+    StreamShape shape;
+    shape.pixelWidth = stream.sample_aspect_ratio.num;
+    shape.pixelHeight = stream.sample_aspect_ratio.den;
+    size_t bytes = 0;
+    const uint8_t* data = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &bytes);
+    shape.turn = turnFrom(data, bytes);
+    return shape;
+}
+
+PictureShape shapeOf(const StreamShape& stream, const AVFrame& frame)
 {
     PictureShape shape;
-    shape.size =
-        squared({frame->width, frame->height}, av_guess_sample_aspect_ratio(source, stream, frame));
-    if (const auto* own = av_frame_get_side_data(frame, AV_FRAME_DATA_DISPLAYMATRIX)) {
-        shape.turn = turnFrom(own->data, own->size);
-    } else {
-        size_t bytes = 0;
-        const uint8_t* data = av_stream_get_side_data(stream, AV_PKT_DATA_DISPLAYMATRIX, &bytes);
-        shape.turn = turnFrom(data, bytes);
-    }
+    const bool isSaid = stream.pixelWidth > 0 && stream.pixelHeight > 0;
+    shape.size = squared({frame.width, frame.height},
+                         isSaid ? AVRational{stream.pixelWidth, stream.pixelHeight}
+                                : frame.sample_aspect_ratio);
+    const auto* own = av_frame_get_side_data(&frame, AV_FRAME_DATA_DISPLAYMATRIX);
+    shape.turn = own ? turnFrom(own->data, own->size) : stream.turn;
     return shape;
+}
+
+QRect fittedRect(const QSize& picture, const QSize& area)
+{
+    const double across = double(area.width()) / picture.width();
+    const double down = double(area.height()) / picture.height();
+    const double scale = down <= across ? down : across;
+    return {int((area.width() - picture.width() * scale) * 0.5),
+            int((area.height() - picture.height() * scale) * 0.5), int(picture.width() * scale),
+            int(picture.height() * scale)};
 }

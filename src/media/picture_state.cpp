@@ -44,11 +44,12 @@ PictureState::PictureState(QWidget* area)
     retranslate();
 }
 
-void PictureState::show(State state, const QString& url, const QTime& since)
+void PictureState::show(State state, const QString& url, const QTime& since, int tries)
 {
     m_state = state;
     m_url = withoutPassword(url);
     m_since = since;
+    m_tries = tries;
     const bool isBad = state == State::Silent || state == State::Failed;
     m_title->setProperty("state", isBad ? QStringLiteral("error") : QString());
     m_title->style()->unpolish(m_title);
@@ -100,10 +101,20 @@ QString PictureState::title() const
     return {};
 }
 
+QString PictureState::detail() const
+{
+    if (m_state == State::Idle)
+        return tr("右键单击可播放本地文件或网络地址");
+    if (m_tries == 0)
+        return m_url;
+    // An address may hold anything that looks like a place for text.
+    return tr("第 %1 次重新连接").arg(m_tries) + QStringLiteral(" · ") + m_url;
+}
+
 void PictureState::retranslate()
 {
     m_title->setText(title());
-    m_detail->setText(m_state == State::Idle ? tr("右键单击可播放本地文件或网络地址") : m_url);
+    m_detail->setText(detail());
     place();
 }
 

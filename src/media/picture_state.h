@@ -20,8 +20,10 @@ public:
     explicit PictureState(QWidget* area);
 
     State state() const { return m_state; }
-    /// `url` is shown without its password; `since` is when the last picture came, for Silent.
-    void show(State state, const QString& url, const QTime& since = {});
+    /// `url` is shown without its password; for Silent, `since` is when the last picture came, and
+    /// `tries` which try to open the source again is under way, 0 for none.
+    void show(State state, const QString& url, const QTime& since = {}, int tries = 0);
+    int tries() const { return m_tries; }
     /// Over a picture it keeps to the upper edge.
     void setOverPicture(bool over);
 
@@ -32,11 +34,13 @@ protected:
 private:
     void retranslate();
     QString title() const;
+    QString detail() const;
     void place();
 
     State m_state = State::Idle;
     QString m_url;
     QTime m_since;
+    int m_tries = 0;
     bool m_overPicture = false;
     QLabel* m_title;
     ElidedLabel* m_detail;

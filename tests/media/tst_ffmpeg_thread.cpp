@@ -70,27 +70,32 @@ private slots:
 
     void cannotBePlayed_data()
     {
-        columns<QString>("url");
-        row("no file", m_clips.path("nowhere.mp4"));
-        row("no film", writeFile(m_clips.path("text.mp4"), "no film at all\n"));
-        row("nothing", writeFile(m_clips.path("empty.mp4"), {}));
-        row("only sound", m_clips.make("sound.m4a", "-f lavfi -i sine -t 1 -c:a aac"));
-        row("refusing server", "http://" TEST_BLOCK ".1:9/x");
-        row("no such protocol", "nosuch://" TEST_BLOCK ".1/x");
-        row("no address", "rtsp://");
-        row("empty", "");
+        columns<QString, bool>("url", "mayComeLater");
+        const auto never = [](const char* name, const QString& url) { row(name, url, false); };
+        never("no file", m_clips.path("nowhere.mp4"));
+        never("no film", writeFile(m_clips.path("text.mp4"), "no film at all\n"));
+        never("nothing", writeFile(m_clips.path("empty.mp4"), {}));
+        never("only sound", m_clips.make("sound.m4a", "-f lavfi -i sine -t 1 -c:a aac"));
+        row("refusing server", "http://" TEST_BLOCK ".1:9/x", true);
+        never("no such protocol", "nosuch://" TEST_BLOCK ".1/x");
+        row("no address", "rtsp://", true);
+        never("empty", "");
         // A film whose sound nobody can decode: the name of the codec overwritten in the file.
         QByteArray film = readFile(
             m_clips.make("sound.mkv", Small + " -f lavfi -i sine -t 1 -c:v libx264 -c:a aac"));
         film.replace("A_AAC", "A_XYZ");
-        row("unknown sound", writeFile(m_clips.path("unknown.mkv"), film));
+        never("unknown sound", writeFile(m_clips.path("unknown.mkv"), film));
     }
     void cannotBePlayed()
     {
-        QFETCH(QString, url);
+        const auto [url, mayComeLater] = cells<QString, bool>();
         Player player(url);
         QTRY_COMPARE_WITH_TIMEOUT(player.statuses, QList<int>{FFmpegThread::OpenFailed}, 5000);
-        QTRY_VERIFY(player.thread.isFinished());
+        if (mayComeLater)
+            QTRY_VERIFY_WITH_TIMEOUT(player.thread.tries() > 2, 3000);
+        else
+            QTRY_VERIFY(player.thread.isFinished());
+        QCOMPARE(player.statuses.size(), 1);
         QCOMPARE(player.pictures, 0);
     }
 
@@ -144,7 +149,9 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(player.statuses, QList<int>{FFmpegThread::OpenFailed}, 6000);
         QVERIFY2(qAbs(player.clock.elapsed() - 3000) < 700,
                  qPrintable(QString::number(player.clock.elapsed())));
-        QTRY_VERIFY(player.thread.isFinished());
+        // Not for good.
+        QTRY_COMPARE_WITH_TIMEOUT(player.thread.tries(), 2, 6000);
+        player.thread.stop();
         QTRY_COMPARE(server.connections(), 0);
     }
 
@@ -164,7 +171,7 @@ private slots:
                                     afterPictures ? httpReply("video/mp2t", film) : QByteArray());
         Player player(server.url(scheme, ""));
         if (afterPictures)
-            QTRY_VERIFY_WITH_TIMEOUT(player.thread.silentMs() > 300 && player.pictures > 10, 9000);
+            QTRY_VERIFY_WITH_TIMEOUT(player.thread.silentMs() > 300 && player.pictures > 1, 9000);
         else
             QTest::qWait(400);
         Stopwatch clock;
@@ -209,22 +216,6 @@ private slots:
         QVERIFY(player.thread.wait(500));
         server.kill();
         server.waitForFinished();
-    }
-
-    void pausedStreamGoesOn()
-    {
-        const QByteArray film = readFile(m_clips.live());
-        ScriptedServer server(TEST_BLOCK ".4", httpReply("video/mp2t", film));
-        Player player(server.url("http"));
-        // Longer than a read waits: reads fail meanwhile.
-        QTRY_VERIFY_WITH_TIMEOUT(player.thread.silentMs() > 3300, 15000);
-        const int before = player.pictures;
-        QVERIFY(before > 10);
-        QVERIFY(!player.thread.isAtEnd());
-        server.send(film);
-        // All at once: the newest matter.
-        QTRY_VERIFY_WITH_TIMEOUT(player.pictures > before + 2, 2000);
-        QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
     }
 
     void growingFileGoesOn()
@@ -295,12 +286,6 @@ private slots:
         for (const qint64 stamp :
              {std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max()})
             QCOMPARE(file.waitAfter(stamp, 42 * second), 0);
-        Pacing live;
-        live.setLive(true);
-        live.start(0);
-        QCOMPARE(live.waitAfter(0, 0), 0);
-        QCOMPARE(live.waitAfter(second, 0), second);
-        QCOMPARE(live.waitAfter(90000 * second, second), 0); // hours later within a moment
     }
 
 private:

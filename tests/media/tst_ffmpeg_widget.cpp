@@ -125,7 +125,8 @@ private slots:
         QVERIFY(!areWordsShown());
         QCOMPARE(statuses.size(), 1);
         QCOMPARE(statuses.first(), QVariantList({1, url}));
-        QCOMPARE(m_widget->picture().size(), QSize(320, 180));
+        // As large as it is shown.
+        QCOMPARE(m_widget->picture().size(), QSize(400, 225));
         // Nobody takes the last picture for a live one.
         QTRY_COMPARE_WITH_TIMEOUT(m_widget->state(), State::Ended, 6000);
         QVERIFY(areWordsShown());
@@ -264,9 +265,9 @@ private slots:
             m_widget->open(other);
             // Its one picture comes while the old ones are still under way.
             QThread::msleep(50);
-            QTRY_COMPARE(m_widget->picture().size(), QSize(64, 64));
+            QTRY_COMPARE(m_widget->picture().size(), QSize(300, 300));
             QTest::qWait(10);
-            QCOMPARE(m_widget->picture().size(), QSize(64, 64));
+            QCOMPARE(m_widget->picture().size(), QSize(300, 300));
         }
     }
 

@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: MIT
+#include "media/playback.h"
+
+#include "media/ffmpeg_session.h"
+#include "media/live_reader.h"
+#include "media/playback_state.h"
+#include "media/stop_signal.h"
+
+extern "C" {
+#include <libavcodec/packet.h>
+#include <libavutil/error.h>
+#include <libavutil/time.h>
+}
+
+namespace
+{
+
+/// How often a film without data is asked again, at first and later on.
+constexpr qint64 retryUs = 10000;
+constexpr qint64 lateRetryUs = 40000;
+/// How long a film without data may still be about to go on.
+constexpr qint64 endUs = 500000;
+/// How long a late film's picture waits for room, and how often it looks for it.
+constexpr qint64 roomUs = 100000;
+constexpr qint64 roomPollUs = 1000;
+
+/// How long a live source's next packet is waited for at a time.
+constexpr qint64 packetWaitUs = 20000;
+/// How often it is looked whether a picture that waits for its turn has become late.
+constexpr qint64 turnPollUs = 10000;
+/// From this lag on a live source's pictures that no other one needs are not decoded, and from that
+/// one on it goes on with its newest key picture.
+constexpr qint64 hurryUs = 150000;
+constexpr qint64 skipUs = 500000;
+/// Something moves all the same, that often, while a source is caught up with.
+constexpr qint64 catchUpPictureUs = 100000;
+/// A live source without packets of the picture, or of which none can be shown, is opened anew.
+constexpr qint64 silenceUs = 4000000;
+constexpr qint64 noPictureUs = 15000000;
+
+} // namespace
+
+Playback::Playback(PlaybackState& state, StopSignal& stop, Show show)
+    : m_state(state), m_stop(stop), m_show(std::move(show))
+{
+}
+
+Playback::~Playback() = default;
+
+bool Playback::open(const QString& url, MediaOptions::Origin origin, const QSize& screen)
+{
+    m_pacing.start(av_gettime_relative());
+    m_session = std::make_unique<FFmpegSession>([this] { return m_stop.isRequested(); });
+    m_session->setScreen(screen);
+    m_packet.reset(av_packet_alloc());
+    if (!m_packet || !m_session->open(url, origin)) {
+        m_isOverLimit = m_session->isOverLimit();
+        return false;
+    }
+    m_packetAt = m_shownAt = av_gettime_relative();
+    m_state.lagUs = -1;
+    if (!m_session->hasEnd())
+        m_reader = std::make_unique<LiveReader>(*m_session, [](const AVPacket&) {});
+    return true;
+}
+
+bool Playback::mayComeLater()
+{
+    return !m_session || m_session->mayComeLater();
+}
+
+void Playback::goOnBehind(qint64 position)
+{
+    if (!m_session->hasEnd())
+        return;
+    // Where it cannot seek, it is decoded from the beginning.
+    m_session->seek(position);
+    m_behind = position;
+    m_position = position;
+}
+
+Playback::Outcome Playback::step()
+{
+    if (m_state.waitingSince == 0)
+        m_state.waitingSince = av_gettime_relative();
+    showPending();
+    followArea();
+    return m_reader ? stepLive() : stepFilm();
+}
+
+Playback::Outcome Playback::stepFilm()
+{
+    m_isOverLimit = m_session->isOverLimit();
+    if (m_isOverLimit)
+        return Outcome::Over;
+    const int result = m_session->read(*m_packet);
+    if (result < 0)
+        return waitForData(result);
+    PictureDecoder& decoder = m_session->pictures();
+    m_noDataSince = 0;
+    m_state.isAtEnd = false;
+    decoder.resume();
+    bool isFull = false;
+    if (!m_session->isVideo(*m_packet) || !decoder.send(*m_packet, &isFull))
+        return Outcome::GoesOn;
+    const int received = decoder.take();
+    if (isFull)
+        decoder.send(*m_packet, &isFull);
+    if (received >= 0)
+        showFilmPicture(*m_packet);
+    return Outcome::GoesOn;
+}
+
+void Playback::showFilmPicture(const AVPacket& packet)
+{
+    const PictureDecoder& decoder = m_session->pictures();
+    const std::optional<qint64> stamp = decoder.stampUs();
+    if (m_behind) {
+        if (stamp && *stamp <= *m_behind)
+            return;
+        m_behind.reset();
+        m_pacing.start(av_gettime_relative());
+    }
+    if (stamp)
+        m_position = stamp;
+    if (m_isPending)
+        ++m_state.dropped;
+    show();
+    waitUntilDue(decoder.stampUs(packet));
+}
+
+Playback::Outcome Playback::stepLive()
+{
+    const MediaPacket packet = m_reader->take(packetWaitUs);
+    m_state.dropped += m_reader->takeLost();
+    if (!packet && m_reader->hasEnded()) {
+        m_isOverLimit = m_reader->isOverLimit();
+        return m_isOverLimit ? Outcome::Over : Outcome::Broken;
+    }
+    if (!packet)
+        return lookForSilence();
+    m_packetAt = av_gettime_relative();
+    PictureDecoder& decoder = m_session->pictures();
+    const std::optional<qint64> stamp = decoder.stampUs(*packet);
+    const std::optional<qint64> newest = m_reader->newestUs();
+    if (stamp && newest && catchUp(*newest - *stamp))
+        return Outcome::GoesOn;
+    bool isFull = true;
+    while (isFull && decoder.send(*packet, &isFull)) {
+        bool isTaken = false;
+        for (; decoder.take() >= 0; isTaken = true)
+            showLivePicture(*packet);
+        if (isFull && !isTaken)
+            break;
+    }
+    return lookForSilence();
+}
+
+/// Lets the decoder leave out what a late picture allows; whether the packet in hand is one of
+/// those that are left out.
+bool Playback::catchUp(qint64 lag)
+{
+    PictureDecoder& decoder = m_session->pictures();
+    decoder.setHurried(lag > hurryUs);
+    const int skipped = lag > skipUs && m_hasShown ? m_reader->skipToNewestKey() : 0;
+    if (skipped == 0)
+        return false;
+    m_state.dropped += skipped + 1;
+    decoder.flush();
+    return true;
+}
+
+void Playback::showLivePicture(const AVPacket& packet)
+{
+    const PictureDecoder& decoder = m_session->pictures();
+    std::optional<qint64> stamp = decoder.stampUs();
+    if (!stamp)
+        stamp = decoder.stampUs(packet);
+    const qint64 newest = m_reader->newestUs().value_or(0);
+    if (m_isPending)
+        ++m_state.dropped;
+    m_isPending = false;
+    if (stamp && isLate(newest - *stamp)) {
+        ++m_state.dropped;
+        return;
+    }
+    if (stamp && m_hasShown)
+        waitForTurn(*stamp, newest);
+    show();
+    m_state.lagUs = stamp ? qMax<qint64>(0, m_reader->newestUs().value_or(0) - *stamp) : -1;
+}
+
+/// Not a moment longer than until newer ones have made it late.
+void Playback::waitForTurn(qint64 stamp, qint64 newest)
+{
+    const qint64 now = av_gettime_relative();
+    const qint64 due = now + m_livePacing.waitBefore(stamp, newest, now);
+    for (;;) {
+        const qint64 rest = due - av_gettime_relative();
+        if (rest <= 0 || m_stop.isRequested() ||
+            m_reader->newestUs().value_or(newest) - stamp >= LivePacing::LateUs)
+            return;
+        m_stop.rest(qMin(rest, turnPollUs));
+    }
+}
+
+/// Whether a picture that far behind is left out, for a newer one that is about to be decoded.
+bool Playback::isLate(qint64 lag) const
+{
+    return m_hasShown && lag >= LivePacing::LateUs && !m_reader->isEmpty() &&
+           av_gettime_relative() - m_shownAt < catchUpPictureUs;
+}
+
+Playback::Outcome Playback::lookForSilence()
+{
+    const qint64 now = av_gettime_relative();
+    const bool isSilent = now - m_packetAt > silenceUs || now - m_shownAt > noPictureUs;
+    return isSilent ? Outcome::Broken : Outcome::GoesOn;
+}
+
+/// Makes an image of the picture in hand, if there is a free one.
+bool Playback::convert()
+{
+    const PictureDecoder& decoder = m_session->pictures();
+    const PictureShape shape = decoder.shape();
+    m_area = m_state.area();
+    QImage image;
+    const FrameConverter::Result result =
+        m_converter.convert(decoder.frame(), shape, m_area, &image);
+    m_isPending = result == FrameConverter::Result::Busy;
+    if (result == FrameConverter::Result::Done) {
+        m_state.setShown(ShownPicture(decoder.frame(), shape));
+        m_show(image);
+    }
+    return result != FrameConverter::Result::Failed;
+}
+
+void Playback::show()
+{
+    // That nobody takes a picture is not the source's fault.
+    if (!convert())
+        return;
+    m_hasShown = true;
+    m_shownAt = av_gettime_relative();
+    m_state.waitingSince = 0;
+    m_state.tries = 0;
+}
+
+void Playback::showPending()
+{
+    if (m_isPending)
+        convert();
+}
+
+/// The picture that stands still is as sharp in a larger window.
+void Playback::followArea()
+{
+    if (m_hasShown && !(m_state.area() == m_area))
+        convert();
+}
+
+void Playback::waitUntilDue(std::optional<qint64> stamp)
+{
+    const qint64 now = av_gettime_relative();
+    const qint64 due = now + (stamp ? m_pacing.waitAfter(*stamp, now) : 0);
+    // A picture without room may find some until the next one is due. A film that is late loses
+    // pictures only to a receiver that does not take them.
+    const qint64 limit = due == now ? now + roomUs : due;
+    while (m_isPending && !m_stop.isRequested() && av_gettime_relative() < limit) {
+        m_stop.rest(roomPollUs);
+        showPending();
+    }
+    m_stop.rest(due - av_gettime_relative());
+}
+
+/// A failed read ends nothing: a film may grow.
+Playback::Outcome Playback::waitForData(int result)
+{
+    // What has been shown up to its end needs its source no more.
+    if (m_session->isBroken(result) && !m_state.isAtEnd)
+        return Outcome::Broken;
+    const qint64 now = av_gettime_relative();
+    if (m_noDataSince == 0)
+        m_noDataSince = now;
+    if (result == AVERROR_EOF && !m_state.isAtEnd && now - m_noDataSince > endUs)
+        showHeldBack();
+    m_stop.rest(now - m_noDataSince > endUs ? lateRetryUs : retryUs);
+    return Outcome::GoesOn;
+}
+
+/// The pictures that the decoder keeps back for reordering, when no more packets follow.
+void Playback::showHeldBack()
+{
+    while (!m_stop.isRequested() && !m_isPending && !m_state.isAtEnd) {
+        if (m_session->pictures().drain() >= 0)
+            show();
+        else
+            m_state.isAtEnd = true;
+    }
+}

@@ -1,0 +1,260 @@
+// SPDX-License-Identifier: MIT
+#include "media/pacing.h"
+#include "tests/support/clips.h"
+#include "tests/support/player.h"
+#include "tests/support/scripted_server.h"
+#include "tests/support/stopwatch.h"
+#include "tests/support/table.h"
+
+#include <QRandomGenerator>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace
+{
+
+/// A server of one file that can be asked for a part of it, and that breaks off after `most` bytes
+/// as long as that is not negative.
+class FileServer : public ScriptedServer
+{
+public:
+    FileServer(const QString& address, const QByteArray& file)
+        : ScriptedServer(address, "x", Closes), m_file(file)
+    {
+    }
+    int most = -1;
+
+protected:
+    QByteArray replyTo(const QByteArray& request) override
+    {
+        const int range = request.indexOf("Range: bytes=");
+        const int begin = range < 0 ? 0 : request.mid(range + 13).split('-').first().toInt();
+        const QByteArray head =
+            "HTTP/1.1 206 Partial Content\r\nContent-Type: video/mp4\r\nAccept-Ranges: bytes\r\n"
+            "Connection: close\r\nContent-Range: bytes " +
+            QByteArray::number(begin) + "-" + QByteArray::number(m_file.size() - 1) + "/" +
+            QByteArray::number(m_file.size()) +
+            "\r\nContent-Length: " + QByteArray::number(m_file.size() - begin) + "\r\n\r\n";
+        return head + m_file.mid(begin, most);
+    }
+
+private:
+    const QByteArray m_file;
+};
+
+/// A film of 25 pictures a second, each of them as bright as its number says.
+QString countingFilm(const Clips& clips, const QString& name, const QString& encoder)
+{
+    return clips.make(name, "-f lavfi -i color=black:size=64x64:rate=25:duration=8,format=yuv420p,"
+                            "geq=lum=16+N:cb=128:cr=128 -c:v libx264 -qp 8 -g 10 " +
+                                encoder);
+}
+
+/// Where its pictures begin, in a transport stream.
+QVector<int> picturesOf(const QByteArray& film)
+{
+    constexpr int packet = 188;
+    constexpr int videoPid = 0x100;
+    QVector<int> begins;
+    for (int at = 0; at + packet <= film.size(); at += packet) {
+        const int head = uchar(film.at(at + 1)) * 256 + uchar(film.at(at + 2));
+        if ((head & 0x4000) != 0 && (head & 0x1fff) == videoPid)
+            begins << at;
+    }
+    return begins;
+}
+
+/// The number of a picture of that film.
+int numberOf(const QImage& image)
+{
+    return image.isNull() ? -1 : qRound(qGray(image.pixel(32, 32)) * 219.0 / 255.0);
+}
+
+} // namespace
+
+/// A source on the network: shown as it is now, and again when it was gone.
+class tst_LivePlayback : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void showsWhatIsNow_data()
+    {
+        // FFmpeg hands on a picture of such a stream when the one after the next begins. "behind":
+        // pictures, with those.
+        // "burst": pictures that come at once, before those that come in time; "pause": in
+        // milliseconds, after which all that has been kept back comes at once.
+        columns<QString, int, int, int>("encoder", "burst", "pause", "behind");
+        row("burst", "-tune zerolatency", 70, 0, 5);
+        row("burst without key pictures", "-tune zerolatency -g 500", 70, 0, 5);
+        row("pause", "-tune zerolatency", 1, 1500, 5);
+        row("pictures held back", "-bf 2", 50, 0, 7);
+    }
+    void showsWhatIsNow()
+    {
+        const auto [encoder, burst, pause, behind] = cells<QString, int, int, int>();
+        const QByteArray film = readFile(countingFilm(
+            m_clips, QString("count-%1.ts").arg(qHash(encoder)), encoder + " -muxdelay 0"));
+        const QVector<int> begins = picturesOf(film);
+        const auto end = [&](int pictures) { return begins.value(pictures, film.size()); };
+        ScriptedServer server(TEST_BLOCK ".1", httpReply("video/mp2t", film.left(end(burst))));
+        Player player(server.url("http"));
+        QTRY_VERIFY_WITH_TIMEOUT(server.asked() == 1, 3000);
+        QElapsedTimer clock;
+        clock.start();
+        int sent = burst;
+        QVector<int> lags;
+        while (sent < 190) {
+            QTest::qWait(10);
+            const int due = burst + int(clock.elapsed() / 40);
+            if (due > 100 && clock.elapsed() < pause)
+                continue;
+            if (due > sent)
+                server.send(film.mid(end(sent), end(due) - end(sent)));
+            sent = due;
+            // What has come a moment ago may still be on its way.
+            if (sent > 160)
+                lags << sent - numberOf(player.last);
+        }
+        std::sort(lags.begin(), lags.end());
+        qInfo() << "pictures behind, median and most:" << lags.at(lags.size() / 2) << lags.last()
+                << player.thread.lagMs() << "ms";
+        QVERIFY2(lags.at(lags.size() / 2) <= behind, qPrintable(QString::number(lags.last())));
+        VERIFY_BELOW(player.thread.lagMs(), 200);
+        QVERIFY(player.thread.lagMs() >= 0);
+        QCOMPARE(player.thread.tries(), 0);
+    }
+
+    void comesBack()
+    {
+        const QByteArray film = readFile(m_clips.live());
+        auto server = std::make_unique<ScriptedServer>(
+            TEST_BLOCK ".2", httpReply("video/mp2t", film), ScriptedServer::Closes);
+        const QString url = server->url("http");
+        const quint16 port = server->serverPort();
+        Player player(url);
+        // It ends: it is asked again.
+        QTRY_VERIFY_WITH_TIMEOUT(player.thread.reconnections() >= 1 && player.pictures > 1, 9000);
+        // It refuses.
+        server.reset();
+        QTRY_VERIFY_WITH_TIMEOUT(player.thread.tries() >= 3, 9000);
+        QVERIFY(player.thread.silentMs() > 0);
+        const int before = player.pictures;
+        // It says nothing.
+        server = std::make_unique<ScriptedServer>(TEST_BLOCK ".2", QByteArray(),
+                                                  ScriptedServer::StaysOpen, port);
+        QTRY_VERIFY_WITH_TIMEOUT(server->asked() >= 1, 5000);
+        const int tries = player.thread.tries();
+        QTRY_VERIFY_WITH_TIMEOUT(player.thread.tries() > tries, 6000);
+        // It is back.
+        server->setReply(httpReply("video/mp2t", film));
+        Stopwatch clock;
+        QTRY_VERIFY_WITH_TIMEOUT(player.pictures > before, 9000);
+        VERIFY_BELOW(clock.elapsed(), 5000);
+        QCOMPARE(player.thread.tries(), 0);
+        QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+    }
+
+    void stalledStreamIsOpenedAgain()
+    {
+        const QByteArray film = readFile(m_clips.live());
+        ScriptedServer server(TEST_BLOCK ".3", httpReply("video/mp2t", film));
+        Player player(server.url("http"));
+        QTRY_VERIFY_WITH_TIMEOUT(player.pictures > 1, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(server.asked() >= 2, 9000);
+        QTRY_COMPARE(player.thread.reconnections(), 1);
+        QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+    }
+
+    void recordingGoesOnWhereItWas()
+    {
+        const QByteArray film = readFile(countingFilm(m_clips, "count.mp4", "-movflags faststart"));
+        FileServer server(TEST_BLOCK ".4", film);
+        server.most = film.size() / 2;
+        Player player(server.url("http", "a.mp4"));
+        QList<int> numbers;
+        connect(&player.thread, &FFmpegThread::receiveImage, &player.context,
+                [&] { numbers << numberOf(player.last); });
+        QTRY_VERIFY_WITH_TIMEOUT(player.thread.tries() > 0, 8000);
+        server.most = -1;
+        QTRY_VERIFY_WITH_TIMEOUT(player.thread.isAtEnd(), 12000);
+        QCOMPARE(player.thread.reconnections(), 1);
+        QVERIFY2(std::is_sorted(numbers.cbegin(), numbers.cend()), "pictures came twice");
+        QVERIFY2(numbers.size() + player.thread.droppedPictures() >= 198,
+                 qPrintable(QString::number(numbers.size())));
+        // Not in a hurry.
+        QVERIFY2(player.clock.elapsed() > 7500,
+                 qPrintable(QString::number(player.clock.elapsed())));
+        QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+    }
+
+    /// Arrivals of all kinds on a clock of their own: whatever comes, the picture is never late.
+    void pacing_data()
+    {
+        // "drift": of the sender's clock, ppm; "jitter": of arrivals, milliseconds; "together":
+        // pictures that come in one go.
+        columns<int, int, int>("drift", "jitter", "together");
+        row("steady", 0, 0, 1);
+        row("fast sender", 1000, 0, 1);
+        row("slow sender", -1000, 0, 1);
+        row("pairs", 0, 0, 2);
+        row("jitter", 100, 60, 1);
+        row("jitter and stalls", -100, 400, 3);
+    }
+    void pacing()
+    {
+        const auto [drift, jitter, together] = cells<int, int, int>();
+        constexpr qint64 step = 40000;
+        QRandomGenerator random(5);
+        struct Arrival {
+            qint64 at;
+            qint64 stamp;
+        };
+        QVector<Arrival> arrivals;
+        qint64 last = 0;
+        for (int n = 0; n < 20000; ++n) {
+            const qint64 stamp = n * step;
+            const int place = n / together * together + together - 1;
+            qint64 at = place * step - place * step / 1000000 * drift;
+            at += jitter > 0 ? random.bounded(jitter * 1000) : 0;
+            last = qMax(last, at);
+            arrivals.append({last, stamp});
+        }
+        LivePacing pacing;
+        qint64 now = 0;
+        QVector<qint64> lags;
+        qint64 shortest = step;
+        qint64 shown = 0;
+        for (const Arrival& each : arrivals) {
+            now = qMax(now, each.at);
+            const auto newestAt = [&](qint64 time) {
+                return (std::upper_bound(arrivals.cbegin(), arrivals.cend(), time,
+                                         [](qint64 t, const Arrival& a) { return t < a.at; }) -
+                        1)
+                    ->stamp;
+            };
+            const qint64 wait = pacing.waitBefore(each.stamp, newestAt(now), now);
+            const qint64 lag = newestAt(now) - each.stamp;
+            QVERIFY(wait == 0 || (wait > 0 && lag + wait <= LivePacing::LateUs));
+            now += wait;
+            // What came in one go with others is not shown at once with them.
+            if (together == 2 && jitter == 0 && each.stamp > 100 * step)
+                shortest = qMin(shortest, now - shown);
+            shown = now;
+            lags << newestAt(now) - each.stamp;
+        }
+        std::sort(lags.begin(), lags.end());
+        qInfo() << "lag, median and most:" << lags.at(lags.size() / 2) << lags.last();
+        VERIFY_BELOW(lags.at(lags.size() / 2), LivePacing::LateUs + 1);
+        if (together == 1 && jitter == 0)
+            QCOMPARE(lags.last(), 0);
+        QVERIFY(shortest >= step / 2);
+    }
+
+private:
+    Clips m_clips;
+};
+
+QTEST_GUILESS_MAIN(tst_LivePlayback)
+#include "tst_live_playback.moc"
