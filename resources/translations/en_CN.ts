@@ -907,6 +907,10 @@
       <source>右键单击可播放本地文件或网络地址</source>
       <translation>Right-click to play a file or an address</translation>
     </message>
+    <message>
+      <source>第 %1 次重新连接</source>
+      <translation>Reconnecting, try %1</translation>
+    </message>
   </context>
   <context>
     <name>RecordControl</name>

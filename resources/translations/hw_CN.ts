@@ -907,6 +907,10 @@
       <source>右键单击可播放本地文件或网络地址</source>
       <translation>오른쪽 클릭: 파일 또는 주소 재생</translation>
     </message>
+    <message>
+      <source>第 %1 次重新连接</source>
+      <translation>다시 연결 중, %1번째 시도</translation>
+    </message>
   </context>
   <context>
     <name>RecordControl</name>

@@ -10,6 +10,8 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <atomic>
+#include <thread>
 
 namespace
 {
@@ -187,6 +189,47 @@ private slots:
         QVERIFY2(player.clock.elapsed() > 7500,
                  qPrintable(QString::number(player.clock.elapsed())));
         QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+    }
+
+    /// Opened, closed, stopped and looked at in all states, by two threads.
+    void racesEndWell()
+    {
+        const QByteArray film = readFile(m_clips.live());
+        const ScriptedServer live(TEST_BLOCK ".5", httpReply("video/mp2t", film));
+        const ScriptedServer silent(TEST_BLOCK ".6");
+        const QStringList sources{m_clips.two(), live.url("http"), silent.url("http"),
+                                  "http://" TEST_BLOCK ".5:9/x"};
+        const int rounds = qMax(60, qEnvironmentVariableIntValue("TARN_RACES"));
+        QRandomGenerator random(7);
+        for (int n = 0; n < rounds; ++n) {
+            Player player(sources.at(n % sources.size()));
+            std::atomic<bool> ends{false};
+            std::atomic<bool> isSane{true};
+            std::thread other([&] {
+                for (int size = 10; !ends; size = size % 300 + 1) {
+                    player.thread.setArea({{size, size}, 1});
+                    const ShownPicture shown = player.thread.shown();
+                    if ((!shown.isNull() && shown.toImage().isNull()) ||
+                        player.thread.silentMs() < 0 || player.thread.tries() < 0)
+                        isSane = false;
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                }
+            });
+            QTest::qWait(int(random.bounded(n % 10 == 0 ? 600 : 60)));
+            if (n % 3 == 0)
+                player.thread.requestStop();
+            else
+                player.thread.stop();
+            const int told = player.statuses.size();
+            ends = true;
+            other.join();
+            QVERIFY(isSane);
+            QVERIFY(player.thread.wait(3000));
+            // Signals that were under way may follow; none of them is new.
+            QTest::qWait(1);
+            QVERIFY(player.statuses.size() <= told + 1);
+        }
+        QTRY_COMPARE(live.connections() + silent.connections(), 0);
     }
 
     /// Arrivals of all kinds on a clock of their own: whatever comes, the picture is never late.
