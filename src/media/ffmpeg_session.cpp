@@ -117,7 +117,8 @@ bool FFmpegSession::open(const QString& url, MediaOptions::Origin origin)
     m_packet.reset(av_packet_alloc());
     m_next.reset(av_frame_alloc());
     m_frame.reset(av_frame_alloc());
-    if (!m_packet || !m_next || !m_frame)
+    m_sound.reset(av_frame_alloc());
+    if (!m_packet || !m_next || !m_frame || !m_sound)
         return false;
     m_gate.setOpened();
     av_dump_format(m_input.get(), 0, url.toUtf8().constData(), 0);
@@ -224,6 +225,7 @@ FFmpegSession::Decoder FFmpegSession::openDecoder(const AVStream& stream, const 
     if (!decoder || avcodec_parameters_to_context(decoder.get(), stream.codecpar) < 0)
         return nullptr;
     decoder->pkt_timebase = stream.time_base;
+    decoder->max_samples = Limits::SoundSamples;
     if (isVideo) {
         decoder->lowres = halvings(codec, {decoder->width, decoder->height}, m_screen);
         decoder->flags2 |= AV_CODEC_FLAG2_FAST;
@@ -270,6 +272,16 @@ bool FFmpegSession::isVideo() const
     return m_packet->stream_index == m_videoStream;
 }
 
+bool FFmpegSession::isSound() const
+{
+    return m_audio && m_packet->stream_index == m_audioStream;
+}
+
+int FFmpegSession::packetBytes() const
+{
+    return m_packet->size;
+}
+
 std::optional<qint64> FFmpegSession::stampUs() const
 {
     if (m_packet->dts == AV_NOPTS_VALUE)
@@ -288,6 +300,19 @@ int FFmpegSession::decode()
     if (sent == AVERROR(EAGAIN))
         avcodec_send_packet(m_video.get(), m_packet.get());
     return received;
+}
+
+void FFmpegSession::decodeSound(const std::function<void(const AVFrame&)>& take)
+{
+    if (avcodec_send_packet(m_audio.get(), m_packet.get()) < 0)
+        return;
+    // A packet has few frames, whatever it says; the next one makes room for the rest.
+    constexpr int mostFrames = 16;
+    for (int n = 0; n < mostFrames; ++n) {
+        if (avcodec_receive_frame(m_audio.get(), m_sound.get()) < 0)
+            return;
+        take(*m_sound);
+    }
 }
 
 int FFmpegSession::drain()
@@ -320,6 +345,22 @@ void FFmpegSession::resume()
 PictureShape FFmpegSession::shape() const
 {
     return shapeOf(m_input.get(), m_input->streams[m_videoStream], m_frame.get());
+}
+
+PictureFigures FFmpegSession::figures() const
+{
+    PictureFigures figures;
+    figures.codec = QLatin1String(avcodec_get_name(m_video->codec_id));
+    const char* profile = avcodec_profile_name(m_video->codec_id, m_video->profile);
+    if (profile)
+        figures.codec += QStringLiteral(" (%1)").arg(QLatin1String(profile));
+    figures.threads = m_video->active_thread_type != 0 ? m_video->thread_count : 1;
+    return figures;
+}
+
+int FFmpegSession::soundChannels() const
+{
+    return m_audio ? m_audio->ch_layout.nb_channels : 0;
 }
 
 int FFmpegSession::videoWidth() const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "media/picture_figures.h"
 #include "media/picture_shape.h"
 #include "media/source_gate.h"
 
@@ -48,6 +49,8 @@ public:
     /// Whether it has had more than one source gets: it goes on no more.
     bool isOverLimit() { return m_gate.isOverLimit(); }
     bool isVideo() const;
+    bool isSound() const;
+    int packetBytes() const;
     /// The packet's decode time stamp in microseconds, when it has one.
     std::optional<qint64> stampUs() const;
     /// Passes the packet to the decoder and takes a picture from it, if there is one: negative
@@ -58,13 +61,20 @@ public:
     int drain();
     void resume();
 
+    /// Passes the packet to the sound's decoder and each frame that comes of it to `take`. Errors
+    /// are the source's, and pass.
+    void decodeSound(const std::function<void(const AVFrame&)>& take);
+
     /// The last picture that decode() or drain() has taken.
     const AVFrame& frame() const { return *m_frame; }
     /// How that is to be seen.
     PictureShape shape() const;
 
-    int videoWidth() const;  ///< in pixels, as the decoder says
-    int videoHeight() const; ///< in pixels
+    /// What is known of it by now: its codec, what decodes it.
+    PictureFigures figures() const;
+    int soundChannels() const; ///< 0: without sound
+    int videoWidth() const;    ///< in pixels, as the decoder says
+    int videoHeight() const;   ///< in pixels
     /// Whether it has an end: a file or recording, as opposed to a stream.
     bool hasEnd() const;
 
@@ -95,7 +105,7 @@ private:
     SourceGate m_gate; // the input is closed through it
     std::unique_ptr<AVFormatContext, CloseInput> m_input;
     Decoder m_video;
-    Decoder m_audio; // opened to be described, never used
+    Decoder m_audio; // opened to be described; used while its level is wanted
     int m_videoStream = -1;
     int m_audioStream = -1;
     QSize m_screen;
@@ -104,4 +114,5 @@ private:
     std::unique_ptr<AVPacket, FreePacket> m_packet;
     std::unique_ptr<AVFrame, FreeFrame> m_next; // what the decoder writes to
     std::unique_ptr<AVFrame, FreeFrame> m_frame;
+    std::unique_ptr<AVFrame, FreeFrame> m_sound;
 };

@@ -6,6 +6,7 @@
 
 extern "C" {
 #include <libavutil/error.h>
+#include <libavutil/frame.h>
 #include <libavutil/time.h>
 }
 
@@ -72,6 +73,13 @@ qint64 FFmpegThread::silentMs() const
     return since == 0 ? 0 : (av_gettime_relative() - since) / 1000;
 }
 
+PictureFigures FFmpegThread::figures() const
+{
+    PictureFigures figures = m_meter.figures(av_gettime_relative());
+    figures.dropped = m_dropped;
+    return figures;
+}
+
 bool FFmpegThread::init()
 {
     m_session = std::make_unique<FFmpegSession>([this] { return m_stopPlay.load(); });
@@ -80,6 +88,7 @@ bool FFmpegThread::init()
     if (!m_session->open(m_url, m_origin))
         return false;
     m_pacing.setLive(!m_session->hasEnd());
+    m_meter.setSource(m_session->figures(), m_session->soundChannels());
     return true;
 }
 
@@ -135,6 +144,7 @@ void FFmpegThread::step()
     m_noDataSince = 0;
     m_atEnd = false;
     m_session->resume();
+    measure();
     if (!m_session->isVideo())
         return;
     if (m_session->decode() < 0)
@@ -143,6 +153,14 @@ void FFmpegThread::step()
         ++m_dropped;
     showPicture();
     waitUntilDue();
+}
+
+void FFmpegThread::measure()
+{
+    const qint64 now = av_gettime_relative();
+    m_meter.addPacket(now, m_session->packetBytes());
+    if (m_isSoundMeasured && m_session->isSound())
+        m_session->decodeSound([&](const AVFrame& frame) { m_meter.addSound(now, frame); });
 }
 
 void FFmpegThread::showPicture()
@@ -154,8 +172,11 @@ void FFmpegThread::showPicture()
     // That nobody takes a picture is not the source's fault.
     if (result != FrameConverter::Result::Failed)
         m_waitingSince = 0;
-    if (result == FrameConverter::Result::Done)
+    if (result == FrameConverter::Result::Done) {
+        m_meter.addPicture(av_gettime_relative(),
+                           {m_session->frame().width, m_session->frame().height});
         emit receiveImage(image);
+    }
 }
 
 void FFmpegThread::showPending()

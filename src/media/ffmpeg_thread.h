@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "media/figures_meter.h"
 #include "media/frame_converter.h"
 #include "media/media_options.h"
 #include "media/pacing.h"
@@ -53,6 +54,10 @@ public:
     bool isAtEnd() const { return m_atEnd; }
     /// Pictures that were never handed out because newer ones came first. From any thread.
     int droppedPictures() const { return m_dropped; }
+    /// What is known of the source. From any thread.
+    PictureFigures figures() const;
+    /// Whether sound is decoded, for the levels among the figures. From any thread.
+    void setSoundMeasured(bool on) { m_isSoundMeasured = on; }
 
 signals:
     /// A picture in format RGB32; its memory stays as it is while any copy of it lives.
@@ -81,6 +86,7 @@ protected:
 
 private:
     void step();
+    void measure();
     void showPicture();
     void showPending();
     void waitUntilDue();
@@ -100,6 +106,8 @@ private:
     std::atomic<qint64> m_waitingSince{0}; // microseconds; 0: not waiting for the source
     std::atomic<bool> m_atEnd{false};
     std::atomic<int> m_dropped{0};
+    std::atomic<bool> m_isSoundMeasured{false};
+    FiguresMeter m_meter;
 
     // Only run() and what it calls.
     std::unique_ptr<FFmpegSession> m_session;
