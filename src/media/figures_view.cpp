@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QPainter>
+#include <QVariant>
 
 namespace
 {
