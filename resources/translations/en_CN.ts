@@ -573,6 +573,22 @@
       <source>请输入拉流的网络地址.</source>
       <translation>Enter the network address to pull the stream from.</translation>
     </message>
+    <message>
+      <source>保存当前画面</source>
+      <translation>Save this picture</translation>
+    </message>
+    <message>
+      <source>显示播放信息</source>
+      <translation>Show playback figures</translation>
+    </message>
+    <message>
+      <source>已保存 %1</source>
+      <translation>Saved %1</translation>
+    </message>
+    <message>
+      <source>无法保存画面: %1</source>
+      <translation>The picture cannot be saved: %1</translation>
+    </message>
   </context>
   <context>
     <name>FieldMark</name>
@@ -591,6 +607,61 @@
     <message>
       <source>未知</source>
       <translation>Unknown</translation>
+    </message>
+  </context>
+  <context>
+    <name>FiguresView</name>
+    <message>
+      <source>编码</source>
+      <translation>Codec</translation>
+    </message>
+    <message>
+      <source>画面尺寸</source>
+      <translation>Picture size</translation>
+    </message>
+    <message>
+      <source>帧率</source>
+      <translation>Picture rate</translation>
+    </message>
+    <message>
+      <source>码率</source>
+      <translation>Bit rate</translation>
+    </message>
+    <message>
+      <source>延迟</source>
+      <translation>Lag</translation>
+    </message>
+    <message>
+      <source>丢弃的画面</source>
+      <translation>Dropped</translation>
+    </message>
+    <message>
+      <source>解码方式</source>
+      <translation>Decoder</translation>
+    </message>
+    <message>
+      <source>重新连接</source>
+      <translation>Reconnections</translation>
+    </message>
+    <message>
+      <source>声音</source>
+      <translation>Sound</translation>
+    </message>
+    <message>
+      <source>无声音</source>
+      <translation>None</translation>
+    </message>
+    <message>
+      <source>%1 个声道</source>
+      <translation>Channels: %1</translation>
+    </message>
+    <message>
+      <source>硬件</source>
+      <translation>Hardware</translation>
+    </message>
+    <message>
+      <source>软件，%1 个线程</source>
+      <translation>Software, threads: %1</translation>
     </message>
   </context>
   <context>
@@ -1045,6 +1116,13 @@ Close the program?</translation>
     <message>
       <source>Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.</source>
       <translation>Tarn Hub is already running but does not respond. Wait a moment, or end that process, and start again.</translation>
+    </message>
+  </context>
+  <context>
+    <name>StillPicture</name>
+    <message>
+      <source>前面的画面还没有写完</source>
+      <translation>The pictures before it are still being written</translation>
     </message>
   </context>
   <context>

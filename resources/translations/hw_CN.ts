@@ -573,6 +573,22 @@
       <source>请输入拉流的网络地址.</source>
       <translation>스트림을 가져올 네트워크 주소를 입력하세요.</translation>
     </message>
+    <message>
+      <source>保存当前画面</source>
+      <translation>현재 화면 저장</translation>
+    </message>
+    <message>
+      <source>显示播放信息</source>
+      <translation>재생 정보 표시</translation>
+    </message>
+    <message>
+      <source>已保存 %1</source>
+      <translation>%1 저장됨</translation>
+    </message>
+    <message>
+      <source>无法保存画面: %1</source>
+      <translation>화면을 저장할 수 없습니다: %1</translation>
+    </message>
   </context>
   <context>
     <name>FieldMark</name>
@@ -591,6 +607,61 @@
     <message>
       <source>未知</source>
       <translation>알 수 없음</translation>
+    </message>
+  </context>
+  <context>
+    <name>FiguresView</name>
+    <message>
+      <source>编码</source>
+      <translation>코덱</translation>
+    </message>
+    <message>
+      <source>画面尺寸</source>
+      <translation>화면 크기</translation>
+    </message>
+    <message>
+      <source>帧率</source>
+      <translation>프레임 속도</translation>
+    </message>
+    <message>
+      <source>码率</source>
+      <translation>비트 전송률</translation>
+    </message>
+    <message>
+      <source>延迟</source>
+      <translation>지연</translation>
+    </message>
+    <message>
+      <source>丢弃的画面</source>
+      <translation>누락된 화면</translation>
+    </message>
+    <message>
+      <source>解码方式</source>
+      <translation>디코더</translation>
+    </message>
+    <message>
+      <source>重新连接</source>
+      <translation>재연결</translation>
+    </message>
+    <message>
+      <source>声音</source>
+      <translation>소리</translation>
+    </message>
+    <message>
+      <source>无声音</source>
+      <translation>없음</translation>
+    </message>
+    <message>
+      <source>%1 个声道</source>
+      <translation>채널 %1개</translation>
+    </message>
+    <message>
+      <source>硬件</source>
+      <translation>하드웨어</translation>
+    </message>
+    <message>
+      <source>软件，%1 个线程</source>
+      <translation>소프트웨어, 스레드 %1개</translation>
     </message>
   </context>
   <context>
@@ -1045,6 +1116,13 @@
     <message>
       <source>Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.</source>
       <translation>Tarn Hub가 이미 실행 중이지만 응답하지 않습니다. 잠시 기다리거나 해당 프로세스를 종료한 후 다시 시작하십시오.</translation>
+    </message>
+  </context>
+  <context>
+    <name>StillPicture</name>
+    <message>
+      <source>前面的画面还没有写完</source>
+      <translation>앞의 화면을 아직 저장하는 중입니다</translation>
     </message>
   </context>
   <context>

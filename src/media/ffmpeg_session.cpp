@@ -109,6 +109,9 @@ bool FFmpegSession::open(const QString& url, MediaOptions::Origin origin)
 {
     if (!openInput(url, origin) || !lookIntoStreams() || !openVideo() || !openAudio())
         return false;
+    m_sound.reset(av_frame_alloc());
+    if (!m_sound)
+        return false;
     m_gate.setOpened();
     av_dump_format(m_input.get(), 0, url.toUtf8().constData(), 0);
     writePlayerLine(QStringLiteral("init ffmpeg finsh"));
@@ -202,6 +205,8 @@ bool FFmpegSession::openAudio()
         return false;
     }
     m_audio.reset(avcodec_alloc_context3(codec));
+    if (m_audio)
+        m_audio->max_samples = Limits::SoundSamples;
     if (!m_audio || avcodec_parameters_to_context(m_audio.get(), stream.codecpar) < 0 ||
         avcodec_open2(m_audio.get(), codec, nullptr) < 0) {
         writePlayerLine(QStringLiteral("open audio codec error"));
@@ -266,6 +271,38 @@ bool FFmpegSession::seek(qint64 stampUs)
 bool FFmpegSession::isVideo(const AVPacket& packet) const
 {
     return packet.stream_index == m_videoStream;
+}
+
+bool FFmpegSession::isSound(const AVPacket& packet) const
+{
+    return m_audio && packet.stream_index == m_audioStream;
+}
+
+void FFmpegSession::decodeSound(const AVPacket& packet,
+                                const std::function<void(const AVFrame&)>& take)
+{
+    if (avcodec_send_packet(m_audio.get(), &packet) < 0)
+        return;
+    // A packet has few frames, whatever it says; the next one makes room for the rest.
+    constexpr int mostFrames = 16;
+    for (int n = 0; n < mostFrames; ++n) {
+        if (avcodec_receive_frame(m_audio.get(), m_sound.get()) < 0)
+            return;
+        take(*m_sound);
+    }
+}
+
+PictureFigures FFmpegSession::figures() const
+{
+    PictureFigures figures;
+    figures.codec = m_video->codec();
+    figures.threads = m_video->threads();
+    return figures;
+}
+
+int FFmpegSession::soundChannels() const
+{
+    return m_audio ? m_audio->ch_layout.nb_channels : 0;
 }
 
 bool FFmpegSession::hasEnd() const

@@ -3,6 +3,7 @@
 
 #include "media/media_packet.h"
 #include "media/picture_decoder.h"
+#include "media/picture_figures.h"
 #include "media/source_gate.h"
 
 #include <QString>
@@ -57,6 +58,13 @@ public:
     /// Whether it has had more than one source gets: it goes on no more. Only who reads may ask.
     bool isOverLimit() { return m_gate.isOverLimit(); }
     bool isVideo(const AVPacket& packet) const;
+    bool isSound(const AVPacket& packet) const;
+    /// Passes the packet to the sound's decoder and each frame that comes of it to `take`. Errors
+    /// are the source's, and pass. Only who reads may call it.
+    void decodeSound(const AVPacket& packet, const std::function<void(const AVFrame&)>& take);
+    /// What is known of it by now: its codec, what decodes it.
+    PictureFigures figures() const;
+    int soundChannels() const; ///< 0: without sound
     /// What makes pictures of the packets; another thread than the one that reads may use it.
     PictureDecoder& pictures() { return *m_video; }
     /// Whether it has an end: a file or recording, as opposed to a stream.
@@ -81,7 +89,9 @@ private:
     SourceGate m_gate; // the input is closed through it
     std::unique_ptr<AVFormatContext, CloseInput> m_input;
     std::unique_ptr<PictureDecoder> m_video;
-    std::unique_ptr<AVCodecContext, FreeDecoder> m_audio; // opened to be described, never used
+    std::unique_ptr<AVCodecContext, FreeDecoder>
+        m_audio; // described; used while its level is wanted
+    MediaFrame m_sound;
     int m_videoStream = -1;
     int m_audioStream = -1;
     QSize m_screen;

@@ -46,10 +46,14 @@ qint64 FFmpegThread::silentMs() const
     return since == 0 ? 0 : (av_gettime_relative() - since) / 1000;
 }
 
-int FFmpegThread::lagMs() const
+PictureFigures FFmpegThread::figures() const
 {
+    PictureFigures figures = m_state.meter.figures(av_gettime_relative());
     const qint64 lag = m_state.lagUs;
-    return lag < 0 ? -1 : int(lag / 1000);
+    figures.lagMs = lag < 0 ? -1 : int(lag / 1000);
+    figures.dropped = m_state.dropped;
+    figures.reconnections = m_state.reconnections;
+    return figures;
 }
 
 bool FFmpegThread::init()

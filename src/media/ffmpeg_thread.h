@@ -57,14 +57,13 @@ public:
     bool isAtEnd() const { return m_state.isAtEnd; }
     /// Pictures that were never handed out because newer ones came first. From any thread.
     int droppedPictures() const { return m_state.dropped; }
-    /// How far the picture shown last was behind the newest that had arrived, in milliseconds; -1
-    /// for a source with an end. From any thread.
-    int lagMs() const;
     /// Which try to open the source again is under way; 0 while it plays or is opened first. From
     /// any thread.
     int tries() const { return m_state.tries; }
-    /// How often the source has been gone and opened again. From any thread.
-    int reconnections() const { return m_state.reconnections; }
+    /// What is known of the source. From any thread.
+    PictureFigures figures() const;
+    /// Whether sound is decoded, for the levels among the figures. From any thread.
+    void setSoundMeasured(bool on) { m_state.isSoundMeasured = on; }
     /// The picture handed out last. From any thread.
     ShownPicture shown() const { return m_state.shown(); }
 

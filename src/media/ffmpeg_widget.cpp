@@ -4,17 +4,22 @@
 #include "common/living_folder.h"
 #include "media/ffmpeg_session.h"
 #include "media/ffmpeg_thread.h"
+#include "media/figures_view.h"
+#include "media/picture_notice.h"
+#include "media/still_picture.h"
 #include "widgets/message_box.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QStyleOption>
+#include <QUrl>
 
 namespace
 {
@@ -28,6 +33,7 @@ constexpr int clearDelayMs = 1;
 constexpr unsigned long closeLimitMs = 30;
 constexpr int endLimitMs = 500;
 constexpr int watchPeriodMs = 200;
+constexpr int figuresPeriodMs = 100;
 /// After this long without a picture an operator has to know.
 constexpr qint64 silenceMs = 2000;
 
@@ -43,21 +49,54 @@ FFmpegWidget::FFmpegWidget(QWidget* parent)
     : QWidget(parent)
     , m_fileAction(m_menu.addAction(QString()))
     , m_addressAction(m_menu.addAction(QString()))
+    , m_stillAction(m_menu.addAction(QString()))
+    , m_figuresAction(m_menu.addAction(QString()))
     , m_state(new PictureState(this))
+    , m_figures(new FiguresView(this, m_state))
+    , m_notice(new PictureNotice(this))
+    , m_still(new StillPicture(this))
 {
     // It fills what it paints, so nothing needs to be painted beneath.
     setAttribute(Qt::WA_OpaquePaintEvent);
     setContextMenuPolicy(Qt::CustomContextMenu);
     connect(this, &QWidget::customContextMenuRequested, this,
             &FFmpegWidget::R_customContextMenuRequested);
-    m_fileAction->setData(LocalFile);
-    m_addressAction->setData(NetworkAddress);
+    makeActions();
     m_clearTimer.setSingleShot(true);
     m_clearTimer.setInterval(clearDelayMs);
     connect(&m_clearTimer, &QTimer::timeout, this, &FFmpegWidget::clear);
     m_watch.setInterval(watchPeriodMs);
     connect(&m_watch, &QTimer::timeout, this, &FFmpegWidget::checkSource);
+    m_figuresTimer.setInterval(figuresPeriodMs);
+    connect(&m_figuresTimer, &QTimer::timeout, this, &FFmpegWidget::refreshFigures);
+    connect(m_still, &StillPicture::saved, this, [this](const QString& path) {
+        m_notice->tell(tr("已保存 %1").arg(QFileInfo(path).fileName()), false);
+        emit stillSaved(path);
+    });
+    connect(m_still, &StillPicture::failed, this, [this](const QString& reason) {
+        m_notice->tell(tr("无法保存画面: %1").arg(reason), true);
+    });
+    m_state->raise();
     retranslate();
+}
+
+void FFmpegWidget::makeActions()
+{
+    m_fileAction->setData(LocalFile);
+    m_addressAction->setData(NetworkAddress);
+    m_stillAction->setShortcut(Qt::Key_F9);
+    m_stillAction->setAutoRepeat(false);
+    m_stillAction->setEnabled(false);
+    connect(m_stillAction, &QAction::triggered, this, &FFmpegWidget::saveStill);
+    m_figuresAction->setShortcut(Qt::Key_F8);
+    m_figuresAction->setAutoRepeat(false);
+    m_figuresAction->setCheckable(true);
+    connect(m_figuresAction, &QAction::toggled, this, &FFmpegWidget::refreshFigures);
+    for (QAction* action : {m_stillAction, m_figuresAction}) {
+        action->setShortcutVisibleInContextMenu(true);
+        // The menu is no part of the window, and its keys work only while it is open.
+        addAction(action);
+    }
 }
 
 FFmpegWidget::~FFmpegWidget()
@@ -80,6 +119,7 @@ void FFmpegWidget::updateImage(const QImage& image)
     m_image = image;
     m_natural = image.size();
     m_state->setOverPicture(!image.isNull());
+    m_stillAction->setEnabled(!image.isNull());
     update();
 }
 
@@ -107,6 +147,7 @@ void FFmpegWidget::open(const QString& url, MediaOptions::Origin origin)
     m_ffmpegThread->play();
     m_watch.start();
     showState(PictureState::State::Opening);
+    refreshFigures();
 }
 
 void FFmpegWidget::pause()
@@ -121,7 +162,9 @@ void FFmpegWidget::close()
     releaseThread();
     ++m_session;
     m_watch.stop();
+    m_sourceName.clear();
     showState(PictureState::State::Idle);
+    refreshFigures();
     m_clearTimer.start();
 }
 
@@ -204,6 +247,44 @@ void FFmpegWidget::showState(PictureState::State state)
     m_state->show(state, m_url);
 }
 
+void FFmpegWidget::saveStill()
+{
+    if (m_image.isNull())
+        return;
+    const ShownPicture shown = m_ffmpegThread ? m_ffmpegThread->shown() : ShownPicture();
+    if (!shown.isNull())
+        m_still->save([shown] { return shown.toImage(); }, stillName());
+    else
+        m_still->save([copy = m_image.copy()] { return copy; }, stillName());
+}
+
+QString FFmpegWidget::stillName() const
+{
+    const QString host = QUrl(m_url).host();
+    const QString other = host.isEmpty() ? QFileInfo(m_url).completeBaseName() : host;
+    return m_sourceName.isEmpty() ? other : m_sourceName;
+}
+
+void FFmpegWidget::showFigures(bool on)
+{
+    m_figuresAction->setChecked(on);
+}
+
+/// Sound is decoded only for who looks at it.
+void FFmpegWidget::refreshFigures()
+{
+    const bool isWanted = m_figuresAction->isChecked() && m_ffmpegThread;
+    if (m_ffmpegThread) {
+        m_ffmpegThread->setSoundMeasured(isWanted);
+        m_figures->setFigures(m_ffmpegThread->figures());
+    }
+    m_figures->setVisible(isWanted);
+    if (!isWanted)
+        m_figuresTimer.stop();
+    else if (!m_figuresTimer.isActive())
+        m_figuresTimer.start();
+}
+
 void FFmpegWidget::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
@@ -242,6 +323,8 @@ void FFmpegWidget::retranslate()
 {
     m_fileAction->setText(tr("播放本地文件"));
     m_addressAction->setText(tr("网络拉流地址"));
+    m_stillAction->setText(tr("保存当前画面"));
+    m_figuresAction->setText(tr("显示播放信息"));
 }
 
 void FFmpegWidget::R_customContextMenuRequested(const QPoint&)
@@ -252,7 +335,7 @@ void FFmpegWidget::R_customContextMenuRequested(const QPoint&)
         return;
     if (chosen->data().toInt() == LocalFile)
         playChosenFile();
-    else
+    else if (chosen->data().toInt() == NetworkAddress)
         playTypedAddress();
 }
 

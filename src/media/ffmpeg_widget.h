@@ -12,10 +12,14 @@
 #include <QWidget>
 
 class FFmpegThread;
+class FiguresView;
+class PictureNotice;
+class StillPicture;
 
 /// The monitor's picture area: plays one source at a time, fitted and centred, and says over the
 /// picture when it is not a live one. Its context menu plays a local file or a network address; it
-/// asks for them in dialogs that block, serving events.
+/// asks for them in dialogs that block, serving events. F9 saves what is shown, F8 shows the
+/// source's figures, wherever the focus is in the window.
 /// GUI thread only.
 class FFmpegWidget : public QWidget
 {
@@ -31,8 +35,13 @@ public:
     const QImage& picture() const { return m_image; }
     /// Pictures that this session did not show because newer ones came first.
     int droppedPictures() const;
+    /// What stills of the next source are named after, until close(). Without it they are named
+    /// after its host or file.
+    void setSourceName(const QString& name) { m_sourceName = name; }
 
 signals:
+    /// The picture that saveStill() took is the file `path`.
+    void stillSaved(const QString& path);
     /// As FFmpegThread::playstatus: 0 the source cannot be opened, 1 it plays, 2 it was stopped.
     void playstatus(int status, const QString& url);
 
@@ -49,6 +58,11 @@ public slots:
     void close();
     /// Wipes the picture.
     void clear();
+    /// Saves what is shown among the operator's pictures and says so over the picture; without a
+    /// picture it does nothing.
+    void saveStill();
+    /// Shows or hides the source's figures, also of sources to come.
+    void showFigures(bool on);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -61,6 +75,9 @@ private:
     void releaseThread();
     void checkSource();
     void showState(PictureState::State state);
+    void makeActions();
+    void refreshFigures();
+    QString stillName() const;
     void retranslate();
     void playChosenFile();
     void playTypedAddress();
@@ -72,9 +89,16 @@ private:
     QMenu m_menu;
     QAction* m_fileAction;
     QAction* m_addressAction;
+    QAction* m_stillAction;
+    QAction* m_figuresAction;
     PictureState* m_state;
+    FiguresView* m_figures;
+    PictureNotice* m_notice;
+    StillPicture* m_still;
     QString m_url;
+    QString m_sourceName;
     int m_session = 0; // what a queued signal belongs to
     QTimer m_clearTimer;
     QTimer m_watch;
+    QTimer m_figuresTimer;
 };

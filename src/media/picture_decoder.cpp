@@ -132,7 +132,9 @@ QString PictureDecoder::name() const
 
 QString PictureDecoder::codec() const
 {
-    return QLatin1String(avcodec_get_name(m_context->codec_id));
+    const QString name = QLatin1String(avcodec_get_name(m_context->codec_id));
+    const char* profile = avcodec_profile_name(m_context->codec_id, m_context->profile);
+    return profile ? QStringLiteral("%1 (%2)").arg(name, QLatin1String(profile)) : name;
 }
 
 int PictureDecoder::threads() const

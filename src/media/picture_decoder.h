@@ -52,7 +52,7 @@ public:
     std::optional<qint64> stampUs(const AVPacket& packet) const;
 
     QString name() const;  ///< the decoder's short name
-    QString codec() const; ///< what it decodes
+    QString codec() const; ///< what it decodes, with its profile
     int threads() const;
     QSize size() const; ///< in pixels, as the decoder says
 

@@ -9,6 +9,7 @@
 extern "C" {
 #include <libavcodec/packet.h>
 #include <libavutil/error.h>
+#include <libavutil/frame.h>
 #include <libavutil/time.h>
 }
 
@@ -18,8 +19,9 @@ namespace
 /// How often a film without data is asked again, at first and later on.
 constexpr qint64 retryUs = 10000;
 constexpr qint64 lateRetryUs = 40000;
-/// How long a film without data may still be about to go on.
-constexpr qint64 endUs = 500000;
+/// How long a film without data may still be about to go on: so late is the picture that a decoder
+/// holds back at the end.
+constexpr qint64 endUs = 150000;
 /// How long a late film's picture waits for room, and how often it looks for it.
 constexpr qint64 roomUs = 100000;
 constexpr qint64 roomPollUs = 1000;
@@ -59,9 +61,21 @@ bool Playback::open(const QString& url, MediaOptions::Origin origin, const QSize
     }
     m_packetAt = m_shownAt = av_gettime_relative();
     m_state.lagUs = -1;
+    m_state.meter.setSource(m_session->figures(), m_session->soundChannels());
     if (!m_session->hasEnd())
-        m_reader = std::make_unique<LiveReader>(*m_session, [](const AVPacket&) {});
+        m_reader = std::make_unique<LiveReader>(
+            *m_session, [this](const AVPacket& packet) { measure(packet); });
     return true;
+}
+
+/// Whoever reads calls it.
+void Playback::measure(const AVPacket& packet)
+{
+    const qint64 now = av_gettime_relative();
+    m_state.meter.addPacket(now, packet.size);
+    if (m_state.isSoundMeasured && m_session->isSound(packet))
+        m_session->decodeSound(packet,
+                               [&](const AVFrame& frame) { m_state.meter.addSound(now, frame); });
 }
 
 bool Playback::mayComeLater()
@@ -96,6 +110,7 @@ Playback::Outcome Playback::stepFilm()
     const int result = m_session->read(*m_packet);
     if (result < 0)
         return waitForData(result);
+    measure(*m_packet);
     PictureDecoder& decoder = m_session->pictures();
     m_noDataSince = 0;
     m_state.isAtEnd = false;
@@ -242,6 +257,8 @@ void Playback::show()
         return;
     m_hasShown = true;
     m_shownAt = av_gettime_relative();
+    const AVFrame& frame = m_session->pictures().frame();
+    m_state.meter.addPicture(m_shownAt, {frame.width, frame.height});
     m_state.waitingSince = 0;
     m_state.tries = 0;
 }

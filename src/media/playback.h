@@ -51,6 +51,7 @@ public:
     Outcome step();
 
 private:
+    void measure(const AVPacket& packet);
     Outcome stepFilm();
     Outcome stepLive();
     void showFilmPicture(const AVPacket& packet);

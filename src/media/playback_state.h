@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "media/figures_meter.h"
 #include "media/shown_picture.h"
 
 #include <atomic>
@@ -19,6 +20,7 @@ public:
     std::atomic<int> tries{0};         ///< to open it again since the last picture
     std::atomic<int> reconnections{0}; ///< tries that have succeeded
     std::atomic<bool> isSoundMeasured{false};
+    FiguresMeter meter;
 
     void setArea(const ShownArea& area)
     {

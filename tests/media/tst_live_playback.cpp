@@ -121,10 +121,10 @@ private slots:
         }
         std::sort(lags.begin(), lags.end());
         qInfo() << "pictures behind, median and most:" << lags.at(lags.size() / 2) << lags.last()
-                << player.thread.lagMs() << "ms";
+                << player.thread.figures().lagMs << "ms";
         QVERIFY2(lags.at(lags.size() / 2) <= behind, qPrintable(QString::number(lags.last())));
-        VERIFY_BELOW(player.thread.lagMs(), 200);
-        QVERIFY(player.thread.lagMs() >= 0);
+        VERIFY_BELOW(player.thread.figures().lagMs, 200);
+        QVERIFY(player.thread.figures().lagMs >= 0);
         QCOMPARE(player.thread.tries(), 0);
     }
 
@@ -137,7 +137,8 @@ private slots:
         const quint16 port = server->serverPort();
         Player player(url);
         // It ends: it is asked again.
-        QTRY_VERIFY_WITH_TIMEOUT(player.thread.reconnections() >= 1 && player.pictures > 1, 9000);
+        QTRY_VERIFY_WITH_TIMEOUT(player.thread.figures().reconnections >= 1 && player.pictures > 1,
+                                 9000);
         // It refuses.
         server.reset();
         QTRY_VERIFY_WITH_TIMEOUT(player.thread.tries() >= 3, 9000);
@@ -165,7 +166,7 @@ private slots:
         Player player(server.url("http"));
         QTRY_VERIFY_WITH_TIMEOUT(player.pictures > 1, 5000);
         QTRY_VERIFY_WITH_TIMEOUT(server.asked() >= 2, 9000);
-        QTRY_COMPARE(player.thread.reconnections(), 1);
+        QTRY_COMPARE(player.thread.figures().reconnections, 1);
         QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
     }
 
@@ -181,7 +182,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(player.thread.tries() > 0, 8000);
         server.most = -1;
         QTRY_VERIFY_WITH_TIMEOUT(player.thread.isAtEnd(), 12000);
-        QCOMPARE(player.thread.reconnections(), 1);
+        QCOMPARE(player.thread.figures().reconnections, 1);
         QVERIFY2(std::is_sorted(numbers.cbegin(), numbers.cend()), "pictures came twice");
         QVERIFY2(numbers.size() + player.thread.droppedPictures() >= 198,
                  qPrintable(QString::number(numbers.size())));

@@ -49,6 +49,13 @@ QString mediaUrl(const Item& recording)
     return BoxProtocol::mediaUrl(recording.address(), recording.title());
 }
 
+/// What the operator calls a box: its name on the network, as far as it has been read.
+QString nameOf(const Item& box)
+{
+    const QString name = box.parameter(BoxProtocol::NDIName).toString();
+    return name.isEmpty() ? box.title() : name;
+}
+
 } // namespace
 
 Recordings::Recordings(const Hub& hub, ListWidget& list, const Player& player)
@@ -176,7 +183,10 @@ void Recordings::play(const Item& recording)
 
 void Recordings::playUrl(const QString& url)
 {
+    const Item* box = m_hub.devices.model().find(QUrl(url).host());
+    const QString name = box ? nameOf(*box) : QString();
     m_player.video.close();
+    m_player.video.setSourceName(name);
     m_player.video.open(url, MediaOptions::Origin::Box);
 }
 

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "common/safe_name.h"
+#include "media/ffmpeg_widget.h"
 #include "tests/support/files.h"
 #include "tests/support/held_file.h"
 #include "tests/support/stopwatch.h"
@@ -8,6 +10,8 @@
 #include <QCloseEvent>
 #include <QMenu>
 #include <QProgressBar>
+#include <QSignalSpy>
+#include <QTemporaryDir>
 
 /// The storage list: playing, deleting and downloading.
 class tst_Recordings : public QObject, RecordingsFixture
@@ -26,6 +30,7 @@ private slots:
     void stepsToTheNeighbours();
     void failureIsSaid();
     void playingOneIsNotDeleted();
+    void stillIsNamedAfterItsBox();
     void refusedDeletionComesBack();
     void downloadsIntoTheChosenFolder();
     void everyChosenFolderGetsTheFile();
@@ -187,6 +192,28 @@ void tst_Recordings::playingOneIsNotDeleted()
     QTRY_COMPARE(titles(), QStringList("b.mp4"));
     QTRY_COMPARE(m_box->recordings(), QStringList("b.mp4"));
     QCOMPARE(playing(), QStringList("b.mp4"));
+}
+
+void tst_Recordings::stillIsNamedAfterItsBox()
+{
+    const QTemporaryDir home;
+    const QByteArray before = qgetenv("HOME");
+    qputenv("HOME", home.path().toLocal8Bit());
+    selectBox({"a.mp4"});
+    const QString name = m_box->parameter("eParam_NDIName");
+    QTRY_COMPARE(item(7)->property("eParam_NDIName").toString(), name);
+    playEntry(0);
+    auto* video = child<FFmpegWidget>("video_widget");
+    QTRY_VERIFY(!video->picture().isNull());
+    QSignalSpy saved(video, &FFmpegWidget::stillSaved);
+    window().activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&window()));
+    QTest::keyClick(list(), Qt::Key_F9);
+    QTRY_COMPARE(saved.size(), 1);
+    const QFileInfo file(saved.first().first().toString());
+    QVERIFY2(file.fileName().startsWith(safeFileName(name) + " 2"), qPrintable(file.fileName()));
+    QVERIFY(file.path().startsWith(home.path()));
+    qputenv("HOME", before);
 }
 
 void tst_Recordings::refusedDeletionComesBack()
