@@ -98,8 +98,6 @@ int main(int argc, char** argv)
         if (options.isSet(inner))
             return runInner(options);
     }
-    // Without a graphics card it is what costs ffplay least.
-    qputenv("SDL_RENDER_DRIVER", "software");
     Contestants::mentionMissing();
     if (!options.isSet("drift"))
         return compare(options);

@@ -144,7 +144,7 @@ void measureFirstPicture(PlaybackTable& table, const QString& film, int runs)
             QFile::remove(socket);
         }
         for (const Contestant& player : Contestants::forLive()) {
-            if (player.command.first() == "ffplay")
+            if (player.name.startsWith("ffplay"))
                 startForEach(player, sources);
         }
     }

@@ -146,6 +146,7 @@ bool recordDrift(int minutes, const QString& way, const QString& file)
     if (!watch.waitForCode(true))
         return false;
     QThread::msleep(settleMs);
+    watch.waitForCode(true);
     record.write("# seconds lag_ms memory_kb longest_gap_ms\n");
     double latest = 0;
     const qint64 start = ClockPicture::nowMs();

@@ -3,6 +3,8 @@
 
 #include "benchmarks/playback_contestants.h"
 
+#include <QStringList>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -12,13 +14,30 @@ namespace
 {
 
 constexpr double infinite = std::numeric_limits<double>::infinity();
-const char* const columns[] = {
-    Contestants::Own, "mpv", "mpv low-latency", "ffplay", "ffplay nobuffer", "ffplay low_delay"};
 constexpr int columnWidth = 17;
 
 QString cell(double value)
 {
     return std::isinf(value) ? QString("none") : QString::number(value, 'f', value < 100 ? 2 : 0);
+}
+
+QStringList playersOf(const PlaybackTable::Row& row)
+{
+    QStringList players = row.runs.keys();
+    players.removeAll(Contestants::Own);
+    players.prepend(Contestants::Own);
+    return players;
+}
+
+void printLine(const QString& name, const QString& unit, const QStringList& cells,
+               const QString& verdict = {})
+{
+    // What is wanted stays in one line however many players there are.
+    constexpr int mostPlayers = 5;
+    QString line = name.leftJustified(44) + unit.leftJustified(4);
+    for (int n = 0; n < mostPlayers; ++n)
+        line += cells.value(n).rightJustified(columnWidth);
+    std::printf("%s  %s\n", qPrintable(line), qPrintable(verdict));
 }
 
 QString verdict(const PlaybackTable::Row& row)
@@ -79,18 +98,19 @@ PlaybackTable::Row& PlaybackTable::add(const QString& name, const QString& unit,
 
 bool PlaybackTable::print() const
 {
-    std::printf("\n%-44s %-3s", "", "");
-    for (const char* column : columns)
-        std::printf(" %*s", columnWidth - 1, column);
-    std::printf("\n");
     bool allHold = true;
+    QStringList players;
     for (const Row& row : m_rows) {
         allHold = allHold && row.holds();
-        std::printf("%-44s %-3s", qPrintable(row.name), qPrintable(row.unit));
-        for (const char* column : columns)
-            std::printf(" %*s", columnWidth - 1,
-                        row.runs.contains(column) ? qPrintable(cell(row.median(column))) : "");
-        std::printf("  %s\n", row.runs.isEmpty() ? "" : qPrintable(verdict(row)));
+        if (playersOf(row) != players) {
+            players = playersOf(row);
+            std::printf("\n");
+            printLine({}, {}, players);
+        }
+        QStringList cells;
+        for (const QString& player : players)
+            cells << cell(row.median(player));
+        printLine(row.name, row.unit, cells, verdict(row));
     }
     std::fflush(stdout);
     return allHold;
