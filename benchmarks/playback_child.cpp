@@ -24,18 +24,30 @@ qint64 residentKb()
     return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').at(1).toLongLong() * 4 : 0;
 }
 
-/// Counts the pictures that reach the screen.
+/// Looks at the pictures that reach the screen.
 class Counter : public QObject
 {
 public:
     explicit Counter(FFmpegWidget* widget) : m_widget(widget) { widget->installEventFilter(this); }
+
     int pictures = 0;
+
+    /// Gaps count from now on.
+    void startGaps()
+    {
+        m_longestNs = 0;
+        m_clock.start();
+    }
+    double longestGapMs() const { return double(m_longestNs) / 1e6; }
 
     bool eventFilter(QObject*, QEvent* event) override
     {
         if (event->type() == QEvent::Paint && m_widget->picture().cacheKey() != m_last) {
             m_last = m_widget->picture().cacheKey();
             ++pictures;
+            if (m_clock.isValid())
+                m_longestNs = std::max(m_longestNs, m_clock.nsecsElapsed());
+            m_clock.start();
         }
         return false;
     }
@@ -43,6 +55,8 @@ public:
 private:
     FFmpegWidget* m_widget;
     qint64 m_last = QImage().cacheKey();
+    QElapsedTimer m_clock;
+    qint64 m_longestNs = 0;
 };
 
 class Child
@@ -62,13 +76,12 @@ public:
 
 } // namespace
 
-int playOnce(const QString& file, bool report)
+int playOnce(const QString& source, bool report)
 {
     Child child;
     Counter counter(&child.widget);
     GapMeter gaps;
     QVector<qint64> memory;
-    int dropped = 0;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {
         if (child.widget.state() == PictureState::State::Ended ||
@@ -81,15 +94,20 @@ int playOnce(const QString& file, bool report)
     if (report) {
         sampler.start(memoryPeriodMs);
         // Opening the window and the first picture are not playing.
-        QTimer::singleShot(1000, [&] { gaps.start(); });
+        QTimer::singleShot(1000, [&] {
+            gaps.start();
+            counter.startGaps();
+        });
     }
-    child.widget.open(file);
+    child.widget.open(source);
     QApplication::exec();
-    dropped = child.widget.droppedPictures();
-    if (report && memory.size() > settledAfter)
-        std::printf("pictures %d dropped %d gaps %d %.1f memory %lld %lld %lld\n", counter.pictures,
-                    dropped, gaps.gapsOver(30), gaps.longestMs(), memory.at(settledAfter),
-                    memory.last(), *std::max_element(memory.begin(), memory.end()));
+    const qint64 settled = memory.value(settledAfter);
+    const qint64 most =
+        settled == 0 ? 0 : *std::max_element(memory.begin() + settledAfter, memory.end());
+    std::printf("pictures %d dropped %d\n", counter.pictures, child.widget.droppedPictures());
+    if (report)
+        std::printf("longest-picture-gap %.1f longest-loop-gap %.1f memory-grown %lld\n",
+                    counter.longestGapMs(), gaps.longestMs(), most - settled);
     return counter.pictures > 0 ? 0 : 1;
 }
 
