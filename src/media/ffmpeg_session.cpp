@@ -309,3 +309,8 @@ bool FFmpegSession::hasEnd() const
 {
     return m_isLocal || (m_input->duration != AV_NOPTS_VALUE && m_input->duration > 0);
 }
+
+bool FFmpegSession::isLive() const
+{
+    return !hasEnd() && qstrcmp(m_input->iformat->name, "hls") != 0;
+}

@@ -69,6 +69,9 @@ public:
     PictureDecoder& pictures() { return *m_video; }
     /// Whether it has an end: a file or recording, as opposed to a stream.
     bool hasEnd() const;
+    /// Whether it arrives picture by picture, as opposed to files and to playlists of pieces that
+    /// last for seconds.
+    bool isLive() const;
 
 private:
     struct CloseInput {

@@ -9,6 +9,14 @@ extern "C" {
 #include <libavutil/time.h>
 }
 
+namespace
+{
+
+/// How long the lag of the last picture says something.
+constexpr qint64 lagKnownMs = 1000;
+
+} // namespace
+
 FFmpegThread::FFmpegThread(QObject* parent) : QThread(parent)
 {
     setObjectName(QStringLiteral("FFmpegThread"));
@@ -49,7 +57,8 @@ qint64 FFmpegThread::silentMs() const
 PictureFigures FFmpegThread::figures() const
 {
     PictureFigures figures = m_state.meter.figures(av_gettime_relative());
-    const qint64 lag = m_state.lagUs;
+    // Without a picture nothing is behind.
+    const qint64 lag = silentMs() < lagKnownMs ? m_state.lagUs.load() : -1;
     figures.lagMs = lag < 0 ? -1 : int(lag / 1000);
     figures.dropped = m_state.dropped;
     figures.reconnections = m_state.reconnections;

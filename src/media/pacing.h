@@ -34,7 +34,7 @@ class LivePacing
 {
 public:
     /// A picture this far behind the newest that has arrived is late.
-    static constexpr qint64 LateUs = 100000;
+    static constexpr qint64 LateUs = 150000;
 
     /// How long to wait at `now` before showing the picture stamped `stamp` while the newest that
     /// has arrived is stamped `newest`; 0 up to LateUs.

@@ -16,6 +16,8 @@ namespace
 
 /// Up to this size one thread is fast enough, and the picture is not late by one per thread.
 constexpr qint64 oneThreadPicture = 1920 * 1088;
+/// Stamps are untrusted: differences of smaller ones do not overflow.
+constexpr int64_t largestStampUs = INT64_C(1) << 60;
 constexpr AVRational microseconds{1, AV_TIME_BASE};
 
 /// How often the decoder may halve the picture, so that it still fills the screen.
@@ -33,7 +35,9 @@ std::optional<qint64> toMicroseconds(int64_t stamp, AVRational base)
 {
     if (stamp == AV_NOPTS_VALUE)
         return std::nullopt;
-    return av_rescale_q(stamp, base, microseconds);
+    const int64_t time = av_rescale_q(stamp, base, microseconds);
+    return time >= -largestStampUs && time <= largestStampUs ? std::optional<qint64>(time)
+                                                             : std::nullopt;
 }
 
 } // namespace

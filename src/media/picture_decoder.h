@@ -46,7 +46,7 @@ public:
     const AVFrame& frame() const { return *m_frame; }
     /// How that is to be seen.
     PictureShape shape() const;
-    /// When that is to be seen, in microseconds, when it says so.
+    /// When that is to be seen, in microseconds, when it says so and the number makes sense.
     std::optional<qint64> stampUs() const;
     /// A decode time stamp of a packet in microseconds, when it has one.
     std::optional<qint64> stampUs(const AVPacket& packet) const;

@@ -32,7 +32,7 @@ constexpr qint64 packetWaitUs = 20000;
 constexpr qint64 turnPollUs = 10000;
 /// From this lag on a live source's pictures that no other one needs are not decoded, and from that
 /// one on it goes on with its newest key picture.
-constexpr qint64 hurryUs = 150000;
+constexpr qint64 hurryUs = 200000;
 constexpr qint64 skipUs = 500000;
 /// Something moves all the same, that often, while a source is caught up with.
 constexpr qint64 catchUpPictureUs = 100000;
@@ -62,7 +62,7 @@ bool Playback::open(const QString& url, MediaOptions::Origin origin, const QSize
     m_packetAt = m_shownAt = av_gettime_relative();
     m_state.lagUs = -1;
     m_state.meter.setSource(m_session->figures(), m_session->soundChannels());
-    if (!m_session->hasEnd())
+    if (m_session->isLive())
         m_reader = std::make_unique<LiveReader>(
             *m_session, [this](const AVPacket& packet) { measure(packet); });
     return true;
@@ -293,12 +293,14 @@ void Playback::waitUntilDue(std::optional<qint64> stamp)
 /// A failed read ends nothing: a film may grow.
 Playback::Outcome Playback::waitForData(int result)
 {
-    // What has been shown up to its end needs its source no more.
-    if (m_session->isBroken(result) && !m_state.isAtEnd)
-        return Outcome::Broken;
     const qint64 now = av_gettime_relative();
     if (m_noDataSince == 0)
         m_noDataSince = now;
+    // What has been shown up to its end needs its source no more.
+    const bool isGone = m_session->hasEnd() ? m_session->isBroken(result) && !m_state.isAtEnd
+                                            : now - m_noDataSince > endUs;
+    if (isGone)
+        return Outcome::Broken;
     if (result == AVERROR_EOF && !m_state.isAtEnd && now - m_noDataSince > endUs)
         showHeldBack();
     m_stop.rest(now - m_noDataSince > endUs ? lateRetryUs : retryUs);

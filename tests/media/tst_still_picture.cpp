@@ -157,8 +157,8 @@ private slots:
         const QImage still(path);
         QCOMPARE(still.size(), QSize(320, 180));
         QVERIFY(widget->picture().width() < 320);
-        const QImage small = still.scaled(widget->picture().size(), Qt::IgnoreAspectRatio,
-                                          Qt::SmoothTransformation);
+        const QImage small =
+            still.scaled(widget->picture().size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         const QByteArray shown(reinterpret_cast<const char*>(widget->picture().constBits()),
                                int(widget->picture().sizeInBytes()));
         VERIFY_BELOW(difference(small, shown, 60), shown.size() / 20);
