@@ -582,6 +582,10 @@
       <translation>Show playback figures</translation>
     </message>
     <message>
+      <source>停止播放</source>
+      <translation>Stop playing</translation>
+    </message>
+    <message>
       <source>已保存 %1</source>
       <translation>Saved %1</translation>
     </message>

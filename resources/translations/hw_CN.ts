@@ -582,6 +582,10 @@
       <translation>재생 정보 표시</translation>
     </message>
     <message>
+      <source>停止播放</source>
+      <translation>재생 중지</translation>
+    </message>
+    <message>
       <source>已保存 %1</source>
       <translation>%1 저장됨</translation>
     </message>

@@ -51,6 +51,7 @@ FFmpegWidget::FFmpegWidget(QWidget* parent)
     , m_addressAction(m_menu.addAction(QString()))
     , m_stillAction(m_menu.addAction(QString()))
     , m_figuresAction(m_menu.addAction(QString()))
+    , m_stopAction(m_menu.addAction(QString()))
     , m_state(new PictureState(this))
     , m_figures(new FiguresView(this, m_state))
     , m_notice(new PictureNotice(this))
@@ -92,6 +93,9 @@ void FFmpegWidget::makeActions()
     m_figuresAction->setAutoRepeat(false);
     m_figuresAction->setCheckable(true);
     connect(m_figuresAction, &QAction::toggled, this, &FFmpegWidget::refreshFigures);
+    // Also what is opened again and again, which no button shows as playing.
+    m_stopAction->setEnabled(false);
+    connect(m_stopAction, &QAction::triggered, this, &FFmpegWidget::close);
     for (QAction* action : {m_stillAction, m_figuresAction}) {
         action->setShortcutVisibleInContextMenu(true);
         // The menu is no part of the window, and its keys work only while it is open.
@@ -245,6 +249,7 @@ void FFmpegWidget::checkSource()
 void FFmpegWidget::showState(PictureState::State state)
 {
     m_state->show(state, m_url);
+    m_stopAction->setEnabled(state != PictureState::State::Idle);
 }
 
 void FFmpegWidget::saveStill()
@@ -325,6 +330,7 @@ void FFmpegWidget::retranslate()
     m_addressAction->setText(tr("网络拉流地址"));
     m_stillAction->setText(tr("保存当前画面"));
     m_figuresAction->setText(tr("显示播放信息"));
+    m_stopAction->setText(tr("停止播放"));
 }
 
 void FFmpegWidget::R_customContextMenuRequested(const QPoint&)

@@ -91,6 +91,7 @@ private:
     QAction* m_addressAction;
     QAction* m_stillAction;
     QAction* m_figuresAction;
+    QAction* m_stopAction;
     PictureState* m_state;
     FiguresView* m_figures;
     PictureNotice* m_notice;
