@@ -23,9 +23,9 @@ namespace
 constexpr qint64 failureLimitUs = 300000;
 constexpr auto failurePause = std::chrono::milliseconds(10);
 
-bool isKey(const MediaPacket& packet)
+bool isKey(const AVPacket& packet)
 {
-    return (packet->flags & AV_PKT_FLAG_KEY) != 0;
+    return (packet.flags & AV_PKT_FLAG_KEY) != 0;
 }
 
 } // namespace
@@ -89,13 +89,13 @@ void LiveReader::keep(MediaPacket packet)
         return;
     if (const std::optional<qint64> stamp = m_session.pictures().stampUs(*packet))
         m_newest = stamp;
-    if (m_awaitsKey && !isKey(packet)) {
+    if (m_awaitsKey && !isKey(*packet)) {
         ++m_lost;
         return;
     }
     m_awaitsKey = false;
     m_kept += packet->size;
-    m_packets.push_back(std::move(packet));
+    m_packets.push_back({std::move(packet), av_gettime_relative()});
     makeRoom();
 }
 
@@ -107,10 +107,10 @@ void LiveReader::makeRoom()
     while (isFull()) {
         // From one key picture to the next: what is left can be shown.
         do {
-            m_kept -= m_packets.front()->size;
+            m_kept -= m_packets.front().packet->size;
             m_packets.pop_front();
             ++m_lost;
-        } while (!m_packets.empty() && !isKey(m_packets.front()));
+        } while (!m_packets.empty() && !isKey(*m_packets.front().packet));
         m_awaitsKey = m_packets.empty();
     }
 }
@@ -122,7 +122,8 @@ MediaPacket LiveReader::take(qint64 waitUs)
                        [this] { return !m_packets.empty() || m_hasEnded; });
     if (m_packets.empty())
         return nullptr;
-    MediaPacket packet = std::move(m_packets.front());
+    MediaPacket packet = std::move(m_packets.front().packet);
+    m_arrival = m_packets.front().at;
     m_packets.pop_front();
     m_kept -= packet->size;
     return packet;
@@ -131,12 +132,13 @@ MediaPacket LiveReader::take(qint64 waitUs)
 int LiveReader::skipToNewestKey()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    const auto newest = std::find_if(m_packets.rbegin(), m_packets.rend(), &isKey);
+    const auto newest = std::find_if(m_packets.rbegin(), m_packets.rend(),
+                                     [](const Arrived& each) { return isKey(*each.packet); });
     if (newest == m_packets.rend())
         return 0;
     const int skipped = int(std::distance(newest, m_packets.rend())) - 1;
     for (int n = 0; n < skipped; ++n) {
-        m_kept -= m_packets.front()->size;
+        m_kept -= m_packets.front().packet->size;
         m_packets.pop_front();
     }
     return skipped;

@@ -33,6 +33,8 @@ public:
     /// The next packet of the picture; null when none comes in `waitUs` microseconds or the source
     /// has ended.
     MediaPacket take(qint64 waitUs);
+    /// When the packet taken last has arrived, in av_gettime_relative()'s microseconds.
+    qint64 arrival() const { return m_arrival; }
     /// Whether there are no more packets, and none will come.
     bool hasEnded() const;
     /// Whether it has ended because it has had more than one source gets.
@@ -56,7 +58,11 @@ private:
     const Listener m_listener;
     mutable std::mutex m_mutex; // guards what follows
     std::condition_variable m_arrived;
-    std::deque<MediaPacket> m_packets;
+    struct Arrived {
+        MediaPacket packet;
+        qint64 at;
+    };
+    std::deque<Arrived> m_packets;
     qint64 m_kept = 0; // bytes in m_packets
     std::optional<qint64> m_newest;
     int m_lost = 0;
@@ -65,6 +71,7 @@ private:
     bool m_isOverLimit = false;
     bool m_isStopping = false;
 
+    qint64 m_arrival = 0;      // only of who takes
     qint64 m_failingSince = 0; // microseconds; only run() and what it calls
     std::thread m_thread;
 };

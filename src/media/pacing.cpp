@@ -46,35 +46,40 @@ qint64 Pacing::waitAfter(qint64 stamp, qint64 now)
     return qMax<qint64>(0, wait);
 }
 
-void LivePacing::begin(qint64 stamp, qint64 now)
+void LivePacing::begin(qint64 stamp, qint64 due)
 {
     m_hasBase = true;
-    m_start = now;
+    m_start = due;
     m_base = stamp;
-    m_window = now;
-    m_leastWait = std::numeric_limits<qint64>::max();
+    m_window = due;
+    m_leastDelay = std::numeric_limits<qint64>::max();
 }
 
-qint64 LivePacing::waitBefore(qint64 stamp, qint64 newest, qint64 now)
+qint64 LivePacing::waitBefore(qint64 stamp, qint64 newest, qint64 arrived, qint64 now)
 {
     if (!isSane(stamp) || !isSane(newest))
         return 0;
     const qint64 lag = qMax<qint64>(0, newest - stamp);
-    const qint64 due = (stamp - m_base) - (now - m_start);
-    // Whatever has brought it about, the newest one is due now.
-    if (!m_hasBase || lag >= LateUs || due > LateUs || due < -LateUs) {
-        begin(qMax(stamp, newest), now);
+    if (lag >= LateUs || !m_hasBase)
+        m_isCatchingUp = true;
+    else if (lag < punctualUs)
+        m_isCatchingUp = false;
+    const qint64 delay = m_start + (stamp - m_base) - arrived;
+    // Whatever has brought it about, what comes next is due when it comes.
+    if (m_isCatchingUp || delay > LateUs) {
+        begin(stamp, now);
         return 0;
     }
-    // Those that follow keep their distance, as far as none gets late by it.
-    if (due < -punctualUs)
-        begin(stamp, now);
-    const qint64 wait = qBound<qint64>(0, due, LateUs - lag);
-    m_leastWait = qMin(m_leastWait, wait);
-    if (now - m_window < trimPeriod)
-        return wait;
-    m_start -= m_leastWait;
-    m_window = now;
-    m_leastWait = std::numeric_limits<qint64>::max();
+    // Those that follow a late one keep their distance, as far as none gets late by it.
+    if (delay < -punctualUs)
+        begin(stamp, arrived);
+    const qint64 due = m_start + (stamp - m_base);
+    m_leastDelay = qMin(m_leastDelay, due - arrived);
+    const qint64 wait = qBound<qint64>(0, due - now, LateUs - lag);
+    if (now - m_window >= trimPeriod) {
+        m_start -= qMax<qint64>(0, m_leastDelay);
+        m_window = now;
+        m_leastDelay = std::numeric_limits<qint64>::max();
+    }
     return wait;
 }

@@ -36,16 +36,17 @@ public:
     /// A picture this far behind the newest that has arrived is late.
     static constexpr qint64 LateUs = 150000;
 
-    /// How long to wait at `now` before showing the picture stamped `stamp` while the newest that
-    /// has arrived is stamped `newest`; 0 up to LateUs.
-    qint64 waitBefore(qint64 stamp, qint64 newest, qint64 now);
+    /// How long to wait at `now` before showing the picture stamped `stamp`, which has arrived at
+    /// `arrived`, while the newest that has arrived is stamped `newest`; 0 up to LateUs.
+    qint64 waitBefore(qint64 stamp, qint64 newest, qint64 arrived, qint64 now);
 
 private:
-    void begin(qint64 stamp, qint64 now);
+    void begin(qint64 stamp, qint64 due);
 
     bool m_hasBase = false;
-    qint64 m_start = 0; // when the picture stamped m_base is due
+    bool m_isCatchingUp = false; // until a picture is the newest one
+    qint64 m_start = 0;          // when the picture stamped m_base is due
     qint64 m_base = 0;
-    qint64 m_window = 0;    // when the waits of m_leastWait began
-    qint64 m_leastWait = 0; // what every picture since then has waited
+    qint64 m_window = 0;     // when the delays of m_leastDelay began
+    qint64 m_leastDelay = 0; // of all pictures since then, from their arrival until they were due
 };

@@ -129,6 +129,11 @@ std::optional<qint64> PictureDecoder::stampUs(const AVPacket& packet) const
     return toMicroseconds(packet.dts, {m_timeBaseNum, m_timeBaseDen});
 }
 
+std::optional<qint64> PictureDecoder::seenUs(const AVPacket& packet) const
+{
+    return toMicroseconds(packet.pts, {m_timeBaseNum, m_timeBaseDen});
+}
+
 QString PictureDecoder::name() const
 {
     return QLatin1String(m_context->codec->name);

@@ -50,6 +50,8 @@ public:
     std::optional<qint64> stampUs() const;
     /// A decode time stamp of a packet in microseconds, when it has one.
     std::optional<qint64> stampUs(const AVPacket& packet) const;
+    /// When the picture in a packet is to be seen, in microseconds, when it says so.
+    std::optional<qint64> seenUs(const AVPacket& packet) const;
 
     QString name() const;  ///< the decoder's short name
     QString codec() const; ///< what it decodes, with its profile

@@ -13,6 +13,8 @@ extern "C" {
 #include <libavutil/time.h>
 }
 
+#include <algorithm>
+
 namespace
 {
 
@@ -36,6 +38,8 @@ constexpr qint64 hurryUs = 200000;
 constexpr qint64 skipUs = 500000;
 /// Something moves all the same, that often, while a source is caught up with.
 constexpr qint64 catchUpPictureUs = 100000;
+/// Packets whose arrivals are remembered until their pictures come: more than a decoder holds back.
+constexpr size_t mostArrivals = 64;
 /// A live source without packets of the picture, or of which none can be shown, is opened anew.
 constexpr qint64 silenceUs = 4000000;
 constexpr qint64 noPictureUs = 15000000;
@@ -158,6 +162,7 @@ Playback::Outcome Playback::stepLive()
     PictureDecoder& decoder = m_session->pictures();
     const std::optional<qint64> stamp = decoder.stampUs(*packet);
     const std::optional<qint64> newest = m_reader->newestUs();
+    noteArrival(*packet);
     if (stamp && newest && catchUp(*newest - *stamp))
         return Outcome::GoesOn;
     bool isFull = true;
@@ -205,11 +210,27 @@ void Playback::showLivePicture(const AVPacket& packet)
     m_state.lagUs = stamp ? qMax<qint64>(0, m_reader->newestUs().value_or(0) - *stamp) : -1;
 }
 
+void Playback::noteArrival(const AVPacket& packet)
+{
+    if (const std::optional<qint64> seen = m_session->pictures().seenUs(packet))
+        m_arrivals.emplace_back(*seen, m_reader->arrival());
+    if (m_arrivals.size() > mostArrivals)
+        m_arrivals.pop_front();
+}
+
+/// When that picture has arrived; now, where nothing says so.
+qint64 Playback::arrivalOf(qint64 stamp, qint64 now) const
+{
+    const auto found = std::find_if(m_arrivals.rbegin(), m_arrivals.rend(),
+                                    [stamp](const auto& each) { return each.first == stamp; });
+    return found == m_arrivals.rend() ? now : found->second;
+}
+
 /// Not a moment longer than until newer ones have made it late.
 void Playback::waitForTurn(qint64 stamp, qint64 newest)
 {
     const qint64 now = av_gettime_relative();
-    const qint64 due = now + m_livePacing.waitBefore(stamp, newest, now);
+    const qint64 due = now + m_livePacing.waitBefore(stamp, newest, arrivalOf(stamp, now), now);
     for (;;) {
         const qint64 rest = due - av_gettime_relative();
         if (rest <= 0 || m_stop.isRequested() ||

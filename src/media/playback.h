@@ -8,9 +8,11 @@
 
 #include <QImage>
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 class FFmpegSession;
 class LiveReader;
@@ -58,6 +60,8 @@ private:
     void showLivePicture(const AVPacket& packet);
     bool catchUp(qint64 lag);
     void waitForTurn(qint64 stamp, qint64 newest);
+    void noteArrival(const AVPacket& packet);
+    qint64 arrivalOf(qint64 stamp, qint64 now) const;
     bool isLate(qint64 lag) const;
     Outcome lookForSilence();
     bool convert();
@@ -81,9 +85,10 @@ private:
     bool m_isOverLimit = false;
     bool m_isPending = false; // the picture in hand has not found a free image yet
     bool m_hasShown = false;
-    qint64 m_shownAt = 0;     // when the last one was shown
-    qint64 m_packetAt = 0;    // when the last packet of the picture came
-    qint64 m_noDataSince = 0; // microseconds; 0: the last read succeeded
+    qint64 m_shownAt = 0;                             // when the last one was shown
+    std::deque<std::pair<qint64, qint64>> m_arrivals; // of pictures: stamp and time
+    qint64 m_packetAt = 0;                            // when the last packet of the picture came
+    qint64 m_noDataSince = 0;                         // microseconds; 0: the last read succeeded
     std::optional<qint64> m_position;
     std::optional<qint64> m_behind; // nothing up to there is shown
 };
