@@ -132,8 +132,10 @@ bool FFmpegSession::openInput(const QString& url, MediaOptions::Origin origin)
         m_gate.guard(context, url, origin);
         result = avformat_open_input(&context, url.toUtf8().constData(), nullptr, &options);
         // On failure it has released the context.
-        if (result < 0)
+        if (result < 0) {
             context = nullptr;
+            m_gate.setFailed();
+        }
     }
     m_isRefused = m_isLocal || isRefusal(result);
     av_dict_free(&options);

@@ -27,6 +27,8 @@ public:
     void guard(AVFormatContext* context, const QString& url, MediaOptions::Origin origin);
     /// What follows decodes: pictures may cost more than headers.
     void setHeaderRead();
+    /// FFmpeg has given up opening, and released what it had.
+    void setFailed() { m_lists.clear(); }
     /// From now on there is no limit to how long it takes.
     void setOpened() { m_openLimit = 0; }
     /// Whether the source has had too much, and gets no more.

@@ -296,6 +296,7 @@ private slots:
         qputenv("http_proxy", m_trap.url("http").toUtf8());
         Player player(server.url(scheme, "live/1"));
         QTRY_VERIFY_WITH_TIMEOUT(!player.statuses.isEmpty(), 12000);
+        player.thread.stop();
         player.thread.wait();
         qunsetenv("http_proxy");
         QVERIFY(server.taken() > 0);
