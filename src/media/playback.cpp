@@ -36,9 +36,10 @@ constexpr qint64 hurryUs = 200000;
 constexpr qint64 skipUs = 500000;
 /// Something moves all the same, that often, while a source is caught up with.
 constexpr qint64 catchUpPictureUs = 100000;
-/// A live source without packets of the picture, or of which none can be shown, is opened anew.
+/// A live source without packets of the picture, or of which none can be shown any more, is opened
+/// anew: it may have changed its codec. The first picture may have to wait for a key picture.
 constexpr qint64 silenceUs = 4000000;
-constexpr qint64 noPictureUs = 15000000;
+constexpr qint64 firstPictureUs = 15000000;
 
 } // namespace
 
@@ -229,7 +230,8 @@ bool Playback::isLate(qint64 lag) const
 Playback::Outcome Playback::lookForSilence()
 {
     const qint64 now = av_gettime_relative();
-    const bool isSilent = now - m_packetAt > silenceUs || now - m_shownAt > noPictureUs;
+    const bool isSilent =
+        now - m_packetAt > silenceUs || now - m_shownAt > (m_hasShown ? silenceUs : firstPictureUs);
     return isSilent ? Outcome::Broken : Outcome::GoesOn;
 }
 
@@ -298,7 +300,7 @@ Playback::Outcome Playback::waitForData(int result)
         m_noDataSince = now;
     // What has been shown up to its end needs its source no more.
     const bool isGone = m_session->hasEnd() ? m_session->isBroken(result) && !m_state.isAtEnd
-                                            : now - m_noDataSince > endUs;
+                                            : result == AVERROR_EXIT || now - m_noDataSince > endUs;
     if (isGone)
         return Outcome::Broken;
     if (result == AVERROR_EOF && !m_state.isAtEnd && now - m_noDataSince > endUs)
