@@ -250,6 +250,8 @@ int FFmpegSession::read(AVPacket& packet)
     // FFmpeg remembers the end of the data; only asked this way it looks whether a film has grown.
     if (hasEnd() && m_input->pb && m_input->pb->eof_reached)
         avio_feof(m_input->pb);
+    if (!hasEnd())
+        m_gate.setReading();
     return av_read_frame(m_input.get(), &packet);
 }
 

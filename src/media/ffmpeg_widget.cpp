@@ -222,6 +222,10 @@ void FFmpegWidget::handleStatus(int session, int status, const QString& url)
         return;
     if (session == m_session && status == FFmpegThread::OpenFailed)
         showState(PictureState::State::Failed);
+    // It has come later; its first picture is about to.
+    if (session == m_session && status == FFmpegThread::Playing &&
+        state() == PictureState::State::Failed)
+        showState(PictureState::State::Opening);
     if (session == m_session && status == FFmpegThread::Stopped)
         showState(PictureState::State::Stopped);
     emit playstatus(status, url);

@@ -8,6 +8,8 @@ constexpr qint64 meterSecondUs = 1000000;
 constexpr qint64 windowUs = 3 * meterSecondUs;
 /// After so long without anything the pause counts too.
 constexpr qint64 pauseUs = meterSecondUs / 2;
+/// What arrives in one go is no rate.
+constexpr qint64 shortestUs = meterSecondUs / 10;
 /// Sources send as many packets as they like.
 constexpr size_t mostKept = 1000;
 /// Sound that comes in time leaves no gap longer than this.
@@ -36,7 +38,7 @@ double RateMeter::perSecond(qint64 now) const
         sum += each->second;
     const qint64 last = m_recent.back().first;
     const qint64 end = now - last > pauseUs ? now : last;
-    return end > first ? double(sum) * meterSecondUs / double(end - first) : 0;
+    return double(sum) * meterSecondUs / double(qMax(end - first, shortestUs));
 }
 
 void FiguresMeter::setSource(const PictureFigures& known, int soundChannels)

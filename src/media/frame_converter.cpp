@@ -158,7 +158,8 @@ bool FrameConverter::prepare(const Source& source)
     m_coloured.reset();
     if (!prepareScalers(source, size))
         return false;
-    m_unturned = isUpright ? QImage() : QImage(size, QImage::Format_RGB32);
+    // A plain image has no room for the whole vectors that the scaler writes.
+    m_unturned = isUpright ? QImage() : FramePool(size).take();
     if (m_unturned.isNull() && !isUpright) {
         m_coloured.reset();
         return false;

@@ -40,9 +40,13 @@ constexpr qint64 skipUs = 500000;
 constexpr qint64 catchUpPictureUs = 100000;
 /// Packets whose arrivals are remembered until their pictures come: more than a decoder holds back.
 constexpr size_t mostArrivals = 64;
-/// A live source without packets of the picture, or of which none can be shown, is opened anew.
+/// So much before the place where a film goes on it is read again: not every format knows where its
+/// key pictures are.
+constexpr qint64 againUs = 3000000;
+/// A live source without packets of the picture, or of which none can be shown any more, is opened
+/// anew: it may have changed its codec. The first picture may have to wait for a key picture.
 constexpr qint64 silenceUs = 4000000;
-constexpr qint64 noPictureUs = 15000000;
+constexpr qint64 firstPictureUs = 15000000;
 
 } // namespace
 
@@ -91,8 +95,8 @@ void Playback::goOnBehind(qint64 position)
 {
     if (!m_session->hasEnd())
         return;
-    // Where it cannot seek, it is decoded from the beginning.
-    m_session->seek(position);
+    // Where it cannot seek, it goes on from where opening has left it.
+    m_session->seek(position - againUs);
     m_behind = position;
     m_position = position;
 }
@@ -250,7 +254,8 @@ bool Playback::isLate(qint64 lag) const
 Playback::Outcome Playback::lookForSilence()
 {
     const qint64 now = av_gettime_relative();
-    const bool isSilent = now - m_packetAt > silenceUs || now - m_shownAt > noPictureUs;
+    const bool isSilent =
+        now - m_packetAt > silenceUs || now - m_shownAt > (m_hasShown ? silenceUs : firstPictureUs);
     return isSilent ? Outcome::Broken : Outcome::GoesOn;
 }
 
@@ -319,7 +324,7 @@ Playback::Outcome Playback::waitForData(int result)
         m_noDataSince = now;
     // What has been shown up to its end needs its source no more.
     const bool isGone = m_session->hasEnd() ? m_session->isBroken(result) && !m_state.isAtEnd
-                                            : now - m_noDataSince > endUs;
+                                            : result == AVERROR_EXIT || now - m_noDataSince > endUs;
     if (isGone)
         return Outcome::Broken;
     if (result == AVERROR_EOF && !m_state.isAtEnd && now - m_noDataSince > endUs)

@@ -21,6 +21,15 @@ namespace
 
 /// A source that keeps dripping data without ever becoming playable is given up after this.
 constexpr qint64 openLimitUs = 15000000;
+/// As is one that has played: a playlist that has begun to count anew is never read on by FFmpeg,
+/// which waits for the number that it had come to.
+constexpr qint64 readLimitUs = 15000000;
+
+/// Whether the time has come; 0 is no time.
+bool isPast(qint64 limit)
+{
+    return limit != 0 && av_gettime_relative() > limit;
+}
 
 QByteArray hostOf(const char* url)
 {
@@ -61,6 +70,11 @@ void SourceGate::setHeaderRead()
     m_memory.setLimit(Limits::MediaStoreBytes);
 }
 
+void SourceGate::setReading()
+{
+    m_readLimit = av_gettime_relative() + readLimitUs;
+}
+
 int SourceGate::interrupted(void* gate)
 {
     auto* self = static_cast<SourceGate*>(gate);
@@ -72,8 +86,10 @@ int SourceGate::interrupted(void* gate)
     }
     if (self->m_isConnecting)
         ++self->m_looks;
-    return self->m_isInterrupted() || self->isOverLimit() ||
-           (self->m_openLimit != 0 && av_gettime_relative() > self->m_openLimit);
+    // FFmpeg hands on what it has first; then it is over.
+    self->m_isGivenUp = self->m_isGivenUp || isPast(self->m_readLimit);
+    return self->m_isInterrupted() || self->isOverLimit() || self->m_isGivenUp ||
+           isPast(self->m_openLimit);
 }
 
 int SourceGate::open(AVFormatContext* context, AVIOContext** io, const char* url, int flags,

@@ -29,8 +29,10 @@ public:
     void setHeaderRead();
     /// FFmpeg has given up opening, and released what it had.
     void setFailed() { m_lists.clear(); }
-    /// From now on there is no limit to how long it takes.
+    /// From now on there is no limit to how long it takes, except for what setReading() says.
     void setOpened() { m_openLimit = 0; }
+    /// A read begins; one that takes much longer than the pieces of a playlist is given up.
+    void setReading();
     /// Whether the source has had too much, and gets no more.
     bool isOverLimit();
 
@@ -58,6 +60,8 @@ private:
     int m_looks = 0;             // how often FFmpeg has looked for more of them
     bool m_isOver = false;       // it has had too much, and gets no more
     qint64 m_openLimit = 0;      // when opening is given up, microseconds; 0: not opening
+    qint64 m_readLimit = 0;      // when that is given up, microseconds; 0: never
+    bool m_isGivenUp = false;
     MemoryWatch m_memory;
     std::vector<AVIOContext*> m_lists; // playlists that are being read
     qint64 m_listBytes = 0;            // of those that were read while opening

@@ -45,6 +45,41 @@ private:
     const QByteArray m_file;
 };
 
+/// A server of a playlist whose pieces last two seconds and are numbered from `first` on.
+class PieceServer : public ScriptedServer
+{
+public:
+    PieceServer(const QString& address, const QByteArray& piece)
+        : ScriptedServer(address, "x", Closes), m_piece(piece)
+    {
+        m_since.start();
+    }
+    void countFrom(int first)
+    {
+        m_first = first;
+        m_since.start();
+    }
+
+protected:
+    QByteArray replyTo(const QByteArray& request) override
+    {
+        if (!request.contains(".m3u8"))
+            return httpReply("video/mp2t", m_piece);
+        const int from = m_first + int(m_since.elapsed() / 2000);
+        QByteArray list =
+            "#EXTM3U\n#EXT-X-TARGETDURATION:2\n#EXT-X-MEDIA-SEQUENCE:" + QByteArray::number(from) +
+            "\n";
+        for (int n = from; n < from + 3; ++n)
+            list += "#EXTINF:2.0,\n" + QByteArray::number(n) + ".ts\n";
+        return httpReply("application/vnd.apple.mpegurl", list);
+    }
+
+private:
+    const QByteArray m_piece;
+    int m_first = 100;
+    QElapsedTimer m_since;
+};
+
 /// A film of 25 pictures a second, each of them as bright as its number says.
 QString countingFilm(const Clips& clips, const QString& name, const QString& encoder)
 {
@@ -168,6 +203,44 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(player.pictures > 1, 5000);
         QTRY_VERIFY_WITH_TIMEOUT(server.asked() >= 2, 9000);
         QTRY_COMPARE(player.thread.figures().reconnections, 1);
+        QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+    }
+
+    /// What a box does that is told to send another codec.
+    void otherCodecIsOpenedAnew()
+    {
+        const QByteArray film = readFile(m_clips.live());
+        const QByteArray other =
+            readFile(m_clips.make("other.ts", Small + " -t 4 -c:v libx265 -tune zerolatency "
+                                                      "-x265-params log-level=none:keyint=25"));
+        ScriptedServer server(TEST_BLOCK ".7", httpReply("video/mp2t", film));
+        Player player(server.url("http"));
+        QTRY_VERIFY_WITH_TIMEOUT(player.pictures > 1, 5000);
+        server.setReply(httpReply("video/mp2t", other));
+        QTimer sender;
+        const int piece = other.size() / 188 / 20 * 188;
+        int sent = 0;
+        connect(&sender, &QTimer::timeout, &sender, [&] {
+            server.send(other.mid(sent, piece));
+            sent = sent + piece < other.size() ? sent + piece : 0;
+        });
+        sender.start(200);
+        QTRY_VERIFY_WITH_TIMEOUT(player.thread.figures().codec.startsWith("hevc"), 10000);
+        QTRY_COMPARE(player.thread.tries(), 0);
+        QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+    }
+
+    /// FFmpeg would wait for the number that it has come to, for as long as the source had played.
+    void playlistThatCountsAnewIsOpenedAgain()
+    {
+        PieceServer server(TEST_BLOCK ".8",
+                           readFile(m_clips.make("piece.ts", Small + " -t 2 -c:v libx264")));
+        Player player(server.url("http", "a.m3u8"));
+        QTRY_VERIFY_WITH_TIMEOUT(player.pictures > 1, 5000);
+        server.countFrom(1);
+        QTRY_COMPARE_WITH_TIMEOUT(player.thread.figures().reconnections, 1, 30000);
+        const int before = player.pictures;
+        QTRY_VERIFY_WITH_TIMEOUT(player.pictures > before + 10, 5000);
         QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
     }
 
