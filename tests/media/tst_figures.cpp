@@ -78,10 +78,9 @@ private slots:
         // Nobody has asked for them yet.
         QCOMPARE(player.thread.figures().soundLevels.first(), SoundLevel::Floor);
         player.thread.setSoundMeasured(true);
-        const auto isRight = [&] {
+        const auto isRight = [&, near = tolerance] {
             const QVector<float> levels = player.thread.figures().soundLevels;
-            return isNear(levels.at(0), -6.02, tolerance) &&
-                   isNear(levels.at(1), -26.02, tolerance);
+            return isNear(levels.at(0), -6.02, near) && isNear(levels.at(1), -26.02, near);
         };
         QTRY_VERIFY(isRight());
     }
