@@ -64,7 +64,7 @@ float decibels(double peak)
 
 void SoundLevel::start(int channels)
 {
-    m_peaks.fill(Floor, std::clamp(channels, 0, MostChannels));
+    m_peaks.assign(size_t(std::clamp(channels, 0, MostChannels)), Floor);
 }
 
 void SoundLevel::fall(double seconds)
@@ -81,14 +81,19 @@ void SoundLevel::add(const AVFrame& frame)
     if (frame.nb_samples <= 0 || frame.sample_rate <= 0 || size <= 0 || all <= 0)
         return;
     const int measured = std::min(all, MostChannels);
-    if (m_peaks.size() != measured)
+    if (m_peaks.size() != size_t(measured))
         start(measured);
     fall(double(frame.nb_samples) / frame.sample_rate);
     const bool isPlanar = av_sample_fmt_is_planar(format) != 0;
     for (int n = 0; n < measured; ++n) {
         const Channel channel{isPlanar ? frame.extended_data[n] : frame.data[0] + n * size,
                               frame.nb_samples, isPlanar ? 1 : all};
-        m_peaks[n] =
-            std::max(m_peaks[n], decibels(peakOf(channel, av_get_packed_sample_fmt(format))));
+        float& peak = m_peaks[size_t(n)];
+        peak = std::max(peak, decibels(peakOf(channel, av_get_packed_sample_fmt(format))));
     }
+}
+
+QVector<float> SoundLevel::peaks() const
+{
+    return {m_peaks.cbegin(), m_peaks.cend()};
 }

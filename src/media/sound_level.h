@@ -3,6 +3,8 @@
 
 #include <QVector>
 
+#include <vector>
+
 struct AVFrame;
 
 /// How loud sound is: the peak of each channel in dBFS, which falls slowly, as meters do.
@@ -22,8 +24,8 @@ public:
     void fall(double seconds);
 
     /// From Floor to 0, each channel.
-    const QVector<float>& peaks() const { return m_peaks; }
+    QVector<float> peaks() const;
 
 private:
-    QVector<float> m_peaks;
+    std::vector<float> m_peaks; // shared with nobody, unlike a QVector
 };

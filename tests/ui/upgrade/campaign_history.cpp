@@ -19,7 +19,7 @@ using Verdict = UpgradeRow::Verdict;
 namespace
 {
 
-constexpr int longestMs = 240000;
+constexpr int longestMs = 480000;
 constexpr int quietMs = 10000;
 constexpr int slowestOrderMs = 5000;
 
