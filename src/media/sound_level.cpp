@@ -75,6 +75,8 @@ void SoundLevel::fall(double seconds)
 
 void SoundLevel::add(const AVFrame& frame)
 {
+    if (frame.format < 0 || frame.format >= AV_SAMPLE_FMT_NB)
+        return;
     const auto format = AVSampleFormat(frame.format);
     const int size = av_get_bytes_per_sample(format);
     const int all = frame.ch_layout.nb_channels;
