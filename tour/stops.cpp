@@ -174,10 +174,13 @@ bool inChinese(Tour& tour)
 bool webBoxSelected(Tour& tour)
 {
     tour.clickBox(webBox);
-    return tour.waitFor("the page of the web-managed box instead of the panels", [&] {
-        return tour.isShown("web_widget") && !tour.isShown("right_widget") &&
-               !tour.shownTexts().contains("正在打开设备的网页…");
+    const bool isChosen = tour.waitFor("room for the page instead of the panels", [&] {
+        return tour.isShown("web_widget") && !tour.isShown("right_widget");
     });
+    // The first page waits for the browser engine, which may have to come from a slow disk.
+    return isChosen && tour.waitFor(
+                           "the page of the web-managed box",
+                           [&] { return !tour.shownTexts().contains("正在打开设备的网页…"); }, 30);
 }
 
 bool windowCloses(Tour& tour)

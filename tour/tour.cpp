@@ -8,6 +8,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QImage>
 #include <QPixmap>
@@ -22,6 +23,26 @@ namespace
 
 constexpr int popupSeconds = 10;
 
+/// Waits in an event loop that sleeps until something happens: what needs many turns of the loop,
+/// as a web page does, gets them at once.
+bool waitUntil(const std::function<bool()>& condition, int milliseconds)
+{
+    if (condition())
+        return true;
+    bool reached = false;
+    QEventLoop loop;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        reached = condition();
+        if (reached)
+            loop.quit();
+    });
+    look.start(20);
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+    return reached;
+}
+
 QWidget* openPopup()
 {
     QWidget* popup = QApplication::activePopupWidget();
@@ -33,7 +54,7 @@ void closePopups()
     // A bound, should one refuse to go.
     for (int tries = 0; tries < 10 && openPopup(); ++tries) {
         QTest::keyClick(openPopup(), Qt::Key_Escape);
-        (void)QTest::qWaitFor([] { return openPopup() == nullptr; }, 500);
+        (void)waitUntil([] { return openPopup() == nullptr; }, 500);
     }
 }
 
@@ -92,7 +113,7 @@ bool Tour::visit(const Stop& stop)
 
 bool Tour::waitFor(const QString& what, const std::function<bool()>& condition, int seconds)
 {
-    if (QTest::qWaitFor(condition, seconds * 1000))
+    if (waitUntil(condition, seconds * 1000))
         return true;
     return fail(QString("not within %1 s: %2").arg(seconds).arg(what));
 }
@@ -122,7 +143,7 @@ void Tour::moveMouse(QWidget* widget, const QPoint& pos)
 {
     QTest::mouseMove(widget, pos);
     // The window system reports the way there a little later.
-    (void)QTest::qWaitFor([&] { return QCursor::pos() == widget->mapToGlobal(pos); }, 1000);
+    (void)waitUntil([&] { return QCursor::pos() == widget->mapToGlobal(pos); }, 1000);
 }
 
 void Tour::click(QWidget* widget)
@@ -169,8 +190,7 @@ bool Tour::inPopup(const std::function<void()>& open, const QString& what,
     sinceOpen.start();
     watch.start(20);
     open();
-    (void)QTest::qWaitFor([&] { return state == Reached || state == Missed; },
-                          2 * popupSeconds * 1000);
+    (void)waitUntil([&] { return state == Reached || state == Missed; }, 2 * popupSeconds * 1000);
     return state == Reached || fail(QString("not within %1 s: %2").arg(popupSeconds).arg(what));
 }
 

@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QScreen>
+#include <QTableWidget>
 #include <QTest>
 
 namespace
@@ -106,10 +107,12 @@ bool upgradeProved(Tour& tour)
     tour.click(tour.child<QWidget>("upgradeReport"));
     const auto proved = [&] {
         const auto* summary = tour.window().findChild<QLabel*>("upgradeReportSummary");
+        const auto* table = tour.window().findChild<QTableWidget*>("upgradeReportTable");
         return summary && summary->text().contains("已证实[3]个") &&
-               summary->text().contains("进行中[0]个");
+               summary->text().contains("进行中[0]个") && table &&
+               table->findItems("已恢复", Qt::MatchExactly).size() == 3;
     };
-    if (!tour.waitFor("three boxes with the new version and their settings back", proved, 90))
+    if (!tour.waitFor("three boxes with the new version and their settings back", proved, 150))
         return false;
     tour.takePicture();
     const auto* report = tour.window().findChild<QDialog*>("upgradeReportDialog");
