@@ -87,7 +87,6 @@ void allow(AVDictionary** options, const QByteArray& protocols, const QByteArray
 void fillQuick(AVDictionary** options)
 {
     av_dict_set(options, "fpsprobesize", "0", 0);
-    av_dict_set(options, "analyzeduration", "1000000", 0);
 }
 
 void fillUsual(AVDictionary** options)

@@ -84,7 +84,8 @@ private:
 QString countingFilm(const Clips& clips, const QString& name, const QString& encoder)
 {
     return clips.make(name, "-f lavfi -i color=black:size=64x64:rate=25:duration=8,format=yuv420p,"
-                            "geq=lum=16+N:cb=128:cr=128 -c:v libx264 -qp 8 -g 10 " +
+                            "geq=lum=16+N:cb=128:cr=128[out0];sine=duration=8[out1] "
+                            "-c:a aac -c:v libx264 -qp 8 -g 10 " +
                                 encoder);
 }
 
@@ -162,6 +163,21 @@ private slots:
         VERIFY_BELOW(player.thread.figures().lagMs, 200);
         QVERIFY(player.thread.figures().lagMs >= 0);
         QCOMPARE(player.thread.tries(), 0);
+    }
+
+    /// Who tunes in between two key pictures has to wait for the next one, not to fail.
+    void joinsAmidPictures()
+    {
+        const QByteArray film = readFile(
+            countingFilm(m_clips, "sparse.ts", "-tune zerolatency -g 100 -sc_threshold 0"));
+        const QVector<int> begins = picturesOf(film);
+        // The programme's tables, then what follows the first pictures.
+        const QByteArray joined = film.left(begins.at(0)) + film.mid(begins.at(5));
+        const ScriptedServer server(TEST_BLOCK ".7", httpReply("video/mp2t", joined));
+        Player player(server.url("http"));
+        QTRY_VERIFY_WITH_TIMEOUT(player.pictures > 0, 9000);
+        QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
+        QVERIFY2(numberOf(player.last) >= 99, qPrintable(QString::number(numberOf(player.last))));
     }
 
     void comesBack()
