@@ -660,10 +660,6 @@
       <translation>Channels: %1</translation>
     </message>
     <message>
-      <source>硬件</source>
-      <translation>Hardware</translation>
-    </message>
-    <message>
       <source>软件，%1 个线程</source>
       <translation>Software, threads: %1</translation>
     </message>

@@ -660,10 +660,6 @@
       <translation>채널 %1개</translation>
     </message>
     <message>
-      <source>硬件</source>
-      <translation>하드웨어</translation>
-    </message>
-    <message>
       <source>软件，%1 个线程</source>
       <translation>소프트웨어, 스레드 %1개</translation>
     </message>

@@ -48,7 +48,14 @@ void writeLibraryLine(void* context, int level, const char* format, va_list argu
         av_log_default_callback(context, level, format, arguments);
 }
 
-/// Whether a server has said that this address is wrong, and not only that it has no time.
+/// Whether this address cannot be opened here at all, whoever answers there.
+bool isWrongAddress(int result)
+{
+    return result == AVERROR_PROTOCOL_NOT_FOUND || result == AVERROR(EACCES) ||
+           result == AVERROR(EINVAL);
+}
+
+/// Whether the server has said that it has no such thing, and not only that it has no time.
 bool isRefusal(int result)
 {
     switch (result) {
@@ -57,9 +64,6 @@ bool isRefusal(int result)
     case AVERROR_HTTP_FORBIDDEN:
     case AVERROR_HTTP_NOT_FOUND:
     case AVERROR_HTTP_OTHER_4XX:
-    case AVERROR_PROTOCOL_NOT_FOUND:
-    case AVERROR(EACCES):
-    case AVERROR(EINVAL):
         return true;
     default:
         return false;
@@ -137,7 +141,9 @@ bool FFmpegSession::openInput(const QString& url, MediaOptions::Origin origin)
             m_gate.setFailed();
         }
     }
-    m_isRefused = m_isLocal || isRefusal(result);
+    // A recording that its box does not have is gone; a stream may only not be there yet.
+    m_isRefused = m_isLocal || isWrongAddress(result) ||
+                  (origin == MediaOptions::Origin::Box && isRefusal(result));
     av_dict_free(&options);
     m_input.reset(context);
     if (!m_input)

@@ -234,8 +234,14 @@ void FFmpegWidget::handleStatus(int session, int status, const QString& url)
 /// A source that has broken off says nothing; only its silence tells.
 void FFmpegWidget::checkSource()
 {
-    if (!m_ffmpegThread || !m_ffmpegThread->isRunning() || state() == PictureState::State::Stopped)
+    if (!m_ffmpegThread || state() == PictureState::State::Stopped)
         return;
+    if (m_ffmpegThread->isFinished()) {
+        // It has given up after tries that had been told as failed long ago.
+        m_watch.stop();
+        showState(PictureState::State::Failed);
+        return;
+    }
     // A window may have come to another screen.
     m_ffmpegThread->setArea({size(), devicePixelRatioF()});
     const qint64 silence = m_ffmpegThread->silentMs();

@@ -13,8 +13,7 @@ struct PictureFigures {
     qint64 bitsPerSecond = 0;     ///< come of late, everything that the source carries
     int lagMs = -1;               ///< behind the newest that has come; -1: not live, or not known
     int dropped = 0;              ///< pictures that were never shown
-    bool isHardware = false;      ///< what decodes them
-    int threads = 0;              ///< of a decoder that is software
+    int threads = 0;              ///< that decode
     int reconnections = 0;        ///< since the source was opened first
     QVector<float> soundLevels;   ///< peak of each channel in dBFS; empty: no sound
 };

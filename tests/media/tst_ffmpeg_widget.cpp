@@ -171,6 +171,22 @@ private slots:
         QCOMPARE(statuses.last().first().toInt(), 2);
     }
 
+    /// What has been told as failed, and tried again, is not told a second time.
+    void saysThatItHasGivenUp()
+    {
+        ScriptedServer server(TEST_BLOCK ".6", httpReply("text/plain", "not yet"),
+                              ScriptedServer::Closes);
+        m_widget->open(server.url("http", "list.m3u8"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_widget->state(), State::Silent, 6000);
+        server.setReply(httpReply("application/vnd.apple.mpegurl",
+                                  "#EXTM3U\n" + QByteArray("#EXTINF:1,\na.ts\n").repeated(20000)));
+        QTRY_COMPARE_WITH_TIMEOUT(m_widget->state(), State::Failed, 6000);
+        const int asked = server.asked();
+        QTest::qWait(2500);
+        QCOMPARE(server.asked(), asked);
+        QCOMPARE(m_widget->state(), State::Failed);
+    }
+
     void saysThatTheSignalIsLost()
     {
         const QByteArray ts = readFile(m_clips.live());

@@ -211,6 +211,22 @@ private slots:
         QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
     }
 
+    /// A stream that its server does not have yet may come; a recording that is gone does not.
+    void refusedStreamMayComeLater()
+    {
+        ScriptedServer server(TEST_BLOCK ".9",
+                              "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n",
+                              ScriptedServer::Closes);
+        Player recording(server.url("http"), MediaOptions::Origin::Box);
+        QTRY_VERIFY_WITH_TIMEOUT(recording.thread.isFinished(), 3000);
+        Player stream(server.url("http"));
+        QTRY_VERIFY_WITH_TIMEOUT(stream.thread.tries() > 2, 5000);
+        server.setReply(httpReply("video/mp2t", readFile(m_clips.live())));
+        QTRY_VERIFY_WITH_TIMEOUT(stream.pictures > 0, 5000);
+        QCOMPARE(stream.statuses, (QList<int>{FFmpegThread::OpenFailed, FFmpegThread::Playing}));
+        QCOMPARE(recording.statuses, QList<int>{FFmpegThread::OpenFailed});
+    }
+
     void stalledStreamIsOpenedAgain()
     {
         const QByteArray film = readFile(m_clips.live());
