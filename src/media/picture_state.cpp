@@ -88,7 +88,7 @@ QString PictureState::title() const
     case State::Opening:
         return tr("正在打开…");
     case State::Silent:
-        return tr("无信号，自 %1 起没有新画面").arg(m_since.toString(QStringLiteral("HH:mm:ss")));
+        return tr("无信号,自 %1 起没有新画面").arg(m_since.toString(QStringLiteral("HH:mm:ss")));
     case State::Ended:
         return tr("播放结束");
     case State::Failed:

@@ -25,7 +25,7 @@ public:
     QString translate(const char* context, const char* source, const char*, int) const override
     {
         static const QMap<QString, QString> names{
-            {"确定", "OK"}, {"取消", "Cancel"}, {"确定并保留配置", "OK, keep configuration"}};
+            {"确定", "OK"}, {"取消", "Cancel"}, {"确定并保留配置", "OK, keep settings"}};
         return qstrcmp(context, "messageBox") == 0 ? names.value(source) : QString();
     }
 };
@@ -223,8 +223,7 @@ private slots:
         box.show();
         QVERIFY(QTest::qWaitForWindowExposed(&box));
         EnglishButtons english;
-        for (const char* recovery :
-             {"确定并保留配置", "OK, keep configuration", "확인 및 구성 유지"}) {
+        for (const char* recovery : {"确定并保留配置", "OK, keep settings", "확인 및 설정 유지"}) {
             if (QByteArray(recovery).startsWith("OK")) {
                 qApp->installTranslator(&english);
                 QTRY_COMPARE(button(&box, "Recovery")->text(), QString(recovery));
