@@ -550,7 +550,7 @@
     <name>EventPane</name>
     <message>
       <source>尝试重新连接 </source>
-      <translation>Trying to reconnect </translation>
+      <translation>Reconnecting to </translation>
     </message>
   </context>
   <context>
@@ -608,7 +608,7 @@
     </message>
     <message>
       <source>设备没有此参数</source>
-      <translation>The box has no such parameter</translation>
+      <translation>The box has no such setting</translation>
     </message>
     <message>
       <source>尚未从设备读到,不能修改,也不会保存</source>
@@ -1459,8 +1459,8 @@ Close the program?</translation>
       <translation>Total [%1]: verified [%2], not verified [%3], failed [%4], interrupted [%5], under way [%6]</translation>
     </message>
     <message>
-      <source>报告文件: </source>
-      <translation>Report file: </translation>
+      <source>报告文件: %1</source>
+      <translation>Report file: %1</translation>
     </message>
   </context>
   <context>

@@ -548,7 +548,7 @@
     <name>EventPane</name>
     <message>
       <source>尝试重新连接 </source>
-      <translation>다시 연결하는 중 </translation>
+      <translation>다시 연결하는 중: </translation>
     </message>
   </context>
   <context>
@@ -606,7 +606,7 @@
     </message>
     <message>
       <source>设备没有此参数</source>
-      <translation>장치에 없는 매개변수</translation>
+      <translation>장치에 없는 설정</translation>
     </message>
     <message>
       <source>尚未从设备读到,不能修改,也不会保存</source>
@@ -1453,8 +1453,8 @@
       <translation>전체 [%1]대: 확인됨 [%2]대, 미확인 [%3]대, 실패 [%4]대, 중단됨 [%5]대, 진행 중 [%6]대</translation>
     </message>
     <message>
-      <source>报告文件: </source>
-      <translation>보고서 파일: </translation>
+      <source>报告文件: %1</source>
+      <translation>보고서 파일: %1</translation>
     </message>
   </context>
   <context>
