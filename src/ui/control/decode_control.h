@@ -8,6 +8,7 @@
 class Busy;
 class EncoderControl;
 struct BoxId;
+enum class SequenceResult;
 
 /// Makes the selected box decode an NDI source that the operator picks, or stop.
 class DecodeControl : public QObject
