@@ -11,7 +11,7 @@ packages_for() {
             qtbase5-dev qttools5-dev qttools5-dev-tools libqt5websockets5-dev libqt5svg5-dev qtwebengine5-dev \
             libavcodec-dev libavformat-dev libavutil-dev libswscale-dev libcpp-httplib-dev
         ;;
-    running) echo curl ffmpeg fonts-noto-cjk fping iproute2 ;;
+    running) echo curl ffmpeg fonts-noto-cjk fping iproute2 qttranslations5-l10n ;;
     display) echo xauth xvfb ;;
     wayland) echo qtwayland5 ;;
     checking) echo clang-format clang-tidy g++-mingw-w64-x86-64-posix shellcheck ;;

@@ -5,33 +5,36 @@
     <name>AudioLevels</name>
     <message>
       <source>控制 %1 失败,请重试!</source>
-      <translation>Controlling %1 failed, please retry!</translation>
+      <translation>Could not set %1. Please try again.</translation>
     </message>
   </context>
   <context>
     <name>BatchStart</name>
     <message>
       <source>请您在设备列表中选择要升级固件的设备!</source>
-      <translation>Please select the devices to upgrade in the device list!</translation>
+      <translation>Please select the boxes to upgrade in the box list.</translation>
     </message>
     <message>
       <source>请您拖拽一个固件包文件到此处!</source>
-      <translation>Please drag one firmware package here!</translation>
+      <translation>Please drag one firmware package here.</translation>
     </message>
     <message>
       <source>请您拖拽一个有效的固件升级包到此处</source>
-      <translation>Please drag a valid firmware package here</translation>
+      <translation>Please drag a valid firmware package here.</translation>
     </message>
-    <message>
-      <source>即将对您选择的%1个KORA进行升级固件操作,是否确认?</source>
-      <translation>The firmware of the %1 selected KORA boxes is about to be upgraded. Continue?</translation>
+    <message numerus="yes">
+      <source>即将对您选择的%n个KORA进行升级固件操作,是否确认?</source>
+      <translation>
+        <numerusform>The firmware of the selected box will be upgraded. Continue?</numerusform>
+        <numerusform>The firmware of %n selected boxes will be upgraded. Continue?</numerusform>
+      </translation>
     </message>
   </context>
   <context>
     <name>BatchUpgrade</name>
     <message>
       <source>升级中,升级期间请不要关闭电源或者操作KORA.共[%1]个,成功[%2]个,未知[%3]个</source>
-      <translation>Upgrading. Please do not switch off or operate the KORA boxes. Total [%1], succeeded [%2], unknown [%3]</translation>
+      <translation>Upgrading. Please do not switch off or operate the boxes. Total [%1], succeeded [%2], result unknown [%3]</translation>
     </message>
     <message>
       <source>正在计算固件校验值</source>
@@ -39,11 +42,11 @@
     </message>
     <message>
       <source>全部升级完成,KORA即将重启完成固件升级.成功[%1]个</source>
-      <translation>All upgraded. The KORA boxes will restart to finish. Succeeded [%1]</translation>
+      <translation>All boxes are upgraded and will restart to finish. Succeeded [%1]</translation>
     </message>
     <message>
       <source>部分升级完成,KORA即将重启完成固件升级.成功[%1]个,未知[%2]个</source>
-      <translation>Partly upgraded. The KORA boxes will restart to finish. Succeeded [%1], unknown [%2]</translation>
+      <translation>Some boxes are upgraded and will restart to finish. Succeeded [%1], result unknown [%2]</translation>
     </message>
     <message>
       <source>选择固件</source>
@@ -59,26 +62,26 @@
     </message>
     <message>
       <source>正在等待此前的操作完成</source>
-      <translation>Waiting for what was ordered before</translation>
+      <translation>Waiting for earlier commands to finish</translation>
     </message>
     <message>
       <source>此前的操作未完成,未升级</source>
-      <translation>What was ordered before has not ended, not upgraded</translation>
+      <translation>Earlier commands have not finished, not upgraded</translation>
     </message>
     <message>
       <source>设备已不在列表中,未升级</source>
-      <translation>The device is no longer in the list; not upgraded</translation>
+      <translation>The box is no longer in the list, not upgraded</translation>
     </message>
   </context>
   <context>
     <name>BoxGuard</name>
     <message>
       <source>设备可能仍在更新固件</source>
-      <translation>The device may still be at work on its firmware</translation>
+      <translation>The box may still be updating its firmware</translation>
     </message>
     <message>
       <source>未确认此地址上是哪台设备</source>
-      <translation>It was not confirmed which device is at this address</translation>
+      <translation>It was not confirmed which box is at this address</translation>
     </message>
     <message>
       <source>不能确定设置属于哪台设备</source>
@@ -90,15 +93,15 @@
     </message>
     <message>
       <source>写入的不是此设备的设置</source>
-      <translation>What was to be written is not a setting of this device</translation>
+      <translation>What was to be written is not a setting of this box</translation>
     </message>
     <message>
       <source>设备已经收到过更新固件的命令</source>
-      <translation>The device has been told to update already</translation>
+      <translation>The box has already been told to update</translation>
     </message>
     <message>
       <source>更新固件的命令尚未写入磁盘</source>
-      <translation>The order to update is not on disk yet</translation>
+      <translation>The update command is not on disk yet</translation>
     </message>
   </context>
   <context>
@@ -133,31 +136,31 @@
     </message>
     <message>
       <source>设备没有回应,未升级</source>
-      <translation>The device did not answer and was not upgraded</translation>
+      <translation>The box did not answer and was not upgraded</translation>
     </message>
     <message>
       <source>网络中有两台设备的MAC地址相同,无法保留设置,未升级</source>
-      <translation>Two devices on the network have the same MAC address: settings cannot be kept, not upgraded</translation>
+      <translation>Two boxes on the network have the same MAC address: settings cannot be kept, not upgraded</translation>
     </message>
     <message>
       <source>此地址上现在是另一台设备(%1),未升级</source>
-      <translation>Another device (%1) is at this address now, not upgraded</translation>
+      <translation>Another box (%1) is at this address now, not upgraded</translation>
     </message>
     <message>
       <source>此MAC地址的另一台设备正在升级,未升级</source>
-      <translation>Another device with this MAC address is being upgraded, this one was not</translation>
+      <translation>Another box with this MAC address is being upgraded, this one was not</translation>
     </message>
     <message>
       <source>设备正在升级固件或恢复设置,未再次升级</source>
-      <translation>Device is being upgraded or gets its settings back, it was not upgraded again</translation>
+      <translation>The box is being upgraded or its settings are being restored, it was not upgraded again</translation>
     </message>
     <message>
       <source>网络中有两台设备的MAC地址相同,未升级</source>
-      <translation>Two devices on the network have the same MAC address, not upgraded</translation>
+      <translation>Two boxes on the network have the same MAC address, not upgraded</translation>
     </message>
     <message>
       <source>设备没有MAC地址,无法保留设置,未升级</source>
-      <translation>The device has no MAC address: settings cannot be kept, not upgraded</translation>
+      <translation>The box has no MAC address: its settings cannot be kept, not upgraded</translation>
     </message>
     <message>
       <source>正在读取设置</source>
@@ -177,33 +180,33 @@
     </message>
     <message>
       <source>设置写回后程序曾中断,设备可能尚未重启</source>
-      <translation>The program ended after the settings were written back: the device may not have restarted</translation>
+      <translation>The program ended after the settings were written back: the box may not have restarted</translation>
     </message>
     <message>
       <source>设置已写回,但不能确定设备已重启</source>
-      <translation>The settings were written back, but it is not certain that the device restarted</translation>
+      <translation>The settings were written back, but it is not certain that the box restarted</translation>
     </message>
     <message>
       <source>内部检查未通过(%1),已停止对此设备的操作</source>
-      <translation>An internal check failed (%1): nothing more is sent to this device</translation>
+      <translation>An internal check failed (%1): nothing more is sent to this box</translation>
     </message>
     <message>
       <source>此地址上的设备现在才告知MAC地址(%1),未升级,请重试</source>
-      <translation>The device at this address has told its MAC address (%1) only now; not upgraded, please try again</translation>
+      <translation>The box at this address has only now reported its MAC address (%1), not upgraded. Please try again.</translation>
     </message>
   </context>
   <context>
     <name>Closing</name>
     <message>
       <source>正在向KORA发送命令,完成后将自动关闭.</source>
-      <translation>A command is being sent to KORA. The program closes when this is done.</translation>
+      <translation>A command is being sent to the box. The program closes when this is done.</translation>
     </message>
   </context>
   <context>
     <name>ConfigurationArea</name>
     <message>
       <source>配置区域:</source>
-      <translation>Configuration:</translation>
+      <translation>Settings:</translation>
     </message>
     <message>
       <source>NDI流名称 :</source>
@@ -243,11 +246,11 @@
     </message>
     <message>
       <source>Gop长度 (0~200) :</source>
-      <translation>GOP length (0~200):</translation>
+      <translation>GOP length (0–200 frames):</translation>
     </message>
     <message>
       <source>比特率 (0~120) Mbps :</source>
-      <translation>Bit rate (0~120) Mbps:</translation>
+      <translation>Bit rate (0–120 Mbps):</translation>
     </message>
     <message>
       <source>DHCP :</source>
@@ -267,7 +270,7 @@
     </message>
     <message>
       <source>Color颜色模式</source>
-      <translation>Colour mode</translation>
+      <translation>Color mode:</translation>
     </message>
     <message>
       <source>保存</source>
@@ -278,31 +281,34 @@
     <name>ConfigurationSave</name>
     <message>
       <source>请输入正确的IP地址和子网掩码</source>
-      <translation>Enter a correct IP address and subnet mask</translation>
+      <translation>Enter a valid IP address and subnet mask.</translation>
     </message>
     <message>
       <source>设置参数部分失败,请检查KORA网络状态后重试.</source>
-      <translation>Some parameters could not be set. Please check the KORA network and retry.</translation>
+      <translation>Some settings could not be saved. Check the network connection of the box, then try again.</translation>
     </message>
     <message>
       <source>设置成功,正在重启KORA软件.</source>
-      <translation>Parameters set. The KORA software is restarting.</translation>
+      <translation>Settings saved. The software of the box is restarting.</translation>
     </message>
     <message>
       <source>设置成功,正在重启KORA设备.</source>
-      <translation>Parameters set. The KORA device is restarting.</translation>
+      <translation>Settings saved. The box is restarting.</translation>
     </message>
     <message>
       <source>设置参数成功.</source>
-      <translation>Parameters set.</translation>
+      <translation>Settings saved.</translation>
     </message>
-    <message>
-      <source>%1 项参数未从设备读到,没有保存.</source>
-      <translation>%1 parameters were not read from the box and have not been saved.</translation>
+    <message numerus="yes">
+      <source>%n 项参数未从设备读到,没有保存.</source>
+      <translation>
+        <numerusform>%n setting was not read from the box and has not been saved.</numerusform>
+        <numerusform>%n settings were not read from the box and have not been saved.</numerusform>
+      </translation>
     </message>
     <message>
       <source>尚未读到设备的参数,没有可保存的内容.</source>
-      <translation>No parameters of the box have been read: there is nothing to save.</translation>
+      <translation>No settings of the box have been read: there is nothing to save.</translation>
     </message>
     <message>
       <source>未读到设备的静态IP地址和子网掩码,不能关闭DHCP.</source>
@@ -310,7 +316,7 @@
     </message>
     <message>
       <source>设置已写入,但不能确定KORA已重启,重启后才会生效.</source>
-      <translation>The settings are written, but it is not certain that KORA has restarted. They take effect after a restart.</translation>
+      <translation>The settings are written, but it is not certain that the box has restarted. They take effect after a restart.</translation>
     </message>
   </context>
   <context>
@@ -321,19 +327,19 @@
     </message>
     <message>
       <source>HX 编码类型 :</source>
-      <translation>HX encoding:</translation>
+      <translation>HX codec:</translation>
     </message>
     <message>
       <source>SDI音量 (0~32)</source>
-      <translation>SDI volume (0~32)</translation>
+      <translation>SDI volume (0–32)</translation>
     </message>
     <message>
       <source>嵌入音量 (0~32)</source>
-      <translation>Embedded volume (0~32)</translation>
+      <translation>Line-in volume (0–32)</translation>
     </message>
     <message>
       <source>嵌入音量延时(0~341)ms</source>
-      <translation>Embedded delay (0~341) ms</translation>
+      <translation>Line-in delay (0–341 ms)</translation>
     </message>
     <message>
       <source>解码控制</source>
@@ -341,7 +347,7 @@
     </message>
     <message>
       <source>直播服务控制</source>
-      <translation>Live service</translation>
+      <translation>Streaming</translation>
     </message>
     <message>
       <source>录制</source>
@@ -356,7 +362,7 @@
     </message>
     <message>
       <source>查看崩溃记录</source>
-      <translation>Show crash dump</translation>
+      <translation>Open crash dump folder</translation>
     </message>
     <message>
       <source>关闭</source>
@@ -367,27 +373,23 @@
     <name>DecodeControl</name>
     <message>
       <source>开启解码成功</source>
-      <translation>Decoding started</translation>
+      <translation>Decoding started.</translation>
     </message>
     <message>
       <source>关闭解码成功</source>
-      <translation>Decoding stopped</translation>
+      <translation>Decoding stopped.</translation>
     </message>
     <message>
-      <source>开启</source>
-      <translation>Start: </translation>
+      <source>开启解码成功%1</source>
+      <translation>Decoding started: %1</translation>
     </message>
     <message>
-      <source>关闭</source>
-      <translation>Stop: </translation>
+      <source>开启解码失败%1,请重试!</source>
+      <translation>Could not start decoding %1. Please try again.</translation>
     </message>
     <message>
-      <source>解码成功</source>
-      <translation>decoding succeeded </translation>
-    </message>
-    <message>
-      <source>解码失败%1,请重试!</source>
-      <translation>decoding %1 failed, please retry!</translation>
+      <source>关闭解码失败,请重试!</source>
+      <translation>Could not stop decoding. Please try again.</translation>
     </message>
     <message>
       <source>尚未读到设备的编码状态,请稍后重试.</source>
@@ -398,7 +400,7 @@
     <name>DeviceArea</name>
     <message>
       <source>设备列表:</source>
-      <translation>Devices:</translation>
+      <translation>Boxes:</translation>
     </message>
     <message>
       <source>固件升级</source>
@@ -418,7 +420,7 @@
     </message>
     <message>
       <source>刷新设备列表</source>
-      <translation>Refresh the device list</translation>
+      <translation>Refresh the box list</translation>
     </message>
     <message>
       <source>语言</source>
@@ -426,7 +428,7 @@
     </message>
     <message>
       <source>设备列表</source>
-      <translation>Device list</translation>
+      <translation>Box list</translation>
     </message>
     <message>
       <source>本机IP地址:</source>
@@ -441,7 +443,7 @@
     <name>DeviceInfo</name>
     <message>
       <source>设备名称</source>
-      <translation>Device name</translation>
+      <translation>Box name</translation>
     </message>
     <message>
       <source>固件版本</source>
@@ -468,11 +470,11 @@
     <name>DeviceSelection</name>
     <message>
       <source>确认要重启KORA设备吗? </source>
-      <translation>Restart the KORA box? </translation>
+      <translation>Restart this box? Address: </translation>
     </message>
     <message>
       <source>KORA %1 未重启,请检查KORA网络状态后重试.</source>
-      <translation>KORA %1 was not restarted. Please check the KORA network and retry.</translation>
+      <translation>KORA %1 was not restarted. Check its network connection, then try again.</translation>
     </message>
   </context>
   <context>
@@ -491,11 +493,15 @@
     </message>
     <message>
       <source>已取消</source>
-      <translation>Cancelled</translation>
+      <translation>Canceled</translation>
     </message>
     <message>
-      <source>下载失败：%1</source>
-      <translation>Download failed: %1</translation>
+      <source>下载失败 (%1)</source>
+      <translation>Download failed (%1)</translation>
+    </message>
+    <message>
+      <source>下载失败</source>
+      <translation>Download failed</translation>
     </message>
   </context>
   <context>
@@ -506,7 +512,7 @@
     </message>
     <message>
       <source>继续下载</source>
-      <translation>Continue the download</translation>
+      <translation>Resume the download</translation>
     </message>
     <message>
       <source>未下载完</source>
@@ -525,26 +531,26 @@
     <name>EncoderControl</name>
     <message>
       <source>控制 HB 失败,请重试!</source>
-      <translation>Controlling HB failed, please retry!</translation>
+      <translation>Could not switch NDI HB. Please try again.</translation>
     </message>
     <message>
       <source>控制 HX2 失败,请重试!</source>
-      <translation>Controlling HX2 failed, please retry!</translation>
+      <translation>Could not switch NDI HX2. Please try again.</translation>
     </message>
     <message>
       <source>控制 HX3 失败,请重试!</source>
-      <translation>Controlling HX3 failed, please retry!</translation>
+      <translation>Could not switch NDI HX3. Please try again.</translation>
     </message>
     <message>
       <source>控制 H264 失败,请重试!</source>
-      <translation>Controlling H264 failed, please retry!</translation>
+      <translation>Could not switch the HX codec. Please try again.</translation>
     </message>
   </context>
   <context>
     <name>EventPane</name>
     <message>
       <source>尝试重新连接 </source>
-      <translation>Trying to reconnect </translation>
+      <translation>Reconnecting to </translation>
     </message>
   </context>
   <context>
@@ -579,7 +585,7 @@
     </message>
     <message>
       <source>显示播放信息</source>
-      <translation>Show playback figures</translation>
+      <translation>Show playback information</translation>
     </message>
     <message>
       <source>停止播放</source>
@@ -602,7 +608,7 @@
     </message>
     <message>
       <source>设备没有此参数</source>
-      <translation>The box has no such parameter</translation>
+      <translation>The box has no such setting</translation>
     </message>
     <message>
       <source>尚未从设备读到,不能修改,也不会保存</source>
@@ -621,11 +627,11 @@
     </message>
     <message>
       <source>画面尺寸</source>
-      <translation>Picture size</translation>
+      <translation>Resolution</translation>
     </message>
     <message>
       <source>帧率</source>
-      <translation>Picture rate</translation>
+      <translation>Frame rate</translation>
     </message>
     <message>
       <source>码率</source>
@@ -633,11 +639,11 @@
     </message>
     <message>
       <source>延迟</source>
-      <translation>Lag</translation>
+      <translation>Latency</translation>
     </message>
     <message>
       <source>丢弃的画面</source>
-      <translation>Dropped</translation>
+      <translation>Dropped frames</translation>
     </message>
     <message>
       <source>解码方式</source>
@@ -649,7 +655,7 @@
     </message>
     <message>
       <source>声音</source>
-      <translation>Sound</translation>
+      <translation>Audio</translation>
     </message>
     <message>
       <source>无声音</source>
@@ -660,7 +666,7 @@
       <translation>Channels: %1</translation>
     </message>
     <message>
-      <source>软件，%1 个线程</source>
+      <source>软件,%1 个线程</source>
       <translation>Software, threads: %1</translation>
     </message>
   </context>
@@ -668,11 +674,11 @@
     <name>Hub</name>
     <message>
       <source>请您在设备列表中选择要操作的设备!</source>
-      <translation>Please select the device to operate in the device list!</translation>
+      <translation>Please select a box in the box list first.</translation>
     </message>
     <message>
       <source>KORA %1 正在升级固件或恢复设置,请等待完成后再操作.</source>
-      <translation>The firmware of KORA %1 is being upgraded or its settings restored. Please wait until it is done.</translation>
+      <translation>The firmware of KORA %1 is being upgraded or its settings are being restored. Please wait until this is done.</translation>
     </message>
   </context>
   <context>
@@ -683,7 +689,7 @@
     </message>
     <message>
       <source>设备信息</source>
-      <translation>Device information</translation>
+      <translation>Box information</translation>
     </message>
   </context>
   <context>
@@ -716,34 +722,38 @@
     <name>LiveControl</name>
     <message>
       <source>关闭直播服务成功</source>
-      <translation>Live service stopped</translation>
+      <translation>Streaming stopped.</translation>
     </message>
     <message>
       <source>开启直播服务成功</source>
-      <translation>Live service started </translation>
+      <translation>Streaming started.</translation>
     </message>
     <message>
       <source>开启直播服务失败</source>
-      <translation>Starting the live service failed</translation>
+      <translation>Streaming could not be started. Check the address and the network, then try again.</translation>
     </message>
     <message>
       <source>关闭直播服务失败</source>
-      <translation>Stopping the live service failed</translation>
+      <translation>Streaming could not be stopped. Check the network, then try again.</translation>
     </message>
     <message>
       <source>设备没有回应,直播服务可能没有开启.</source>
-      <translation>The device did not answer; the live service may not have started.</translation>
+      <translation>The box did not answer; streaming may not have started.</translation>
     </message>
     <message>
       <source>设备没有回应,直播服务可能没有关闭.</source>
-      <translation>The device did not answer; the live service may not have stopped.</translation>
+      <translation>The box did not answer; streaming may not have stopped.</translation>
+    </message>
+    <message>
+      <source>开启直播服务成功%1</source>
+      <translation>Streaming started. Pull address: %1</translation>
     </message>
   </context>
   <context>
     <name>Md5Tool</name>
     <message>
       <source>文件打开失败! </source>
-      <translation>The file cannot be opened! </translation>
+      <translation>The file cannot be opened.</translation>
     </message>
   </context>
   <context>
@@ -754,7 +764,7 @@
     </message>
     <message>
       <source>切换画面和流信息</source>
-      <translation>Picture or stream information</translation>
+      <translation>Switch between picture and stream information</translation>
     </message>
     <message>
       <source>全屏</source>
@@ -770,40 +780,48 @@
     </message>
     <message>
       <source>播放</source>
-      <translation>Play</translation>
+      <translation>Play or stop</translation>
     </message>
     <message>
       <source>下一个</source>
       <translation>Next</translation>
+    </message>
+    <message>
+      <source>流信息</source>
+      <translation>Stream</translation>
+    </message>
+    <message>
+      <source>媒体信息</source>
+      <translation>Media</translation>
     </message>
   </context>
   <context>
     <name>Orders</name>
     <message>
       <source>此地址上现在是另一台设备.</source>
-      <translation>Another device is at this address now.</translation>
+      <translation>Another box is at this address now.</translation>
     </message>
     <message>
       <source>此地址上的设备现在才告知MAC地址,请确认后重试.</source>
-      <translation>The device at this address has told its MAC address only now, please check it and try again.</translation>
+      <translation>The box at this address has only now reported its MAC address. Please check it, then try again.</translation>
     </message>
   </context>
   <context>
     <name>PageBar</name>
     <message>
-      <source>此网页想访问另一台主机：%1</source>
+      <source>此网页想访问另一台主机: %1</source>
       <translation>The page wants to reach another host: %1</translation>
     </message>
     <message>
-      <source>此网页多次要求登录，不再询问。</source>
-      <translation>The page asked for a login many times and is not asked again.</translation>
+      <source>此网页多次要求登录,不再询问.</source>
+      <translation>The page has asked you to sign in too many times; further requests are ignored.</translation>
     </message>
     <message>
-      <source>此网页打开了太多对话框，不再显示。</source>
+      <source>此网页打开了太多对话框,不再显示.</source>
       <translation>The page opened too many dialogs; no more are shown.</translation>
     </message>
     <message>
-      <source>此网页没有响应。</source>
+      <source>此网页没有响应.</source>
       <translation>The page does not respond.</translation>
     </message>
     <message>
@@ -843,11 +861,11 @@
     </message>
     <message>
       <source>%1 要求登录</source>
-      <translation>%1 asks for a login</translation>
+      <translation>%1 requires you to sign in</translation>
     </message>
     <message>
       <source>%1 的网页显示</source>
-      <translation>The page of %1 says</translation>
+      <translation>%1 says</translation>
     </message>
     <message>
       <source>不再显示此网页的对话框</source>
@@ -885,47 +903,47 @@
       <translation>Opening the box’s web page…</translation>
     </message>
     <message>
-      <source>无法打开设备的网页。</source>
+      <source>无法打开设备的网页.</source>
       <translation>The box’s web page cannot be opened.</translation>
     </message>
     <message>
-      <source>设备没有返回可显示的网页。</source>
+      <source>设备没有返回可显示的网页.</source>
       <translation>The box returned no page that can be shown.</translation>
     </message>
     <message>
-      <source>网页意外终止，正在重新加载…</source>
+      <source>网页意外终止,正在重新加载…</source>
       <translation>The page ended unexpectedly and is being loaded again…</translation>
     </message>
     <message>
-      <source>此设备通过自己的网页管理。</source>
+      <source>此设备通过自己的网页管理.</source>
       <translation>This box is managed through its own web page.</translation>
     </message>
     <message>
-      <source>请检查设备的电源和网络连接。</source>
+      <source>请检查设备的电源和网络连接.</source>
       <translation>Check the box’s power and network connection.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用：它没有安装。</source>
+      <source>内置浏览器不可用: 它没有安装.</source>
       <translation>The built-in browser is not available: it is not installed.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用：它的安全沙箱不允许以 root 身份运行。</source>
+      <source>内置浏览器不可用: 它的安全沙箱不允许以 root 身份运行.</source>
       <translation>The built-in browser is not available: its sandbox does not run as root.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用：系统没有为它提供安全沙箱。</source>
+      <source>内置浏览器不可用: 系统没有为它提供安全沙箱.</source>
       <translation>The built-in browser is not available: the system offers it no sandbox.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用：它的程序文件不完整。</source>
+      <source>内置浏览器不可用: 它的程序文件不完整.</source>
       <translation>The built-in browser is not available: its program files are incomplete.</translation>
     </message>
     <message>
-      <source>网页已关闭。</source>
+      <source>网页已关闭.</source>
       <translation>The page is closed.</translation>
     </message>
     <message>
-      <source>它占用了过多内存。</source>
+      <source>它占用了过多内存.</source>
       <translation>It used too much memory.</translation>
     </message>
   </context>
@@ -959,7 +977,7 @@
       <translation>Opening…</translation>
     </message>
     <message>
-      <source>无信号，自 %1 起没有新画面</source>
+      <source>无信号,自 %1 起没有新画面</source>
       <translation>No signal: no new picture since %1</translation>
     </message>
     <message>
@@ -976,7 +994,7 @@
     </message>
     <message>
       <source>右键单击可播放本地文件或网络地址</source>
-      <translation>Right-click to play a file or an address</translation>
+      <translation>Right-click to play a local file or a network address</translation>
     </message>
     <message>
       <source>第 %1 次重新连接</source>
@@ -987,11 +1005,11 @@
     <name>RecordControl</name>
     <message>
       <source>开启录制失败,请重试.</source>
-      <translation>Starting the recording failed, please retry.</translation>
+      <translation>Recording could not be started. Please try again.</translation>
     </message>
     <message>
       <source>停止录制失败,请重试.</source>
-      <translation>Stopping the recording failed, please retry.</translation>
+      <translation>Recording could not be stopped. Please try again.</translation>
     </message>
     <message>
       <source>录制完成,是否现在查看 [%1]</source>
@@ -1010,15 +1028,15 @@
     </message>
     <message>
       <source>设备上没有此文件</source>
-      <translation>the device has no such file</translation>
+      <translation>the box has no such file</translation>
     </message>
     <message>
-      <source>设备回应错误 </source>
-      <translation>the device answered with error </translation>
+      <source>设备回应错误 %1</source>
+      <translation>the box answered with error %1</translation>
     </message>
     <message>
       <source>无法连接设备</source>
-      <translation>the device cannot be reached</translation>
+      <translation>the box cannot be reached</translation>
     </message>
     <message>
       <source>传输中断,文件不完整</source>
@@ -1030,15 +1048,19 @@
     </message>
     <message>
       <source>设备停止发送数据</source>
-      <translation>the device stopped sending data</translation>
+      <translation>the box stopped sending data</translation>
     </message>
     <message>
       <source>设备上的文件已改变</source>
-      <translation>the file on the device has changed</translation>
+      <translation>the file on the box has changed</translation>
     </message>
     <message>
       <source>此地址上现在是另一台设备</source>
-      <translation>another device has this address now</translation>
+      <translation>another box has this address now</translation>
+    </message>
+    <message>
+      <source>下载程序异常结束 (%1)</source>
+      <translation>the download program ended unexpectedly (%1)</translation>
     </message>
   </context>
   <context>
@@ -1065,7 +1087,7 @@
     </message>
     <message>
       <source>前往</source>
-      <translation>Go</translation>
+      <translation>Open folder</translation>
     </message>
     <message>
       <source>否</source>
@@ -1073,34 +1095,38 @@
     </message>
     <message>
       <source>已下载的部分会保留,可以继续下载.</source>
-      <translation>What has come is kept; the download can be continued.</translation>
+      <translation>What has arrived is kept; the download can be resumed.</translation>
     </message>
     <message>
       <source>还有%1个录制文件没有下载完.
 已开始的下载会保留,下次启动软件后可以继续.
 确认要关闭软件吗?</source>
-      <translation>Downloads of recordings that have not finished: %1.
-Those that have begun are kept and can be continued when the program is started again.
+      <translation>Recordings not downloaded completely: %1.
+Downloads that have begun are kept and can be resumed when the program is started again.
 Close the program?</translation>
+    </message>
+    <message>
+      <source>无法打开文件夹,文件保存在: %1</source>
+      <translation>The folder could not be opened. The file is in: %1</translation>
     </message>
   </context>
   <context>
     <name>Recordings</name>
     <message>
       <source>请您在存储区域中选择要播放的内容!</source>
-      <translation>Please select what to play in the storage area!</translation>
+      <translation>Please select a recording under Storage first.</translation>
     </message>
     <message>
       <source>已经是最后一个了</source>
-      <translation>This is already the last one</translation>
+      <translation>This is the last recording.</translation>
     </message>
     <message>
       <source>已经第一个了</source>
-      <translation>This is already the first one</translation>
+      <translation>This is the first recording.</translation>
     </message>
     <message>
       <source>播放地址%1异常!</source>
-      <translation>Playback address %1 is faulty!</translation>
+      <translation>Cannot play %1. Check the address and the box.</translation>
     </message>
     <message>
       <source>确认要删除这些录制文件吗?</source>
@@ -1108,7 +1134,7 @@ Close the program?</translation>
     </message>
     <message>
       <source>文件[%1]删除错误,请重试</source>
-      <translation>Deleting file [%1] failed, please retry</translation>
+      <translation>File [%1] could not be deleted. Please try again.</translation>
     </message>
   </context>
   <context>
@@ -1140,22 +1166,22 @@ Close the program?</translation>
     <name>ToolNotice</name>
     <message>
       <source>未找到 fping,无法发现设备. 请安装 fping 或重新安装本软件.</source>
-      <translation>fping was not found: no devices can be discovered. Install fping, or reinstall this program.</translation>
+      <translation>fping was not found: no boxes can be discovered. Install fping, or reinstall this program.</translation>
     </message>
     <message>
       <source>未找到 %1,无法发现设备. 请检查启动参数 --fping.</source>
-      <translation>%1 was not found: no devices can be discovered. Check the option --fping.</translation>
+      <translation>%1 was not found: no boxes can be discovered. Check the option --fping.</translation>
     </message>
     <message>
       <source>未找到 curl,无法控制和升级设备. 请安装 curl 或重新安装本软件.</source>
-      <translation>curl was not found: devices can be neither controlled nor upgraded. Install curl, or reinstall this program.</translation>
+      <translation>curl was not found: boxes can be neither controlled nor upgraded. Install curl, or reinstall this program.</translation>
     </message>
   </context>
   <context>
     <name>TreeModel</name>
     <message>
       <source>重启设备</source>
-      <translation>Restart device</translation>
+      <translation>Restart box</translation>
     </message>
     <message>
       <source>重启软件</source>
@@ -1182,61 +1208,70 @@ Close the program?</translation>
     </message>
     <message>
       <source>重启设备</source>
-      <translation>Restart device</translation>
+      <translation>Restart box</translation>
     </message>
   </context>
   <context>
     <name>UpdatePrompt</name>
     <message>
       <source>发现新版本,是否立即升级?</source>
-      <translation>A new version was found. Upgrade now?</translation>
+      <translation>A new version is available. Upgrade now?</translation>
     </message>
     <message>
       <source>来自 %1</source>
       <translation>from %1</translation>
     </message>
     <message>
-      <source>安装文件已被更改,未启动升级.</source>
-      <translation>The installer was changed; the upgrade was not started.</translation>
+      <source>安装文件已被更改,未启动升级. 请重新启动软件以再次下载.</source>
+      <translation>The installer was changed; the upgrade was not started. Restart Tarn Hub to download it again.</translation>
     </message>
     <message>
-      <source>无法启动升级程序.</source>
-      <translation>The upgrade program cannot be started.</translation>
+      <source>无法启动升级程序. 请重新安装本软件.</source>
+      <translation>The upgrade program cannot be started. Reinstall Tarn Hub.</translation>
     </message>
   </context>
   <context>
     <name>UpgradeFeatures</name>
     <message>
       <source>文件打开失败! </source>
-      <translation>The file cannot be opened! </translation>
+      <translation>The file cannot be opened.</translation>
     </message>
     <message>
       <source>%1 恢复设置成功,KORA设备正在重启.</source>
-      <translation>%1 settings restored. The KORA device is restarting.</translation>
+      <translation>The settings of %1 have been restored. The box is restarting.</translation>
     </message>
     <message>
       <source>%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.</source>
-      <translation>%1 settings could not be restored, even after a retry. Please check the KORA device.</translation>
+      <translation>The settings of %1 could not be restored, even after a second attempt. Please check the box.</translation>
     </message>
-    <message>
-      <source>上次固件升级中断时,有%1个KORA的设置尚未恢复(保存于%2),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
-      <translation>When the last upgrade was interrupted, the settings of %1 KORA boxes had not been restored (saved %2). Restore them when these boxes are found? Cancel gives these settings up.</translation>
+    <message numerus="yes">
+      <source>上次固件升级中断时,有%n个KORA的设置尚未恢复(保存于%1),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
+      <translation>
+        <numerusform>When the last upgrade was interrupted, the settings of %n box had not been restored (saved %1). Restore them when this box is found? Cancel abandons these settings.</numerusform>
+        <numerusform>When the last upgrade was interrupted, the settings of %n boxes had not been restored (saved %1). Restore them when these boxes are found? Cancel abandons these settings.</numerusform>
+      </translation>
     </message>
     <message>
       <source>正在对KORA升级固件,请勿关闭软件.</source>
-      <translation>KORA firmware is being upgraded. Please do not close the program.</translation>
+      <translation>Firmware is being upgraded. Please do not close the program.</translation>
     </message>
-    <message>
-      <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
-      <translation>The last upgrade was interrupted while %1 KORA boxes were under way. Please see the upgrade report.</translation>
+    <message numerus="yes">
+      <source>上次固件升级被中断,当时有%n个KORA正在升级,请查看升级报告.</source>
+      <translation>
+        <numerusform>The last upgrade was interrupted while %n box was being upgraded. Please see the upgrade report.</numerusform>
+        <numerusform>The last upgrade was interrupted while %n boxes were being upgraded. Please see the upgrade report.</numerusform>
+      </translation>
     </message>
-    <message>
-      <source>还有%1个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复.是否关闭?</source>
-      <translation>The settings of %1 KORA are still waiting to be restored. If you close now, you will be asked about them at the next start. Close?</translation>
+    <message numerus="yes">
+      <source>还有%n个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复.是否关闭?</source>
+      <translation>
+        <numerusform>The settings of %n box are still waiting to be restored. If you close now, you will be asked about them at the next start. Close?</numerusform>
+        <numerusform>The settings of %n boxes are still waiting to be restored. If you close now, you will be asked about them at the next start. Close?</numerusform>
+      </translation>
     </message>
     <message>
       <source>%1 设置已写回但未能核对,KORA设备正在重启.</source>
-      <translation>The settings of %1 have been written back but could not be checked; the KORA device is restarting.</translation>
+      <translation>The settings of %1 have been restored but could not be verified. The box is restarting.</translation>
     </message>
   </context>
   <context>
@@ -1263,15 +1298,18 @@ Close the program?</translation>
     </message>
     <message>
       <source>已写回,未核对</source>
-      <translation>Written back, not compared</translation>
+      <translation>Restored, not verified</translation>
     </message>
-    <message>
-      <source>%1项失败</source>
-      <translation>%1 failed</translation>
+    <message numerus="yes">
+      <source>%n项失败</source>
+      <translation>
+        <numerusform>%n setting failed</numerusform>
+        <numerusform>%n settings failed</numerusform>
+      </translation>
     </message>
     <message>
       <source>已放弃恢复</source>
-      <translation>Given up</translation>
+      <translation>Restore abandoned</translation>
     </message>
     <message>
       <source>升级后未再回应</source>
@@ -1283,7 +1321,7 @@ Close the program?</translation>
     </message>
     <message>
       <source>MAC地址未知,无法证实</source>
-      <translation>MAC address unknown, cannot be proved</translation>
+      <translation>MAC address unknown, cannot be verified</translation>
     </message>
     <message>
       <source>批次</source>
@@ -1291,7 +1329,7 @@ Close the program?</translation>
     </message>
     <message>
       <source>设备</source>
-      <translation>Device</translation>
+      <translation>Box</translation>
     </message>
     <message>
       <source>MAC地址</source>
@@ -1307,7 +1345,7 @@ Close the program?</translation>
     </message>
     <message>
       <source>结果</source>
-      <translation>Verdict</translation>
+      <translation>Result</translation>
     </message>
     <message>
       <source>设置恢复</source>
@@ -1327,7 +1365,7 @@ Close the program?</translation>
     </message>
     <message>
       <source>说明</source>
-      <translation>Remark</translation>
+      <translation>Notes</translation>
     </message>
     <message>
       <source>进行中</source>
@@ -1335,11 +1373,11 @@ Close the program?</translation>
     </message>
     <message>
       <source>已证实</source>
-      <translation>Proved</translation>
+      <translation>Verified</translation>
     </message>
     <message>
       <source>未证实</source>
-      <translation>Not proved</translation>
+      <translation>Not verified</translation>
     </message>
     <message>
       <source>失败</source>
@@ -1363,15 +1401,15 @@ Close the program?</translation>
     </message>
     <message>
       <source>网络中有两台设备的MAC地址相同,无法证实</source>
-      <translation>Two devices on the network have the same MAC address: cannot be proved</translation>
+      <translation>Two boxes on the network have the same MAC address: cannot be verified</translation>
     </message>
     <message>
       <source>升级前版本未知,无法证实</source>
-      <translation>The version before is not known: cannot be proved</translation>
+      <translation>The version before is not known: cannot be verified</translation>
     </message>
     <message>
       <source>版本退回到更旧的版本</source>
-      <translation>The device fell back to an older version</translation>
+      <translation>The box fell back to an older version</translation>
     </message>
     <message>
       <source>版本与固件包不符</source>
@@ -1399,7 +1437,7 @@ Close the program?</translation>
     </message>
     <message>
       <source>设备称没有这些设置:%1</source>
-      <translation>Settings that the device says it does not have: %1</translation>
+      <translation>Settings that the box says it does not have: %1</translation>
     </message>
     <message>
       <source>保存的设置已超过%1天</source>
@@ -1414,11 +1452,11 @@ Close the program?</translation>
     </message>
     <message>
       <source>共[%1]个,已证实[%2]个,未证实[%3]个,失败[%4]个,已中断[%5]个,进行中[%6]个</source>
-      <translation>Total [%1]: proved [%2], not proved [%3], failed [%4], interrupted [%5], under way [%6]</translation>
+      <translation>Total [%1]: verified [%2], not verified [%3], failed [%4], interrupted [%5], under way [%6]</translation>
     </message>
     <message>
-      <source>报告文件: </source>
-      <translation>Report file: </translation>
+      <source>报告文件: %1</source>
+      <translation>Report file: %1</translation>
     </message>
   </context>
   <context>
@@ -1472,7 +1510,7 @@ Close the program?</translation>
     </message>
     <message>
       <source>确定并保留配置</source>
-      <translation>OK, keep configuration</translation>
+      <translation>OK, keep settings</translation>
     </message>
   </context>
   <context>
@@ -1515,11 +1553,11 @@ Close the program?</translation>
     </message>
     <message>
       <source>关闭直播</source>
-      <translation>Stop live</translation>
+      <translation>Stop streaming</translation>
     </message>
     <message>
       <source>开启直播</source>
-      <translation>Start live</translation>
+      <translation>Start streaming</translation>
     </message>
     <message>
       <source>解码控制</source>
@@ -1527,19 +1565,19 @@ Close the program?</translation>
     </message>
     <message>
       <source>直播服务控制</source>
-      <translation>Live service</translation>
+      <translation>Streaming</translation>
     </message>
     <message>
       <source>请选择您要解码的源</source>
-      <translation>Choose the source to decode</translation>
+      <translation>Choose the source to decode.</translation>
     </message>
     <message>
       <source>请输入正确的url</source>
-      <translation>Enter a correct url</translation>
+      <translation>Enter the address or stream ID.</translation>
     </message>
     <message>
       <source>请输入正确的端口号</source>
-      <translation>Enter a correct port number</translation>
+      <translation>Enter a valid port number.</translation>
     </message>
     <message>
       <source>未能读到NDI源,请刷新重试</source>

@@ -5,33 +5,35 @@
     <name>AudioLevels</name>
     <message>
       <source>控制 %1 失败,请重试!</source>
-      <translation>%1 제어에 실패했습니다. 다시 시도하세요!</translation>
+      <translation>%1을(를) 설정하지 못했습니다. 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
     <name>BatchStart</name>
     <message>
       <source>请您在设备列表中选择要升级固件的设备!</source>
-      <translation>장치 목록에서 업그레이드할 장치를 선택하세요!</translation>
+      <translation>장치 목록에서 업그레이드할 장치를 선택하세요.</translation>
     </message>
     <message>
       <source>请您拖拽一个固件包文件到此处!</source>
-      <translation>펌웨어 패키지 파일 하나를 여기로 끌어 놓으세요!</translation>
+      <translation>펌웨어 패키지 파일 하나를 여기로 끌어 놓으세요.</translation>
     </message>
     <message>
       <source>请您拖拽一个有效的固件升级包到此处</source>
-      <translation>올바른 펌웨어 패키지를 여기로 끌어 놓으세요</translation>
+      <translation>올바른 펌웨어 패키지를 여기로 끌어 놓으세요.</translation>
     </message>
-    <message>
-      <source>即将对您选择的%1个KORA进行升级固件操作,是否确认?</source>
-      <translation>선택한 KORA %1개의 펌웨어를 업그레이드합니다. 계속할까요?</translation>
+    <message numerus="yes">
+      <source>即将对您选择的%n个KORA进行升级固件操作,是否确认?</source>
+      <translation>
+        <numerusform>선택한 KORA %n대의 펌웨어를 업그레이드합니다. 계속할까요?</numerusform>
+      </translation>
     </message>
   </context>
   <context>
     <name>BatchUpgrade</name>
     <message>
       <source>升级中,升级期间请不要关闭电源或者操作KORA.共[%1]个,成功[%2]个,未知[%3]个</source>
-      <translation>업그레이드 중입니다. KORA의 전원을 끄거나 조작하지 마세요. 전체 [%1]개, 성공 [%2]개, 알 수 없음 [%3]개</translation>
+      <translation>업그레이드 중입니다. KORA의 전원을 끄거나 조작하지 마세요. 전체 [%1]대, 성공 [%2]대, 확인 안 됨 [%3]대</translation>
     </message>
     <message>
       <source>正在计算固件校验值</source>
@@ -39,11 +41,11 @@
     </message>
     <message>
       <source>全部升级完成,KORA即将重启完成固件升级.成功[%1]个</source>
-      <translation>모두 업그레이드했습니다. KORA가 다시 시작하여 펌웨어 업그레이드를 마칩니다. 성공 [%1]개</translation>
+      <translation>모두 업그레이드했습니다. KORA가 다시 시작하여 펌웨어 업그레이드를 마칩니다. 성공 [%1]대</translation>
     </message>
     <message>
       <source>部分升级完成,KORA即将重启完成固件升级.成功[%1]个,未知[%2]个</source>
-      <translation>일부만 업그레이드했습니다. KORA가 다시 시작하여 펌웨어 업그레이드를 마칩니다. 성공 [%1]개, 알 수 없음 [%2]개</translation>
+      <translation>일부만 업그레이드했습니다. KORA가 다시 시작하여 펌웨어 업그레이드를 마칩니다. 성공 [%1]대, 확인 안 됨 [%2]대</translation>
     </message>
     <message>
       <source>选择固件</source>
@@ -189,7 +191,7 @@
     </message>
     <message>
       <source>此地址上的设备现在才告知MAC地址(%1),未升级,请重试</source>
-      <translation>이 주소의 장치가 이제야 MAC 주소(%1)를 알려 왔습니다. 업그레이드하지 않았으니 다시 시도하십시오</translation>
+      <translation>이 주소의 장치가 이제야 MAC 주소(%1)를 알려 왔습니다. 업그레이드하지 않았으니 다시 시도하세요</translation>
     </message>
   </context>
   <context>
@@ -203,7 +205,7 @@
     <name>ConfigurationArea</name>
     <message>
       <source>配置区域:</source>
-      <translation>구성:</translation>
+      <translation>설정:</translation>
     </message>
     <message>
       <source>NDI流名称 :</source>
@@ -235,7 +237,7 @@
     </message>
     <message>
       <source>画质级别 :</source>
-      <translation>화질 수준:</translation>
+      <translation>프로파일:</translation>
     </message>
     <message>
       <source>码率控制 :</source>
@@ -247,7 +249,7 @@
     </message>
     <message>
       <source>比特率 (0~120) Mbps :</source>
-      <translation>비트레이트 (0~120) Mbps:</translation>
+      <translation>비트레이트 (0~120 Mbps):</translation>
     </message>
     <message>
       <source>DHCP :</source>
@@ -267,7 +269,7 @@
     </message>
     <message>
       <source>Color颜色模式</source>
-      <translation>색상 모드</translation>
+      <translation>색상 모드:</translation>
     </message>
     <message>
       <source>保存</source>
@@ -278,31 +280,33 @@
     <name>ConfigurationSave</name>
     <message>
       <source>请输入正确的IP地址和子网掩码</source>
-      <translation>올바른 IP 주소와 서브넷 마스크를 입력하세요</translation>
+      <translation>올바른 IP 주소와 서브넷 마스크를 입력하세요.</translation>
     </message>
     <message>
       <source>设置参数部分失败,请检查KORA网络状态后重试.</source>
-      <translation>일부 매개변수를 설정하지 못했습니다. KORA 네트워크 상태를 확인한 후 다시 시도하세요.</translation>
+      <translation>일부 설정을 적용하지 못했습니다. KORA 네트워크 상태를 확인한 후 다시 시도하세요.</translation>
     </message>
     <message>
       <source>设置成功,正在重启KORA软件.</source>
-      <translation>설정 성공. KORA 소프트웨어를 다시 시작하는 중입니다.</translation>
+      <translation>설정을 저장했습니다. KORA 소프트웨어를 다시 시작하는 중입니다.</translation>
     </message>
     <message>
       <source>设置成功,正在重启KORA设备.</source>
-      <translation>설정 성공. KORA 장치를 다시 시작하는 중입니다.</translation>
+      <translation>설정을 저장했습니다. KORA 장치를 다시 시작하는 중입니다.</translation>
     </message>
     <message>
       <source>设置参数成功.</source>
-      <translation>매개변수를 설정했습니다.</translation>
+      <translation>설정을 저장했습니다.</translation>
     </message>
-    <message>
-      <source>%1 项参数未从设备读到,没有保存.</source>
-      <translation>%1개 매개변수는 장치에서 읽지 못하여 저장하지 않았습니다.</translation>
+    <message numerus="yes">
+      <source>%n 项参数未从设备读到,没有保存.</source>
+      <translation>
+        <numerusform>설정 %n개는 장치에서 읽지 못하여 저장하지 않았습니다.</numerusform>
+      </translation>
     </message>
     <message>
       <source>尚未读到设备的参数,没有可保存的内容.</source>
-      <translation>장치의 매개변수를 아직 읽지 못하여 저장할 내용이 없습니다.</translation>
+      <translation>장치의 설정을 아직 읽지 못하여 저장할 내용이 없습니다.</translation>
     </message>
     <message>
       <source>未读到设备的静态IP地址和子网掩码,不能关闭DHCP.</source>
@@ -321,7 +325,7 @@
     </message>
     <message>
       <source>HX 编码类型 :</source>
-      <translation>HX 인코딩 유형:</translation>
+      <translation>HX 코덱:</translation>
     </message>
     <message>
       <source>SDI音量 (0~32)</source>
@@ -329,11 +333,11 @@
     </message>
     <message>
       <source>嵌入音量 (0~32)</source>
-      <translation>임베디드 음량 (0~32)</translation>
+      <translation>라인 입력 음량 (0~32)</translation>
     </message>
     <message>
       <source>嵌入音量延时(0~341)ms</source>
-      <translation>임베디드 지연 (0~341) ms</translation>
+      <translation>라인 입력 지연 (0~341 ms)</translation>
     </message>
     <message>
       <source>解码控制</source>
@@ -341,7 +345,7 @@
     </message>
     <message>
       <source>直播服务控制</source>
-      <translation>라이브 서비스</translation>
+      <translation>라이브 송출</translation>
     </message>
     <message>
       <source>录制</source>
@@ -356,7 +360,7 @@
     </message>
     <message>
       <source>查看崩溃记录</source>
-      <translation>크래시 덤프 보기</translation>
+      <translation>크래시 덤프 폴더 열기</translation>
     </message>
     <message>
       <source>关闭</source>
@@ -367,27 +371,23 @@
     <name>DecodeControl</name>
     <message>
       <source>开启解码成功</source>
-      <translation>디코딩을 시작했습니다</translation>
+      <translation>디코딩을 시작했습니다.</translation>
     </message>
     <message>
       <source>关闭解码成功</source>
-      <translation>디코딩을 중지했습니다</translation>
+      <translation>디코딩을 중지했습니다.</translation>
     </message>
     <message>
-      <source>开启</source>
-      <translation>시작: </translation>
+      <source>开启解码成功%1</source>
+      <translation>디코딩을 시작했습니다: %1</translation>
     </message>
     <message>
-      <source>关闭</source>
-      <translation>중지: </translation>
+      <source>开启解码失败%1,请重试!</source>
+      <translation>%1 디코딩을 시작하지 못했습니다. 다시 시도하세요.</translation>
     </message>
     <message>
-      <source>解码成功</source>
-      <translation>디코딩 성공 </translation>
-    </message>
-    <message>
-      <source>解码失败%1,请重试!</source>
-      <translation>%1 디코딩 실패, 다시 시도하세요!</translation>
+      <source>关闭解码失败,请重试!</source>
+      <translation>디코딩을 중지하지 못했습니다. 다시 시도하세요.</translation>
     </message>
     <message>
       <source>尚未读到设备的编码状态,请稍后重试.</source>
@@ -468,7 +468,7 @@
     <name>DeviceSelection</name>
     <message>
       <source>确认要重启KORA设备吗? </source>
-      <translation>KORA 장치를 다시 시작할까요? </translation>
+      <translation>이 KORA 장치를 다시 시작할까요? 주소: </translation>
     </message>
     <message>
       <source>KORA %1 未重启,请检查KORA网络状态后重试.</source>
@@ -494,8 +494,12 @@
       <translation>취소됨</translation>
     </message>
     <message>
-      <source>下载失败：%1</source>
-      <translation>다운로드 실패: %1</translation>
+      <source>下载失败 (%1)</source>
+      <translation>다운로드 실패 (%1)</translation>
+    </message>
+    <message>
+      <source>下载失败</source>
+      <translation>다운로드 실패</translation>
     </message>
   </context>
   <context>
@@ -506,7 +510,7 @@
     </message>
     <message>
       <source>继续下载</source>
-      <translation>다운로드 계속</translation>
+      <translation>다운로드 이어받기</translation>
     </message>
     <message>
       <source>未下载完</source>
@@ -525,26 +529,26 @@
     <name>EncoderControl</name>
     <message>
       <source>控制 HB 失败,请重试!</source>
-      <translation>HB 제어에 실패했습니다. 다시 시도하세요!</translation>
+      <translation>NDI HB를 전환하지 못했습니다. 다시 시도하세요.</translation>
     </message>
     <message>
       <source>控制 HX2 失败,请重试!</source>
-      <translation>HX2 제어에 실패했습니다. 다시 시도하세요!</translation>
+      <translation>NDI HX2를 전환하지 못했습니다. 다시 시도하세요.</translation>
     </message>
     <message>
       <source>控制 HX3 失败,请重试!</source>
-      <translation>HX3 제어에 실패했습니다. 다시 시도하세요!</translation>
+      <translation>NDI HX3을 전환하지 못했습니다. 다시 시도하세요.</translation>
     </message>
     <message>
       <source>控制 H264 失败,请重试!</source>
-      <translation>H264 제어에 실패했습니다. 다시 시도하세요!</translation>
+      <translation>HX 코덱을 전환하지 못했습니다. 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
     <name>EventPane</name>
     <message>
       <source>尝试重新连接 </source>
-      <translation>다시 연결하는 중 </translation>
+      <translation>다시 연결하는 중: </translation>
     </message>
   </context>
   <context>
@@ -602,7 +606,7 @@
     </message>
     <message>
       <source>设备没有此参数</source>
-      <translation>장치에 없는 매개변수</translation>
+      <translation>장치에 없는 설정</translation>
     </message>
     <message>
       <source>尚未从设备读到,不能修改,也不会保存</source>
@@ -621,15 +625,15 @@
     </message>
     <message>
       <source>画面尺寸</source>
-      <translation>화면 크기</translation>
+      <translation>해상도</translation>
     </message>
     <message>
       <source>帧率</source>
-      <translation>프레임 속도</translation>
+      <translation>프레임 레이트</translation>
     </message>
     <message>
       <source>码率</source>
-      <translation>비트 전송률</translation>
+      <translation>비트레이트</translation>
     </message>
     <message>
       <source>延迟</source>
@@ -637,7 +641,7 @@
     </message>
     <message>
       <source>丢弃的画面</source>
-      <translation>누락된 화면</translation>
+      <translation>누락된 프레임</translation>
     </message>
     <message>
       <source>解码方式</source>
@@ -649,7 +653,7 @@
     </message>
     <message>
       <source>声音</source>
-      <translation>소리</translation>
+      <translation>오디오</translation>
     </message>
     <message>
       <source>无声音</source>
@@ -660,7 +664,7 @@
       <translation>채널 %1개</translation>
     </message>
     <message>
-      <source>软件，%1 个线程</source>
+      <source>软件,%1 个线程</source>
       <translation>소프트웨어, 스레드 %1개</translation>
     </message>
   </context>
@@ -668,11 +672,11 @@
     <name>Hub</name>
     <message>
       <source>请您在设备列表中选择要操作的设备!</source>
-      <translation>장치 목록에서 조작할 장치를 선택하세요!</translation>
+      <translation>먼저 장치 목록에서 장치를 선택하세요.</translation>
     </message>
     <message>
       <source>KORA %1 正在升级固件或恢复设置,请等待完成后再操作.</source>
-      <translation>KORA %1의 펌웨어를 업그레이드하거나 설정을 복원하는 중입니다. 완료된 후 다시 시도하십시오.</translation>
+      <translation>KORA %1의 펌웨어를 업그레이드하거나 설정을 복원하는 중입니다. 완료된 후 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
@@ -716,34 +720,38 @@
     <name>LiveControl</name>
     <message>
       <source>关闭直播服务成功</source>
-      <translation>라이브 서비스를 중지했습니다</translation>
+      <translation>송출을 중지했습니다.</translation>
     </message>
     <message>
       <source>开启直播服务成功</source>
-      <translation>라이브 서비스를 시작했습니다 </translation>
+      <translation>송출을 시작했습니다.</translation>
     </message>
     <message>
       <source>开启直播服务失败</source>
-      <translation>라이브 서비스를 시작하지 못했습니다</translation>
+      <translation>라이브 송출을 시작하지 못했습니다. 주소와 네트워크를 확인한 후 다시 시도하세요.</translation>
     </message>
     <message>
       <source>关闭直播服务失败</source>
-      <translation>라이브 서비스를 중지하지 못했습니다</translation>
+      <translation>라이브 송출을 중지하지 못했습니다. 네트워크를 확인한 후 다시 시도하세요.</translation>
     </message>
     <message>
       <source>设备没有回应,直播服务可能没有开启.</source>
-      <translation>장치가 응답하지 않습니다. 라이브 서비스가 시작되지 않았을 수 있습니다.</translation>
+      <translation>장치가 응답하지 않습니다. 송출이 시작되지 않았을 수 있습니다.</translation>
     </message>
     <message>
       <source>设备没有回应,直播服务可能没有关闭.</source>
-      <translation>장치가 응답하지 않습니다. 라이브 서비스가 중지되지 않았을 수 있습니다.</translation>
+      <translation>장치가 응답하지 않습니다. 송출이 중지되지 않았을 수 있습니다.</translation>
+    </message>
+    <message>
+      <source>开启直播服务成功%1</source>
+      <translation>송출을 시작했습니다. 수신 주소: %1</translation>
     </message>
   </context>
   <context>
     <name>Md5Tool</name>
     <message>
       <source>文件打开失败! </source>
-      <translation>파일을 열 수 없습니다! </translation>
+      <translation>파일을 열 수 없습니다.</translation>
     </message>
   </context>
   <context>
@@ -754,7 +762,7 @@
     </message>
     <message>
       <source>切换画面和流信息</source>
-      <translation>화면/스트림 정보 전환</translation>
+      <translation>화면과 스트림 정보 사이를 전환</translation>
     </message>
     <message>
       <source>全屏</source>
@@ -770,11 +778,19 @@
     </message>
     <message>
       <source>播放</source>
-      <translation>재생</translation>
+      <translation>재생 또는 중지</translation>
     </message>
     <message>
       <source>下一个</source>
       <translation>다음</translation>
+    </message>
+    <message>
+      <source>流信息</source>
+      <translation>스트림</translation>
+    </message>
+    <message>
+      <source>媒体信息</source>
+      <translation>미디어</translation>
     </message>
   </context>
   <context>
@@ -785,25 +801,25 @@
     </message>
     <message>
       <source>此地址上的设备现在才告知MAC地址,请确认后重试.</source>
-      <translation>이 주소의 장치가 이제야 MAC 주소를 알려 왔습니다. 확인한 후 다시 시도하십시오.</translation>
+      <translation>이 주소의 장치가 이제야 MAC 주소를 알려 왔습니다. 확인한 후 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
     <name>PageBar</name>
     <message>
-      <source>此网页想访问另一台主机：%1</source>
+      <source>此网页想访问另一台主机: %1</source>
       <translation>이 페이지가 다른 호스트에 접속하려고 합니다: %1</translation>
     </message>
     <message>
-      <source>此网页多次要求登录，不再询问。</source>
+      <source>此网页多次要求登录,不再询问.</source>
       <translation>이 페이지가 로그인을 여러 번 요청하여 더 이상 묻지 않습니다.</translation>
     </message>
     <message>
-      <source>此网页打开了太多对话框，不再显示。</source>
+      <source>此网页打开了太多对话框,不再显示.</source>
       <translation>이 페이지가 대화 상자를 너무 많이 열어 더 이상 표시하지 않습니다.</translation>
     </message>
     <message>
-      <source>此网页没有响应。</source>
+      <source>此网页没有响应.</source>
       <translation>이 페이지가 응답하지 않습니다.</translation>
     </message>
     <message>
@@ -816,7 +832,7 @@
     </message>
     <message>
       <source>重新加载</source>
-      <translation>다시 로드</translation>
+      <translation>새로 고침</translation>
     </message>
     <message>
       <source>不允许</source>
@@ -847,7 +863,7 @@
     </message>
     <message>
       <source>%1 的网页显示</source>
-      <translation>%1의 페이지 메시지</translation>
+      <translation>%1 페이지의 메시지</translation>
     </message>
     <message>
       <source>不再显示此网页的对话框</source>
@@ -885,47 +901,47 @@
       <translation>장치의 웹 페이지를 여는 중…</translation>
     </message>
     <message>
-      <source>无法打开设备的网页。</source>
+      <source>无法打开设备的网页.</source>
       <translation>장치의 웹 페이지를 열 수 없습니다.</translation>
     </message>
     <message>
-      <source>设备没有返回可显示的网页。</source>
+      <source>设备没有返回可显示的网页.</source>
       <translation>장치가 표시할 수 있는 페이지를 보내지 않았습니다.</translation>
     </message>
     <message>
-      <source>网页意外终止，正在重新加载…</source>
+      <source>网页意外终止,正在重新加载…</source>
       <translation>페이지가 예기치 않게 종료되어 다시 불러오는 중…</translation>
     </message>
     <message>
-      <source>此设备通过自己的网页管理。</source>
+      <source>此设备通过自己的网页管理.</source>
       <translation>이 장치는 자체 웹 페이지로 관리합니다.</translation>
     </message>
     <message>
-      <source>请检查设备的电源和网络连接。</source>
+      <source>请检查设备的电源和网络连接.</source>
       <translation>장치의 전원과 네트워크 연결을 확인하세요.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用：它没有安装。</source>
+      <source>内置浏览器不可用: 它没有安装.</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 설치되어 있지 않습니다.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用：它的安全沙箱不允许以 root 身份运行。</source>
+      <source>内置浏览器不可用: 它的安全沙箱不允许以 root 身份运行.</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 보안 샌드박스는 root로 실행되지 않습니다.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用：系统没有为它提供安全沙箱。</source>
+      <source>内置浏览器不可用: 系统没有为它提供安全沙箱.</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 시스템이 보안 샌드박스를 제공하지 않습니다.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用：它的程序文件不完整。</source>
+      <source>内置浏览器不可用: 它的程序文件不完整.</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 프로그램 파일이 완전하지 않습니다.</translation>
     </message>
     <message>
-      <source>网页已关闭。</source>
+      <source>网页已关闭.</source>
       <translation>페이지를 닫았습니다.</translation>
     </message>
     <message>
-      <source>它占用了过多内存。</source>
+      <source>它占用了过多内存.</source>
       <translation>메모리를 너무 많이 사용했습니다.</translation>
     </message>
   </context>
@@ -959,7 +975,7 @@
       <translation>여는 중…</translation>
     </message>
     <message>
-      <source>无信号，自 %1 起没有新画面</source>
+      <source>无信号,自 %1 起没有新画面</source>
       <translation>신호 없음: %1 이후 새 화면이 없습니다</translation>
     </message>
     <message>
@@ -976,7 +992,7 @@
     </message>
     <message>
       <source>右键单击可播放本地文件或网络地址</source>
-      <translation>오른쪽 클릭: 파일 또는 주소 재생</translation>
+      <translation>마우스 오른쪽 버튼을 클릭하여 로컬 파일이나 네트워크 주소를 재생하세요</translation>
     </message>
     <message>
       <source>第 %1 次重新连接</source>
@@ -987,15 +1003,15 @@
     <name>RecordControl</name>
     <message>
       <source>开启录制失败,请重试.</source>
-      <translation>녹화 시작에 실패했습니다. 다시 시도하세요.</translation>
+      <translation>녹화를 시작하지 못했습니다. 다시 시도하세요.</translation>
     </message>
     <message>
       <source>停止录制失败,请重试.</source>
-      <translation>녹화 중지에 실패했습니다. 다시 시도하세요.</translation>
+      <translation>녹화를 중지하지 못했습니다. 다시 시도하세요.</translation>
     </message>
     <message>
       <source>录制完成,是否现在查看 [%1]</source>
-      <translation>녹화가 완료되었습니다. 지금 보시겠습니까? [%1]</translation>
+      <translation>녹화가 완료되었습니다. 지금 볼까요? [%1]</translation>
     </message>
   </context>
   <context>
@@ -1013,8 +1029,8 @@
       <translation>장치에 해당 파일이 없습니다</translation>
     </message>
     <message>
-      <source>设备回应错误 </source>
-      <translation>장치가 오류로 응답했습니다: </translation>
+      <source>设备回应错误 %1</source>
+      <translation>장치가 오류로 응답했습니다: %1</translation>
     </message>
     <message>
       <source>无法连接设备</source>
@@ -1040,6 +1056,10 @@
       <source>此地址上现在是另一台设备</source>
       <translation>이 주소에는 지금 다른 장치가 있습니다</translation>
     </message>
+    <message>
+      <source>下载程序异常结束 (%1)</source>
+      <translation>다운로드 프로그램이 비정상 종료되었습니다 (%1)</translation>
+    </message>
   </context>
   <context>
     <name>RecordingDownloads</name>
@@ -1061,11 +1081,11 @@
     </message>
     <message>
       <source>下载完成,是否前往文件所在文件夹?</source>
-      <translation>다운로드가 완료되었습니다. 폴더를 여시겠습니까?</translation>
+      <translation>다운로드가 완료되었습니다. 폴더를 열까요?</translation>
     </message>
     <message>
       <source>前往</source>
-      <translation>이동</translation>
+      <translation>폴더 열기</translation>
     </message>
     <message>
       <source>否</source>
@@ -1073,7 +1093,7 @@
     </message>
     <message>
       <source>已下载的部分会保留,可以继续下载.</source>
-      <translation>받은 부분은 보관되며 다운로드를 계속할 수 있습니다.</translation>
+      <translation>받은 부분은 보관되며 다운로드를 이어받을 수 있습니다.</translation>
     </message>
     <message>
       <source>还有%1个录制文件没有下载完.
@@ -1081,41 +1101,45 @@
 确认要关闭软件吗?</source>
       <translation>아직 다운로드가 끝나지 않은 녹화 파일: %1개.
 시작된 것은 다음에 실행할 때 이어받을 수 있습니다.
-프로그램을 닫으시겠습니까?</translation>
+프로그램을 닫을까요?</translation>
+    </message>
+    <message>
+      <source>无法打开文件夹,文件保存在: %1</source>
+      <translation>폴더를 열 수 없습니다. 저장 위치: %1</translation>
     </message>
   </context>
   <context>
     <name>Recordings</name>
     <message>
       <source>请您在存储区域中选择要播放的内容!</source>
-      <translation>저장 영역에서 재생할 항목을 선택하세요!</translation>
+      <translation>먼저 저장소에서 재생할 항목을 선택하세요.</translation>
     </message>
     <message>
       <source>已经是最后一个了</source>
-      <translation>이미 마지막 항목입니다</translation>
+      <translation>마지막 항목입니다.</translation>
     </message>
     <message>
       <source>已经第一个了</source>
-      <translation>이미 첫 번째 항목입니다</translation>
+      <translation>첫 번째 항목입니다.</translation>
     </message>
     <message>
       <source>播放地址%1异常!</source>
-      <translation>재생 주소 %1에 이상이 있습니다!</translation>
+      <translation>%1을(를) 재생할 수 없습니다. 주소와 장치를 확인하세요.</translation>
     </message>
     <message>
       <source>确认要删除这些录制文件吗?</source>
-      <translation>이 녹화 파일을 삭제하시겠습니까?</translation>
+      <translation>이 녹화 파일을 삭제할까요?</translation>
     </message>
     <message>
       <source>文件[%1]删除错误,请重试</source>
-      <translation>파일 [%1] 삭제 오류, 다시 시도하세요</translation>
+      <translation>파일 [%1]을(를) 삭제하지 못했습니다. 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
     <name>StartUp</name>
     <message>
       <source>Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.</source>
-      <translation>Tarn Hub가 이미 실행 중이지만 응답하지 않습니다. 잠시 기다리거나 해당 프로세스를 종료한 후 다시 시작하십시오.</translation>
+      <translation>Tarn Hub가 이미 실행 중이지만 응답하지 않습니다. 잠시 기다리거나 해당 프로세스를 종료한 후 다시 시작하세요.</translation>
     </message>
   </context>
   <context>
@@ -1140,15 +1164,15 @@
     <name>ToolNotice</name>
     <message>
       <source>未找到 fping,无法发现设备. 请安装 fping 或重新安装本软件.</source>
-      <translation>fping을 찾을 수 없어 장치를 검색할 수 없습니다. fping을 설치하거나 이 프로그램을 다시 설치하십시오.</translation>
+      <translation>fping을 찾을 수 없어 장치를 검색할 수 없습니다. fping을 설치하거나 이 프로그램을 다시 설치하세요.</translation>
     </message>
     <message>
       <source>未找到 %1,无法发现设备. 请检查启动参数 --fping.</source>
-      <translation>%1을(를) 찾을 수 없어 장치를 검색할 수 없습니다. 시작 옵션 --fping을 확인하십시오.</translation>
+      <translation>%1을(를) 찾을 수 없어 장치를 검색할 수 없습니다. 시작 옵션 --fping을 확인하세요.</translation>
     </message>
     <message>
       <source>未找到 curl,无法控制和升级设备. 请安装 curl 或重新安装本软件.</source>
-      <translation>curl을 찾을 수 없어 장치를 제어하거나 업그레이드할 수 없습니다. curl을 설치하거나 이 프로그램을 다시 설치하십시오.</translation>
+      <translation>curl을 찾을 수 없어 장치를 제어하거나 업그레이드할 수 없습니다. curl을 설치하거나 이 프로그램을 다시 설치하세요.</translation>
     </message>
   </context>
   <context>
@@ -1196,47 +1220,53 @@
       <translation>제공: %1</translation>
     </message>
     <message>
-      <source>安装文件已被更改,未启动升级.</source>
-      <translation>설치 파일이 변경되어 업그레이드를 시작하지 않았습니다.</translation>
+      <source>安装文件已被更改,未启动升级. 请重新启动软件以再次下载.</source>
+      <translation>설치 파일이 변경되어 업그레이드를 시작하지 않았습니다. Tarn Hub를 다시 시작하여 다시 다운로드하세요.</translation>
     </message>
     <message>
-      <source>无法启动升级程序.</source>
-      <translation>업그레이드 프로그램을 시작할 수 없습니다.</translation>
+      <source>无法启动升级程序. 请重新安装本软件.</source>
+      <translation>업그레이드 프로그램을 시작할 수 없습니다. Tarn Hub를 다시 설치하세요.</translation>
     </message>
   </context>
   <context>
     <name>UpgradeFeatures</name>
     <message>
       <source>文件打开失败! </source>
-      <translation>파일을 열 수 없습니다! </translation>
+      <translation>파일을 열 수 없습니다.</translation>
     </message>
     <message>
       <source>%1 恢复设置成功,KORA设备正在重启.</source>
-      <translation>%1 설정을 복원했습니다. KORA 장치를 다시 시작하는 중입니다.</translation>
+      <translation>%1의 설정을 복원했습니다. KORA 장치를 다시 시작하는 중입니다.</translation>
     </message>
     <message>
       <source>%1 恢复设置失败,已尝试恢复,但任然失败,请检查KORA设备.</source>
-      <translation>%1 설정 복원에 실패했습니다. 다시 시도했지만 여전히 실패했습니다. KORA 장치를 확인하세요.</translation>
+      <translation>%1의 설정을 복원하지 못했습니다. 다시 시도했지만 여전히 실패했습니다. KORA 장치를 확인하세요.</translation>
     </message>
-    <message>
-      <source>上次固件升级中断时,有%1个KORA的设置尚未恢复(保存于%2),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
-      <translation>지난 업그레이드가 중단되었을 때 KORA %1개의 설정이 복원되지 않았습니다(%2에 저장됨). 이 장치를 찾으면 복원할까요? 취소하면 이 설정을 버립니다.</translation>
+    <message numerus="yes">
+      <source>上次固件升级中断时,有%n个KORA的设置尚未恢复(保存于%1),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
+      <translation>
+        <numerusform>지난 업그레이드가 중단되었을 때 KORA %n대의 설정이 복원되지 않았습니다(%1에 저장됨). 이 장치를 찾으면 복원할까요? 취소하면 이 설정을 버립니다.</numerusform>
+      </translation>
     </message>
     <message>
       <source>正在对KORA升级固件,请勿关闭软件.</source>
       <translation>KORA 펌웨어를 업그레이드하는 중입니다. 프로그램을 닫지 마세요.</translation>
     </message>
-    <message>
-      <source>上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.</source>
-      <translation>지난 업그레이드가 중단되었습니다. 당시 KORA %1개를 업그레이드하는 중이었습니다. 업그레이드 보고서를 확인하세요.</translation>
+    <message numerus="yes">
+      <source>上次固件升级被中断,当时有%n个KORA正在升级,请查看升级报告.</source>
+      <translation>
+        <numerusform>지난 업그레이드가 중단되었습니다. 당시 KORA %n대를 업그레이드하는 중이었습니다. 업그레이드 보고서를 확인하세요.</numerusform>
+      </translation>
     </message>
-    <message>
-      <source>还有%1个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复.是否关闭?</source>
-      <translation>KORA %1대의 설정이 아직 복원을 기다리고 있습니다. 지금 닫으면 다음에 시작할 때 복원 여부를 묻습니다. 닫으시겠습니까?</translation>
+    <message numerus="yes">
+      <source>还有%n个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复.是否关闭?</source>
+      <translation>
+        <numerusform>KORA %n대의 설정이 아직 복원을 기다리고 있습니다. 지금 닫으면 다음에 시작할 때 복원 여부를 묻습니다. 닫을까요?</numerusform>
+      </translation>
     </message>
     <message>
       <source>%1 设置已写回但未能核对,KORA设备正在重启.</source>
-      <translation>%1의 설정을 다시 썼지만 확인하지 못했습니다. KORA 장치를 다시 시작하는 중입니다.</translation>
+      <translation>%1의 설정을 복원했지만 검증하지 못했습니다. KORA 장치를 다시 시작하는 중입니다.</translation>
     </message>
   </context>
   <context>
@@ -1263,11 +1293,13 @@
     </message>
     <message>
       <source>已写回,未核对</source>
-      <translation>다시 썼으나 대조하지 않음</translation>
+      <translation>복원됨(검증 안 됨)</translation>
     </message>
-    <message>
-      <source>%1项失败</source>
-      <translation>%1개 실패</translation>
+    <message numerus="yes">
+      <source>%n项失败</source>
+      <translation>
+        <numerusform>설정 %n개 실패</numerusform>
+      </translation>
     </message>
     <message>
       <source>已放弃恢复</source>
@@ -1287,7 +1319,7 @@
     </message>
     <message>
       <source>批次</source>
-      <translation>배치</translation>
+      <translation>작업 묶음</translation>
     </message>
     <message>
       <source>设备</source>
@@ -1351,7 +1383,7 @@
     </message>
     <message>
       <source>此批次升级曾被中断</source>
-      <translation>이 배치는 중단되었음</translation>
+      <translation>이 작업 묶음은 중단되었음</translation>
     </message>
     <message>
       <source>中断时尚未开始上传</source>
@@ -1414,11 +1446,11 @@
     </message>
     <message>
       <source>共[%1]个,已证实[%2]个,未证实[%3]个,失败[%4]个,已中断[%5]个,进行中[%6]个</source>
-      <translation>전체 [%1]개: 확인됨 [%2]개, 미확인 [%3]개, 실패 [%4]개, 중단됨 [%5]개, 진행 중 [%6]개</translation>
+      <translation>전체 [%1]대: 확인됨 [%2]대, 미확인 [%3]대, 실패 [%4]대, 중단됨 [%5]대, 진행 중 [%6]대</translation>
     </message>
     <message>
-      <source>报告文件: </source>
-      <translation>보고서 파일: </translation>
+      <source>报告文件: %1</source>
+      <translation>보고서 파일: %1</translation>
     </message>
   </context>
   <context>
@@ -1515,11 +1547,11 @@
     </message>
     <message>
       <source>关闭直播</source>
-      <translation>라이브 중지</translation>
+      <translation>송출 중지</translation>
     </message>
     <message>
       <source>开启直播</source>
-      <translation>라이브 시작</translation>
+      <translation>송출 시작</translation>
     </message>
     <message>
       <source>解码控制</source>
@@ -1527,19 +1559,19 @@
     </message>
     <message>
       <source>直播服务控制</source>
-      <translation>라이브 서비스</translation>
+      <translation>라이브 송출</translation>
     </message>
     <message>
       <source>请选择您要解码的源</source>
-      <translation>디코딩할 소스를 선택하세요</translation>
+      <translation>디코딩할 소스를 선택하세요.</translation>
     </message>
     <message>
       <source>请输入正确的url</source>
-      <translation>올바른 url을 입력하세요</translation>
+      <translation>주소 또는 스트림 ID를 입력하세요.</translation>
     </message>
     <message>
       <source>请输入正确的端口号</source>
-      <translation>올바른 포트 번호를 입력하세요</translation>
+      <translation>올바른 포트 번호를 입력하세요.</translation>
     </message>
     <message>
       <source>未能读到NDI源,请刷新重试</source>

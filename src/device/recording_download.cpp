@@ -357,7 +357,7 @@ QString RecordingDownload::problem() const
     if (status == 404)
         return tr("设备上没有此文件");
     if (status != 0 && (status < 200 || status > 299) && status != 416)
-        return tr("设备回应错误 ") + QString::number(status);
+        return tr("设备回应错误 %1").arg(status);
     switch (m_exit.code) {
     case CannotConnect:
         return tr("无法连接设备");
@@ -369,7 +369,9 @@ QString RecordingDownload::problem() const
     case CannotWrite:
         return tr("无法写入文件");
     default:
-        return m_report.error().isEmpty() ? tr("下载程序异常结束") : m_report.error();
+        return m_report.error().isEmpty()
+                   ? tr("下载程序异常结束")
+                   : BoxProtocol::fill(tr("下载程序异常结束 (%1)"), {m_report.error()});
     }
 }
 

@@ -25,7 +25,10 @@ QString withoutPassword(const QString& address)
 } // namespace
 
 PictureState::PictureState(QWidget* area)
-    : QWidget(area), m_title(new QLabel(this)), m_detail(new ElidedLabel(this))
+    : QWidget(area)
+    , m_title(new QLabel(this))
+    , m_detail(new ElidedLabel(this))
+    , m_hint(new QLabel(this))
 {
     setObjectName(QStringLiteral("video_state"));
     setAttribute(Qt::WA_StyledBackground);
@@ -36,10 +39,16 @@ PictureState::PictureState(QWidget* area)
     m_detail->setObjectName(QStringLiteral("video_state_detail"));
     m_detail->setProperty("dim", true);
     m_detail->setAlignment(Qt::AlignCenter);
+    m_hint->setObjectName(QStringLiteral("video_state_hint"));
+    m_hint->setProperty("dim", true);
+    m_hint->setTextFormat(Qt::PlainText);
+    m_hint->setAlignment(Qt::AlignCenter);
+    m_hint->setWordWrap(true);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(margin, margin, margin, margin);
     layout->addWidget(m_title);
     layout->addWidget(m_detail);
+    layout->addWidget(m_hint);
     area->installEventFilter(this);
     retranslate();
 }
@@ -88,7 +97,7 @@ QString PictureState::title() const
     case State::Opening:
         return tr("正在打开…");
     case State::Silent:
-        return tr("无信号，自 %1 起没有新画面").arg(m_since.toString(QStringLiteral("HH:mm:ss")));
+        return tr("无信号,自 %1 起没有新画面").arg(m_since.toString(QStringLiteral("HH:mm:ss")));
     case State::Ended:
         return tr("播放结束");
     case State::Failed:
@@ -103,8 +112,6 @@ QString PictureState::title() const
 
 QString PictureState::detail() const
 {
-    if (m_state == State::Idle)
-        return tr("右键单击可播放本地文件或网络地址");
     if (m_tries == 0)
         return m_url;
     // An address may hold anything that looks like a place for text.
@@ -115,6 +122,9 @@ void PictureState::retranslate()
 {
     m_title->setText(title());
     m_detail->setText(detail());
+    m_hint->setText(tr("右键单击可播放本地文件或网络地址"));
+    m_detail->setVisible(m_state != State::Idle);
+    m_hint->setVisible(m_state == State::Idle);
     place();
 }
 
@@ -122,11 +132,14 @@ void PictureState::place()
 {
     const QRect area = parentWidget()->rect().adjusted(margin, margin, -margin, -margin);
     ensurePolished();
-    // The detail may be as long as an address; the title is always there whole.
-    const int detail = m_detail->fontMetrics().horizontalAdvance(m_detail->text()) + 2 * margin + 2;
-    const int wanted = qMax(minimumSizeHint().width(), detail);
-    const QSize size(qMin(wanted, area.width()), sizeHint().height());
-    QRect place(QPoint(), size);
+    // The detail may be as long as an address; the title is always there whole. The hint takes the
+    // lines that it needs.
+    const QLabel* second = m_state == State::Idle ? m_hint : m_detail;
+    const int detail = second->fontMetrics().horizontalAdvance(second->text()) + 2 * margin + 2;
+    const int width = qMin(qMax(minimumSizeHint().width(), detail), area.width());
+    const int height =
+        layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height();
+    QRect place(QPoint(), QSize(width, height));
     place.moveCenter(area.center());
     if (m_overPicture)
         place.moveTop(area.top());

@@ -44,4 +44,5 @@ private:
     bool m_overPicture = false;
     QLabel* m_title;
     ElidedLabel* m_detail;
+    QLabel* m_hint;
 };

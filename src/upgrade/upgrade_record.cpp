@@ -37,8 +37,8 @@ QString settingsText(const UpgradeRow& row)
     case Settings::Unverified:
         return QCoreApplication::translate("UpgradeReport", "已写回,未核对");
     case Settings::SomeFailed:
-        return QCoreApplication::translate("UpgradeReport", "%1项失败")
-            .arg(row.failedSettings.size());
+        return QCoreApplication::translate("UpgradeReport", "%n项失败", nullptr,
+                                           row.failedSettings.size());
     case Settings::Dropped:
         return QCoreApplication::translate("UpgradeReport", "已放弃恢复");
     case Settings::Unchanged:

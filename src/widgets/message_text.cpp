@@ -6,6 +6,8 @@
 #include <QTextDocument>
 #include <QtMath>
 
+#include <memory>
+
 MessageText::MessageText(QWidget* parent) : QTextEdit(parent)
 {
     setReadOnly(true);
@@ -51,9 +53,13 @@ void MessageText::changeEvent(QEvent* event)
         fitHeight();
 }
 
+/// Measured as without a scroll bar: the bar that a height brings about must not change the height
+/// again.
 void MessageText::fitHeight()
 {
+    const std::unique_ptr<QTextDocument> measured(document()->clone());
+    measured->setTextWidth(maximumViewportSize().width());
     const QMargins around = contentsMargins() + viewportMargins();
-    const int height = qCeil(document()->size().height()) + around.top() + around.bottom();
+    const int height = qCeil(measured->size().height()) + around.top() + around.bottom();
     setMaximumHeight(qMin(height, QWIDGETSIZE_MAX));
 }

@@ -350,6 +350,17 @@ private slots:
             m_widget->rect().contains(m_widget->findChild<QWidget*>("video_state")->geometry()));
     }
 
+    void hintIsReadWholeInANarrowWindow()
+    {
+        m_widget->resize(200, 400);
+        const auto* hint = m_widget->findChild<QLabel*>("video_state_hint");
+        const auto* box = m_widget->findChild<QWidget*>("video_state");
+        QTRY_VERIFY(hint->isVisible() && hint->height() >= hint->heightForWidth(hint->width()));
+        QVERIFY(hint->height() > hint->fontMetrics().lineSpacing());
+        QVERIFY(m_widget->rect().contains(box->geometry()));
+        QVERIFY(box->rect().contains(hint->geometry()));
+    }
+
     void languageChanges()
     {
         const QString before = words();

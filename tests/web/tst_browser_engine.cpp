@@ -61,7 +61,7 @@ private slots:
     void saysThatItIsNotInstalled()
     {
         m_lan->clickRow(box);
-        QTRY_COMPARE(reason(), QString("内置浏览器不可用：它没有安装。"));
+        QTRY_COMPARE(reason(), QString("内置浏览器不可用: 它没有安装."));
         auto* open = m_lan->child<QPushButton>("webOpen");
         QVERIFY(m_lan->child<QLabel>("webReason")->isVisible() && open->isVisible());
         const QString page = QString("http://%1/cgi-bin/set-dashboard.cgi").arg(m_lan->ip(box));
@@ -80,7 +80,7 @@ private slots:
         library.close();
         QCoreApplication::addLibraryPath(folder.path());
         m_lan->clickRow(otherBox);
-        QTRY_COMPARE(reason(), QString("内置浏览器不可用：它的程序文件不完整。"));
+        QTRY_COMPARE(reason(), QString("内置浏览器不可用: 它的程序文件不完整."));
         QVERIFY(m_lan->child<QPushButton>("webOpen")->isVisible());
         QCoreApplication::removeLibraryPath(folder.path());
     }

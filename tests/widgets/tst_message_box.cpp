@@ -25,7 +25,7 @@ public:
     QString translate(const char* context, const char* source, const char*, int) const override
     {
         static const QMap<QString, QString> names{
-            {"确定", "OK"}, {"取消", "Cancel"}, {"确定并保留配置", "OK, keep configuration"}};
+            {"确定", "OK"}, {"取消", "Cancel"}, {"确定并保留配置", "OK, keep settings"}};
         return qstrcmp(context, "messageBox") == 0 ? names.value(source) : QString();
     }
 };
@@ -168,6 +168,35 @@ private slots:
         QVERIFY(box.rect().contains(QRect(shown->mapTo(&box, QPoint()), shown->size())));
     }
 
+    /// Whether there is a scroll bar must not decide whether there is one.
+    void everyLengthComesToRest()
+    {
+        class Counter : public QObject
+        {
+        public:
+            int resizes = 0;
+            bool eventFilter(QObject*, QEvent* event) override
+            {
+                resizes += event->type() == QEvent::Resize ? 1 : 0;
+                return false;
+            }
+        } counter;
+        for (int blanks = 0; blanks < 12; ++blanks) {
+            for (int letters = 36; letters < 66; ++letters) {
+                const QString word = QString(blanks, 'i') + QString(letters, 'n');
+                messageBox box(word + ' ' + word + " x?");
+                auto* shown = box.findChild<QTextEdit*>("m_tipContent");
+                shown->installEventFilter(&counter);
+                box.show();
+                QCoreApplication::processEvents();
+                counter.resizes = 0;
+                for (int n = 0; n < 20; ++n)
+                    QCoreApplication::processEvents();
+                QVERIFY2(counter.resizes < 5, qPrintable(box.text()));
+            }
+        }
+    }
+
     void addressInTheTextCanBeCopied()
     {
         messageBox box("192.168.1.88 restarts");
@@ -194,8 +223,7 @@ private slots:
         box.show();
         QVERIFY(QTest::qWaitForWindowExposed(&box));
         EnglishButtons english;
-        for (const char* recovery :
-             {"确定并保留配置", "OK, keep configuration", "확인 및 구성 유지"}) {
+        for (const char* recovery : {"确定并保留配置", "OK, keep settings", "확인 및 설정 유지"}) {
             if (QByteArray(recovery).startsWith("OK")) {
                 qApp->installTranslator(&english);
                 QTRY_COMPARE(button(&box, "Recovery")->text(), QString(recovery));

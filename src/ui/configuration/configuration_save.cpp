@@ -56,7 +56,7 @@ void ConfigurationSave::save()
     if (result == SequenceResult::WindowClosed)
         return;
     if (unread > 0)
-        message += QLatin1Char('\n') + tr("%1 项参数未从设备读到,没有保存.").arg(unread);
+        message += QLatin1Char('\n') + tr("%n 项参数未从设备读到,没有保存.", nullptr, unread);
     messageBox::ask(message, m_hub.window);
 }
 

@@ -44,15 +44,15 @@ QStringList stopCommands(const QString& ip, bool encoding)
 DecodeControl::DecodeControl(const Hub& hub, const EncoderControl& encoder, Busy& busy)
     : QObject(nullptr), m_hub(hub), m_encoder(encoder), m_busy(busy)
 {
-    tellSuccess(Box::DecodeOn, tr("开启解码成功"));
-    tellSuccess(Box::DecodeOff, tr("关闭解码成功"));
+    tellSuccess(Box::DecodeOn, QT_TR_NOOP("开启解码成功"));
+    tellSuccess(Box::DecodeOff, QT_TR_NOOP("关闭解码成功"));
 }
 
-void DecodeControl::tellSuccess(const QString& command, const QString& text)
+void DecodeControl::tellSuccess(const QString& command, const char* text)
 {
     m_hub.exchange.onReply(command, [this, text](const QProcess&, const BoxReply& reply) {
         if (reply.isSuccess())
-            messageBox::ask(text, m_hub.window);
+            messageBox::ask(tr(text), m_hub.window);
     });
 }
 
@@ -74,31 +74,40 @@ void DecodeControl::ask()
     const QString source = dialog->source();
     dialog->deleteLater();
     if (result == setui::StartDecoding)
-        run(box, startCommands(ip, encoding, source), tr("开启"), source);
+        start(box, encoding, source);
     else if (result == setui::StopDecoding)
-        run(box, stopCommands(ip, encoding), tr("关闭"), source);
+        stop(box, encoding);
 }
 
-void DecodeControl::run(const BoxId& box, const QStringList& commands, const QString& operation,
-                        const QString& source)
+void DecodeControl::start(const BoxId& box, bool encoding, const QString& source)
+{
+    const SequenceResult result = run(box, startCommands(box.ip, encoding, source));
+    tell(box, result, Box::fill(tr("开启解码成功%1"), {source}),
+         Box::fill(tr("开启解码失败%1,请重试!"), {source}));
+}
+
+void DecodeControl::stop(const BoxId& box, bool encoding)
+{
+    const SequenceResult result = run(box, stopCommands(box.ip, encoding));
+    tell(box, result, tr("关闭解码成功"), tr("关闭解码失败,请重试!"));
+}
+
+/// As if the window had closed, when nothing may be sent.
+SequenceResult DecodeControl::run(const BoxId& box, const QStringList& commands)
 {
     // An upgrade may have taken it while the dialog was open.
     const Item* device = m_hub.devices.model().find(box.ip);
     if (device && !m_hub.isFree(*device))
-        return;
+        return SequenceResult::WindowClosed;
     Busy::Run run(m_busy);
-    if (!run)
-        return;
-    const SequenceResult result = m_hub.orders.run(box, commands);
-    run.end();
-    if (result == SequenceResult::WindowClosed)
-        return;
-    // Joined, not filled in: a source's name may hold "%1".
-    const QString text = result == SequenceResult::AllSucceeded
-                             ? tr("解码成功") + source
-                             : BoxProtocol::fill(tr("解码失败%1,请重试!"), {source});
-    const QString message = operation + text;
-    messageBox::ask(
-        result == SequenceResult::AllSucceeded ? message : m_hub.orders.explained(box.ip, message),
-        m_hub.window);
+    return run ? m_hub.orders.run(box, commands) : SequenceResult::WindowClosed;
+}
+
+void DecodeControl::tell(const BoxId& box, SequenceResult result, const QString& success,
+                         const QString& failure)
+{
+    if (result == SequenceResult::AllSucceeded)
+        messageBox::ask(success, m_hub.window);
+    else if (result == SequenceResult::SomeFailed)
+        messageBox::ask(m_hub.orders.explained(box.ip, failure), m_hub.window);
 }

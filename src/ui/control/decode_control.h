@@ -8,6 +8,7 @@
 class Busy;
 class EncoderControl;
 struct BoxId;
+enum class SequenceResult;
 
 /// Makes the selected box decode an NDI source that the operator picks, or stop.
 class DecodeControl : public QObject
@@ -22,9 +23,12 @@ public:
     void ask();
 
 private:
-    void tellSuccess(const QString& command, const QString& text);
-    void run(const BoxId& box, const QStringList& commands, const QString& operation,
-             const QString& source);
+    void tellSuccess(const QString& command, const char* text);
+    SequenceResult run(const BoxId& box, const QStringList& commands);
+    void start(const BoxId& box, bool encoding, const QString& source);
+    void stop(const BoxId& box, bool encoding);
+    void tell(const BoxId& box, SequenceResult result, const QString& success,
+              const QString& failure);
 
     const Hub m_hub;
     const EncoderControl& m_encoder;

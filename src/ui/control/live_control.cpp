@@ -29,8 +29,11 @@ LiveControl::LiveControl(const Hub& hub) : QObject(nullptr), m_hub(hub)
 
 void LiveControl::handleStarted(const BoxReply& reply)
 {
-    const QString text = reply.isSuccess() ? tr("开启直播服务成功") + reply.field("pull_url")
-                                           : tr("开启直播服务失败");
+    const QString address = reply.field("pull_url");
+    QString text = tr("开启直播服务失败");
+    if (reply.isSuccess())
+        text = address.isEmpty() ? tr("开启直播服务成功")
+                                 : BoxProtocol::fill(tr("开启直播服务成功%1"), {address});
     messageBox::ask(text, m_hub.window);
 }
 

@@ -72,9 +72,8 @@ void DownloadRow::setState(State state)
 
 void DownloadRow::showState()
 {
-    const QLocale locale;
-    const auto size = [&locale](qint64 bytes) {
-        return locale.formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
+    const auto size = [this](qint64 bytes) {
+        return locale().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
     };
     // A server that does not tell the size leaves only what has come to be shown.
     const bool isKnown = m_progress.total > 0;

@@ -265,7 +265,8 @@ void RecordingDownloads::tell()
         const int answer = messageBox::ask(tr("下载完成,是否前往文件所在文件夹?"), m_hub.window,
                                            tr("前往"), tr("否"));
         if (answer == messageBox::Confirmed && !Platform::revealFile(path) && self)
-            messageBox::ask(folder, m_hub.window);
+            messageBox::ask(BoxProtocol::fill(tr("无法打开文件夹,文件保存在: %1"), {folder}),
+                            m_hub.window);
     }
     if (self)
         m_telling = false;

@@ -62,7 +62,7 @@ void BatchStart::startBatchUpgrade(const QStringList& files)
     const int answer =
         refusal.isEmpty()
             ? messageBox::askWithRecovery(
-                  tr("即将对您选择的%1个KORA进行升级固件操作,是否确认?").arg(boxes.size()),
+                  tr("即将对您选择的%n个KORA进行升级固件操作,是否确认?", nullptr, boxes.size()),
                   m_window)
             : messageBox::ask(refusal, m_window);
     if (!self)

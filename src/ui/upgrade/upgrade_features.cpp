@@ -97,9 +97,9 @@ bool UpgradeFeatures::mayClose()
     }
     const int waiting = m_engine.fleet.waitingCount();
     return waiting == 0 ||
-           messageBox::ask(tr("还有%1个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复."
-                              "是否关闭?")
-                               .arg(waiting),
+           messageBox::ask(tr("还有%n个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复."
+                              "是否关闭?",
+                              nullptr, waiting),
                            m_hub.window) == messageBox::Confirmed;
 }
 
@@ -169,17 +169,18 @@ void UpgradeFeatures::tellUnreadable()
 
 void UpgradeFeatures::tellInterrupted(int boxes)
 {
-    messageBox::notify(tr("上次固件升级被中断,当时有%1个KORA正在升级,请查看升级报告.").arg(boxes),
-                       m_hub.window);
+    messageBox::notify(
+        tr("上次固件升级被中断,当时有%n个KORA正在升级,请查看升级报告.", nullptr, boxes),
+        m_hub.window);
 }
 
 void UpgradeFeatures::offerSettings(const QMap<QString, QVariantMap>& saved, const QDateTime& when)
 {
-    const int answer = messageBox::ask(
-        tr("上次固件升级中断时,有%1个KORA的设置尚未恢复(保存于%2),"
-           "是否在发现这些KORA时恢复? 取消则放弃这些设置.")
-            .arg(QString::number(saved.size()), when.toString(QStringLiteral("yyyy-MM-dd HH:mm"))),
-        m_hub.window);
+    const int answer = messageBox::ask(tr("上次固件升级中断时,有%n个KORA的设置尚未恢复(保存于%1),"
+                                          "是否在发现这些KORA时恢复? 取消则放弃这些设置.",
+                                          nullptr, saved.size())
+                                           .arg(when.toString(QStringLiteral("yyyy-MM-dd HH:mm"))),
+                                       m_hub.window);
     if (!m_hub.window->isVisible())
         return;
     if (answer == messageBox::Confirmed)

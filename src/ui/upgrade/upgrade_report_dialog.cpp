@@ -175,8 +175,9 @@ void UpgradeReportDialog::fill()
                            .arg(counts.value(Verdict::Interrupted))
                            .arg(counts.value(Verdict::UnderWay)));
     if (!sessions.isEmpty())
-        m_path->setText(tr("报告文件: ") +
-                        QDir::toNativeSeparators(UpgradeJournal::csvPath(*sessions.last())));
+        m_path->setText(
+            tr("报告文件: %1")
+                .arg(QDir::toNativeSeparators(UpgradeJournal::csvPath(*sessions.last()))));
 }
 
 void UpgradeReportDialog::changeEvent(QEvent* event)

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QActionGroup>
+#include <QLocale>
 #include <QMenu>
 #include <QObject>
 #include <QTranslator>
 
-/// The languages of the interface: Chinese is the source, the others are translators.
+/// The languages of the interface: Chinese is the source, the others are translators. What Qt
+/// itself says (menus of input fields, file dialogs) follows where Qt's translations are installed.
 class Language : public QObject
 {
     Q_OBJECT
@@ -21,13 +24,22 @@ public:
     void askAtCursor();
     void choose(int choice);
     QMenu& menu() { return m_menu; }
+    /// How numbers and sizes are written in the chosen language.
+    QLocale locale() const;
 
 signals:
     /// A language was chosen, be it the one in use: everything is labelled again.
     void chosen();
 
 private:
+    QTranslator* ownTranslator();
+    QTranslator* qtTranslator();
+
+    Choice m_choice = Chinese;
     QTranslator m_english;
     QTranslator m_korean;
+    QTranslator m_qtChinese;
+    QTranslator m_qtKorean;
     QMenu m_menu;
+    QActionGroup m_marks;
 };

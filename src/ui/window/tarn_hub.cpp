@@ -52,6 +52,7 @@ void Tarn_Hub::R_delayAction()
 
 void Tarn_Hub::retranslate()
 {
+    setLocale(m->language.locale());
     m->form.retranslateUi(this);
     m->form.device_list->retranslate();
     m->form.device_info->retranslate();

@@ -70,15 +70,15 @@ QString DownloadLine::stateText() const
     case QWebEngineDownloadItem::DownloadCancelled:
         return tr("已取消");
     case QWebEngineDownloadItem::DownloadInterrupted:
-        return tr("下载失败：%1").arg(m_failure);
+        return m_failure.isEmpty() ? tr("下载失败") : tr("下载失败 (%1)").arg(m_failure);
     default:
         break;
     }
     const qint64 all = m_item ? m_item->totalBytes() : 0;
     const qint64 done = m_item ? m_item->receivedBytes() : 0;
     if (all > 0)
-        return QStringLiteral("%1 %").arg(qBound<qint64>(0, done * 100 / all, 100));
-    return QLocale().formattedDataSize(done);
+        return QStringLiteral("%1%").arg(qBound<qint64>(0, done * 100 / all, 100));
+    return locale().formattedDataSize(done);
 }
 
 void DownloadLine::changeEvent(QEvent* event)
