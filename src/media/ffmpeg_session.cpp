@@ -258,7 +258,16 @@ int FFmpegSession::read(AVPacket& packet)
         avio_feof(m_input->pb);
     if (!hasEnd())
         m_gate.setReading();
-    return av_read_frame(m_input.get(), &packet);
+    const int result = av_read_frame(m_input.get(), &packet);
+    if (result >= 0 && isVideo(packet))
+        ++m_pictures;
+    return result;
+}
+
+bool FFmpegSession::mayGrow() const
+{
+    const int64_t counted = m_input->streams[m_videoStream]->nb_frames;
+    return counted <= 0 || m_pictures < counted;
 }
 
 bool FFmpegSession::isBroken(int result) const

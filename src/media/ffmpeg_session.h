@@ -48,6 +48,9 @@ public:
     /// Takes the next packet. FFmpeg's result code, negative when there is none; the next call
     /// tries again.
     int read(AVPacket& packet);
+    /// Whether the end of the data may not be the source's: not behind the last picture that its
+    /// header counts. Only who reads may ask.
+    bool mayGrow() const;
     /// Whether that result means that the connection is gone, as opposed to the source's end.
     bool isBroken(int result) const;
     /// Ends a read that waits in another thread, and all that follow.
@@ -97,6 +100,7 @@ private:
     MediaFrame m_sound;
     int m_videoStream = -1;
     int m_audioStream = -1;
+    qint64 m_pictures = 0; // read
     QSize m_screen;
     bool m_isLocal = false;
     bool m_isRefused = false; // for good

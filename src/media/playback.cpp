@@ -21,9 +21,11 @@ namespace
 /// How often a film without data is asked again, at first and later on.
 constexpr qint64 retryUs = 10000;
 constexpr qint64 lateRetryUs = 40000;
-/// How long a film without data may still be about to go on: so late is the picture that a decoder
-/// holds back at the end.
+/// How long a film without data may still be about to go on, unless its header says that this was
+/// all: so late is the picture that a decoder holds back at the end.
 constexpr qint64 endUs = 150000;
+/// How long the pictures at the end are shown at most, each.
+constexpr qint64 longestPeriodUs = 1000000;
 /// How long a late film's picture waits for room, and how often it looks for it.
 constexpr qint64 roomUs = 100000;
 constexpr qint64 roomPollUs = 1000;
@@ -124,7 +126,8 @@ Playback::Outcome Playback::stepFilm()
     m_state.isAtEnd = false;
     decoder.resume();
     bool isFull = false;
-    if (!m_session->isVideo(*m_packet) || !decoder.send(*m_packet, &isFull))
+    // The decoder is at work while the picture in hand is still to be seen.
+    if (!m_session->isVideo(*m_packet) || !decoder.send(*m_packet, &isFull) || !waitUntilDue())
         return Outcome::GoesOn;
     const int received = decoder.take();
     if (isFull)
@@ -149,7 +152,9 @@ void Playback::showFilmPicture(const AVPacket& packet)
     if (m_isPending)
         ++m_state.dropped;
     show();
-    waitUntilDue(decoder.stampUs(packet));
+    const std::optional<qint64> decoded = decoder.stampUs(packet);
+    m_seenFrom = av_gettime_relative();
+    m_seenUntil = m_seenFrom + (decoded ? m_pacing.waitAfter(*decoded, m_seenFrom) : 0);
 }
 
 Playback::Outcome Playback::stepLive()
@@ -302,18 +307,18 @@ void Playback::followArea()
         convert();
 }
 
-void Playback::waitUntilDue(std::optional<qint64> stamp)
+/// Until a film's next picture is due; false when it is to be shown no more.
+bool Playback::waitUntilDue()
 {
-    const qint64 now = av_gettime_relative();
-    const qint64 due = now + (stamp ? m_pacing.waitAfter(*stamp, now) : 0);
     // A picture without room may find some until the next one is due. A film that is late loses
     // pictures only to a receiver that does not take them.
-    const qint64 limit = due == now ? now + roomUs : due;
+    const qint64 limit = m_seenUntil == m_seenFrom ? m_seenFrom + roomUs : m_seenUntil;
     while (m_isPending && !m_stop.isRequested() && av_gettime_relative() < limit) {
         m_stop.rest(roomPollUs);
         showPending();
     }
-    m_stop.rest(due - av_gettime_relative());
+    m_stop.rest(m_seenUntil - av_gettime_relative());
+    return !m_stop.isRequested();
 }
 
 /// A failed read ends nothing: a film may grow.
@@ -327,19 +332,25 @@ Playback::Outcome Playback::waitForData(int result)
                                             : result == AVERROR_EXIT || now - m_noDataSince > endUs;
     if (isGone)
         return Outcome::Broken;
-    if (result == AVERROR_EOF && !m_state.isAtEnd && now - m_noDataSince > endUs)
+    const bool isOver = now - m_noDataSince > endUs || !m_session->mayGrow();
+    if (result == AVERROR_EOF && !m_state.isAtEnd && isOver)
         showHeldBack();
-    m_stop.rest(now - m_noDataSince > endUs ? lateRetryUs : retryUs);
+    m_stop.rest(isOver ? lateRetryUs : retryUs);
     return Outcome::GoesOn;
 }
 
-/// The pictures that the decoder keeps back for reordering, when no more packets follow.
+/// The pictures that the decoder keeps back, when no more packets follow: at the film's pace.
 void Playback::showHeldBack()
 {
-    while (!m_stop.isRequested() && !m_isPending && !m_state.isAtEnd) {
-        if (m_session->pictures().drain() >= 0)
-            show();
-        else
-            m_state.isAtEnd = true;
+    PictureDecoder& decoder = m_session->pictures();
+    while (!m_state.isAtEnd && waitUntilDue() && !m_isPending) {
+        const std::optional<qint64> last = decoder.stampUs();
+        m_state.isAtEnd = decoder.drain() < 0;
+        if (m_state.isAtEnd)
+            return;
+        show();
+        const qint64 period = last ? decoder.stampUs().value_or(*last) - *last : 0;
+        m_seenFrom = av_gettime_relative();
+        m_seenUntil = qMax(m_seenFrom, m_seenUntil + qBound<qint64>(0, period, longestPeriodUs));
     }
 }

@@ -49,7 +49,7 @@ public:
     /// Goes on behind that picture, if the source has one; before the first step().
     void goOnBehind(qint64 position);
 
-    /// Takes one packet and shows what it completes; waits until that is due.
+    /// Takes one packet and shows what it completes, once that is due.
     Outcome step();
 
 private:
@@ -68,7 +68,7 @@ private:
     void show();
     void showPending();
     void followArea();
-    void waitUntilDue(std::optional<qint64> stamp);
+    bool waitUntilDue();
     Outcome waitForData(int result);
     void showHeldBack();
 
@@ -88,6 +88,8 @@ private:
     qint64 m_shownAt = 0;                             // when the last one was shown
     std::deque<std::pair<qint64, qint64>> m_arrivals; // of pictures: stamp and time
     qint64 m_packetAt = 0;                            // when the last packet of the picture came
+    qint64 m_seenFrom = 0;                            // when a film's last picture was shown
+    qint64 m_seenUntil = 0;                           // and when the next one is due
     qint64 m_noDataSince = 0;                         // microseconds; 0: the last read succeeded
     std::optional<qint64> m_position;
     std::optional<qint64> m_behind; // nothing up to there is shown
