@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "common/box_protocol.h"
-#include "device/item.h"
 #include "tests/support/box_client.h"
 #include "tests/support/files.h"
 #include "tests/support/held_file.h"
 #include "tests/support/plugged_box.h"
+#include "tests/support/recording_item.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
@@ -30,8 +30,7 @@ constexpr DownloadPatience hasty{1, 1, 3, 30, 300};
 
 } // namespace
 
-/// The jobs that an item runs for its box, above all deleting and downloading a recording: real
-/// curl, a virtual box.
+/// Downloading a recording: real curl, a virtual box.
 class tst_Recording : public QObject
 {
     Q_OBJECT
@@ -58,9 +57,6 @@ private slots:
     void meterIsReadAsItComes();
     void cancelledDownloadLeavesNothing();
     void folderThatTakesNoFiles();
-    void deletion();
-    void itemStartsWithItsDefaults();
-    void deletedItemLeavesItsJobAlone();
 
 private:
     DownloadResult download(const RecordingSource& source,
@@ -69,7 +65,6 @@ private:
     QString folder() const { return m_folder->path() + "/"; }
     QStringList files() const { return filesIn(m_folder->path()); }
     static RecordingSource source(const QString& name) { return {boxIp, QString(), name}; }
-    std::unique_ptr<Item> recording(const QString& name) const;
 
     QTemporaryDir m_data;
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -86,14 +81,6 @@ void tst_Recording::cleanup()
 {
     CommandRunner::endAll();
     m_box.reset();
-}
-
-std::unique_ptr<Item> tst_Recording::recording(const QString& name) const
-{
-    auto item = std::make_unique<Item>();
-    item->setProperty("filename", name);
-    item->setProperty("deviceip", boxIp);
-    return item;
 }
 
 DownloadResult tst_Recording::download(const RecordingSource& source,
@@ -145,7 +132,7 @@ void tst_Recording::nothingIsOverwritten()
     for (const char* name : {"a.mp4", "a0.mp4"})
         writeFile(folder() + name, "mine");
     // Two at once do not take the same name either.
-    const auto other = recording("a.mp4");
+    const auto other = recordingItem(boxIp, "a.mp4");
     bool ended = false;
     connect(other.get(), &Item::downloadEnded, this, [&] { ended = true; });
     other->download(folder());
@@ -405,7 +392,7 @@ void tst_Recording::cancelledDownloadLeavesNothing()
 {
     m_box->addRecording("a.mp4", QByteArray(2000000, 'x'));
     QVERIFY(m_box->addFault("throttle 200000 on media"));
-    const auto item = recording("a.mp4");
+    const auto item = recordingItem(boxIp, "a.mp4");
     DownloadProgress seen;
     connect(item.get(), &Item::downloadProgressed, this,
             [&](const DownloadProgress& progress) { seen = progress; });
@@ -426,42 +413,6 @@ void tst_Recording::folderThatTakesNoFiles()
     const DownloadResult result = download("a.mp4");
     QVERIFY(!result.succeeded);
     QCOMPARE(result.reason, QString("无法写入文件"));
-}
-
-void tst_Recording::deletion()
-{
-    // The box must not take what follows the "&" for another field, and delete "take".
-    for (const char* name : {"take", "take&file_name=other.mp4", "50%20.mp4"})
-        m_box->addRecording(name, "x");
-    for (const char* name : {"take&file_name=other.mp4", "50%20.mp4", "no such.mp4"}) {
-        const auto item = recording(name);
-        QSignalSpy ended(item.get(), &Item::deleteEnded);
-        item->record_del();
-        QTRY_COMPARE(ended.size(), 1);
-        QCOMPARE(ended.first().first().toBool(), QString(name) != "no such.mp4");
-    }
-    QCOMPARE(m_box->recordings(), QStringList("take"));
-}
-
-void tst_Recording::itemStartsWithItsDefaults()
-{
-    const Item item;
-    QCOMPARE(item.property("online").toBool(), true);
-    QCOMPARE(item.property("rtime").toInt(), 600);
-    for (const char* name : {"isdir", "upgrading", "upgradtimeout", "upgradsuccessful"})
-        QVERIFY2(item.property(name).isValid() && !item.property(name).toBool(), name);
-    QVERIFY(!item.property("upgradtip").isValid());
-}
-
-void tst_Recording::deletedItemLeavesItsJobAlone()
-{
-    auto item = recording(QString());
-    QVERIFY(m_box->addFault("slow 300"));
-    item->execCurl(BoxProtocol::controlCommand("hxenc_on", boxIp), {{"exectype", "x"}});
-    item.reset();
-    // The command itself goes on: the box still gets it.
-    QTRY_COMPARE(m_box->requests().size(), 1);
-    QTRY_VERIFY(m_box->activity().compressedEncoder);
 }
 
 QTEST_GUILESS_MAIN(tst_Recording)

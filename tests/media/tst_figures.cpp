@@ -4,6 +4,7 @@
 #include "media/figures_view.h"
 #include "media/level_meter.h"
 #include "tests/support/clips.h"
+#include "tests/support/picture_window.h"
 #include "tests/support/player.h"
 #include "tests/support/table.h"
 #include "widgets/elided_label.h"
@@ -12,8 +13,6 @@ extern "C" {
 #include <libavutil/frame.h>
 #include <libavutil/samplefmt.h>
 }
-
-#include <QLineEdit>
 
 #include <cmath>
 #include <limits>
@@ -176,17 +175,11 @@ private slots:
 
     void keyShowsFigures()
     {
-        QWidget window;
-        auto* widget = new FFmpegWidget(&window);
-        auto* field = new QLineEdit(&window);
-        widget->setGeometry(0, 0, 640, 420);
-        field->setGeometry(0, 430, 100, 30);
-        window.resize(640, 480);
-        window.show();
-        window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
+        PictureWindow shown({640, 420});
+        QVERIFY(shown.isActive);
+        auto* const widget = shown.widget;
+        auto* const field = shown.field;
         auto* view = widget->findChild<FiguresView*>("video_figures");
-        field->setFocus();
         QTest::keyClick(field, Qt::Key_F8);
         // There is nothing to tell yet.
         QVERIFY(!view->isVisible());

@@ -3,6 +3,7 @@
 #include "media/picture_notice.h"
 #include "media/still_picture.h"
 #include "tests/support/clips.h"
+#include "tests/support/picture_window.h"
 #include "tests/support/player.h"
 #include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
@@ -10,7 +11,6 @@
 
 #include <QDialog>
 #include <QDir>
-#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -120,16 +120,10 @@ private slots:
 
     void keySavesWhatIsShown()
     {
-        QWidget window;
-        auto* widget = new FFmpegWidget(&window);
-        auto* field = new QLineEdit(&window);
-        widget->setGeometry(0, 0, 160, 120);
-        field->setGeometry(0, 130, 100, 30);
-        window.resize(300, 200);
-        window.show();
-        window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-        field->setFocus();
+        PictureWindow picture({160, 120});
+        QVERIFY(picture.isActive);
+        auto* const widget = picture.widget;
+        auto* const field = picture.field;
         QSignalSpy saved(widget, &FFmpegWidget::stillSaved);
         auto* notice = widget->findChild<PictureNotice*>("video_notice");
         QTest::keyClick(field, Qt::Key_F9);
@@ -137,13 +131,13 @@ private slots:
         widget->open(m_clips.two());
         QTRY_VERIFY(!widget->picture().isNull());
         // A dialog has its own keys.
-        QDialog dialog(&window);
+        QDialog dialog(&picture.window);
         dialog.setModal(true);
         dialog.show();
         QVERIFY(QTest::qWaitForWindowActive(&dialog));
         QTest::keyClick(&dialog, Qt::Key_F9);
         dialog.close();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QVERIFY(QTest::qWaitForWindowActive(&picture.window));
         widget->pause();
         QTRY_COMPARE(widget->state(), PictureState::State::Stopped);
         QVERIFY(!notice->isVisible() && saved.isEmpty());

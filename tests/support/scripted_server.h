@@ -105,3 +105,10 @@ inline QByteArray httpReply(const QByteArray& type, const QByteArray& body)
 {
     return "HTTP/1.1 200 OK\r\nContent-Type: " + type + "\r\nConnection: close\r\n\r\n" + body;
 }
+
+/// One that says how long it is.
+inline QByteArray fileAnswer(const QByteArray& body, const QByteArray& extraHeader = {})
+{
+    return "HTTP/1.1 200 OK\r\nConnection: close\r\n" + extraHeader +
+           "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
+}
