@@ -276,6 +276,10 @@
       <source>保存</source>
       <translation>Save</translation>
     </message>
+    <message>
+      <source>Ctrl+S</source>
+      <translation>Ctrl+S</translation>
+    </message>
   </context>
   <context>
     <name>ConfigurationSave</name>
@@ -419,6 +423,10 @@
       <translation>Expand all</translation>
     </message>
     <message>
+      <source>刷新设备列表 (F5)</source>
+      <translation>Refresh the box list (F5)</translation>
+    </message>
+    <message>
       <source>刷新设备列表</source>
       <translation>Refresh the box list</translation>
     </message>
@@ -437,6 +445,79 @@
     <message>
       <source>升级报告</source>
       <translation>Upgrade report</translation>
+    </message>
+    <message>
+      <source>查找设备 (Ctrl+F)</source>
+      <translation>Find a box (Ctrl+F)</translation>
+    </message>
+    <message>
+      <source>查找设备</source>
+      <translation>Find a box</translation>
+    </message>
+    <message>
+      <source>地址,名称,MAC,版本或状态</source>
+      <translation>Address, name, MAC, version or state</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceFilter</name>
+    <message>
+      <source>在线</source>
+      <translation>Online</translation>
+    </message>
+    <message>
+      <source>离线</source>
+      <translation>Offline</translation>
+    </message>
+    <message>
+      <source>可升级</source>
+      <translation>Upgrade available</translation>
+    </message>
+    <message>
+      <source>升级中</source>
+      <translation>Upgrading</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceHint</name>
+    <message>
+      <source>正在搜索设备…</source>
+      <translation>Searching for boxes…</translation>
+    </message>
+    <message>
+      <source>没有网络连接</source>
+      <translation>No network connection</translation>
+    </message>
+    <message>
+      <source>这台电脑没有可以搜索的网络.请检查网线和网卡设置.</source>
+      <translation>This computer has no network to search. Please check its cable and network settings.</translation>
+    </message>
+    <message>
+      <source>没有符合条件的设备</source>
+      <translation>No box matches</translation>
+    </message>
+    <message>
+      <source>按Esc显示全部设备.</source>
+      <translation>Press Esc in the search field to show all boxes.</translation>
+    </message>
+    <message numerus="yes">
+      <source>已搜索%n秒,还没有找到设备.请检查:</source>
+      <translation>
+        <numerusform>No box found after %n second. Please check:</numerusform>
+        <numerusform>No box found after %n seconds. Please check:</numerusform>
+      </translation>
+    </message>
+    <message>
+      <source>设备已通电,网线已接好.</source>
+      <translation>The boxes are on and their cables are plugged in.</translation>
+    </message>
+    <message>
+      <source>这台电脑与设备在同一网段.</source>
+      <translation>This computer is on the same subnet.</translation>
+    </message>
+    <message>
+      <source>防火墙没有阻止ping和端口8081.</source>
+      <translation>The firewall lets ping and port 8081 through.</translation>
     </message>
   </context>
   <context>
@@ -464,6 +545,73 @@
     <message>
       <source>MAC地址</source>
       <translation>MAC address</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceMenu</name>
+    <message>
+      <source>复制名称</source>
+      <translation>Copy name</translation>
+    </message>
+    <message>
+      <source>在浏览器中打开</source>
+      <translation>Open in browser</translation>
+    </message>
+    <message>
+      <source>导出设备清单…</source>
+      <translation>Export box list…</translation>
+    </message>
+    <message>
+      <source>导出设备清单</source>
+      <translation>Export box list</translation>
+    </message>
+    <message>
+      <source>名称</source>
+      <translation>Name</translation>
+    </message>
+    <message>
+      <source>地址</source>
+      <translation>Address</translation>
+    </message>
+    <message>
+      <source>MAC地址</source>
+      <translation>MAC address</translation>
+    </message>
+    <message>
+      <source>类型</source>
+      <translation>Type</translation>
+    </message>
+    <message>
+      <source>固件版本</source>
+      <translation>Firmware version</translation>
+    </message>
+    <message>
+      <source>状态</source>
+      <translation>State</translation>
+    </message>
+    <message>
+      <source>最后在线</source>
+      <translation>Last seen</translation>
+    </message>
+    <message>
+      <source>在线</source>
+      <translation>Online</translation>
+    </message>
+    <message>
+      <source>离线</source>
+      <translation>Offline</translation>
+    </message>
+    <message>
+      <source>表格 (%1)</source>
+      <translation>Spreadsheets (%1)</translation>
+    </message>
+    <message>
+      <source>设备清单已保存到%1</source>
+      <translation>Box list saved as %1.</translation>
+    </message>
+    <message>
+      <source>无法保存设备清单: %1</source>
+      <translation>The box list could not be saved (%1).</translation>
     </message>
   </context>
   <context>
@@ -767,8 +915,16 @@
       <translation>Switch between picture and stream information</translation>
     </message>
     <message>
+      <source>全屏 (F11)</source>
+      <translation>Full screen (F11)</translation>
+    </message>
+    <message>
       <source>全屏</source>
       <translation>Full screen</translation>
+    </message>
+    <message>
+      <source>退出全屏 (F11)</source>
+      <translation>Exit full screen (F11)</translation>
     </message>
     <message>
       <source>退出全屏</source>
@@ -1198,6 +1354,10 @@ Close the program?</translation>
     <message>
       <source>离线</source>
       <translation>Offline</translation>
+    </message>
+    <message>
+      <source>%1/%2 在线</source>
+      <translation>%1 of %2 online</translation>
     </message>
   </context>
   <context>

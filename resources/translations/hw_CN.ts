@@ -275,6 +275,10 @@
       <source>保存</source>
       <translation>저장</translation>
     </message>
+    <message>
+      <source>Ctrl+S</source>
+      <translation>Ctrl+S</translation>
+    </message>
   </context>
   <context>
     <name>ConfigurationSave</name>
@@ -417,6 +421,10 @@
       <translation>모두 펼치기</translation>
     </message>
     <message>
+      <source>刷新设备列表 (F5)</source>
+      <translation>장치 목록 새로 고침 (F5)</translation>
+    </message>
+    <message>
       <source>刷新设备列表</source>
       <translation>장치 목록 새로 고침</translation>
     </message>
@@ -435,6 +443,78 @@
     <message>
       <source>升级报告</source>
       <translation>업그레이드 보고서</translation>
+    </message>
+    <message>
+      <source>查找设备 (Ctrl+F)</source>
+      <translation>장치 찾기 (Ctrl+F)</translation>
+    </message>
+    <message>
+      <source>查找设备</source>
+      <translation>장치 찾기</translation>
+    </message>
+    <message>
+      <source>地址,名称,MAC,版本或状态</source>
+      <translation>주소, 이름, MAC, 버전 또는 상태</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceFilter</name>
+    <message>
+      <source>在线</source>
+      <translation>온라인</translation>
+    </message>
+    <message>
+      <source>离线</source>
+      <translation>오프라인</translation>
+    </message>
+    <message>
+      <source>可升级</source>
+      <translation>업그레이드 가능</translation>
+    </message>
+    <message>
+      <source>升级中</source>
+      <translation>업그레이드 중</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceHint</name>
+    <message>
+      <source>正在搜索设备…</source>
+      <translation>장치를 찾는 중…</translation>
+    </message>
+    <message>
+      <source>没有网络连接</source>
+      <translation>네트워크에 연결되어 있지 않음</translation>
+    </message>
+    <message>
+      <source>这台电脑没有可以搜索的网络.请检查网线和网卡设置.</source>
+      <translation>이 컴퓨터에 검색할 네트워크가 없습니다. 케이블과 네트워크 설정을 확인하세요.</translation>
+    </message>
+    <message>
+      <source>没有符合条件的设备</source>
+      <translation>조건에 맞는 장치 없음</translation>
+    </message>
+    <message>
+      <source>按Esc显示全部设备.</source>
+      <translation>검색란에서 Esc를 누르면 모든 장치가 표시됩니다.</translation>
+    </message>
+    <message numerus="yes">
+      <source>已搜索%n秒,还没有找到设备.请检查:</source>
+      <translation>
+        <numerusform>%n초 동안 찾은 장치가 없습니다. 다음을 확인하세요.</numerusform>
+      </translation>
+    </message>
+    <message>
+      <source>设备已通电,网线已接好.</source>
+      <translation>장치 전원이 켜져 있고 케이블이 연결되어 있는지</translation>
+    </message>
+    <message>
+      <source>这台电脑与设备在同一网段.</source>
+      <translation>이 컴퓨터가 같은 서브넷에 있는지</translation>
+    </message>
+    <message>
+      <source>防火墙没有阻止ping和端口8081.</source>
+      <translation>방화벽이 ping과 포트 8081을 막지 않는지</translation>
     </message>
   </context>
   <context>
@@ -462,6 +542,73 @@
     <message>
       <source>MAC地址</source>
       <translation>MAC 주소</translation>
+    </message>
+  </context>
+  <context>
+    <name>DeviceMenu</name>
+    <message>
+      <source>复制名称</source>
+      <translation>이름 복사</translation>
+    </message>
+    <message>
+      <source>在浏览器中打开</source>
+      <translation>브라우저에서 열기</translation>
+    </message>
+    <message>
+      <source>导出设备清单…</source>
+      <translation>장치 목록 내보내기…</translation>
+    </message>
+    <message>
+      <source>导出设备清单</source>
+      <translation>장치 목록 내보내기</translation>
+    </message>
+    <message>
+      <source>名称</source>
+      <translation>이름</translation>
+    </message>
+    <message>
+      <source>地址</source>
+      <translation>주소</translation>
+    </message>
+    <message>
+      <source>MAC地址</source>
+      <translation>MAC 주소</translation>
+    </message>
+    <message>
+      <source>类型</source>
+      <translation>유형</translation>
+    </message>
+    <message>
+      <source>固件版本</source>
+      <translation>펌웨어 버전</translation>
+    </message>
+    <message>
+      <source>状态</source>
+      <translation>상태</translation>
+    </message>
+    <message>
+      <source>最后在线</source>
+      <translation>마지막 응답</translation>
+    </message>
+    <message>
+      <source>在线</source>
+      <translation>온라인</translation>
+    </message>
+    <message>
+      <source>离线</source>
+      <translation>오프라인</translation>
+    </message>
+    <message>
+      <source>表格 (%1)</source>
+      <translation>스프레드시트 (%1)</translation>
+    </message>
+    <message>
+      <source>设备清单已保存到%1</source>
+      <translation>장치 목록을 저장했습니다. (%1)</translation>
+    </message>
+    <message>
+      <source>无法保存设备清单: %1</source>
+      <translation>장치 목록을 저장할 수 없습니다. (%1)</translation>
     </message>
   </context>
   <context>
@@ -765,8 +912,16 @@
       <translation>화면과 스트림 정보 사이를 전환</translation>
     </message>
     <message>
+      <source>全屏 (F11)</source>
+      <translation>전체 화면 (F11)</translation>
+    </message>
+    <message>
       <source>全屏</source>
       <translation>전체 화면</translation>
+    </message>
+    <message>
+      <source>退出全屏 (F11)</source>
+      <translation>전체 화면 종료 (F11)</translation>
     </message>
     <message>
       <source>退出全屏</source>
@@ -1196,6 +1351,10 @@
     <message>
       <source>离线</source>
       <translation>오프라인</translation>
+    </message>
+    <message>
+      <source>%1/%2 在线</source>
+      <translation>%2대 중 %1대 온라인</translation>
     </message>
   </context>
   <context>

@@ -120,6 +120,8 @@ void DeviceRegistry::setReachable(const QStringList& ips, const Spark_Thread* ch
         if ((check && !asked.contains(box->address())) || newest >= order)
             continue;
         const bool online = alive.contains(box->address());
+        if (online)
+            box->noteSeen(QDateTime::currentDateTime());
         // Nobody may have asked it.
         if (!online && check && !check->isConclusive())
             continue;
@@ -146,6 +148,18 @@ void DeviceRegistry::handleWebPage(const QString& ip, const QString& page)
 void DeviceRegistry::handleDeviceName(const QString& ip, const QString& name)
 {
     addDevice(ip, name.isEmpty() ? QString() : koraFamily());
+    noteName(ip, name);
+}
+
+void DeviceRegistry::noteName(const QString& ip, const QString& name)
+{
+    Item* box = m_model.find(ip);
+    if (!box || name.isEmpty() || !box->isDevice())
+        return;
+    const QString before = box->name();
+    box->setName(name);
+    if (box->name() != before)
+        emit changed();
 }
 
 void DeviceRegistry::addDevice(const QString& ip, const QString& name)
@@ -159,6 +173,7 @@ void DeviceRegistry::addDevice(const QString& ip, const QString& name)
     }
     Item* box = Item::makeBox(ip).release();
     box->setPackageName(m_firmwareBaseName);
+    box->noteSeen(QDateTime::currentDateTime());
     m_probes.forget(ip);
     m_newest[ip] = m_checks; // it has just answered: what began before that is out of date
     m_model.append(box, group, false);

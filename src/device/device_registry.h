@@ -30,6 +30,7 @@ public:
     ~DeviceRegistry() override;
 
     TreeModel& model() const { return m_model; }
+    const SweepSettings& settings() const { return m_settings; }
 
     /// Starts the endless search.
     void startSearch();
@@ -50,6 +51,8 @@ public:
     /// What a probe of the web page, or of the box's own interface, brought back.
     void handleWebPage(const QString& ip, const QString& page);
     void handleDeviceName(const QString& ip, const QString& name);
+    /// What the box at `ip` calls itself; an empty name says nothing.
+    void noteName(const QString& ip, const QString& name);
     /// Files a box under its group; does nothing for a known address or an empty name.
     void addDevice(const QString& ip, const QString& name);
 

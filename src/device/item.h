@@ -4,6 +4,7 @@
 #include "common/command_runner.h"
 #include "device/recording_download.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QPointer>
 #include <QProcess>
@@ -90,6 +91,12 @@ public:
     /// True when the box answered the last check; a new one counts as online.
     bool isOnline() const;
     void setOnline(bool online);
+    /// What the box calls itself, as it told last; empty while it is not known. One line.
+    QString name() const { return m_name; }
+    void setName(const QString& name);
+    /// When it last answered a check; invalid for one that never has.
+    QDateTime lastSeen() const { return m_lastSeen; }
+    void noteSeen(const QDateTime& now) { m_lastSeen = now; }
     QString macAddress() const { return m_macAddress; }
     void setMacAddress(const QString& mac);
     QString firmwareVersion() const;
@@ -187,6 +194,8 @@ private:
     QString m_address;
     QString m_title;
     QString m_macAddress;
+    QString m_name;
+    QDateTime m_lastSeen;
     CommandRunner m_runner;
     std::unique_ptr<RecordingDownload> m_download;
     int m_place = 0;

@@ -159,6 +159,12 @@ void Item::setOnline(bool online)
     setProperty(onlineName, online);
 }
 
+void Item::setName(const QString& name)
+{
+    constexpr int longest = 200;
+    m_name = name.left(longest).simplified();
+}
+
 void Item::setMacAddress(const QString& mac)
 {
     setProperty(macAddressName, mac);

@@ -22,12 +22,26 @@ const char* const textColour = "#e8eaed";
 const char* const dimTextColour = "#a9b0b8";
 
 constexpr int markWidth = 4;
+constexpr int besideGap = 12;
+constexpr int narrowestBeside = 24; // less than that says nothing
 /// Characters of a text; somebody may have made it of thousands, in letters of many fonts.
 constexpr int mostShown = 512;
 
 QColor colour(const char* name)
 {
     return QColor(QLatin1String(name));
+}
+
+/// Returns the width of what it has drawn.
+int drawLine(QPainter& painter, const QRect& rect, const char* name, const QString& text,
+             Qt::Alignment side = Qt::AlignLeft)
+{
+    // One line, whatever a box sends: line ends would push the text out of the row.
+    const QString line = painter.fontMetrics().elidedText(text.simplified().left(mostShown),
+                                                          Qt::ElideRight, rect.width());
+    painter.setPen(colour(name));
+    painter.drawText(rect, int(side | Qt::AlignVCenter) | Qt::TextSingleLine, line);
+    return painter.fontMetrics().horizontalAdvance(line);
 }
 
 QString iconName(Action action)
@@ -93,7 +107,7 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const RowZones zones(row, item, m_view->isExpanded(index));
     paintIcons(*painter, zones, selected || hovered);
     painter->setFont(option.font);
-    paintText(*painter, zones, item);
+    paintText(*painter, zones, item, selected || hovered);
     painter->restore();
 }
 
@@ -132,21 +146,32 @@ void TreeDelegate::paintIcon(QPainter& painter, const QRect& rect, const QString
     icon.paint(&painter, rect);
 }
 
-void TreeDelegate::paintText(QPainter& painter, const RowZones& zones, const Item& item) const
+void TreeDelegate::paintText(QPainter& painter, const RowZones& zones, const Item& item,
+                             bool active) const
 {
-    const auto draw = [&painter](const QRect& rect, const char* name, const QString& text) {
-        // One line, whatever a box sends: line ends would push the text out of the row.
-        const QString line = painter.fontMetrics().elidedText(text.simplified().left(mostShown),
-                                                              Qt::ElideRight, rect.width());
-        painter.setPen(colour(name));
-        painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, line);
-    };
     if (zones.content().isEmpty()) {
-        draw(zones.title(), textColour, item.displayText());
+        const int width = drawLine(painter, zones.title(), textColour, item.displayText());
+        paintBeside(painter, zones, item, width, active);
         return;
     }
-    draw(zones.title(), dimTextColour, item.title());
-    draw(zones.content(), textColour, item.content());
+    drawLine(painter, zones.title(), dimTextColour, item.title());
+    drawLine(painter, zones.content(), textColour, item.content());
+}
+
+/// A box's own name behind its address; at a group's right end how many of its boxes are there.
+void TreeDelegate::paintBeside(QPainter& painter, const RowZones& zones, const Item& item,
+                               int titleWidth, bool active) const
+{
+    const QRect rest = zones.title().adjusted(titleWidth + besideGap, 0, 0, 0);
+    // Dim on a lit row would be hard to read.
+    const char* const shade = active ? textColour : dimTextColour;
+    if (rest.width() < narrowestBeside)
+        return;
+    if (item.isDevice())
+        drawLine(painter, rest, shade, item.name());
+    else if (item.isGroup())
+        drawLine(painter, rest.adjusted(0, 0, -besideGap, 0), shade, TreeModel::groupCount(item),
+                 Qt::AlignRight);
 }
 
 bool TreeDelegate::editorEvent(QEvent* event, QAbstractItemModel*, const QStyleOptionViewItem&,

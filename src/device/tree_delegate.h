@@ -39,7 +39,9 @@ protected:
 private:
     void paintUpgrade(QPainter& painter, const QRect& row, const Item& item) const;
     void paintIcons(QPainter& painter, const RowZones& zones, bool active) const;
-    void paintText(QPainter& painter, const RowZones& zones, const Item& item) const;
+    void paintText(QPainter& painter, const RowZones& zones, const Item& item, bool active) const;
+    void paintBeside(QPainter& painter, const RowZones& zones, const Item& item, int titleWidth,
+                     bool active) const;
     void paintIcon(QPainter& painter, const QRect& rect, const QString& name) const;
 
     QTreeView* m_view;

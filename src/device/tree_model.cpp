@@ -140,6 +140,15 @@ QString TreeModel::zoneTip(const Item& item, Action zone)
     }
 }
 
+QString TreeModel::groupCount(const Item& group)
+{
+    int online = 0;
+    for (int row = 0; row < group.childCount(); ++row)
+        online += group.child(row)->isOnline() ? 1 : 0;
+    return online == group.childCount() ? QString::number(online)
+                                        : tr("%1/%2 在线").arg(online).arg(group.childCount());
+}
+
 QModelIndex TreeModel::index(int row, int column, const QModelIndex& parent) const
 {
     if (!hasIndex(row, column, parent))

@@ -50,6 +50,8 @@ public:
     void setHover(const QModelIndex& index, Action zone);
     /// The tooltip of one zone of an item, as plain text.
     static QString zoneTip(const Item& item, Action zone);
+    /// How many boxes a group has and, unless all are, how many of them are online.
+    static QString groupCount(const Item& group);
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex& child) const override;

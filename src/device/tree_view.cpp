@@ -139,7 +139,12 @@ void TreeView::R_customContextMenuRequested(QPoint pos)
     const QPointer<Item> item = TreeModel::itemAt(index);
     QMenu menu;
     QAction* copy = menu.addAction(tr("复制"));
-    QAction* restart = item->isKora() ? menu.addAction(tr("重启设备")) : nullptr;
+    emit menuWanted(&menu, item);
+    QAction* restart = nullptr;
+    if (item->isKora()) {
+        menu.addSeparator();
+        restart = menu.addAction(tr("重启设备"));
+    }
     const QAction* chosen = menu.exec(viewport()->mapToGlobal(pos));
     // The row may have left the list while the menu was open.
     if (!chosen || !item)

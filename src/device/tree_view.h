@@ -8,6 +8,7 @@
 #include <QTreeView>
 
 class Item;
+class QMenu;
 class TreeDelegate;
 class TreeModel;
 
@@ -44,6 +45,8 @@ signals:
     /// was clicked again; with null: none is, as none is highlighted. Null for the upgrade tick
     /// too.
     void S_ActionClicked(Action type, Item* itemObj);
+    /// The menu of `item` is about to show: who has more to offer adds it now. Null never.
+    void menuWanted(QMenu* menu, Item* item);
 
 public slots:
     void R_autoExTimer();

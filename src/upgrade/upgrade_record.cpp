@@ -2,6 +2,7 @@
 #include "upgrade/upgrade_record.h"
 
 #include "common/box_protocol.h"
+#include "common/csv.h"
 #include "upgrade/upgrade_judgement.h"
 
 #include <QCoreApplication>
@@ -80,33 +81,6 @@ QString seconds(const UpgradeRow& row, const QDateTime& now)
 {
     const qint64 ms = row.durationMs > 0 ? row.durationMs : row.started.msecsTo(now);
     return QString::number(double(qMax<qint64>(0, ms)) / 1000.0, 'f', 1);
-}
-
-/// Text of a box in a spreadsheet: a cell that begins like a formula is run, not shown.
-QString harmless(QString text)
-{
-    for (QChar& c : text) {
-        if (c.unicode() < 0x20 || c.unicode() == 0x7f)
-            c = QLatin1Char(' ');
-    }
-    const QString trimmed = text.trimmed();
-    if (!trimmed.isEmpty() && QStringLiteral("=+-@＝＋－＠").contains(trimmed.at(0)))
-        text.prepend(QLatin1Char('\''));
-    return text;
-}
-
-QString quoted(QString text)
-{
-    return QLatin1Char('"') + text.replace(QLatin1Char('"'), QStringLiteral("\"\"")) +
-           QLatin1Char('"');
-}
-
-QByteArray csvLine(const QStringList& texts)
-{
-    QStringList cells;
-    for (const QString& text : texts)
-        cells << quoted(harmless(text));
-    return cells.join(QLatin1Char(',')).toUtf8() + "\r\n";
 }
 
 /// The format of journals as written here: words. Journals without a format hold numbers.
@@ -325,22 +299,11 @@ QStringList UpgradeText::cells(const UpgradeSession& session, const UpgradeRow& 
 
 QByteArray UpgradeText::csv(const UpgradeSession& session, const QDateTime& now)
 {
-    QByteArray text = "\xEF\xBB\xBF";
+    QByteArray text = Csv::Beginning;
     if (session.interrupted)
-        text += csvLine({QCoreApplication::translate("UpgradeReport", "此批次升级曾被中断")});
-    text += csvLine(headers());
+        text += Csv::line({QCoreApplication::translate("UpgradeReport", "此批次升级曾被中断")});
+    text += Csv::line(headers());
     for (const UpgradeRow& row : session.rows)
-        text += csvLine(cells(session, row, now));
+        text += Csv::line(cells(session, row, now));
     return text;
-}
-
-QString UpgradeText::clipboardLine(const QStringList& texts)
-{
-    QStringList cells;
-    for (const QString& text : texts) {
-        const QString cell = harmless(text);
-        // Spreadsheets take the quotes around a cell off, and what stood in them for its content.
-        cells << (cell.contains(QLatin1Char('"')) ? quoted(cell) : cell);
-    }
-    return cells.join(QLatin1Char('\t'));
 }

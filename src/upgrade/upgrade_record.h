@@ -100,6 +100,4 @@ QString verdict(UpgradeRow::Verdict verdict);
 /// The whole report as a spreadsheet opens it: UTF-8 with byte order mark, every cell quoted, and
 /// no cell that a spreadsheet would take for a formula.
 QByteArray csv(const UpgradeSession& session, const QDateTime& now);
-/// Cells of a row as the clipboard takes them to a spreadsheet, harmless as those of csv().
-QString clipboardLine(const QStringList& texts);
 } // namespace UpgradeText

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/files.h"
 #include "tests/support/table.h"
+#include "common/csv.h"
 #include "upgrade/interrupted_batch.h"
 #include "upgrade/upgrade_journal.h"
 #include "upgrade/upgrade_judgement.h"
@@ -136,7 +137,7 @@ private slots:
         QVERIFY2(csv.contains("," + cell + ",\"KORA_1.2.0.623.dat\","), qPrintable(csv));
         // In the clipboard only what has to be is in quotes.
         const QString plain = note.contains('"') ? cell : cell.mid(1, cell.size() - 2);
-        QCOMPARE(UpgradeText::clipboardLine({"1", note}), "1\t" + plain);
+        QCOMPARE(Csv::clipboardLine({"1", note}), "1\t" + plain);
     }
 
     void csvHasOneLineABox()

@@ -172,12 +172,20 @@ void DeviceInfo::updateDevice(const HttpResult& result, const QString& value)
     Item* device = m_hub.devices.model().find(result.deviceIp);
     if (!device)
         return;
-    if (result.parameterName == BoxProtocol::FirmVersion) {
+    if (result.parameterName == BoxProtocol::DeviceName) {
+        m_hub.devices.noteName(result.deviceIp, value);
+    } else if (result.parameterName == BoxProtocol::FirmVersion) {
         device->setFirmwareVersion(value);
         emit deviceChanged();
     } else if (result.parameterName == BoxProtocol::MACAddress &&
                BoxProtocol::isMacAddress(value)) {
+        const bool isOther = !device->macAddress().isEmpty() && device->macAddress() != value;
         device->setMacAddress(value);
+        if (isOther) {
+            // A name that another box had here would be worse than none.
+            device->setName(QString());
+            read(result.deviceIp, BoxProtocol::DeviceName);
+        }
         emit macReported(result.deviceIp, value);
     }
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/upgrade/upgrade_report_dialog.h"
 
+#include "common/csv.h"
 #include "upgrade/upgrade_fleet.h"
 #include "upgrade/upgrade_journal.h"
 
@@ -206,7 +207,7 @@ void UpgradeReportDialog::copySelection() const
                 cells << cell->text();
         }
         if (!cells.isEmpty())
-            lines << UpgradeText::clipboardLine(cells);
+            lines << Csv::clipboardLine(cells);
     }
     if (!lines.isEmpty())
         QGuiApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));

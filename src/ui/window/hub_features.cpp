@@ -68,6 +68,9 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
                 form.device_list->ui.deviceView, nullptr)
     , wheelGuard({form.config_area, form.control_area})
     , deviceList(hub, form.device_list->ui)
+    , deviceFilter(hub, form.device_list->ui)
+    , deviceHint(new DeviceHint(form.device_list->ui.deviceView, options.sweep))
+    , deviceMenu(new DeviceMenu(hub, *form.device_list->ui.deviceView))
     , deviceInfo(hub, form.device_info->ui.infoView)
     , panel(hub,
             configurationParameters(form.config_area->ui, state) +
@@ -113,6 +116,7 @@ void Tarn_Hub::Features::connectRooms()
                      &QLabel::setText);
     QObject::connect(&monitor, &Monitor::recordClock, &record.watch(), &RecordWatch::hear);
     QObject::connect(&monitor, &Monitor::streamLost, &record.watch(), &RecordWatch::lose);
+    QObject::connect(&deviceFilter, &DeviceFilter::applied, deviceHint, &DeviceHint::refresh);
     QObject::connect(&deviceInfo, &DeviceInfo::deviceChanged, &deviceList, &DeviceList::repaint);
     // The engine corrects the row first, and hears from boxes by itself.
     QObject::connect(&deviceInfo, &DeviceInfo::macReported, &upgrade, &UpgradeFeatures::noteMac);

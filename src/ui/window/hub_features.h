@@ -9,8 +9,11 @@
 #include "ui/control/decode_control.h"
 #include "ui/control/encoder_control.h"
 #include "ui/control/live_control.h"
+#include "ui/devices/device_filter.h"
+#include "ui/devices/device_hint.h"
 #include "ui/devices/device_info.h"
 #include "ui/devices/device_list.h"
+#include "ui/devices/device_menu.h"
 #include "ui/devices/device_selection.h"
 #include "ui/devices/local_addresses.h"
 #include "ui/hub/busy.h"
@@ -68,6 +71,9 @@ struct Tarn_Hub::Features {
     DropAreas dropAreas;
     WheelGuard wheelGuard;
     DeviceList deviceList;
+    DeviceFilter deviceFilter;
+    DeviceHint* const deviceHint; // the list owns both
+    DeviceMenu* const deviceMenu;
     DeviceInfo deviceInfo;
     ParameterPanel panel;
     ConfigurationSave save;
