@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "common/csv.h"
 #include "tests/support/files.h"
 #include "tests/support/table.h"
-#include "common/csv.h"
 #include "upgrade/interrupted_batch.h"
 #include "upgrade/upgrade_journal.h"
 #include "upgrade/upgrade_judgement.h"
