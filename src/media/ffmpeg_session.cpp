@@ -48,26 +48,27 @@ void writeLibraryLine(void* context, int level, const char* format, va_list argu
         av_log_default_callback(context, level, format, arguments);
 }
 
-/// Whether this address cannot be opened here at all, whoever answers there.
+/// Whether this address cannot be opened here, or not by this user: asking again would change
+/// nothing, and may lock an account.
 bool isWrongAddress(int result)
 {
-    return result == AVERROR_PROTOCOL_NOT_FOUND || result == AVERROR(EACCES) ||
-           result == AVERROR(EINVAL);
-}
-
-/// Whether the server has said that it has no such thing, and not only that it has no time.
-bool isRefusal(int result)
-{
     switch (result) {
+    case AVERROR_PROTOCOL_NOT_FOUND:
+    case AVERROR(EACCES):
+    case AVERROR(EINVAL):
     case AVERROR_HTTP_BAD_REQUEST:
     case AVERROR_HTTP_UNAUTHORIZED:
     case AVERROR_HTTP_FORBIDDEN:
-    case AVERROR_HTTP_NOT_FOUND:
-    case AVERROR_HTTP_OTHER_4XX:
         return true;
     default:
         return false;
     }
+}
+
+/// Whether the server has no such thing.
+bool isUnknown(int result)
+{
+    return result == AVERROR_HTTP_NOT_FOUND || result == AVERROR_HTTP_OTHER_4XX;
 }
 
 } // namespace
@@ -130,7 +131,7 @@ bool FFmpegSession::openInput(const QString& url, MediaOptions::Origin origin)
     AVDictionary* options = nullptr;
     AVFormatContext* context = nullptr;
     int result = AVERROR(EACCES);
-    if (MediaOptions::fill(&options, url, origin))
+    if (MediaOptions::fill(&options, url, origin, m_lookUs))
         context = avformat_alloc_context();
     if (context) {
         m_gate.guard(context, url, origin);
@@ -143,7 +144,7 @@ bool FFmpegSession::openInput(const QString& url, MediaOptions::Origin origin)
     }
     // A recording that its box does not have is gone; a stream may only not be there yet.
     m_isRefused = m_isLocal || isWrongAddress(result) ||
-                  (origin == MediaOptions::Origin::Box && isRefusal(result));
+                  (origin == MediaOptions::Origin::Box && isUnknown(result));
     av_dict_free(&options);
     m_input.reset(context);
     if (!m_input)
@@ -190,6 +191,7 @@ bool FFmpegSession::openVideo()
     }
     if (m_video->size().isEmpty()) {
         writePlayerLine(QStringLiteral("find width height error"));
+        m_wantsLongLook = !m_isLocal && m_lookUs < MediaOptions::LongLookUs;
         return false;
     }
     describeVideo();
@@ -267,7 +269,7 @@ int FFmpegSession::read(AVPacket& packet)
 bool FFmpegSession::mayGrow() const
 {
     const int64_t counted = m_input->streams[m_videoStream]->nb_frames;
-    return counted <= 0 || m_pictures < counted;
+    return qstrncmp(m_input->iformat->name, "mov", 3) != 0 || counted <= 0 || m_pictures < counted;
 }
 
 bool FFmpegSession::isBroken(int result) const

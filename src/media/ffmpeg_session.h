@@ -39,17 +39,21 @@ public:
     /// Decoders that can do so leave out detail that no screen of this size could show; before
     /// open(). Without it, in pixels, pictures come in full.
     void setScreen(const QSize& size) { m_screen = size; }
+    /// open() looks at more of a stream.
+    void setLongLook() { m_lookUs = MediaOptions::LongLookUs; }
     /// Opens the source and its decoders and describes both in the debug stream. Once only. False,
     /// with the reason in the debug stream, when there is nothing to show.
     bool open(const QString& url, MediaOptions::Origin origin);
+    /// After open() has failed: whether a longer look at the stream may help.
+    bool wantsLongLook() const { return m_wantsLongLook; }
     /// After open() has failed: whether the same address may have something to show later.
     bool mayComeLater();
 
     /// Takes the next packet. FFmpeg's result code, negative when there is none; the next call
     /// tries again.
     int read(AVPacket& packet);
-    /// Whether the end of the data may not be the source's: not behind the last picture that its
-    /// header counts. Only who reads may ask.
+    /// Whether the end of the data may not be the source's: not behind the last picture that the
+    /// header of an MP4 file counts. Only who reads may ask.
     bool mayGrow() const;
     /// Whether that result means that the connection is gone, as opposed to the source's end.
     bool isBroken(int result) const;
@@ -102,6 +106,8 @@ private:
     int m_audioStream = -1;
     qint64 m_pictures = 0; // read
     QSize m_screen;
+    qint64 m_lookUs = MediaOptions::ShortLookUs;
+    bool m_wantsLongLook = false;
     bool m_isLocal = false;
     bool m_isRefused = false; // for good
 };

@@ -211,7 +211,10 @@ void FFmpegWidget::handleImage(int session, const QImage& image)
     updateImage(image);
     if (m_ffmpegThread)
         m_natural = m_ffmpegThread->shown().size();
-    if (state() != PictureState::State::Playing && state() != PictureState::State::Stopped)
+    const bool isOver = m_ffmpegThread && m_ffmpegThread->isAtEnd() &&
+                        state() == PictureState::State::Ended; // only in another size
+    if (!isOver && state() != PictureState::State::Playing &&
+        state() != PictureState::State::Stopped)
         showState(PictureState::State::Playing);
 }
 

@@ -84,9 +84,10 @@ void allow(AVDictionary** options, const QByteArray& protocols, const QByteArray
 
 /// A stream is shown as soon as it can be decoded. How many pictures a second it has is seen when
 /// they come: FFmpeg would look at twenty of them first.
-void fillQuick(AVDictionary** options)
+void fillQuick(AVDictionary** options, qint64 lookUs)
 {
     av_dict_set(options, "fpsprobesize", "0", 0);
+    av_dict_set_int(options, "analyzeduration", lookUs, 0);
 }
 
 void fillUsual(AVDictionary** options)
@@ -114,7 +115,7 @@ bool isRtsp(const QString& url)
     return scheme == QLatin1String("rtsp") || scheme == QLatin1String("rtsps");
 }
 
-bool fill(AVDictionary** options, const QString& url, Origin origin)
+bool fill(AVDictionary** options, const QString& url, Origin origin, qint64 lookUs)
 {
     if (isLocalFile(url)) {
         if (origin != Origin::Operator)
@@ -127,7 +128,7 @@ bool fill(AVDictionary** options, const QString& url, Origin origin)
     if (!way || (origin == Origin::Box && !way->fromBoxes))
         return false;
     fillUsual(options);
-    fillQuick(options);
+    fillQuick(options, lookUs);
     const bool isHttp = qstrncmp(way->scheme, "http", 4) == 0;
     if (origin == Origin::Operator && isHttp)
         allow(options, playlistProtocols, playlistFormats);

@@ -25,8 +25,14 @@ bool isLocalFile(const QString& url);
 /// Whether `url` is opened through RTSP.
 bool isRtsp(const QString& url);
 
+/// How much of a stream is looked at before it is opened, in microseconds: a stream may have
+/// promised sound that never comes. The long look is for one that was joined in between two key
+/// pictures, where the short one has not found out how large its pictures are.
+constexpr qint64 ShortLookUs = 1000000;
+constexpr qint64 LongLookUs = 10000000;
+
 /// Adds the entries for opening `url` to `options`, which the caller owns and frees. False, with
 /// nothing added, when a source of this origin is not opened at all.
-bool fill(AVDictionary** options, const QString& url, Origin origin);
+bool fill(AVDictionary** options, const QString& url, Origin origin, qint64 lookUs = ShortLookUs);
 
 } // namespace MediaOptions

@@ -59,13 +59,23 @@ Playback::Playback(PlaybackState& state, StopSignal& stop, Show show)
 
 Playback::~Playback() = default;
 
+bool Playback::openSession(const QString& url, MediaOptions::Origin origin, const QSize& screen)
+{
+    const bool isLongLook = m_session && m_session->wantsLongLook();
+    m_session = std::make_unique<FFmpegSession>([this] { return m_stop.isRequested(); });
+    m_session->setScreen(screen);
+    if (isLongLook)
+        m_session->setLongLook();
+    return m_session->open(url, origin);
+}
+
 bool Playback::open(const QString& url, MediaOptions::Origin origin, const QSize& screen)
 {
     m_pacing.start(av_gettime_relative());
-    m_session = std::make_unique<FFmpegSession>([this] { return m_stop.isRequested(); });
-    m_session->setScreen(screen);
     m_packet.reset(av_packet_alloc());
-    if (!m_packet || !m_session->open(url, origin)) {
+    const bool isOpen = openSession(url, origin, screen) ||
+                        (m_session->wantsLongLook() && openSession(url, origin, screen));
+    if (!m_packet || !isOpen) {
         m_isOverLimit = m_session->isOverLimit();
         return false;
     }
@@ -313,6 +323,9 @@ bool Playback::waitUntilDue()
     // A picture without room may find some until the next one is due. A film that is late loses
     // pictures only to a receiver that does not take them.
     const qint64 limit = m_seenUntil == m_seenFrom ? m_seenFrom + roomUs : m_seenUntil;
+    // A picture that is to be seen for long, as in a slide show, is no silence.
+    if (m_seenUntil > av_gettime_relative())
+        m_state.waitingSince = 0;
     while (m_isPending && !m_stop.isRequested() && av_gettime_relative() < limit) {
         m_stop.rest(roomPollUs);
         showPending();
@@ -346,10 +359,13 @@ void Playback::showHeldBack()
     while (!m_state.isAtEnd && waitUntilDue() && !m_isPending) {
         const std::optional<qint64> last = decoder.stampUs();
         m_state.isAtEnd = decoder.drain() < 0;
-        if (m_state.isAtEnd)
-            return;
+        const std::optional<qint64> stamp = decoder.stampUs();
+        if (m_state.isAtEnd || (m_behind && stamp && *stamp <= *m_behind))
+            continue;
+        if (stamp)
+            m_position = stamp;
         show();
-        const qint64 period = last ? decoder.stampUs().value_or(*last) - *last : 0;
+        const qint64 period = last && stamp ? *stamp - *last : 0;
         m_seenFrom = av_gettime_relative();
         m_seenUntil = qMax(m_seenFrom, m_seenUntil + qBound<qint64>(0, period, longestPeriodUs));
     }

@@ -53,6 +53,7 @@ public:
     Outcome step();
 
 private:
+    bool openSession(const QString& url, MediaOptions::Origin origin, const QSize& screen);
     void measure(const AVPacket& packet);
     Outcome stepFilm();
     Outcome stepLive();

@@ -187,6 +187,19 @@ private slots:
         QCOMPARE(m_widget->state(), State::Failed);
     }
 
+    void slideShowIsNoLostSignal()
+    {
+        m_widget->open(m_clips.make("slides.mp4",
+                                    "-f lavfi -i testsrc2=size=320x180:rate=1/4 -t 16 "
+                                    "-c:v libx264 -bf 0 -tune zerolatency"));
+        QTRY_COMPARE(m_widget->state(), State::Playing);
+        const auto* state = m_widget->findChild<PictureState*>("video_state");
+        for (int n = 0; n < 50; ++n) {
+            QTest::qWait(100);
+            QVERIFY(!state->isVisible());
+        }
+    }
+
     void saysThatTheSignalIsLost()
     {
         const QByteArray ts = readFile(m_clips.live());

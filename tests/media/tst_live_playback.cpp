@@ -180,6 +180,29 @@ private slots:
         QVERIFY2(numberOf(player.last) >= 99, qPrintable(QString::number(numberOf(player.last))));
     }
 
+    /// An encoder without a sound input announces its sound all the same.
+    void promisedSoundIsNotWaitedFor()
+    {
+        QByteArray film = readFile(countingFilm(m_clips, "silent.ts", "-tune zerolatency"));
+        constexpr int packet = 188;
+        for (int at = film.size() - packet; at >= 0; at -= packet) {
+            if ((uchar(film.at(at + 1)) & 0x1f) == 1 && uchar(film.at(at + 2)) == 1)
+                film.remove(at, packet);
+        }
+        const QVector<int> begins = picturesOf(film);
+        ScriptedServer server(TEST_BLOCK ".10", httpReply("video/mp2t", film.left(begins.at(1))));
+        Player player(server.url("http"));
+        QTRY_VERIFY_WITH_TIMEOUT(server.asked() == 1, 3000);
+        int sent = 1;
+        QTimer sender;
+        connect(&sender, &QTimer::timeout, &sender, [&] {
+            server.send(film.mid(begins.at(sent), begins.at(sent + 1) - begins.at(sent)));
+            sent = qMin(sent + 1, begins.size() - 2);
+        });
+        sender.start(40);
+        QTRY_VERIFY_WITH_TIMEOUT(player.pictures > 0, 4500);
+    }
+
     void comesBack()
     {
         const QByteArray film = readFile(m_clips.live());
