@@ -148,13 +148,14 @@ void DeviceRegistry::handleWebPage(const QString& ip, const QString& page)
 void DeviceRegistry::handleDeviceName(const QString& ip, const QString& name)
 {
     addDevice(ip, name.isEmpty() ? QString() : koraFamily());
-    noteName(ip, name);
+    if (!name.isEmpty())
+        noteName(ip, name);
 }
 
 void DeviceRegistry::noteName(const QString& ip, const QString& name)
 {
     Item* box = m_model.find(ip);
-    if (!box || name.isEmpty() || !box->isDevice())
+    if (!box || !box->isDevice())
         return;
     const QString before = box->name();
     box->setName(name);

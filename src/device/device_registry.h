@@ -51,7 +51,7 @@ public:
     /// What a probe of the web page, or of the box's own interface, brought back.
     void handleWebPage(const QString& ip, const QString& page);
     void handleDeviceName(const QString& ip, const QString& name);
-    /// What the box at `ip` calls itself; an empty name says nothing.
+    /// What the box at `ip` calls itself; empty: that is not known any more.
     void noteName(const QString& ip, const QString& name);
     /// Files a box under its group; does nothing for a known address or an empty name.
     void addDevice(const QString& ip, const QString& name);

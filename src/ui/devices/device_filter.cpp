@@ -20,12 +20,16 @@ DeviceFilter::DeviceFilter(const Hub& hub, Ui::DeviceArea& area) : QObject(hub.w
     const auto again = QOverload<>::of(&QTimer::start);
     connect(&hub.devices, &DeviceRegistry::changed, &m_again, again);
     connect(area.deviceView->treeModel(), &QAbstractItemModel::rowsInserted, &m_again, again);
+    connect(area.deviceView->treeModel(), &QAbstractItemModel::layoutChanged, &m_again, again);
+    connect(area.deviceView->selectionModel(), &QItemSelectionModel::selectionChanged, &m_again,
+            again);
     connect(area.deviceFilter, &QLineEdit::textChanged, this, &DeviceFilter::apply);
     connect(area.filterDevices, &QToolButton::toggled, this,
             [this](bool isOn) { isOn ? open() : close(); });
     auto* find = new QShortcut(QKeySequence::Find, hub.window);
     connect(find, &QShortcut::activated, this, &DeviceFilter::open);
     area.deviceFilter->installEventFilter(this);
+    area.deviceView->installEventFilter(this);
 }
 
 bool DeviceFilter::matches(const Item& box, const QString& words)
@@ -42,7 +46,7 @@ bool DeviceFilter::matches(const Item& box, const QString& words)
     if (box.isUpgrading())
         known << tr("升级中");
     const QString text = known.join(QLatin1Char('\n'));
-    const QStringList wanted = words.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QStringList wanted = words.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
     return std::all_of(wanted.begin(), wanted.end(), [&text](const QString& word) {
         return text.contains(word, Qt::CaseInsensitive);
     });
@@ -70,40 +74,59 @@ void DeviceFilter::apply()
 {
     TreeView& view = *m_area.deviceView;
     const TreeModel& model = *view.treeModel();
-    const QString words = m_area.deviceFilter->text();
+    const QString words = m_area.deviceFilter->text().simplified();
     for (int row = 0; row < model.root()->childCount(); ++row) {
         const Item& group = *model.root()->child(row);
-        const QModelIndex groupIndex = model.indexOf(&group);
-        bool isShown = false;
-        for (int n = 0; n < group.childCount(); ++n) {
-            const Item& box = *group.child(n);
-            const bool isKept =
-                matches(box, words) || view.selectionModel()->isSelected(model.indexOf(&box));
-            if (view.isRowHidden(n, groupIndex) == isKept)
-                view.setRowHidden(n, groupIndex, !isKept);
-            isShown |= isKept;
-        }
+        const bool isShown = applyToGroup(group, words);
         if (view.isRowHidden(row, {}) == isShown)
             view.setRowHidden(row, {}, !isShown);
+        if (isShown && !words.isEmpty())
+            view.expand(model.indexOf(&group));
     }
+    // From a hidden row the keys would lead to it.
+    const QModelIndex current = view.currentIndex();
+    if (current.isValid() && view.isRowHidden(current.row(), current.parent()))
+        view.selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
     emit applied();
 }
 
-/// The keys that lead out of the field: to what was found, or back to all.
+/// Whether any box of the group is in sight.
+bool DeviceFilter::applyToGroup(const Item& group, const QString& words)
+{
+    TreeView& view = *m_area.deviceView;
+    const TreeModel& model = *view.treeModel();
+    const QModelIndex parent = model.indexOf(&group);
+    bool isAnyKept = false;
+    for (int row = 0; row < group.childCount(); ++row) {
+        const Item& box = *group.child(row);
+        const bool isKept =
+            matches(box, words) || view.selectionModel()->isSelected(model.indexOf(&box));
+        if (view.isRowHidden(row, parent) == isKept)
+            view.setRowHidden(row, parent, !isKept);
+        isAnyKept |= isKept;
+    }
+    return isAnyKept;
+}
+
+/// The keys that lead out of the search: to what was found, or back to all.
 bool DeviceFilter::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() != QEvent::KeyPress)
         return QObject::eventFilter(watched, event);
+    const bool isField = watched == m_area.deviceFilter;
     switch (static_cast<QKeyEvent*>(event)->key()) {
     case Qt::Key_Escape:
+        if (m_area.device_filter_bar->isHidden())
+            return false;
         close();
         return true;
     case Qt::Key_Down:
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        m_area.deviceView->setFocus(Qt::OtherFocusReason);
-        return true;
+        if (isField)
+            m_area.deviceView->setFocus(Qt::OtherFocusReason);
+        return isField;
     default:
-        return QObject::eventFilter(watched, event);
+        return false;
     }
 }

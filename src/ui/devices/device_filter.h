@@ -13,9 +13,9 @@ namespace Ui
 class DeviceArea;
 }
 
-/// The field that narrows the device list to the boxes an operator looks for (Ctrl+F). A box that
-/// is highlighted stays in sight whatever is looked for, and no other can become highlighted:
-/// nothing is done to a box that nobody sees.
+/// The field that narrows the device list to the boxes an operator looks for (Ctrl+F). It never
+/// hides a box that is highlighted, and no hidden one can become highlighted: nothing is done to a
+/// box that the search has taken out of sight.
 class DeviceFilter : public QObject
 {
     Q_OBJECT
@@ -31,6 +31,8 @@ public:
     void open();
     /// Shows all boxes again, and puts the field away.
     void close();
+    /// What is known of boxes has changed, or the words for it have.
+    void lookAgain() { m_again.start(); }
 
 signals:
     /// Rows may have come into sight, or left it.
@@ -41,6 +43,7 @@ protected:
 
 private:
     void apply();
+    bool applyToGroup(const Item& group, const QString& words);
 
     Ui::DeviceArea& m_area;
     /// Many boxes come, and tell their names, within one turn of the event loop.

@@ -106,12 +106,15 @@ void DeviceHint::refresh()
     setVisible(!hasVisibleRows());
     if (isHidden()) {
         m_clock.stop();
+        m_searched.invalidate();
         return;
     }
-    if (!m_clock.isActive()) {
+    if (!m_clock.isActive())
         m_clock.start();
+    if (m_view->treeModel()->rowCount() > 0)
+        m_searched.invalidate();
+    else if (!m_searched.isValid())
         m_searched.start();
-    }
     const QStringList blocks = networks(m_settings, localAddresses());
     if (m_view->treeModel()->rowCount() > 0) {
         m_title->setText(tr("没有符合条件的设备"));

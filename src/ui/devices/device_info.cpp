@@ -183,7 +183,7 @@ void DeviceInfo::updateDevice(const HttpResult& result, const QString& value)
         device->setMacAddress(value);
         if (isOther) {
             // A name that another box had here would be worse than none.
-            device->setName(QString());
+            m_hub.devices.noteName(result.deviceIp, QString());
             read(result.deviceIp, BoxProtocol::DeviceName);
         }
         emit macReported(result.deviceIp, value);

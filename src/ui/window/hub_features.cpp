@@ -116,6 +116,11 @@ void Tarn_Hub::Features::connectRooms()
                      &QLabel::setText);
     QObject::connect(&monitor, &Monitor::recordClock, &record.watch(), &RecordWatch::hear);
     QObject::connect(&monitor, &Monitor::streamLost, &record.watch(), &RecordWatch::lose);
+    QObject::connect(&deviceInfo, &DeviceInfo::deviceChanged, &deviceFilter,
+                     &DeviceFilter::lookAgain);
+    QObject::connect(&deviceInfo, &DeviceInfo::macReported, &deviceFilter,
+                     &DeviceFilter::lookAgain);
+    QObject::connect(&language, &Language::chosen, &deviceFilter, &DeviceFilter::lookAgain);
     QObject::connect(&deviceFilter, &DeviceFilter::applied, deviceHint, &DeviceHint::refresh);
     QObject::connect(&deviceInfo, &DeviceInfo::deviceChanged, &deviceList, &DeviceList::repaint);
     // The engine corrects the row first, and hears from boxes by itself.
