@@ -194,7 +194,7 @@ private slots:
     void slowChangeOver()
     {
         const QString before = m_box->parameter("eParam_FirmVersion");
-        QVERIFY(m_box->addFault("ota-slow 400 times 2"));
+        QVERIFY(m_box->addFault("ota-slow 1500 times 2"));
         for (const char* order : {"reboot", "hxdec_off"}) { // the first ends it, the other does not
             QCOMPARE(upload(home, firmware(1000)).status(), "success");
             QCOMPARE(command(home, "ota").status(), "success");
