@@ -128,7 +128,8 @@ void tst_SparkHttp::limitsHold_data()
         return fileAnswer("body", "Set-Cookie: " + QByteArray(filling, 'c') + "\r\n");
     };
     const auto pieces = [](qint64 bytes) {
-        QByteArray reply = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+        QByteArray reply = "HTTP/1.1 200 OK\r\nConnection: close\r\n"
+                           "Transfer-Encoding: chunked\r\n\r\n";
         for (qint64 n = 0; n < bytes / 256; ++n)
             reply += "100\r\n" + QByteArray(256, 'x') + "\r\n";
         return QByteArray(reply + "0\r\n\r\n");
