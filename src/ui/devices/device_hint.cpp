@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/devices/device_hint.h"
 
+#include "device/sweep_plan.h"
 #include "device/tree_model.h"
 #include "device/tree_view.h"
 
@@ -18,15 +19,16 @@ constexpr int periodMs = 1000;
 constexpr qint64 patienceSeconds = 10;
 constexpr int mostNetworks = 4;
 
+/// The block, or the range, that a search from this address covers.
 QString networkOf(const QString& address)
 {
-    const QStringList numbers = address.split(QLatin1Char('.'));
-    if (numbers.size() != 4)
+    const QVector<SweepStep> runs = sweepRuns(address);
+    if (runs.isEmpty())
         return QString();
-    // Without a server that gives addresses a box may have any of this range.
-    if (address.startsWith(QLatin1String("169.254.")))
-        return QStringLiteral("169.254.0.0/16");
-    return QStringList(numbers.mid(0, 3)).join(QLatin1Char('.')) + QStringLiteral(".0/24");
+    const SweepStep& first = runs.first();
+    return runs.size() > 1
+               ? QStringLiteral("%1.%2.0.0/16").arg(first.ip1).arg(first.ip2)
+               : QStringLiteral("%1.%2.%3.0/24").arg(first.ip1).arg(first.ip2).arg(first.min);
 }
 
 QLabel* makeLabel(QWidget* parent)

@@ -4,7 +4,6 @@
 #include "common/box_protocol.h"
 #include "common/csv.h"
 #include "common/living_folder.h"
-#include "common/loose_thread.h"
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
@@ -23,6 +22,8 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
+
+#include <memory>
 
 namespace
 {
@@ -47,15 +48,14 @@ QString suggestedPath()
 
 } // namespace
 
-DeviceMenu::DeviceMenu(const Hub& hub, TreeView& view) : QObject(&view), m_hub(hub)
+DeviceMenu::DeviceMenu(const Hub& hub, TreeView& view)
+    : QObject(&view), m_hub(hub), m_disk(QStringLiteral("inventory"))
 {
     connect(&view, &TreeView::menuWanted, this, [this](QMenu* menu, Item* item) {
         if (item->isGroup() || item->isDevice())
             extend(*menu, *item);
     });
 }
-
-DeviceMenu::~DeviceMenu() = default;
 
 void DeviceMenu::extend(QMenu& menu, const Item& item)
 {
@@ -116,15 +116,13 @@ void DeviceMenu::exportInventory()
 
 void DeviceMenu::save(const QString& path)
 {
-    delete m_writer;
-    m_writer = new LooseThread(QStringLiteral("inventory"),
-                               [path, text = inventory(m_hub.devices.model())](
-                                   const std::atomic<bool>&) { return write(path, text); });
-    m_writer->setParent(this);
-    connect(m_writer, &LooseThread::done, this, [this, path](const QString& reason) {
-        const QString text = reason.isEmpty() ? tr("设备清单已保存到%1").arg(path)
-                                              : tr("无法保存设备清单: %1").arg(reason);
+    const auto reason = std::make_shared<QString>();
+    const auto work = [reason, path, text = inventory(m_hub.devices.model())] {
+        *reason = write(path, text);
+    };
+    m_disk.add(work, [this, reason, path] {
+        const QString text = reason->isEmpty() ? tr("设备清单已保存到%1").arg(path)
+                                               : tr("无法保存设备清单: %1").arg(*reason);
         messageBox::notify(text, m_hub.window);
     });
-    m_writer->start();
 }

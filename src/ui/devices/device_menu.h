@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "common/loose_queue.h"
 #include "ui/hub/hub.h"
 
 #include <QObject>
 
 class Item;
-class LooseThread;
 class QMenu;
 class TreeModel;
 class TreeView;
@@ -19,7 +19,6 @@ class DeviceMenu : public QObject
 
 public:
     DeviceMenu(const Hub& hub, TreeView& view);
-    ~DeviceMenu() override;
 
     /// All boxes as a table for spreadsheets, with a line of headings.
     static QByteArray inventory(const TreeModel& model);
@@ -32,6 +31,6 @@ private:
     void save(const QString& path);
 
     const Hub m_hub;
-    LooseThread* m_writer = nullptr;
+    LooseQueue m_disk;
     bool m_isChoosing = false;
 };
