@@ -6,6 +6,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QThread>
+#include <QTime>
 
 #include <algorithm>
 #include <cstdio>
@@ -123,6 +124,15 @@ int openFiles()
 int threadCount()
 {
     return int(QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
+}
+
+void note(const QString& text)
+{
+    QFile notes(qEnvironmentVariable("TARN_BENCH_NOTES"));
+    if (notes.fileName().isEmpty() || !notes.open(QIODevice::WriteOnly | QIODevice::Append))
+        return;
+    const QString time = QTime::currentTime().toString("HH:mm:ss.zzz");
+    notes.write(QString("%1 %2\n").arg(time, text).toUtf8());
 }
 
 void report(const char* name, double value, const char* unit, const char* wanted)

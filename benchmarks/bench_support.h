@@ -54,5 +54,8 @@ double processorSeconds();
 qint64 residentBytes();
 int openFiles();
 int threadCount();
+/// Notes something out of the ordinary, with the time, in the file that the environment's
+/// TARN_BENCH_NOTES names; nothing is noted without one. Processes share the file.
+void note(const QString& text);
 /// Prints "name: value unit (wanted: limit)".
 void report(const char* name, double value, const char* unit, const char* wanted);

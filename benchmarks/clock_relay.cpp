@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "benchmarks/clock_relay.h"
 
+#include "benchmarks/bench_support.h"
 #include "benchmarks/clock_picture.h"
 
 #include <QTcpSocket>
@@ -22,6 +23,7 @@ QString ClockRelay::listen(const QString& host)
         while (QTcpSocket* client = m_server.nextPendingConnection()) {
             QObject::connect(client, &QTcpSocket::disconnected, [this, client] {
                 m_clients.removeAll(client);
+                note("sender: a player has gone");
                 client->deleteLater();
             });
             QObject::connect(client, &QTcpSocket::readyRead, [this, client] { welcome(client); });
@@ -41,6 +43,7 @@ void ClockRelay::welcome(QTcpSocket* client)
     for (const Piece& piece : m_past)
         client->write(piece.packets);
     m_clients << client;
+    note("sender: a player has come");
 }
 
 void ClockRelay::send(const QByteArray& data)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "benchmarks/clock_sender.h"
 
+#include "benchmarks/bench_support.h"
 #include "benchmarks/clock_picture.h"
 #include "benchmarks/clock_relay.h"
 
@@ -24,6 +25,7 @@ constexpr int warmUpMs = 700;
 /// Being later than this, a sender's pictures go on from now; until the stream runs, at once.
 constexpr double catchUpMs = 1000;
 constexpr double startUpMs = 30;
+constexpr double noteLateMs = 200;
 
 int freePort()
 {
@@ -74,6 +76,8 @@ private:
             m_dueMs = now;
         if (now < m_dueMs)
             return;
+        if (now - m_dueMs > noteLateMs)
+            note(QString("sender: a picture is %1 ms late").arg(now - m_dueMs, 0, 'f', 0));
         process.write(ClockPicture::make(ClockPicture::nowMs(), m_number++));
         m_dueMs += m_periodMs;
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "benchmarks/live_lag.h"
 
+#include "benchmarks/bench_support.h"
 #include "benchmarks/clock_picture.h"
 #include "benchmarks/clock_sender.h"
 #include "benchmarks/playback_contestants.h"
@@ -24,6 +25,7 @@ constexpr int driftWatchSeconds = 5;
 constexpr int recordPpm = 100;
 constexpr int recordPeriodMs = 10000;
 constexpr int lateMs = 200;
+constexpr qint64 noteGapMs = 200;
 constexpr double never = std::numeric_limits<double>::infinity();
 
 /// What was seen of the clock on the screen for a while.
@@ -58,9 +60,14 @@ public:
     {
         Sight sight;
         for (qint64 now = ClockPicture::nowMs(), end = now + ms; now < end;) {
+            const qint64 before = now;
             const std::optional<int> code = PlaybackScreen::clockCode();
             now = ClockPicture::nowMs();
+            if (now - before > noteGapMs)
+                note(QString("watcher: looking took %1 ms").arg(now - before));
             if (code && code != m_last) {
+                if (now - m_changed > noteGapMs)
+                    note(QString("watcher: no new picture for %1 ms").arg(now - m_changed));
                 m_last = code;
                 sight.longestGapMs = std::max(sight.longestGapMs, now - m_changed);
                 m_changed = now;
@@ -140,6 +147,8 @@ bool recordDrift(int minutes, const QString& way, const QString& file)
     QFile record(file);
     if (!record.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
         qFatal("cannot write %s", qPrintable(file));
+    QFile::remove(file + ".notes");
+    qputenv("TARN_BENCH_NOTES", QFile::encodeName(file + ".notes"));
     const ClockSender sender({way, recordPpm, 0});
     const PlayerProcess process(Contestants::forLive().first().playing(sender.address()));
     ClockWatch watch;

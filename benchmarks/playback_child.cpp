@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 #include <unistd.h>
 
 namespace
@@ -59,6 +60,41 @@ private:
     qint64 m_longestNs = 0;
 };
 
+/// Notes what the player says that it does, and when its window stands still.
+class StateNotes
+{
+public:
+    explicit StateNotes(const FFmpegWidget* widget) : m_widget(widget)
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, [this] { look(); });
+        m_clock.start();
+        m_timer.start(lookMs);
+    }
+
+private:
+    static constexpr int lookMs = 20;
+    static constexpr int longMs = 200;
+
+    void look()
+    {
+        const qint64 ms = m_clock.restart();
+        if (ms > longMs)
+            note(QString("player: the window stood still for %1 ms").arg(ms));
+        const auto state = m_widget->state();
+        if (m_state != state) {
+            note(QString("player: state %1, %2 pictures dropped")
+                     .arg(int(state))
+                     .arg(m_widget->droppedPictures()));
+        }
+        m_state = state;
+    }
+
+    const FFmpegWidget* m_widget;
+    std::optional<PictureState::State> m_state;
+    QElapsedTimer m_clock;
+    QTimer m_timer;
+};
+
 class Child
 {
 public:
@@ -89,6 +125,7 @@ int playOnce(const QString& source, bool report)
             qApp->quit();
     });
     watch.start(50);
+    StateNotes notes(&child.widget);
     QTimer sampler;
     QObject::connect(&sampler, &QTimer::timeout, [&] { memory << residentKb(); });
     if (report) {

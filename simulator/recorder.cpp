@@ -3,13 +3,15 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTimer>
 
 namespace sim
 {
 namespace
 {
-constexpr qint64 shortestMs = 1000;
+constexpr qint64 shortestMs = 1000; // of pictures
+constexpr int lookMs = 50;
 constexpr int longestSeconds = 3600;
 } // namespace
 
@@ -32,7 +34,11 @@ void Recorder::start(const QString& path, const QString& title)
         if (error == QProcess::FailedToStart)
             conclude(false);
     });
+    connect(m_ffmpeg.get(), &QProcess::readyReadStandardOutput, this, &Recorder::readProgress);
+    m_picturesSince = 0;
     m_ffmpeg->startWith(testPictureArguments(title, true)
+                        << QStringLiteral("-progress") << QStringLiteral("pipe:1")
+                        << QStringLiteral("-stats_period") << QStringLiteral("0.1")
                         << QStringLiteral("-t") << QString::number(longestSeconds) << path);
 }
 
@@ -41,8 +47,26 @@ void Recorder::finish()
     if (m_state != State::Running)
         return;
     m_state = State::Finishing;
-    const qint64 early = qMax<qint64>(0, shortestMs - elapsedMs());
-    QTimer::singleShot(int(early), m_ffmpeg.get(), [this] { m_ffmpeg->terminate(); });
+    endWhenLongEnough();
+}
+
+void Recorder::endWhenLongEnough()
+{
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    if (m_picturesSince != 0 && now - m_picturesSince >= shortestMs)
+        m_ffmpeg->terminate();
+    else
+        QTimer::singleShot(lookMs, m_ffmpeg.get(), [this] { endWhenLongEnough(); });
+}
+
+/// On a busy computer FFmpeg needs seconds to its first picture.
+void Recorder::readProgress()
+{
+    static const QRegularExpression somePictures(QStringLiteral("^frame=\\s*[1-9]"),
+                                                 QRegularExpression::MultilineOption);
+    const QString text = QString::fromLatin1(m_ffmpeg->readAllStandardOutput());
+    if (m_picturesSince == 0 && somePictures.match(text).hasMatch())
+        m_picturesSince = QDateTime::currentMSecsSinceEpoch();
 }
 
 void Recorder::abort()

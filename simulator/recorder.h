@@ -26,7 +26,7 @@ public:
     /// Begins; state() goes to Starting, then to Running or Failed.
     void start(const QString& path, const QString& title);
     /// Completes the file; state() goes to Finishing, then to Idle (the file is good) or Failed.
-    /// A recording lasts at least about a second: sooner FFmpeg has no file to finish.
+    /// A recording has at least about a second of pictures: sooner FFmpeg has no file to finish.
     void finish();
     /// Ends at once, as when the power fails; the file is lost.
     void abort();
@@ -42,11 +42,14 @@ signals:
 private:
     void conclude(bool good);
     void ended(int exitCode, QProcess::ExitStatus status);
+    void readProgress();
+    void endWhenLongEnough();
 
     std::unique_ptr<FfmpegProcess> m_ffmpeg;
     QString m_path;
     std::atomic<State> m_state{State::Idle};
     std::atomic<qint64> m_startedAt{0}; // ms since the epoch, 0: not recording
+    qint64 m_picturesSince = 0;         // ms since the epoch, 0: none yet
 };
 
 } // namespace sim
