@@ -915,6 +915,14 @@
       <translation>Switch between picture and stream information</translation>
     </message>
     <message>
+      <source>收起或展开右侧面板 (F12)</source>
+      <translation>Fold or unfold the right-hand panels (F12)</translation>
+    </message>
+    <message>
+      <source>收起右侧面板</source>
+      <translation>Fold the right-hand panels away</translation>
+    </message>
+    <message>
       <source>全屏 (F11)</source>
       <translation>Full screen (F11)</translation>
     </message>

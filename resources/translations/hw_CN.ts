@@ -912,6 +912,14 @@
       <translation>화면과 스트림 정보 사이를 전환</translation>
     </message>
     <message>
+      <source>收起或展开右侧面板 (F12)</source>
+      <translation>오른쪽 패널 접기/펼치기 (F12)</translation>
+    </message>
+    <message>
+      <source>收起右侧面板</source>
+      <translation>오른쪽 패널 접기</translation>
+    </message>
+    <message>
       <source>全屏 (F11)</source>
       <translation>전체 화면 (F11)</translation>
     </message>

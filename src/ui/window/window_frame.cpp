@@ -24,6 +24,7 @@ WindowFrame::WindowFrame(Ui::Tarn_Hub& form, QWidget* window)
     form.main_splitter->setStretchFactor(1, 1);
     form.main_splitter->setStretchFactor(3, 1);
     form.monitor_splitter->setStretchFactor(0, 1);
+    connect(form.monitor_top->ui.fold_panels, &QToolButton::toggled, this, &WindowFrame::arrange);
 }
 
 /// As large as the panes want, and no larger than the screen.
@@ -60,7 +61,6 @@ void WindowFrame::showStart()
 {
     Ui::MonitorArea& monitor = m_form.monitor_top->ui;
     m_form.device_list->ui.expand->hide();
-    monitor.colsefull->hide();
     monitor.label_wait->setMovie(m_logo);
     m_logo->start();
     // Nobody sees it move on another page, and it would cost more than the rest of the window.
@@ -75,33 +75,30 @@ void WindowFrame::showStart()
 
 void WindowFrame::showNothingSelected()
 {
-    m_form.middle_widget->show();
-    m_form.monitor_bottom->hide();
-    m_form.right_widget->hide();
-    m_form.web_widget->hide();
+    m_shown = Shown::Nothing;
+    arrange();
 }
 
 void WindowFrame::showKora(const Item& box)
 {
-    const bool upgrading = box.isUpgrading();
     setCaptions(box.combinedLabel());
-    m_form.monitor_bottom->setVisible(!upgrading);
-    if (upgrading)
+    m_shown = Shown::Kora;
+    m_showsInfo = true;
+    m_isWaiting = box.isUpgrading();
+    if (m_isWaiting)
         showWaiting();
     else
         showMonitorPage();
-    m_form.middle_widget->show();
-    m_form.right_widget->show();
-    m_form.device_info->show();
     m_webPane->setUrl(QString());
-    m_form.web_widget->hide();
+    arrange();
 }
 
 void WindowFrame::showWaiting()
 {
     Ui::MonitorArea& monitor = m_form.monitor_top->ui;
     monitor.stackedWidget->setCurrentWidget(monitor.page_wait);
-    m_form.monitor_bottom->hide();
+    m_isWaiting = true;
+    arrange();
 }
 
 void WindowFrame::showMonitorPage()
@@ -113,11 +110,27 @@ void WindowFrame::showMonitorPage()
 
 void WindowFrame::showWebPage(const QString& url)
 {
-    m_form.middle_widget->hide();
-    m_form.right_widget->hide();
-    m_form.device_info->hide();
+    m_shown = Shown::WebPage;
+    m_showsInfo = false;
     m_webPane->setUrl(url);
-    m_form.web_widget->show();
+    arrange();
+}
+
+void WindowFrame::arrange()
+{
+    Ui::MonitorArea& monitor = m_form.monitor_top->ui;
+    const bool kora = m_shown == Shown::Kora;
+    const bool web = m_shown == Shown::WebPage;
+    m_form.left_splitter->setVisible(!m_isFull);
+    m_form.device_info->setVisible(m_showsInfo);
+    m_form.middle_widget->setVisible(!web);
+    m_form.monitor_bottom->setVisible(kora && !m_isWaiting && !m_isFull);
+    m_form.right_widget->setVisible(kora && !monitor.fold_panels->isChecked() && !m_isFull);
+    m_form.web_widget->setVisible(web);
+    monitor.fold_panels->setVisible(!m_isFull);
+    monitor.fold_panels->setEnabled(kora);
+    monitor.full->setVisible(!m_isFull);
+    monitor.colsefull->setVisible(m_isFull);
 }
 
 /// The name of the selected box in the title of every area.
@@ -133,30 +146,20 @@ void WindowFrame::setCaptions(const QString& text)
 
 void WindowFrame::setFullScreen(bool on)
 {
-    if (on == m_window->isFullScreen())
+    // The window manager may have ended it meanwhile.
+    if (on == m_isFull && on == m_window->isFullScreen())
         return;
-    Ui::MonitorArea& monitor = m_form.monitor_top->ui;
-    monitor.full->setVisible(!on);
-    monitor.colsefull->setVisible(on);
-    if (on) {
+    m_isFull = on;
+    if (on)
         m_wasMaximized = m_window->isMaximized();
-        for (QWidget* pane :
-             std::initializer_list<QWidget*>{m_form.left_splitter, m_form.right_widget,
-                                             m_form.monitor_bottom, m_form.web_widget}) {
-            if (!pane->isHidden())
-                m_hiddenPanes << pane;
-            pane->hide();
-        }
+    arrange();
+    if (on) {
         m_window->showFullScreen();
         // Escape leads back, whatever had the keyboard.
-        monitor.video_widget->setFocus();
-        return;
-    }
-    for (QWidget* pane : qAsConst(m_hiddenPanes))
-        pane->show();
-    m_hiddenPanes.clear();
-    if (m_wasMaximized)
+        m_form.monitor_top->ui.video_widget->setFocus();
+    } else if (m_wasMaximized) {
         m_window->showMaximized();
-    else
+    } else {
         m_window->showNormal();
+    }
 }

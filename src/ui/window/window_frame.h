@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QObject>
-#include <QVector>
 
 class Item;
 class QMovie;
@@ -41,6 +40,11 @@ public:
     void setFullScreen(bool on);
 
 private:
+    enum class Shown { Nothing, Kora, WebPage };
+
+    /// Shows and hides the panes as everything below says. The operator may have folded those on
+    /// the right away, for a larger picture.
+    void arrange();
     void setCaptions(const QString& text);
     void sizeWindow();
     void fixSplitter(QSplitter* splitter);
@@ -49,7 +53,9 @@ private:
     QWidget* m_window;
     WebPane* m_webPane;
     QMovie* m_logo;
-    /// Panes that full screen hid and that come back with it.
-    QVector<QWidget*> m_hiddenPanes;
+    Shown m_shown = Shown::Nothing;
+    bool m_showsInfo = true;
+    bool m_isWaiting = false; ///< the selected box is being upgraded
+    bool m_isFull = false;
     bool m_wasMaximized = false;
 };

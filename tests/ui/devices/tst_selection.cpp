@@ -75,6 +75,28 @@ private slots:
             QCOMPARE(told(*lan().find(ip(other))), QStringList());
     }
 
+    /// For a larger picture, until the operator wants them back; full screen changes nothing of it.
+    void panelsFoldAway()
+    {
+        gesture("left 1");
+        auto* panels = child<QWidget>("right_widget");
+        auto* picture = child<QWidget>("video_widget");
+        const int width = panels->width();
+        const int narrow = picture->width();
+        window().activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window()));
+        QTest::keyClick(&window(), Qt::Key_F12);
+        QTRY_VERIFY(!panels->isVisible() && picture->width() >= narrow + width);
+        gesture("left 2");
+        QTest::keyClick(&window(), Qt::Key_F11);
+        QTRY_VERIFY(window().isFullScreen());
+        QTest::keyClick(&window(), Qt::Key_F12);
+        QTest::keyClick(&window(), Qt::Key_F11);
+        QTRY_VERIFY(!window().isFullScreen() && !panels->isVisible());
+        QTest::keyClick(&window(), Qt::Key_F12);
+        QTRY_VERIFY(panels->isVisible() && panels->width() == width && picture->width() == narrow);
+    }
+
     void goneRowsAddressNothing()
     {
         gesture("left 1");
