@@ -250,8 +250,8 @@ void tst_Recordings::everyChosenFolderGetsTheFile()
 {
     const QTemporaryDir first;
     const QTemporaryDir second;
-    m_box->addRecording("slow.mp4", QByteArray(150000, 's'));
-    QVERIFY(m_box->addFault("throttle 150000 on media"));
+    m_box->addRecording("slow.mp4", QByteArray(600000, 's'));
+    QVERIFY(m_box->addFault("throttle 120000 on media"));
     clickRow(7);
     QTRY_COMPARE(titles(), QStringList("slow.mp4"));
     DialogAnswerer answers(Qt::Key_Escape);
@@ -261,7 +261,7 @@ void tst_Recordings::everyChosenFolderGetsTheFile()
         QTRY_COMPARE(filesIn(folder->path()), QStringList("slow.mp4.part"));
     }
     for (const QTemporaryDir* folder : {&first, &second})
-        QTRY_COMPARE(filesIn(folder->path()), QStringList("slow.mp4"));
+        QTRY_COMPARE_WITH_TIMEOUT(filesIn(folder->path()), QStringList("slow.mp4"), 20000);
     QTRY_VERIFY(!child<QWidget>("downloads")->isVisible());
 }
 
@@ -344,7 +344,7 @@ void tst_Recordings::downloadsWaitForTheirTurn()
 void tst_Recordings::downloadsIntoTheChosenFolder()
 {
     const QTemporaryDir folder;
-    m_box->addRecording("slow.mp4", QByteArray(150000, 's'));
+    m_box->addRecording("slow.mp4", QByteArray(500000, 's'));
     m_box->addRecording("gone.mp4", "x");
     clickRow(7);
     QTRY_COMPARE(titles(), QStringList({"gone.mp4", "slow.mp4"}));
@@ -359,11 +359,11 @@ void tst_Recordings::downloadsIntoTheChosenFolder()
 
     QTRY_COMPARE(answers.texts(), QStringList("文件[gone.mp4]下载失败: 设备上没有此文件"));
     QVERIFY(downloads->isVisible());
-    QTRY_COMPARE_WITH_TIMEOUT(answers.texts().size(), 2, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(answers.texts().size(), 2, 20000);
     QCOMPARE(answers.texts().last(), QString("下载完成,是否前往文件所在文件夹?"));
     QVERIFY(!downloads->isVisible());
     QCOMPARE(filesIn(folder.path()), QStringList("slow.mp4"));
-    QCOMPARE(QFileInfo(folder.path() + "/slow.mp4").size(), qint64(150000));
+    QCOMPARE(QFileInfo(folder.path() + "/slow.mp4").size(), qint64(500000));
 }
 
 void tst_Recordings::rowsThatGoDuringAQuestion()
