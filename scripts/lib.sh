@@ -17,6 +17,7 @@ packages_for() {
     checking) echo clang-format clang-tidy g++-mingw-w64-x86-64-posix shellcheck ;;
     clang) echo clang libclang-rt-dev llvm ;;
     testing) echo lldb openssl ;;
+    gallery) echo imagemagick ;;
     packaging) echo appstream desktop-file-utils dpkg-dev file lintian ;;
     *) die "no packages are listed for $1" ;;
     esac

@@ -18,7 +18,7 @@ inline const QString selectedBox = "127.77.0.11";
 /// One stop: shows one thing that the program does, and looks whether it is there.
 struct Stop {
     const char* name;
-    bool (*visit)(Tour&);
+    std::function<bool(Tour&)> visit;
 };
 
 /// Drives the window as an operator does, with mouse and keys, waits for what an operator waits for

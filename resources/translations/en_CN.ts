@@ -1327,6 +1327,21 @@ Close the program?</translation>
     </message>
   </context>
   <context>
+    <name>StorageHint</name>
+    <message>
+      <source>正在读取录制文件…</source>
+      <translation>Reading recordings…</translation>
+    </message>
+    <message>
+      <source>此设备上没有录制文件.</source>
+      <translation>No recordings on this box.</translation>
+    </message>
+    <message>
+      <source>录制文件未能读取.</source>
+      <translation>The recordings could not be read.</translation>
+    </message>
+  </context>
+  <context>
     <name>ToolNotice</name>
     <message>
       <source>未找到 fping,无法发现设备. 请安装 fping 或重新安装本软件.</source>

@@ -1324,6 +1324,21 @@
     </message>
   </context>
   <context>
+    <name>StorageHint</name>
+    <message>
+      <source>正在读取录制文件…</source>
+      <translation>녹화 파일을 읽는 중…</translation>
+    </message>
+    <message>
+      <source>此设备上没有录制文件.</source>
+      <translation>이 장치에는 녹화 파일이 없습니다.</translation>
+    </message>
+    <message>
+      <source>录制文件未能读取.</source>
+      <translation>녹화 파일을 읽지 못했습니다.</translation>
+    </message>
+  </context>
+  <context>
     <name>ToolNotice</name>
     <message>
       <source>未找到 fping,无法发现设备. 请安装 fping 或重新安装本软件.</source>

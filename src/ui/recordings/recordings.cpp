@@ -12,6 +12,7 @@
 #include "ui/hub/orders.h"
 #include "ui/recordings/file_type.h"
 #include "ui/recordings/list_widget.h"
+#include "ui/recordings/storage_hint.h"
 #include "widgets/message_box.h"
 
 #include <QAbstractButton>
@@ -59,7 +60,11 @@ QString nameOf(const Item& box)
 } // namespace
 
 Recordings::Recordings(const Hub& hub, ListWidget& list, const Player& player)
-    : QObject(nullptr), m_hub(hub), m_list(list), m_player(player)
+    : QObject(nullptr)
+    , m_hub(hub)
+    , m_list(list)
+    , m_hint(*new StorageHint(&list))
+    , m_player(player)
 {
     m_tellFailedDeletes.setSingleShot(true);
     m_tellFailedDeletes.setInterval(300);
@@ -84,6 +89,7 @@ void Recordings::showBox(const QString& ip)
     if (ip == m_listedIp)
         return;
     m_listedIp = ip;
+    m_hint.setReason(StorageHint::Reason::Reading);
     m_list.clearEntries();
 }
 
@@ -111,9 +117,14 @@ void Recordings::noteMac(const QString& ip, const QString& mac)
 
 void Recordings::handleReply(const HttpResult& result)
 {
-    if (result.deviceIp != m_hub.state.deviceIp() || result.value.type() != QVariant::List)
+    if (result.deviceIp != m_hub.state.deviceIp())
         return;
+    if (result.value.type() != QVariant::List) {
+        m_hint.setReason(StorageHint::Reason::NotRead);
+        return;
+    }
     m_listedIp = result.deviceIp;
+    m_hint.setReason(StorageHint::Reason::NoRecordings);
     m_list.clearEntries();
     const QVariantList names = result.value.toList();
     const Item* box = m_hub.devices.model().find(result.deviceIp);

@@ -14,6 +14,7 @@
 class FFmpegWidget;
 class Item;
 class ListWidget;
+class StorageHint;
 class QAbstractButton;
 class QLabel;
 class QListWidgetItem;
@@ -76,6 +77,7 @@ private:
 
     const Hub m_hub;
     ListWidget& m_list;
+    StorageHint& m_hint; ///< of the list
     const Player m_player;
     QString m_playing; ///< the address that plays, empty: none
     QString m_listedIp;

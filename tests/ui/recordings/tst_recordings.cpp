@@ -83,11 +83,19 @@ void tst_Recordings::otherBoxClearsTheList()
     clickRow(8);
     // Whatever the box does: the other's recordings are not taken for its own.
     QTRY_COMPARE(titles(), QStringList());
+    // An empty list says why it is empty.
+    const auto* hint = child<QLabel>("storage_hint");
+    QVERIFY(hint->isVisible());
+    QCOMPARE(hint->text(), QString("正在读取录制文件…"));
+    QTRY_COMPARE(hint->text(), QString("录制文件未能读取."));
     m_other->clearFaults();
+    clickRow(8);
+    QTRY_COMPARE(hint->text(), QString("此设备上没有录制文件."));
 
     // Nor those of the box that had this address before.
     clickRow(7);
     QTRY_COMPARE(titles(), QStringList("a.mp4"));
+    QVERIFY(!hint->isVisible());
     const QString mac = m_box->parameter("eParam_MACAddress");
     m_box->setParameter("eParam_MACAddress", "02:00:00:00:00:01");
     m_box->removeRecording("a.mp4");
