@@ -165,6 +165,7 @@ void setui::on_radioButton_Listener_toggled(bool checked)
     m_ui->caption_url->setVisible(!checked);
     if (!isVisible())
         return;
-    adjustSize();
+    // As high as it has to be; the width stays, so that no button moves sideways under the mouse.
+    resize(width(), sizeHint().height());
     (m_ui->stream_url->text().isEmpty() ? m_ui->stream_url : m_ui->srt_port)->setFocus();
 }

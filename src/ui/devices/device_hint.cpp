@@ -109,6 +109,8 @@ void DeviceHint::refresh()
     if (isHidden()) {
         m_clock.stop();
         m_searched.invalidate();
+        for (QLabel* label : {m_title, m_detail})
+            label->clear(); // no words of another language
         return;
     }
     if (!m_clock.isActive())
