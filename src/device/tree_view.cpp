@@ -301,14 +301,25 @@ bool TreeView::viewportEvent(QEvent* event)
 
 void TreeView::showTip(const QModelIndex& index, const QPoint& globalPos)
 {
-    const QString text = m_model->data(index, Qt::ToolTipRole).toString();
+    QStringList lines = {m_model->data(index, Qt::ToolTipRole).toString()};
+    // An icon's tooltip is about the icon.
+    if (index.isValid() && !isOwnAction(m_hoverZone))
+        emit tipWanted(&lines, TreeModel::itemAt(index));
+    const QString text = lines.join(QLatin1Char('\n'));
     if (text.isEmpty()) {
         QToolTip::hideText();
         return;
     }
+    m_tipPos = globalPos;
     // A tooltip guesses whether its text is markup; text from a box must never be.
     QToolTip::showText(globalPos,
                        QStringLiteral("<span style=\"white-space:pre-wrap\">") +
                            text.toHtmlEscaped() + QStringLiteral("</span>"),
                        viewport());
+}
+
+void TreeView::refreshTip()
+{
+    if (m_hoverRow.isValid() && QToolTip::isVisible())
+        showTip(m_hoverRow, m_tipPos);
 }

@@ -35,6 +35,9 @@ public:
     void setUpgradeTick(int ms) { m_upgradeTimer.setInterval(ms); }
     bool isUpgradeTickRunning() const { return m_upgradeTimer.isActive(); }
 
+    /// The tooltip under the mouse, if one shows, has more to say, or less.
+    void refreshTip();
+
     /// While a file is dragged over the list: `pos` in the viewport. A collapsed group under it
     /// opens after a moment, and the list scrolls near its edges.
     void dragHovers(const QPoint& pos);
@@ -47,6 +50,8 @@ signals:
     void S_ActionClicked(Action type, Item* itemObj);
     /// The menu of `item` is about to show: who has more to offer adds it now. Null never.
     void menuWanted(QMenu* menu, Item* item);
+    /// The tooltip of `item`, never null, is about to show: who has more to say adds lines now.
+    void tipWanted(QStringList* lines, const Item* item);
 
 public slots:
     void R_autoExTimer();
@@ -94,6 +99,7 @@ private:
     QPoint m_dragPos;
     Action m_hoverZone = Action::None;
     QPersistentModelIndex m_hoverRow;
+    QPoint m_tipPos;
     QPointer<Item> m_addressed;
     bool m_isAddressing = false; ///< the last box told has not been taken back
     bool m_isTold = false;       ///< since the mouse was pressed

@@ -13,7 +13,7 @@ constexpr quint16 mediaPort = 8002;
 
 } // namespace
 
-EventSocket::EventSocket(quint16 port, QThread& network) : m_feed(new EventFeed(port))
+EventSocket::EventSocket(quint16 port, QThread& network) : m_port(port), m_feed(new EventFeed(port))
 {
     m_feed->moveToThread(&network);
     connect(&network, &QThread::finished, m_feed, &QObject::deleteLater);

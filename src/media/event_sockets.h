@@ -25,6 +25,7 @@ public:
     /// Its connection lives on `network`, and ends with that.
     EventSocket(quint16 port, QThread& network);
 
+    quint16 port() const { return m_port; }
     /// Leaves the box it was pointed at and connects to the one at `ip`.
     void connectTo(const QString& ip);
 
@@ -35,6 +36,7 @@ signals:
     void reconnecting(const QString& url);
 
 private:
+    const quint16 m_port;
     EventFeed* m_feed;
     int m_turn = 0;
 };

@@ -19,6 +19,12 @@ Monitor::Monitor(const Hub& hub, Ui::MonitorArea& area)
     connect(&m_events, &EventSockets::recordTime, this, &Monitor::recordTime);
     connect(&m_events, &EventSockets::recordClock, this, &Monitor::recordClock);
     connect(&m_events.stream(), &EventSocket::reconnecting, this, &Monitor::streamLost);
+    for (EventSocket* feed : {&m_events.stream(), &m_events.media()}) {
+        connect(feed, &EventSocket::connected, this,
+                [this, feed] { emit feedChanged(feed->port(), true); });
+        connect(feed, &EventSocket::reconnecting, this,
+                [this, feed] { emit feedChanged(feed->port(), false); });
+    }
     connect(&hub.state, &HubState::koraSelected, this,
             [this](const Item& box) { m_events.connectTo(box.address()); });
 }

@@ -32,6 +32,8 @@ signals:
     void recordClock(qint64 ms);
     /// Its stream feed is gone, or could not be reached.
     void streamLost();
+    /// Its feed at `port` stands, or is gone; the latter at every try to get it back.
+    void feedChanged(quint16 port, bool isConnected);
 
 private:
     const QWidget* m_window;
