@@ -401,6 +401,73 @@
     </message>
   </context>
   <context>
+    <name>DeviceAbsence</name>
+    <message>
+      <source>无应答</source>
+      <translation>No answer</translation>
+    </message>
+    <message>
+      <source>拒绝连接</source>
+      <translation>Refuses connections</translation>
+    </message>
+    <message>
+      <source>可以连接,但没有完整应答</source>
+      <translation>Open, but no complete reply</translation>
+    </message>
+    <message>
+      <source>应答错误: HTTP %1</source>
+      <translation>Replies with error HTTP %1</translation>
+    </message>
+    <message>
+      <source>应答无法识别</source>
+      <translation>Reply is not understood</translation>
+    </message>
+    <message>
+      <source>有应答</source>
+      <translation>Answers</translation>
+    </message>
+    <message>
+      <source>没有网络连接</source>
+      <translation>No network connection</translation>
+    </message>
+    <message>
+      <source>网线或无线未连接 (%1)</source>
+      <translation>Cable or Wi-Fi not connected (%1)</translation>
+    </message>
+    <message>
+      <source>不在设备的网段 (%1)</source>
+      <translation>Not in the box's subnet (%1)</translation>
+    </message>
+    <message>
+      <source>%1: %2</source>
+      <translation>%1: %2</translation>
+    </message>
+    <message>
+      <source>这台电脑</source>
+      <translation>This computer</translation>
+    </message>
+    <message>
+      <source>Ping</source>
+      <translation>Ping</translation>
+    </message>
+    <message>
+      <source>自%1起无应答</source>
+      <translation>No answer since %1</translation>
+    </message>
+    <message>
+      <source>端口%1</source>
+      <translation>Port %1</translation>
+    </message>
+    <message>
+      <source>事件通道%1</source>
+      <translation>Event feed %1</translation>
+    </message>
+    <message>
+      <source>自%1起中断</source>
+      <translation>Lost since %1</translation>
+    </message>
+  </context>
+  <context>
     <name>DeviceArea</name>
     <message>
       <source>设备列表:</source>

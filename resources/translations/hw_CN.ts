@@ -399,6 +399,73 @@
     </message>
   </context>
   <context>
+    <name>DeviceAbsence</name>
+    <message>
+      <source>无应答</source>
+      <translation>응답 없음</translation>
+    </message>
+    <message>
+      <source>拒绝连接</source>
+      <translation>연결 거부</translation>
+    </message>
+    <message>
+      <source>可以连接,但没有完整应答</source>
+      <translation>연결되지만 완전한 응답 없음</translation>
+    </message>
+    <message>
+      <source>应答错误: HTTP %1</source>
+      <translation>HTTP %1 오류로 응답</translation>
+    </message>
+    <message>
+      <source>应答无法识别</source>
+      <translation>인식할 수 없는 응답</translation>
+    </message>
+    <message>
+      <source>有应答</source>
+      <translation>응답함</translation>
+    </message>
+    <message>
+      <source>没有网络连接</source>
+      <translation>네트워크 연결 없음</translation>
+    </message>
+    <message>
+      <source>网线或无线未连接 (%1)</source>
+      <translation>케이블 또는 Wi-Fi 연결 안 됨 (%1)</translation>
+    </message>
+    <message>
+      <source>不在设备的网段 (%1)</source>
+      <translation>장치와 다른 서브넷 (%1)</translation>
+    </message>
+    <message>
+      <source>%1: %2</source>
+      <translation>%1: %2</translation>
+    </message>
+    <message>
+      <source>这台电脑</source>
+      <translation>이 컴퓨터</translation>
+    </message>
+    <message>
+      <source>Ping</source>
+      <translation>Ping</translation>
+    </message>
+    <message>
+      <source>自%1起无应答</source>
+      <translation>%1부터 응답 없음</translation>
+    </message>
+    <message>
+      <source>端口%1</source>
+      <translation>포트 %1</translation>
+    </message>
+    <message>
+      <source>事件通道%1</source>
+      <translation>이벤트 피드 %1</translation>
+    </message>
+    <message>
+      <source>自%1起中断</source>
+      <translation>%1부터 끊김</translation>
+    </message>
+  </context>
+  <context>
     <name>DeviceArea</name>
     <message>
       <source>设备列表:</source>

@@ -140,7 +140,8 @@ public:
         QObject::connect(
             Spark_Http::instance(), &Spark_Http::S_finished, &context, [&](const QVariantMap& map) {
                 const QString type = map.value("type").toString();
-                const bool counts = !type.startsWith("findDevice") && !type.endsWith("Identity");
+                const bool counts = !type.startsWith("findDevice") && !type.endsWith("Identity") &&
+                                    type != "interfaceCheck";
                 answers += map.value("deviceip") == ip(host) && counts ? 1 : 0;
             });
         act();

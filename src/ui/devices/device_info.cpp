@@ -11,6 +11,8 @@
 #include "ui/hub/hub_state.h"
 #include "ui/hub/orders.h"
 
+#include <iterator>
+
 namespace
 {
 
@@ -25,6 +27,9 @@ constexpr QLatin1String informationParameters[] = {
     BoxProtocol::DeviceName, BoxProtocol::FirmVersion, BoxProtocol::HardVersion,
     BoxProtocol::SdkVersion, BoxProtocol::DiskSpace,   BoxProtocol::MACAddress,
 };
+
+/// Of the first note, behind all of them.
+constexpr int firstNote = int(std::size(informationParameters));
 
 int placeOf(const QString& parameter)
 {
@@ -127,6 +132,7 @@ void DeviceInfo::getDeviceinfo(const QString& ip)
         return;
     }
     m_view->treeModel()->clear();
+    showNotes();
     for (const QLatin1String parameter : informationParameters)
         read(selected, parameter);
 }
@@ -213,10 +219,39 @@ void DeviceInfo::showRow(const QString& parameter, const QString& content)
     m_view->refresh();
 }
 
+void DeviceInfo::setNotes(const QVector<InfoNote>& notes)
+{
+    if (notes == m_notes)
+        return;
+    const bool isMore = notes.size() > m_notes.size();
+    m_notes = notes;
+    showNotes();
+    // They stand at the end, which a low list does not show.
+    if (isMore)
+        m_view->scrollToBottom();
+}
+
+void DeviceInfo::showNotes()
+{
+    TreeModel* model = m_view->treeModel();
+    while (model->root()->childCount() > 0 &&
+           model->root()->child(model->root()->childCount() - 1)->place() >= firstNote)
+        model->remove(model->root()->child(model->root()->childCount() - 1));
+    for (const InfoNote& note : qAsConst(m_notes)) {
+        Item* item =
+            Item::makeInformation(note.caption, note.content, m_hub.state.deviceIp()).release();
+        item->setPlace(firstNote);
+        model->insertTopRow(model->root()->childCount(), item);
+    }
+    m_view->refresh();
+}
+
 void DeviceInfo::retranslate()
 {
     const QList<Item*> rows = m_view->treeModel()->items();
-    for (Item* row : rows)
-        row->setTitle(caption(row->place()));
+    for (Item* row : rows) {
+        if (row->place() < firstNote)
+            row->setTitle(caption(row->place()));
+    }
     m_view->refresh();
 }

@@ -8,12 +8,24 @@
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
+#include <QVector>
 
 class TreeView;
 struct HttpResult;
 
+/// A line below what a box says about itself.
+struct InfoNote {
+    QString caption;
+    QString content;
+
+    bool operator==(const InfoNote& other) const
+    {
+        return caption == other.caption && content == other.content;
+    }
+};
+
 /// The information list: what the selected box says about itself, one row per parameter; a dash for
-/// one that it says it does not have.
+/// one that it says it does not have. Below that, what others have to say of it.
 class DeviceInfo : public QObject
 {
     Q_OBJECT
@@ -26,7 +38,9 @@ public:
     void getDeviceinfo(const QString& ip);
     /// One parameter has arrived.
     void handleReply(const HttpResult& result);
-    /// Captions in the language of now.
+    /// What stands below the rows of the selected box, in place of what stood there.
+    void setNotes(const QVector<InfoNote>& notes);
+    /// Captions in the language of now; notes stay as they are.
     void retranslate();
 
 signals:
@@ -49,10 +63,12 @@ private:
     bool noteAnswer(const HttpResult& result);
     void read(const QString& ip, const QString& parameter);
     void showRow(const QString& parameter, const QString& content);
+    void showNotes();
     void updateDevice(const HttpResult& result, const QString& value);
 
     const Hub m_hub;
     TreeView* m_view;
+    QVector<InfoNote> m_notes;
     QHash<QString, Unknown> m_unknown; // by address
     QTimer m_again;
 };

@@ -72,6 +72,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , deviceHint(new DeviceHint(form.device_list->ui.deviceView, options.sweep))
     , deviceMenu(new DeviceMenu(hub, *form.device_list->ui.deviceView))
     , deviceInfo(hub, form.device_info->ui.infoView)
+    , deviceAbsence(hub, *form.device_list->ui.deviceView, deviceInfo)
     , panel(hub,
             configurationParameters(form.config_area->ui, state) +
                 controlParameters(form.control_area->ui, state),
@@ -116,6 +117,7 @@ void Tarn_Hub::Features::connectRooms()
                      &QLabel::setText);
     QObject::connect(&monitor, &Monitor::recordClock, &record.watch(), &RecordWatch::hear);
     QObject::connect(&monitor, &Monitor::streamLost, &record.watch(), &RecordWatch::lose);
+    QObject::connect(&monitor, &Monitor::feedChanged, &deviceAbsence, &DeviceAbsence::noteFeed);
     QObject::connect(&deviceInfo, &DeviceInfo::deviceChanged, &deviceFilter,
                      &DeviceFilter::lookAgain);
     QObject::connect(&deviceInfo, &DeviceInfo::macReported, &deviceFilter,

@@ -9,6 +9,7 @@
 #include "ui/control/decode_control.h"
 #include "ui/control/encoder_control.h"
 #include "ui/control/live_control.h"
+#include "ui/devices/device_absence.h"
 #include "ui/devices/device_filter.h"
 #include "ui/devices/device_hint.h"
 #include "ui/devices/device_info.h"
@@ -75,6 +76,7 @@ struct Tarn_Hub::Features {
     DeviceHint* const deviceHint; // the list owns both
     DeviceMenu* const deviceMenu;
     DeviceInfo deviceInfo;
+    DeviceAbsence deviceAbsence;
     ParameterPanel panel;
     ConfigurationSave save;
     Busy controlBusy;

@@ -61,6 +61,7 @@ void Tarn_Hub::retranslate()
     m->form.config_area->retranslate();
     m->form.control_area->retranslate();
     m->deviceInfo.retranslate();
+    m->deviceAbsence.retranslate();
     m->panel.retranslate();
 }
 
