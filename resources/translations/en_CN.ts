@@ -432,11 +432,11 @@
     </message>
     <message>
       <source>网线或无线未连接 (%1)</source>
-      <translation>Cable or Wi-Fi not connected (%1)</translation>
+      <translation>No cable or Wi-Fi (%1)</translation>
     </message>
     <message>
-      <source>不在设备的网段 (%1)</source>
-      <translation>Not in the box's subnet (%1)</translation>
+      <source>网段与设备不同 (%1)</source>
+      <translation>Other subnet (%1)</translation>
     </message>
     <message>
       <source>%1: %2</source>

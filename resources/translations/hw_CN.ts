@@ -430,11 +430,11 @@
     </message>
     <message>
       <source>网线或无线未连接 (%1)</source>
-      <translation>케이블 또는 Wi-Fi 연결 안 됨 (%1)</translation>
+      <translation>케이블·Wi-Fi 연결 안 됨 (%1)</translation>
     </message>
     <message>
-      <source>不在设备的网段 (%1)</source>
-      <translation>장치와 다른 서브넷 (%1)</translation>
+      <source>网段与设备不同 (%1)</source>
+      <translation>다른 서브넷 (%1)</translation>
     </message>
     <message>
       <source>%1: %2</source>

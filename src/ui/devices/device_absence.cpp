@@ -64,7 +64,7 @@ QString ownText(const OwnNetworks& own)
     case OwnNetworks::Verdict::Unplugged:
         return DeviceAbsence::tr("网线或无线未连接 (%1)").arg(details);
     case OwnNetworks::Verdict::OtherSubnet:
-        return DeviceAbsence::tr("不在设备的网段 (%1)").arg(details);
+        return DeviceAbsence::tr("网段与设备不同 (%1)").arg(details);
     }
     return QString();
 }
