@@ -60,11 +60,7 @@ QString nameOf(const Item& box)
 } // namespace
 
 Recordings::Recordings(const Hub& hub, ListWidget& list, const Player& player)
-    : QObject(nullptr)
-    , m_hub(hub)
-    , m_list(list)
-    , m_hint(*new StorageHint(&list))
-    , m_player(player)
+    : QObject(nullptr), m_hub(hub), m_list(list), m_hint(*new StorageHint(&list)), m_player(player)
 {
     m_tellFailedDeletes.setSingleShot(true);
     m_tellFailedDeletes.setInterval(300);
