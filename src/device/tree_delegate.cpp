@@ -16,6 +16,7 @@ const char* const frameColour = "#303030";
 const char* const selectedColour = "#32ffffff";
 const char* const hoverColour = "#656565";
 const char* const markColour = "#4fb4c6";
+const char* const keysColour = "#74cbd9";
 const char* const goodColour = "#3200ff00";
 const char* const badColour = "#32ff0000";
 const char* const textColour = "#e8eaed";
@@ -86,9 +87,9 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const Item& item = *TreeModel::itemAt(index);
     const QRect row = option.rect;
     const bool selected = option.state & QStyle::State_Selected;
-    // A group is never highlighted: the keys would leave no trace on it.
-    const bool hasKeys = item.isGroup() && option.state & QStyle::State_HasFocus;
-    const bool hovered = option.state & QStyle::State_MouseOver || hasKeys;
+    // A group is never highlighted, nor need the row be that the keys have come to.
+    const bool hasKeys = option.state & QStyle::State_HasFocus;
+    const bool hovered = option.state & QStyle::State_MouseOver || (hasKeys && item.isGroup());
 
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
@@ -108,6 +109,11 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     paintIcons(*painter, zones, selected || hovered);
     painter->setFont(option.font);
     paintText(*painter, zones, item, selected || hovered);
+    if (hasKeys) {
+        painter->setPen(colour(keysColour));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(QRectF(row).adjusted(0.5, 0.5, -0.5, -0.5));
+    }
     painter->restore();
 }
 

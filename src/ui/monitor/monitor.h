@@ -36,7 +36,10 @@ signals:
     void feedChanged(quint16 port, bool isConnected);
 
 private:
+    void showFocus(bool on);
+
     const QWidget* m_window;
+    QWidget* m_page; ///< around the picture
     EventSockets m_events;
     EventPane m_streamPane;
     EventPane m_mediaPane;
