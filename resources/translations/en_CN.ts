@@ -490,10 +490,6 @@
       <translation>Expand all</translation>
     </message>
     <message>
-      <source>刷新设备列表 (F5)</source>
-      <translation>Refresh the box list (F5)</translation>
-    </message>
-    <message>
       <source>刷新设备列表</source>
       <translation>Refresh the box list</translation>
     </message>
@@ -512,10 +508,6 @@
     <message>
       <source>升级报告</source>
       <translation>Upgrade report</translation>
-    </message>
-    <message>
-      <source>查找设备 (Ctrl+F)</source>
-      <translation>Find a box (Ctrl+F)</translation>
     </message>
     <message>
       <source>查找设备</source>
@@ -897,6 +889,13 @@
     </message>
   </context>
   <context>
+    <name>IPAddress</name>
+    <message>
+      <source>%1, 第%2段,共4段</source>
+      <translation>%1, part %2 of 4</translation>
+    </message>
+  </context>
+  <context>
     <name>InfoArea</name>
     <message>
       <source>设备信息:</source>
@@ -931,6 +930,14 @@
     <message>
       <source>删除</source>
       <translation>Delete</translation>
+    </message>
+    <message>
+      <source>%1, 正在播放</source>
+      <translation>%1, playing</translation>
+    </message>
+    <message>
+      <source>视频</source>
+      <translation>Video</translation>
     </message>
   </context>
   <context>
@@ -982,24 +989,12 @@
       <translation>Switch between picture and stream information</translation>
     </message>
     <message>
-      <source>收起或展开右侧面板 (F12)</source>
-      <translation>Fold or unfold the right-hand panels (F12)</translation>
-    </message>
-    <message>
-      <source>收起右侧面板</source>
-      <translation>Fold the right-hand panels away</translation>
-    </message>
-    <message>
-      <source>全屏 (F11)</source>
-      <translation>Full screen (F11)</translation>
+      <source>收起或展开右侧面板</source>
+      <translation>Fold or unfold the right-hand panels</translation>
     </message>
     <message>
       <source>全屏</source>
       <translation>Full screen</translation>
-    </message>
-    <message>
-      <source>退出全屏 (F11)</source>
-      <translation>Exit full screen (F11)</translation>
     </message>
     <message>
       <source>退出全屏</source>
@@ -1024,6 +1019,10 @@
     <message>
       <source>媒体信息</source>
       <translation>Media</translation>
+    </message>
+    <message>
+      <source>画面</source>
+      <translation>Picture</translation>
     </message>
   </context>
   <context>
@@ -1369,6 +1368,21 @@ Close the program?</translation>
     </message>
   </context>
   <context>
+    <name>RowWords</name>
+    <message>
+      <source>升级成功</source>
+      <translation>Upgraded</translation>
+    </message>
+    <message>
+      <source>升级未成功</source>
+      <translation>Upgrade not successful</translation>
+    </message>
+    <message>
+      <source>升级中</source>
+      <translation>Upgrading</translation>
+    </message>
+  </context>
+  <context>
     <name>StartUp</name>
     <message>
       <source>Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.</source>
@@ -1459,6 +1473,10 @@ Close the program?</translation>
     <message>
       <source>重启设备</source>
       <translation>Restart box</translation>
+    </message>
+    <message>
+      <source>升级到新固件</source>
+      <translation>Upgrade to the new firmware</translation>
     </message>
   </context>
   <context>
@@ -1761,6 +1779,10 @@ Close the program?</translation>
     <message>
       <source>确定并保留配置</source>
       <translation>OK, keep settings</translation>
+    </message>
+    <message>
+      <source>消息</source>
+      <translation>Message</translation>
     </message>
   </context>
   <context>

@@ -488,10 +488,6 @@
       <translation>모두 펼치기</translation>
     </message>
     <message>
-      <source>刷新设备列表 (F5)</source>
-      <translation>장치 목록 새로 고침 (F5)</translation>
-    </message>
-    <message>
       <source>刷新设备列表</source>
       <translation>장치 목록 새로 고침</translation>
     </message>
@@ -510,10 +506,6 @@
     <message>
       <source>升级报告</source>
       <translation>업그레이드 보고서</translation>
-    </message>
-    <message>
-      <source>查找设备 (Ctrl+F)</source>
-      <translation>장치 찾기 (Ctrl+F)</translation>
     </message>
     <message>
       <source>查找设备</source>
@@ -894,6 +886,13 @@
     </message>
   </context>
   <context>
+    <name>IPAddress</name>
+    <message>
+      <source>%1, 第%2段,共4段</source>
+      <translation>%1, 4칸 중 %2번째</translation>
+    </message>
+  </context>
+  <context>
     <name>InfoArea</name>
     <message>
       <source>设备信息:</source>
@@ -928,6 +927,14 @@
     <message>
       <source>删除</source>
       <translation>삭제</translation>
+    </message>
+    <message>
+      <source>%1, 正在播放</source>
+      <translation>%1, 재생 중</translation>
+    </message>
+    <message>
+      <source>视频</source>
+      <translation>동영상</translation>
     </message>
   </context>
   <context>
@@ -979,24 +986,12 @@
       <translation>화면과 스트림 정보 사이를 전환</translation>
     </message>
     <message>
-      <source>收起或展开右侧面板 (F12)</source>
-      <translation>오른쪽 패널 접기/펼치기 (F12)</translation>
-    </message>
-    <message>
-      <source>收起右侧面板</source>
-      <translation>오른쪽 패널 접기</translation>
-    </message>
-    <message>
-      <source>全屏 (F11)</source>
-      <translation>전체 화면 (F11)</translation>
+      <source>收起或展开右侧面板</source>
+      <translation>오른쪽 패널 접기/펼치기</translation>
     </message>
     <message>
       <source>全屏</source>
       <translation>전체 화면</translation>
-    </message>
-    <message>
-      <source>退出全屏 (F11)</source>
-      <translation>전체 화면 종료 (F11)</translation>
     </message>
     <message>
       <source>退出全屏</source>
@@ -1021,6 +1016,10 @@
     <message>
       <source>媒体信息</source>
       <translation>미디어</translation>
+    </message>
+    <message>
+      <source>画面</source>
+      <translation>화면</translation>
     </message>
   </context>
   <context>
@@ -1366,6 +1365,21 @@
     </message>
   </context>
   <context>
+    <name>RowWords</name>
+    <message>
+      <source>升级成功</source>
+      <translation>업그레이드 완료</translation>
+    </message>
+    <message>
+      <source>升级未成功</source>
+      <translation>업그레이드되지 않음</translation>
+    </message>
+    <message>
+      <source>升级中</source>
+      <translation>업그레이드 중</translation>
+    </message>
+  </context>
+  <context>
     <name>StartUp</name>
     <message>
       <source>Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.</source>
@@ -1456,6 +1470,10 @@
     <message>
       <source>重启设备</source>
       <translation>장치 다시 시작</translation>
+    </message>
+    <message>
+      <source>升级到新固件</source>
+      <translation>새 펌웨어로 업그레이드</translation>
     </message>
   </context>
   <context>
@@ -1754,6 +1772,10 @@
     <message>
       <source>确定并保留配置</source>
       <translation>확인 및 설정 유지</translation>
+    </message>
+    <message>
+      <source>消息</source>
+      <translation>메시지</translation>
     </message>
   </context>
   <context>

@@ -2,6 +2,7 @@
 #include "device/tree_view.h"
 
 #include "device/item.h"
+#include "device/row_words.h"
 #include "device/tree_delegate.h"
 #include "device/tree_model.h"
 
@@ -13,8 +14,29 @@
 #include <QScrollBar>
 #include <QToolTip>
 
+namespace
+{
+
+/// The rows, and what they say to those who do not see them.
+class SpokenRows : public TreeModel
+{
+public:
+    using TreeModel::TreeModel;
+
+    QVariant data(const QModelIndex& index, int role) const override
+    {
+        if (index.isValid() && role == Qt::AccessibleTextRole)
+            return RowWords::name(*itemAt(index));
+        if (index.isValid() && role == Qt::AccessibleDescriptionRole)
+            return RowWords::description(*itemAt(index));
+        return TreeModel::data(index, role);
+    }
+};
+
+} // namespace
+
 TreeView::TreeView(QWidget* parent)
-    : QTreeView(parent), m_model(new TreeModel(this)), m_delegate(new TreeDelegate(this))
+    : QTreeView(parent), m_model(new SpokenRows(this)), m_delegate(new TreeDelegate(this))
 {
     setModel(m_model);
     setItemDelegate(m_delegate);
@@ -141,8 +163,11 @@ void TreeView::R_customContextMenuRequested(QPoint pos)
     QAction* copy = menu.addAction(tr("复制"));
     emit menuWanted(&menu, item);
     QAction* restart = nullptr;
+    QAction* upgrade = nullptr;
     if (item->isKora()) {
         menu.addSeparator();
+        if (item->hasNewerFirmware())
+            upgrade = menu.addAction(tr("升级到新固件"));
         restart = menu.addAction(tr("重启设备"));
     }
     const QAction* chosen = menu.exec(viewport()->mapToGlobal(pos));
@@ -153,6 +178,8 @@ void TreeView::R_customContextMenuRequested(QPoint pos)
         QGuiApplication::clipboard()->setText(item->displayText());
     else if (chosen == restart)
         R_ActionClicked(Action::RestartDevice, item);
+    else if (chosen == upgrade)
+        R_ActionClicked(Action::NewFirmware, item);
 }
 
 void TreeView::R_ActionClicked(Action type, Item* itemObj)

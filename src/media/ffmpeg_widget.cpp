@@ -7,6 +7,7 @@
 #include "media/figures_view.h"
 #include "media/picture_notice.h"
 #include "media/still_picture.h"
+#include "widgets/key_text.h"
 #include "widgets/message_box.h"
 
 #include <QDeadlineTimer>
@@ -344,6 +345,13 @@ void FFmpegWidget::retranslate()
     m_stillAction->setText(tr("保存当前画面"));
     m_figuresAction->setText(tr("显示播放信息"));
     m_stopAction->setText(tr("停止播放"));
+    QStringList keys;
+    const QList<QAction*> known = actions();
+    for (QAction* action : known) {
+        action->setToolTip(withKey(action->text(), action->shortcut()));
+        keys << action->toolTip();
+    }
+    setAccessibleDescription(keys.join(QStringLiteral(", ")));
 }
 
 void FFmpegWidget::R_customContextMenuRequested(const QPoint&)

@@ -12,7 +12,11 @@
 #include <QRegularExpressionValidator>
 #include <QScopedValueRollback>
 #include <QStringList>
+#include <QStyle>
 #include <QVBoxLayout>
+#include <QVariant>
+
+#include <algorithm>
 
 namespace
 {
@@ -67,6 +71,18 @@ IPAddress::IPAddress(QWidget* parent)
     }
     frame->setStyleSheet(frameStyle());
     setFocusProxy(txtIP1);
+    // The frame's own border has the look that it was built with, whoever has the keys.
+    m_outline = new QFrame(this);
+    m_outline->setObjectName(QStringLiteral("outlineIP"));
+    m_outline->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_outline->setProperty("focused", false);
+}
+
+void IPAddress::nameFields()
+{
+    for (int index = 0; index < FieldCount; ++index)
+        m_fields[index]->setAccessibleName(
+            tr("%1, 第%2段,共4段").arg(accessibleName()).arg(index + 1));
 }
 
 QString IPAddress::getIP()
@@ -86,6 +102,23 @@ QSize IPAddress::minimumSizeHint() const
     return QSize(30, 10);
 }
 
+void IPAddress::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    m_outline->setGeometry(rect());
+}
+
+void IPAddress::showFocus()
+{
+    const bool hasKeys = std::any_of(m_fields.begin(), m_fields.end(),
+                                     [](const QLineEdit* field) { return field->hasFocus(); });
+    if (m_outline->property("focused").toBool() == hasKeys)
+        return;
+    m_outline->setProperty("focused", hasKeys);
+    style()->unpolish(m_outline);
+    style()->polish(m_outline);
+}
+
 bool IPAddress::eventFilter(QObject* watched, QEvent* event)
 {
     for (int index = 0; index < FieldCount; ++index) {
@@ -93,6 +126,8 @@ bool IPAddress::eventFilter(QObject* watched, QEvent* event)
             continue;
         if (event->type() == QEvent::KeyPress)
             return handleKey(index, static_cast<QKeyEvent*>(event));
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+            showFocus();
         if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::FocusOut)
             m_justMovedOn = false;
     }

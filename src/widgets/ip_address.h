@@ -22,6 +22,10 @@ class IPAddress : public QWidget
 public:
     explicit IPAddress(QWidget* parent = nullptr);
 
+    /// Names the four fields after the accessible name of the whole; again when the language
+    /// changes.
+    void nameFields();
+
     /// The address in dotted form, empty while it is incomplete or invalid.
     QString getIP();
 
@@ -33,6 +37,7 @@ signals:
     void returnPressed();
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private slots:
@@ -54,6 +59,7 @@ private:
 
     QLineEdit* createField(const QString& name, QFrame* frame);
     QString frameStyle() const;
+    void showFocus();
     /// Both return true if the key was used up here and must not reach the field.
     bool handleKey(int index, const QKeyEvent* key);
     bool pasteAddress();
@@ -71,6 +77,7 @@ private:
     int borderRadius;
 
     std::array<QLineEdit*, FieldCount> m_fields;
+    QFrame* m_outline; ///< what the style sheet draws around the fields
     /// The fields are being written by code: the focus stays where it is.
     bool m_filling = false;
     /// The last key filled a field up and moved the focus on.

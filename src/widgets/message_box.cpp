@@ -129,6 +129,8 @@ messageBox* messageBox::notify(const QString& text, QWidget* parent)
 void messageBox::setText(const QString& text)
 {
     m_ui->m_tipContent->setText(text);
+    // Told when the dialog comes up: it has no title.
+    setAccessibleName(text);
 }
 
 QString messageBox::text() const
@@ -153,6 +155,7 @@ void messageBox::showInput()
     m_ui->m_tipContent->hide();
     m_ui->label->hide();
     m_ui->input->setPlaceholderText(text());
+    m_ui->input->contentEdit()->setAccessibleName(text());
     m_ui->input->show();
     m_ui->input->setFocus();
 }

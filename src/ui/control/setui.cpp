@@ -4,6 +4,7 @@
 #include "common/box_protocol.h"
 #include "common/http_result.h"
 #include "common/spark_http.h"
+#include "ui/hub/access.h"
 #include "ui_setui.h"
 #include "widgets/message_box.h"
 
@@ -163,6 +164,9 @@ void setui::on_radioButton_Listener_toggled(bool checked)
     m_ui->caption_port->setVisible(checked);
     m_ui->caption_id->setVisible(checked);
     m_ui->caption_url->setVisible(!checked);
+    m_ui->caption_url->setBuddy(checked ? nullptr : m_ui->stream_url);
+    m_ui->caption_id->setBuddy(checked ? m_ui->stream_url : nullptr);
+    Access::nameByCaptions(*this);
     if (!isVisible())
         return;
     // As high as it has to be; the width stays, so that no button moves sideways under the mouse.

@@ -26,7 +26,8 @@ DeviceFilter::DeviceFilter(const Hub& hub, Ui::DeviceArea& area) : QObject(hub.w
     connect(area.deviceFilter, &QLineEdit::textChanged, this, &DeviceFilter::apply);
     connect(area.filterDevices, &QToolButton::toggled, this,
             [this](bool isOn) { isOn ? open() : close(); });
-    auto* find = new QShortcut(QKeySequence::Find, hub.window);
+    auto* find =
+        new QShortcut(QKeySequence(area.filterDevices->property("keys").toString()), hub.window);
     connect(find, &QShortcut::activated, this, &DeviceFilter::open);
     area.deviceFilter->installEventFilter(this);
     area.deviceView->installEventFilter(this);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ui/hub/access.h"
+
 #include <QEvent>
 #include <QWidget>
 
@@ -12,9 +14,14 @@ public:
     {
         setAttribute(Qt::WA_StyledBackground);
         ui.setupUi(this);
+        tell();
     }
 
-    void retranslate() { ui.retranslateUi(this); }
+    void retranslate()
+    {
+        ui.retranslateUi(this);
+        tell();
+    }
 
     Form ui;
 
@@ -24,5 +31,12 @@ protected:
         if (event->type() == QEvent::LanguageChange)
             retranslate();
         QWidget::changeEvent(event);
+    }
+
+private:
+    void tell()
+    {
+        Access::nameByCaptions(*this);
+        Access::showKeys(*this);
     }
 };

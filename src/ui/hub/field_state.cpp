@@ -2,6 +2,7 @@
 #include "ui/hub/field_state.h"
 
 #include <QEvent>
+#include <QLineEdit>
 #include <QStyle>
 #include <QVariant>
 #include <QWidget>
@@ -40,6 +41,10 @@ void FieldMark::show(QWidget* field, FieldState state)
         text = tr("尚未从设备读到,不能修改,也不会保存");
     field->setToolTip(text);
     field->setAccessibleDescription(text);
+    // Of an editor made of several, these have the keys.
+    const auto inner = field->findChildren<QLineEdit*>();
+    for (QLineEdit* edit : inner)
+        edit->setAccessibleDescription(text);
     if (field->property(stateProperty) == nameOf(state))
         return;
     field->setProperty(stateProperty, nameOf(state));

@@ -28,6 +28,8 @@ DownloadRow::DownloadRow(const QString& name, QWidget* parent)
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     connect(m_resume, &QToolButton::clicked, this, &DownloadRow::resumed);
     connect(m_cancel, &QToolButton::clicked, this, &DownloadRow::cancelled);
+    m_resume->setAccessibleDescription(name);
+    m_cancel->setAccessibleDescription(name);
     retranslate();
 
     auto* layout = new QHBoxLayout(this);
@@ -121,6 +123,8 @@ DownloadList::DownloadList(QWidget* parent) : QScrollArea(parent)
     setWidget(content);
     setWidgetResizable(true);
     setFrameShape(NoFrame);
+    // The buttons of the rows take the keys, and bring their row into sight.
+    setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     fitRows();
 }

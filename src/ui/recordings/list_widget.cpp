@@ -2,6 +2,7 @@
 #include "ui/recordings/list_widget.h"
 
 #include "device/item.h"
+#include "ui/recordings/file_type.h"
 #include "ui/recordings/list_delegate.h"
 
 #include <QKeyEvent>
@@ -11,6 +12,29 @@
 #include <QUrl>
 
 #include <algorithm>
+
+namespace
+{
+
+/// A row that says what its icon shows.
+class SpokenRow : public QListWidgetItem
+{
+public:
+    using QListWidgetItem::QListWidgetItem;
+
+    QVariant data(int role) const override
+    {
+        const auto* entry =
+            qobject_cast<Item*>(QListWidgetItem::data(ListDelegate::EntryRole).value<QObject*>());
+        if (!entry || (role != Qt::AccessibleTextRole && role != Qt::AccessibleDescriptionRole))
+            return QListWidgetItem::data(role);
+        if (role == Qt::AccessibleTextRole)
+            return entry->isPlaying() ? ListWidget::tr("%1, 正在播放").arg(text()) : text();
+        return fileType(entry->filePath()) == FileType::Video ? ListWidget::tr("视频") : QString();
+    }
+};
+
+} // namespace
 
 ListWidget::ListWidget(QWidget* parent) : QListWidget(parent)
 {
@@ -57,7 +81,7 @@ QList<QListWidgetItem*> ListWidget::selectedRows() const
 void ListWidget::addEntry(std::unique_ptr<Item> entry)
 {
     const QString title = entry->title();
-    auto* row = new QListWidgetItem(title);
+    auto* row = new SpokenRow(title);
     row->setToolTip(Qt::mightBeRichText(title) ? title.toHtmlEscaped() : title);
     row->setData(ListDelegate::EntryRole, QVariant::fromValue<QObject*>(entry.get()));
     m_entries.push_back(std::move(entry));
@@ -105,6 +129,9 @@ void ListWidget::keyPressEvent(QKeyEvent* event)
 
 void ListWidget::showMenu(const QPoint& pos)
 {
+    // The keys may have come to a row without highlighting it.
+    if (selectedRows().isEmpty() && currentItem() && itemAt(pos) == currentItem())
+        currentItem()->setSelected(true);
     if (selectedRows().isEmpty())
         return;
     auto* menu = new QMenu(this);

@@ -21,6 +21,7 @@
 namespace
 {
 
+constexpr int boxColumn = 1;
 constexpr int verdictColumn = 5;
 constexpr int noteColumn = 8;
 constexpr int narrowestNote = 220;
@@ -91,6 +92,7 @@ UpgradeReportDialog::UpgradeReportDialog(const UpgradeFleet& fleet, QWidget* par
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setSelectionBehavior(QAbstractItemView::SelectItems);
     m_table->setWordWrap(false);
+    m_table->setTabKeyNavigation(false);
     m_table->verticalHeader()->hide();
     m_table->setColumnCount(UpgradeText::headers().size());
     auto* layout = new QVBoxLayout(this);
@@ -109,6 +111,7 @@ UpgradeReportDialog::UpgradeReportDialog(const UpgradeFleet& fleet, QWidget* par
 void UpgradeReportDialog::label()
 {
     setWindowTitle(tr("升级报告"));
+    m_table->setAccessibleName(windowTitle());
     m_table->setHorizontalHeaderLabels(UpgradeText::headers());
     fill();
     // Only here: while boxes are under way columns must not jump, nor undo what the operator set.
@@ -158,6 +161,8 @@ void UpgradeReportDialog::fill()
                     cell->setToolTip(QStringLiteral("<span>") + texts.at(column).toHtmlEscaped() +
                                      QStringLiteral("</span>"));
                 }
+                // Who goes down a column hears of which box each cell is.
+                cell->setData(Qt::AccessibleDescriptionRole, texts.at(boxColumn));
                 if (column == verdictColumn) {
                     const QColor colour = verdictColour(row.verdict());
                     cell->setForeground(colour.isValid() ? QBrush(colour) : QBrush());

@@ -7,6 +7,7 @@
 #include "device/tree_view.h"
 #include "ui/configuration/configuration_parameters.h"
 #include "ui/control/control_parameters.h"
+#include "ui/hub/access.h"
 #include "ui/window/options.h"
 
 #include <QCoreApplication>
@@ -103,6 +104,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
                [this] { upgrade.tellNotToEnd(); }, [this](int ms) { upgrade.keep(ms); }},
               *window)
 {
+    Access::addMenuKey(*window);
 }
 
 void Tarn_Hub::Features::connectRooms()

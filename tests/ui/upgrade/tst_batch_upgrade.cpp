@@ -2,6 +2,7 @@
 #include "tests/support/table.h"
 #include "tests/ui/upgrade/upgrade_fixture.h"
 
+#include <QAccessible>
 #include <QDebug>
 #include <QLabel>
 #include <QProcess>
@@ -242,6 +243,13 @@ void tst_BatchUpgrade::survivesBeingKilled()
                               15000);
     QCOMPARE(reportRows(*m_fixture)[m_fixture->ip(2)]["结果"], QString("已中断"));
     QCOMPARE(reportRows(*m_fixture)[m_fixture->ip(2)]["说明"], QString("中断时正在上传"));
+    // A screen reader says of each cell whose it is.
+    auto* table = m_fixture->child<QTableWidget>("upgradeReportTable");
+    QAccessibleInterface* all = QAccessible::queryAccessibleInterface(table);
+    QCOMPARE(all->text(QAccessible::Name), QString("升级报告"));
+    for (int row = 0; row < table->rowCount(); ++row)
+        QCOMPARE(all->tableInterface()->cellAt(row, 5)->text(QAccessible::Description),
+                 table->item(row, 1)->text());
     for (int host = 1; host <= 3; ++host)
         QTRY_COMPARE_WITH_TIMEOUT(reportRows(*m_fixture)[m_fixture->ip(host)]["设置恢复"],
                                   QString("已恢复"), 20000);
