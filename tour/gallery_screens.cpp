@@ -8,6 +8,8 @@
 #include "ui/recordings/list_widget.h"
 
 #include <QDialog>
+#include <QDir>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -149,6 +151,32 @@ std::vector<Stop> panelScreens(sim::VirtualLan& lan)
              return select(tour, fullBox) && tour.waitFor("the recordings", [&] {
                  return tour.child<ListWidget>("storageWidget")->count() > moreRecordings;
              });
+         }},
+        {"downloading",
+         [&lan](Tour& tour) {
+             (void)lan.find(ordinaryBox)->addFault("throttle 60000 on media");
+             auto* list = tour.child<ListWidget>("storageWidget");
+             if (!select(tour, ordinaryBox))
+                 return false;
+             list->selectAll();
+             const QString folder = QDir::tempPath();
+             const bool chosen = tour.inPopup(
+                 [&] { emit list->S_download(list->selectedRows()); }, "a folder to choose",
+                 [](QWidget& dialog) { return qobject_cast<QFileDialog*>(&dialog) != nullptr; },
+                 [&](QWidget& dialog) {
+                     auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
+                     edit->setText(folder);
+                     QTest::keyClick(edit, Qt::Key_Return);
+                 });
+             restMouse(tour);
+             QTest::qWait(3000);
+             tour.takePicture();
+             const auto rows =
+                 tour.child<QWidget>("downloads")->findChildren<QToolButton*>("cancelDownload");
+             for (QToolButton* cancel : rows)
+                 cancel->click();
+             lan.find(ordinaryBox)->clearFaults();
+             return chosen;
          }},
         {"no-recordings", [](Tour& tour) { return select(tour, newBox); }},
         {"offline",

@@ -12,6 +12,6 @@ set(tarn_accent "#4fb4c6")          # checked, focused, primary
 set(tarn_accent_hover "#74cbd9")
 set(tarn_accent_pressed "#3b98a9")
 set(tarn_on_accent "#0e1a1d")       # text and marks on the accent
-set(tarn_danger "#f0787a")
+set(tarn_danger "#f38385")
 set(tarn_ok "#5fc98a")
 set(tarn_selection "#2c5a64")       # selected text and rows

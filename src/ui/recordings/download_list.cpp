@@ -14,6 +14,7 @@ namespace
 
 constexpr int rowHeight = 30;
 constexpr int mostRowsShown = 3;
+constexpr int textMargin = 4;
 
 } // namespace
 
@@ -53,6 +54,10 @@ QToolButton* DownloadRow::addButton(const char* name, const QString& icon)
 void DownloadRow::setProgress(const DownloadProgress& progress)
 {
     m_progress = progress;
+    if (progress.broken)
+        m_rate.reset();
+    else
+        m_rate.note(progress.received);
     setState(State::Running);
 }
 
@@ -69,14 +74,38 @@ void DownloadRow::showKept()
 void DownloadRow::setState(State state)
 {
     m_state = state;
+    if (state != State::Running)
+        m_rate.reset();
     showState();
+}
+
+QString DownloadRow::size(qint64 bytes) const
+{
+    return locale().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
+}
+
+/// As much of how far it is, and how fast it comes, as the bar has room for.
+QString DownloadRow::runningText() const
+{
+    const bool isKnown = m_progress.total > 0;
+    const QString percent = isKnown ? QStringLiteral("%p%") : QString();
+    const QString amount = size(m_progress.received) +
+                           (isKnown ? QStringLiteral(" / ") + size(m_progress.total) : QString());
+    const qint64 perSecond = m_rate.perSecond();
+    const QString rate = perSecond > 0 ? size(perSecond) + QStringLiteral("/s") : QString();
+    const QVector<QStringList> wishes{{percent, amount, rate}, {percent, rate}, {percent, amount}};
+    for (QStringList parts : wishes) {
+        parts.removeAll(QString());
+        const QString text = parts.join(QStringLiteral("  "));
+        const QString widest = QString(text).replace(QLatin1String("%p%"), QLatin1String("100%"));
+        if (m_bar->fontMetrics().horizontalAdvance(widest) <= m_bar->width() - 2 * textMargin)
+            return text;
+    }
+    return isKnown ? percent : amount;
 }
 
 void DownloadRow::showState()
 {
-    const auto size = [this](qint64 bytes) {
-        return locale().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
-    };
     // A server that does not tell the size leaves only what has come to be shown.
     const bool isKnown = m_progress.total > 0;
     const bool isStill = m_state != State::Running || m_progress.broken;
@@ -90,11 +119,8 @@ void DownloadRow::showState()
         m_bar->setFormat(tr("等待下载"));
     else if (m_progress.broken)
         m_bar->setFormat(tr("正在重新连接") + QStringLiteral("  %p%"));
-    else if (isKnown)
-        m_bar->setFormat(QStringLiteral("%p%  ") + size(m_progress.received) +
-                         QStringLiteral(" / ") + size(m_progress.total));
     else
-        m_bar->setFormat(size(m_progress.received));
+        m_bar->setFormat(runningText());
 }
 
 void DownloadRow::changeEvent(QEvent* event)
@@ -102,6 +128,12 @@ void DownloadRow::changeEvent(QEvent* event)
     if (event->type() == QEvent::LanguageChange)
         retranslate();
     QWidget::changeEvent(event);
+}
+
+void DownloadRow::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    showState();
 }
 
 void DownloadRow::retranslate()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "device/recording_download.h"
+#include "ui/recordings/transfer_rate.h"
 
 #include <QScrollArea>
 
@@ -31,6 +32,7 @@ signals:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     enum class State { Waiting, Running, Kept };
@@ -39,11 +41,14 @@ private:
     void retranslate();
     void setState(State state);
     void showState();
+    QString size(qint64 bytes) const;
+    QString runningText() const;
 
     QProgressBar* m_bar;
     QToolButton* m_resume;
     QToolButton* m_cancel;
     DownloadProgress m_progress;
+    TransferRate m_rate;
     State m_state = State::Waiting;
 };
 

@@ -268,6 +268,12 @@ void tst_Recordings::everyChosenFolderGetsTheFile()
         downloadAll(answers, folder->path());
         QTRY_COMPARE(filesIn(folder->path()), QStringList("slow.mp4.part"));
     }
+    const auto speed = [this] { // thousands of bytes a second, as the row says it
+        static const QRegularExpression said("([\\d.]+) kB/s$");
+        const auto* bar = child<QWidget>("downloads")->findChild<QProgressBar*>();
+        return said.match(bar ? bar->format() : QString()).captured(1).toDouble();
+    };
+    QTRY_VERIFY(speed() > 60 && speed() < 180);
     for (const QTemporaryDir* folder : {&first, &second})
         QTRY_COMPARE_WITH_TIMEOUT(filesIn(folder->path()), QStringList("slow.mp4"), 20000);
     QTRY_VERIFY(!child<QWidget>("downloads")->isVisible());
