@@ -15,6 +15,7 @@
 
 #include <QDropEvent>
 #include <QLabel>
+#include <QMenu>
 #include <QMimeData>
 #include <QTemporaryDir>
 #include <QUrl>
@@ -98,6 +99,27 @@ public:
         return found;
     }
     void click(const char* name) const { QTest::mouseClick(child<QWidget>(name), Qt::LeftButton); }
+    /// By the menu: 1 Chinese, 2 English, 3 Korean, which has no entry of its own.
+    void chooseLanguage(int choice)
+    {
+        // On a busy computer the display still tells late that another window has lost the keys,
+        // and a menu closes on that.
+        bool isChosen = false;
+        for (int tries = 0; tries < 3 && !isChosen; ++tries) {
+            window().activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&window()));
+            DialogAnswerer answers;
+            answers.expect<QMenu>([choice, &isChosen](QMenu& menu) {
+                QAction* entry = menu.actions().at(choice == 1 ? 0 : 1);
+                entry->setData(choice);
+                isChosen = true;
+                QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(entry).center());
+            });
+            click("language");
+            QVERIFY(answers.isDone());
+        }
+        QVERIFY(isChosen);
+    }
     TreeView* deviceView() const { return child<TreeView>("deviceView"); }
     Item* item(int host) const { return deviceView()->treeModel()->find(ip(host)); }
 
@@ -131,6 +153,12 @@ public:
         box->clearRequests();
         return box;
     }
+    bool isReading() const
+    {
+        return child<QLabel>("config_state")
+            ->text()
+            .startsWith(QCoreApplication::translate("ParameterPanel", "正在读取…"));
+    }
     /// Does what makes the program read all of a KORA box, and waits for the end of that.
     void readAfter(int host, const std::function<void()>& act) const
     {
@@ -144,12 +172,13 @@ public:
                                     type != "interfaceCheck";
                 answers += map.value("deviceip") == ip(host) && counts ? 1 : 0;
             });
+        // Two readings at a time have fewer answers than two after each other.
+        QTRY_VERIFY_WITH_TIMEOUT(!isReading(), 20000);
         act();
-        QTRY_VERIFY_WITH_TIMEOUT(answers >= reads, 20000);
+        QTRY_VERIFY2_WITH_TIMEOUT(answers >= reads, qPrintable(QString::number(answers)), 20000);
         QCoreApplication::processEvents();
         // Values show once it is known whose they are.
-        const auto* state = child<QLabel>("config_state");
-        QTRY_VERIFY_WITH_TIMEOUT(!state->text().startsWith("正在读取"), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(!isReading(), 20000);
     }
 
     /// Saves the configuration; the operator is told this, and nothing else.

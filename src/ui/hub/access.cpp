@@ -69,7 +69,7 @@ void Access::showKeys(QWidget& form)
 
 void Access::addMenuKey(QWidget& window)
 {
-    auto* key = new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F10), &window);
+    auto* key = new QShortcut(QKeySequence(Qt::SHIFT + Qt::Key_F10), &window);
     QObject::connect(key, &QShortcut::activated, &window, [] {
         QWidget* focused = QApplication::focusWidget();
         if (!focused)

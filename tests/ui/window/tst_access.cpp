@@ -22,13 +22,13 @@ private slots:
         select(7, settings());
     }
     void init() { activate(); }
-    void cleanup() { chooseLanguage(1); }
+    void cleanup() { speak(1); }
 
     void everythingHasAName_data() { languages(); }
     void everythingHasAName()
     {
         QFETCH(int, language);
-        chooseLanguage(language);
+        speak(language);
         checkNames(&window());
         checkDialog("pushButton_live_on");
         checkDialog("pushButton_hxdec_on");
@@ -59,7 +59,7 @@ private slots:
         QTest::keyClicks(field, "x");
         QCOMPARE(spoken(field, QAccessible::Description), QString("已修改,尚未保存"));
         QTest::keyClick(field, Qt::Key_Backspace);
-        chooseLanguage(2);
+        speak(2);
         QCOMPARE(name("H265"), QString("H.265(HEVC), HX codec"));
     }
 
@@ -108,7 +108,7 @@ private slots:
     void keysWorkInEveryLanguage()
     {
         QFETCH(int, language);
-        chooseLanguage(language);
+        speak(language);
         for (const auto& [widget, key] : std::initializer_list<std::pair<const char*, const char*>>{
                  {"refreshDevice", "(F5)"},
                  {"full", "(F11)"},
@@ -121,12 +121,6 @@ private slots:
         }
         const QString picture = spoken(child<QWidget>("video_widget"), QAccessible::Description);
         QVERIFY2(picture.contains("(F8)") && picture.contains("(F9)"), qPrintable(picture));
-
-        deviceView()->setFocus();
-        QTest::keyClick(&window(), Qt::Key_F11);
-        QTRY_VERIFY(window().isFullScreen());
-        QTest::keyClick(&window(), Qt::Key_F11);
-        QTRY_VERIFY(!window().isFullScreen());
 
         sim::VirtualBox* box = select(7);
         {
@@ -185,16 +179,10 @@ private:
         row("Korean", 3);
     }
 
-    void chooseLanguage(int choice)
+    void speak(int language)
     {
-        DialogAnswerer answers;
-        answers.expect<QMenu>([choice](QMenu& menu) {
-            QAction* entry = menu.actions().at(choice == 1 ? 0 : 1);
-            entry->setData(choice); // Korean has no entry of its own
-            QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(entry).center());
-        });
-        click("language");
-        m_hasChinese = choice == 1;
+        chooseLanguage(language);
+        m_hasChinese = language == 1;
         QCoreApplication::processEvents();
     }
 
