@@ -276,10 +276,9 @@ std::vector<Stop> pictureScreens()
          }},
         {"nothing-there",
          [](Tour& tour) {
-             return popup(tour, [&] {
-                 tour.child<FFmpegWidget>("video_widget")
-                     ->open("http://" + goneBox + ":8081/media/lost.mp4");
-             });
+             auto* video = tour.child<FFmpegWidget>("video_widget");
+             video->close();
+             return popup(tour, [&] { video->open("http://" + goneBox + ":8081/media/lost.mp4"); });
          }},
         {"web-managed",
          [](Tour& tour) {

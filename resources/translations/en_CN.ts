@@ -1185,15 +1185,15 @@
     </message>
     <message>
       <source>%1 项未读到</source>
-      <translation>%1 not read</translation>
+      <translation>Settings not read: %1</translation>
     </message>
     <message>
       <source>%1 项设备没有</source>
-      <translation>%1 not on this box</translation>
+      <translation>Not on this box: %1</translation>
     </message>
     <message>
       <source>%1 项未保存</source>
-      <translation>%1 unsaved</translation>
+      <translation>Not saved: %1</translation>
     </message>
   </context>
   <context>
@@ -1418,7 +1418,7 @@ Close the program?</translation>
       <translation>No recordings on this box.</translation>
     </message>
     <message>
-      <source>录制文件未能读取.</source>
+      <source>无法读取录制文件.</source>
       <translation>The recordings could not be read.</translation>
     </message>
   </context>
@@ -1466,6 +1466,10 @@ Close the program?</translation>
   </context>
   <context>
     <name>TreeView</name>
+    <message>
+      <source>复制地址</source>
+      <translation>Copy address</translation>
+    </message>
     <message>
       <source>复制</source>
       <translation>Copy</translation>
@@ -1813,7 +1817,7 @@ Close the program?</translation>
     </message>
     <message>
       <source>请输入地址 :</source>
-      <translation>Enter the address:</translation>
+      <translation>Address:</translation>
     </message>
     <message>
       <source>流 ID :</source>
@@ -1821,7 +1825,7 @@ Close the program?</translation>
     </message>
     <message>
       <source>请输入端口 :</source>
-      <translation>Enter the port:</translation>
+      <translation>Port:</translation>
     </message>
     <message>
       <source>关闭直播</source>

@@ -1182,7 +1182,7 @@
     </message>
     <message>
       <source>%1 项未读到</source>
-      <translation>%1개 읽지 못함</translation>
+      <translation>설정 %1개를 읽지 못함</translation>
     </message>
     <message>
       <source>%1 项设备没有</source>
@@ -1415,7 +1415,7 @@
       <translation>이 장치에는 녹화 파일이 없습니다.</translation>
     </message>
     <message>
-      <source>录制文件未能读取.</source>
+      <source>无法读取录制文件.</source>
       <translation>녹화 파일을 읽지 못했습니다.</translation>
     </message>
   </context>
@@ -1463,6 +1463,10 @@
   </context>
   <context>
     <name>TreeView</name>
+    <message>
+      <source>复制地址</source>
+      <translation>주소 복사</translation>
+    </message>
     <message>
       <source>复制</source>
       <translation>복사</translation>
@@ -1806,7 +1810,7 @@
     </message>
     <message>
       <source>请输入地址 :</source>
-      <translation>주소 입력:</translation>
+      <translation>주소:</translation>
     </message>
     <message>
       <source>流 ID :</source>
@@ -1814,7 +1818,7 @@
     </message>
     <message>
       <source>请输入端口 :</source>
-      <translation>포트 입력:</translation>
+      <translation>포트:</translation>
     </message>
     <message>
       <source>关闭直播</source>

@@ -160,7 +160,7 @@ void TreeView::R_customContextMenuRequested(QPoint pos)
         return;
     const QPointer<Item> item = TreeModel::itemAt(index);
     QMenu menu;
-    QAction* copy = menu.addAction(tr("复制"));
+    QAction* copy = menu.addAction(item->isDevice() ? tr("复制地址") : tr("复制"));
     emit menuWanted(&menu, item);
     QAction* restart = nullptr;
     QAction* upgrade = nullptr;

@@ -13,7 +13,7 @@ ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent)
 
 QString ElidedLabel::shownText() const
 {
-    return fontMetrics().elidedText(text().simplified(), Qt::ElideRight, contentsRect().width());
+    return fontMetrics().elidedText(text().simplified(), Qt::ElideMiddle, contentsRect().width());
 }
 
 bool ElidedLabel::event(QEvent* event)

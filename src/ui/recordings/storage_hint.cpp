@@ -33,7 +33,7 @@ void StorageHint::refresh()
 {
     setText(m_reason == Reason::Reading        ? tr("正在读取录制文件…")
             : m_reason == Reason::NoRecordings ? tr("此设备上没有录制文件.")
-                                               : tr("录制文件未能读取."));
+                                               : tr("无法读取录制文件."));
     setVisible(m_list->count() == 0);
     setGeometry(m_list->viewport()->rect());
 }

@@ -87,7 +87,7 @@ void tst_Recordings::otherBoxClearsTheList()
     const auto* hint = child<QLabel>("storage_hint");
     QVERIFY(hint->isVisible());
     QCOMPARE(hint->text(), QString("正在读取录制文件…"));
-    QTRY_COMPARE(hint->text(), QString("录制文件未能读取."));
+    QTRY_COMPARE(hint->text(), QString("无法读取录制文件."));
     m_other->clearFaults();
     clickRow(8);
     QTRY_COMPARE(hint->text(), QString("此设备上没有录制文件."));
