@@ -153,11 +153,13 @@ public:
         box->clearRequests();
         return box;
     }
+    /// What was being read of a box that nobody looks at any more stays "being read".
     bool isReading() const
     {
-        return child<QLabel>("config_state")
-            ->text()
-            .startsWith(QCoreApplication::translate("ParameterPanel", "正在读取…"));
+        return child<QWidget>("right_widget")->isVisible() &&
+               child<QLabel>("config_state")
+                   ->text()
+                   .startsWith(QCoreApplication::translate("ParameterPanel", "正在读取…"));
     }
     /// Does what makes the program read all of a KORA box, and waits for the end of that.
     void readAfter(int host, const std::function<void()>& act) const
