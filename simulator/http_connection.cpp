@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/http_connection.h"
 
-#include <QElapsedTimer>
+#include "simulator/sockets.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-
-#include <fcntl.h>
-#include <netinet/tcp.h>
-#include <poll.h>
-#include <sys/socket.h>
 
 namespace sim
 {
@@ -24,9 +18,7 @@ thread_local HttpConnection* currentConnection = nullptr;
 
 HttpConnection::HttpConnection(socket_t socket) : m_socket(socket)
 {
-    const int yes = 1;
-    setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
-    fcntl(m_socket, F_SETFD, FD_CLOEXEC);
+    sockets::prepare(m_socket);
 }
 
 HttpConnection::~HttpConnection()
@@ -46,17 +38,7 @@ void HttpConnection::setCurrent(HttpConnection* connection)
 
 bool HttpConnection::wait(int ms)
 {
-    QElapsedTimer clock;
-    clock.start();
-    for (;;) {
-        const int left = ms < 0 ? -1 : std::max(0, ms - int(clock.elapsed()));
-        pollfd watched{m_socket, POLLRDHUP, 0};
-        const int events = ::poll(&watched, 1, left);
-        if (events == 0)
-            return true;
-        if (events > 0 || errno != EINTR)
-            return false;
-    }
+    return sockets::staysOpen(m_socket, ms);
 }
 
 void HttpConnection::cut()
@@ -73,14 +55,7 @@ void HttpConnection::close()
 {
     if (m_socket == INVALID_SOCKET)
         return;
-    if (m_isCut) {
-        const linger now{1, 0}; // a reset, as when a box loses its power
-        setsockopt(m_socket, SOL_SOCKET, SO_LINGER, &now, sizeof now);
-    } else {
-        // First a shutdown: a child process started meanwhile may hold a copy of the socket.
-        ::shutdown(m_socket, SHUT_RDWR);
-    }
-    ::close(m_socket);
+    sockets::close(m_socket, m_isCut); // a reset, as when a box loses its power
     m_socket = INVALID_SOCKET;
     if (m_afterwards)
         m_afterwards();
@@ -91,32 +66,23 @@ void HttpConnection::setAfterwards(std::function<void()> afterwards)
     m_afterwards = std::move(afterwards);
 }
 
-bool HttpConnection::ready(short events) const
-{
-    pollfd watched{m_socket, events, 0};
-    int found = 0;
-    do {
-        found = ::poll(&watched, 1, ioTimeoutMs);
-    } while (found < 0 && errno == EINTR);
-    return found > 0;
-}
-
 bool HttpConnection::is_readable() const
 {
-    return m_begin < m_end || ready(POLLIN);
+    return m_begin < m_end || sockets::isReady(m_socket, sockets::Wish::Read, ioTimeoutMs);
 }
 
 bool HttpConnection::is_writable() const
 {
-    return !m_isCut && !m_isFinished && ready(POLLOUT);
+    return !m_isCut && !m_isFinished &&
+           sockets::isReady(m_socket, sockets::Wish::Write, ioTimeoutMs);
 }
 
 ssize_t HttpConnection::read(char* data, size_t size)
 {
     if (m_begin == m_end) {
-        if (m_isCut || m_isFinished || !ready(POLLIN))
+        if (m_isCut || m_isFinished || !is_readable())
             return -1;
-        const ssize_t got = ::recv(m_socket, m_buffer.data(), m_buffer.size(), 0);
+        const ssize_t got = sockets::receive(m_socket, m_buffer.data(), m_buffer.size());
         if (got <= 0)
             return got;
         m_begin = 0;
@@ -134,11 +100,10 @@ ssize_t HttpConnection::write(const char* data, size_t size)
     while (sent < size) {
         if (!is_writable())
             return -1;
-        const ssize_t done =
-            ::send(m_socket, data + sent, size - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (done < 0 && errno != EAGAIN && errno != EINTR)
+        const ssize_t done = sockets::send(m_socket, data + sent, size - sent);
+        if (done < 0)
             return -1;
-        sent += size_t(std::max<ssize_t>(0, done));
+        sent += size_t(done);
     }
     return ssize_t(sent);
 }

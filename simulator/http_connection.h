@@ -41,8 +41,6 @@ public:
     socket_t socket() const override;
 
 private:
-    bool ready(short events) const;
-
     socket_t m_socket;
     bool m_isCut = false;
     bool m_isFinished = false;

@@ -3,6 +3,7 @@
 
 #include "simulator/http_connection.h"
 #include "simulator/pace.h"
+#include "simulator/sockets.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -86,10 +87,7 @@ public:
     bool open(const std::string& address, int port)
     {
         // Not the library's default of a shared port: two boxes on one address are a mistake.
-        set_socket_options([](socket_t socket) {
-            const int yes = 1;
-            setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-        });
+        set_socket_options(&sockets::claimAddress);
         new_task_queue = [] { return new SharedWorkers; };
         if (!bind_to_port(address, port))
             return false;
@@ -103,15 +101,15 @@ public:
         if (!m_listener.joinable())
             return;
         const socket_t listening = svr_sock_.exchange(INVALID_SOCKET);
-        ::shutdown(listening, SHUT_RDWR); // wakes the accept
+        sockets::shutDown(listening); // wakes the accept
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_closing = true;
             for (const socket_t socket : m_connections)
-                ::shutdown(socket, SHUT_RDWR);
+                sockets::shutDown(socket);
         }
         m_listener.join();
-        ::close(listening);
+        sockets::close(listening, false);
     }
 
 private:

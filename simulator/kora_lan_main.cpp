@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // kora-lan: a network of virtual boxes for people and scripts.
+#include "simulator/console.h"
 #include "simulator/lan_commands.h"
 #include "simulator/open_files.h"
 #include "simulator/scenario.h"
@@ -9,25 +10,15 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
-#include <QSocketNotifier>
-#include <QTimer>
 
-#include <array>
-#include <csignal>
 #include <cstdio>
 #include <optional>
-
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace
 {
 
 constexpr int exitFailed = 1;
 constexpr int exitWrongOption = 2;
-constexpr int parentCheckMs = 500;
-
-int signalPipe[2]; // a signal handler may do little more than write
 
 void say(const QString& text)
 {
@@ -113,7 +104,8 @@ void describe(QCommandLineParser* parser, const QString& runDir)
 std::optional<Options> readOptions(const QCoreApplication& app)
 {
     QCommandLineParser parser;
-    describe(&parser, QDir::temp().filePath(QStringLiteral("kora-lan-%1").arg(getuid())));
+    describe(&parser, QDir::temp().filePath(QStringLiteral("kora-lan-") +
+                                            QString::fromLocal8Bit(sim::console::userName())));
     if (!parser.parse(app.arguments())) {
         complain(parser.errorText());
         return std::nullopt;
@@ -153,54 +145,14 @@ std::optional<Options> readOptions(const QCoreApplication& app)
     return options;
 }
 
-void quitOnSignals(QCoreApplication* app)
+void obey(sim::LanCommands* commands, const QByteArray& line)
 {
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe) != 0)
-        return;
-    auto* const notifier = new QSocketNotifier(signalPipe[1], QSocketNotifier::Read, app);
-    QObject::connect(notifier, &QSocketNotifier::activated, app, &QCoreApplication::quit);
-    const auto handler = [](int) {
-        const char byte = 0;
-        [[maybe_unused]] const auto written = write(signalPipe[0], &byte, 1);
-    };
-    std::signal(SIGTERM, handler);
-    std::signal(SIGINT, handler);
-    std::signal(SIGPIPE, SIG_IGN); // who listens to us may go first
-}
-
-void endWith(int parent, QCoreApplication* app)
-{
-    auto* const timer = new QTimer(app);
-    QObject::connect(timer, &QTimer::timeout, app, [parent, app] {
-        if (kill(parent, 0) != 0)
-            app->quit();
-    });
-    timer->start(parentCheckMs);
-}
-
-/// Runs the lines of standard input. Its end is not the end of the program.
-void obeyInput(sim::LanCommands* commands, QCoreApplication* app)
-{
-    auto* const notifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, app);
-    auto pending = std::make_shared<QByteArray>();
-    QObject::connect(notifier, &QSocketNotifier::activated, app, [=] {
-        std::array<char, 4096> buffer;
-        const ssize_t got = read(STDIN_FILENO, buffer.data(), buffer.size());
-        if (got <= 0) {
-            notifier->setEnabled(false);
-            return;
-        }
-        pending->append(buffer.data(), int(got));
-        for (int end = pending->indexOf('\n'); end >= 0; end = pending->indexOf('\n')) {
-            const auto answer = commands->run(QString::fromUtf8(pending->left(end)).trimmed());
-            pending->remove(0, end + 1);
-            if (!answer.text.isEmpty())
-                say(answer.text);
-            say(answer.ok ? QStringLiteral("ok") : QStringLiteral("error"));
-            if (answer.quit)
-                app->quit();
-        }
-    });
+    const auto answer = commands->run(QString::fromUtf8(line).trimmed());
+    if (!answer.text.isEmpty())
+        say(answer.text);
+    say(answer.ok ? QStringLiteral("ok") : QStringLiteral("error"));
+    if (answer.quit)
+        QCoreApplication::quit();
 }
 
 } // namespace
@@ -238,10 +190,10 @@ int main(int argc, char* argv[])
     sim::LanCommands commands(&lan);
     QObject::connect(&scenario, &sim::Scenario::stepped, &app,
                      [](const QString& text) { say(QStringLiteral("step: ") + text); });
-    quitOnSignals(&app);
-    obeyInput(&commands, &app);
+    sim::console::quitWhenAsked(&app);
+    sim::console::readLines([&commands](const QByteArray& line) { obey(&commands, line); }, &app);
     if (options->parent > 0)
-        endWith(options->parent, &app);
+        sim::console::quitWith(options->parent, &app);
     say(commands.run(QStringLiteral("list")).text);
     say(QStringLiteral("run directory: ") + options->runDir);
     say(QStringLiteral("ready"));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/live_stream.h"
 
+#include "simulator/test_picture.h"
+
 namespace sim
 {
 LiveStream::LiveStream(QObject* parent) : QObject(parent) {}
@@ -23,7 +25,7 @@ void LiveStream::start(const QString& address, quint16 port, std::function<void(
         m_state = State::Failed;
         return;
     }
-    m_ffmpeg = std::make_unique<FfmpegProcess>();
+    m_ffmpeg = std::make_unique<ChildProcess>();
     connect(m_ffmpeg.get(), &QProcess::readyReadStandardOutput, this, [this] {
         m_buffer->append(m_ffmpeg->readAllStandardOutput());
         m_state = State::On;
@@ -34,11 +36,12 @@ void LiveStream::start(const QString& address, quint16 port, std::function<void(
             m_state = State::Failed;
         }
     });
-    m_ffmpeg->startWith(testPictureArguments(QStringLiteral("LIVE ") + address, true)
-                        << QStringLiteral("-f") << QStringLiteral("mpegts")
-                        << QStringLiteral("-flush_packets") << QStringLiteral("1")
-                        << QStringLiteral("-mpegts_flags") << QStringLiteral("pat_pmt_at_frames")
-                        << QStringLiteral("pipe:1"));
+    startFfmpeg(m_ffmpeg.get(), testPictureArguments(QStringLiteral("LIVE ") + address, true)
+                                    << QStringLiteral("-f") << QStringLiteral("mpegts")
+                                    << QStringLiteral("-flush_packets") << QStringLiteral("1")
+                                    << QStringLiteral("-mpegts_flags")
+                                    << QStringLiteral("pat_pmt_at_frames")
+                                    << QStringLiteral("pipe:1"));
 }
 
 void LiveStream::stop()

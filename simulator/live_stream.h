@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "simulator/child_process.h"
 #include "simulator/http_server.h"
 #include "simulator/live_buffer.h"
-#include "simulator/test_picture.h"
 
 #include <QObject>
 
@@ -35,7 +35,7 @@ public:
 private:
     HttpReply handle(const HttpRequest& request) const;
 
-    std::unique_ptr<FfmpegProcess> m_ffmpeg;
+    std::unique_ptr<ChildProcess> m_ffmpeg;
     std::unique_ptr<HttpServer> m_server;
     std::shared_ptr<LiveBuffer> m_buffer;
     std::function<void(HttpReply*)> m_spoil;

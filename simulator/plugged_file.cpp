@@ -4,8 +4,7 @@
 #include <QFile>
 
 #include <algorithm>
-
-#include <cstdio>
+#include <filesystem>
 
 namespace sim
 {
@@ -57,7 +56,8 @@ void PluggedFile::write()
         return;
     }
     file.close();
-    std::rename(QFile::encodeName(unfinished).constData(), QFile::encodeName(m_path).constData());
+    std::error_code failed; // a reader may have it open: then with the next box
+    std::filesystem::rename(unfinished.toStdU16String(), m_path.toStdU16String(), failed);
 }
 
 } // namespace sim

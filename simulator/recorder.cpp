@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/recorder.h"
 
+#include "simulator/test_picture.h"
+
 #include <QDateTime>
 #include <QFile>
 #include <QRegularExpression>
@@ -23,7 +25,7 @@ void Recorder::start(const QString& path, const QString& title)
 {
     m_path = path;
     m_state = State::Starting;
-    m_ffmpeg = std::make_unique<FfmpegProcess>();
+    m_ffmpeg = std::make_unique<ChildProcess>();
     connect(m_ffmpeg.get(), &QProcess::started, this, [this] {
         m_startedAt = QDateTime::currentMSecsSinceEpoch();
         m_state = State::Running;
@@ -36,10 +38,11 @@ void Recorder::start(const QString& path, const QString& title)
     });
     connect(m_ffmpeg.get(), &QProcess::readyReadStandardOutput, this, &Recorder::readProgress);
     m_picturesSince = 0;
-    m_ffmpeg->startWith(testPictureArguments(title, true)
-                        << QStringLiteral("-progress") << QStringLiteral("pipe:1")
-                        << QStringLiteral("-stats_period") << QStringLiteral("0.1")
-                        << QStringLiteral("-t") << QString::number(longestSeconds) << path);
+    startFfmpeg(m_ffmpeg.get(), testPictureArguments(title, true)
+                                    << QStringLiteral("-progress") << QStringLiteral("pipe:1")
+                                    << QStringLiteral("-stats_period") << QStringLiteral("0.1")
+                                    << QStringLiteral("-t") << QString::number(longestSeconds)
+                                    << path);
 }
 
 void Recorder::finish()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "simulator/test_picture.h"
+#include "simulator/child_process.h"
 
 #include <QObject>
 
@@ -45,7 +45,7 @@ private:
     void readProgress();
     void endWhenLongEnough();
 
-    std::unique_ptr<FfmpegProcess> m_ffmpeg;
+    std::unique_ptr<ChildProcess> m_ffmpeg;
     QString m_path;
     std::atomic<State> m_state{State::Idle};
     std::atomic<qint64> m_startedAt{0}; // ms since the epoch, 0: not recording

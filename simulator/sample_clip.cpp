@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/sample_clip.h"
 
+#include "simulator/child_process.h"
 #include "simulator/test_picture.h"
 
 #include <QFileInfo>
@@ -23,9 +24,9 @@ QString sampleClip(const QString& name)
         return path;
     const QString unfinished =
         folder.filePath(QStringLiteral("unfinished.") + QFileInfo(path).suffix());
-    FfmpegProcess ffmpeg;
-    ffmpeg.startWith(testPictureArguments(QStringLiteral("sample"), false)
-                     << QStringLiteral("-t") << QStringLiteral("10") << unfinished);
+    ChildProcess ffmpeg;
+    startFfmpeg(&ffmpeg, testPictureArguments(QStringLiteral("sample"), false)
+                             << QStringLiteral("-t") << QStringLiteral("10") << unfinished);
     const bool done =
         ffmpeg.waitForFinished(30000) && ffmpeg.exitCode() == 0 && QFile::rename(unfinished, path);
     return done ? path : QString();

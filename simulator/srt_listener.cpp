@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/srt_listener.h"
 
+#include "simulator/test_picture.h"
+
 namespace sim
 {
 namespace
@@ -42,12 +44,12 @@ void SrtListener::stop()
 
 void SrtListener::listen()
 {
-    m_ffmpeg = std::make_unique<FfmpegProcess>();
+    m_ffmpeg = std::make_unique<ChildProcess>();
     connect(m_ffmpeg.get(), &QProcess::stateChanged, this, [this](QProcess::ProcessState state) {
         if (state == QProcess::NotRunning)
             m_again.start();
     });
-    m_ffmpeg->startWith(m_arguments);
+    startFfmpeg(m_ffmpeg.get(), m_arguments);
 }
 
 } // namespace sim

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "simulator/test_picture.h"
+#include "simulator/child_process.h"
 
 #include <QObject>
 #include <QTimer>
@@ -28,7 +28,7 @@ private:
     void listen();
 
     QStringList m_arguments;
-    std::unique_ptr<FfmpegProcess> m_ffmpeg;
+    std::unique_ptr<ChildProcess> m_ffmpeg;
     QTimer m_again;
 };
 

@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/test_picture.h"
 
-#include <csignal>
-
-#include <sys/prctl.h>
-
 namespace sim
 {
 
@@ -33,25 +29,10 @@ QStringList testPictureArguments(const QString& title, bool realTime)
     return arguments;
 }
 
-FfmpegProcess::FfmpegProcess(QObject* parent) : QProcess(parent) {}
-
-FfmpegProcess::~FfmpegProcess()
+void startFfmpeg(QProcess* process, const QStringList& arguments)
 {
-    if (state() != NotRunning) {
-        kill();
-        waitForFinished(2000);
-    }
-}
-
-void FfmpegProcess::startWith(const QStringList& arguments)
-{
-    setStandardErrorFile(nullDevice());
-    start(QStringLiteral("ffmpeg"), arguments, ReadOnly);
-}
-
-void FfmpegProcess::setupChildProcess()
-{
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    process->setStandardErrorFile(QProcess::nullDevice());
+    process->start(QStringLiteral("ffmpeg"), arguments, QIODevice::ReadOnly);
 }
 
 } // namespace sim

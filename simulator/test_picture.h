@@ -13,20 +13,7 @@ namespace sim
 /// letters, digits, dots and blanks only. `realTime`: as fast as it is watched, not as it can.
 QStringList testPictureArguments(const QString& title, bool realTime);
 
-/// FFmpeg as a child that ends with this process, however that ends. Used in one thread, which
-/// must live as long as the child.
-class FfmpegProcess : public QProcess
-{
-    Q_OBJECT
-
-public:
-    explicit FfmpegProcess(QObject* parent = nullptr);
-    ~FfmpegProcess() override; ///< kills the child
-
-    void startWith(const QStringList& arguments);
-
-protected:
-    void setupChildProcess() override;
-};
+/// Starts FFmpeg in `process`; nobody hears what it says.
+void startFfmpeg(QProcess* process, const QStringList& arguments);
 
 } // namespace sim
