@@ -53,6 +53,12 @@ if(NOT MSVC)
         $<${hardened}:-D_FORTIFY_SOURCE=2>)
     target_compile_definitions(tarn_flags INTERFACE $<${hardened}:_GLIBCXX_ASSERTIONS>)
 endif()
+if(MINGW)
+    # What the stack protector calls is a library of its own here; in the program, not beside it.
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libssp.a
+        OUTPUT_VARIABLE guard_library OUTPUT_STRIP_TRAILING_WHITESPACE)
+    target_link_libraries(tarn_flags INTERFACE ${guard_library})
+endif()
 if(UNIX)
     target_link_options(tarn_flags INTERFACE -Wl,-z,relro -Wl,-z,now)
 endif()

@@ -18,6 +18,7 @@ packages_for() {
     clang) echo clang libclang-rt-dev llvm ;;
     testing) echo lldb openssl ;;
     gallery) echo imagemagick ;;
+    windows) echo dpkg-dev g++-mingw-w64-x86-64-posix xz-utils ;;
     packaging) echo appstream desktop-file-utils dpkg-dev file lintian ;;
     *) die "no packages are listed for $1" ;;
     esac

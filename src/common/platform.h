@@ -14,8 +14,9 @@ class QProcess;
 namespace Platform
 {
 
-/// The folder that holds per-user application data, with "/" as separator and none at the end:
-/// APPDATA where that variable is set, else the user's standard data location.
+/// The folder that holds per-user application data, with "/" as separator and none at the end: of a
+/// portable program, beside which lies a file "portable.txt", the folder "data" there; else APPDATA
+/// where that variable is set, else the user's standard data location.
 QString dataRoot();
 
 /// Where the program `name` ("xdg-open") of the computer is, as an absolute path: on Windows in the
@@ -60,6 +61,9 @@ void watchEndSignals(std::function<void()> asked);
 
 /// A child process that ends with the program, however that ends.
 QProcess* newTool(QObject* parent);
+
+/// Ends such a tool, in the politest way that it can hear; returns at once.
+void askToEnd(QProcess* tool);
 
 /// One without parent that ends only then, too: who ends a whole session or a terminal's programs
 /// ends it through the program.

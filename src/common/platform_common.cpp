@@ -22,6 +22,11 @@ QString programPath(const QString& name)
 
 QString dataRoot()
 {
+    // Before there is an application, its folder is not known.
+    const QString own =
+        QCoreApplication::instance() ? QCoreApplication::applicationDirPath() : QString();
+    if (!own.isEmpty() && QFileInfo::exists(own + QStringLiteral("/portable.txt")))
+        return own + QStringLiteral("/data");
     QString root = qEnvironmentVariable("APPDATA");
     if (root.isEmpty())
         root = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);

@@ -164,6 +164,11 @@ QProcess* newProcess()
     return new ChildProcess(nullptr, false);
 }
 
+void askToEnd(QProcess* tool)
+{
+    tool->terminate();
+}
+
 QStringList programFolders(const QStringList& searched)
 {
     // Debian and others keep fping where only root's search path looks.

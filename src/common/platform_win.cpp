@@ -93,6 +93,37 @@ void passOutput(Platform::ChildInput* input)
     input->arguments[place] = file.fileName();
 }
 
+/// Closed by the system when the program ends, however that ends, and with it all that is in it.
+HANDLE ownJob()
+{
+    static const HANDLE job = [] {
+        const HANDLE made = CreateJobObjectW(nullptr, nullptr);
+        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+        limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+        SetInformationJobObject(made, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+        return made;
+    }();
+    return job;
+}
+
+void takeAlong(qint64 child)
+{
+    const HANDLE handle =
+        OpenProcess(PROCESS_SET_QUOTA | PROCESS_TERMINATE, FALSE, static_cast<DWORD>(child));
+    if (!handle)
+        return;
+    AssignProcessToJobObject(ownJob(), handle);
+    CloseHandle(handle);
+}
+
+QProcess* newChild(QObject* parent)
+{
+    auto* const process = new QProcess(parent);
+    QObject::connect(process, &QProcess::started, process,
+                     [process] { takeAlong(process->processId()); });
+    return process;
+}
+
 using FolderOf = UINT(WINAPI*)(wchar_t*, UINT);
 
 /// With "/" as separator and none at the end.
@@ -122,12 +153,18 @@ void watchEndSignals(std::function<void()> asked)
 
 QProcess* newTool(QObject* parent)
 {
-    return new QProcess(parent);
+    return newChild(parent);
 }
 
 QProcess* newProcess()
 {
-    return new QProcess;
+    return newChild(nullptr);
+}
+
+void askToEnd(QProcess* tool)
+{
+    // A request reaches windows only, which a tool has none of.
+    tool->kill();
 }
 
 QStringList programFolders(const QStringList& searched)

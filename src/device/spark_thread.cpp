@@ -36,7 +36,7 @@ void endTools(const QList<QProcess*>& processes)
 {
     for (QProcess* process : processes) {
         process->disconnect();
-        process->terminate();
+        Platform::askToEnd(process);
     }
     const QDeadlineTimer patience(endMs);
     for (QProcess* process : processes) {

@@ -13,11 +13,13 @@
 #include <QOpenGLContext>
 #include <QPluginLoader>
 
+#ifndef QT_NO_OPENGL
 QT_BEGIN_NAMESPACE
 // Qt has no public way to share contexts from later than the start of a program on; its own engine
 // takes this one.
 Q_GUI_EXPORT void qt_gl_set_global_share_context(QOpenGLContext* context);
 QT_END_NAMESPACE
+#endif
 
 namespace
 {
@@ -47,6 +49,7 @@ bool hasItsProgram()
 /// context.
 void allowOpenGl()
 {
+#ifndef QT_NO_OPENGL // without it there is no engine either
     // The window stays as it is; what draws by OpenGL stands in native windows of its own.
     QCoreApplication::setAttribute(Qt::AA_ForceRasterWidgets, false);
     QCoreApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
@@ -60,6 +63,7 @@ void allowOpenGl()
         delete QOpenGLContext::globalShareContext();
         qt_gl_set_global_share_context(nullptr);
     });
+#endif
 }
 
 } // namespace
