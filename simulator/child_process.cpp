@@ -33,6 +33,8 @@ void takeAlong(qint64 child)
 {
     const HANDLE handle =
         OpenProcess(PROCESS_SET_QUOTA | PROCESS_TERMINATE, FALSE, static_cast<DWORD>(child));
+    if (!handle)
+        return;
     AssignProcessToJobObject(ownJob(), handle);
     CloseHandle(handle);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/event_feed.h"
 
+#include "simulator/sockets.h"
+
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QWebSocket>
@@ -67,6 +69,9 @@ void EventFeed::greet()
 
 void EventFeed::close()
 {
+    // First a shutdown: a child process started meanwhile may hold a copy of the socket.
+    if (m_port && m_port->isListening())
+        sockets::shutDown(socket_t(m_port->socketDescriptor()));
     m_port.reset(); // and with it whom it holds up
     dropClients();
     m_server.reset();

@@ -101,7 +101,7 @@ public:
         if (!m_listener.joinable())
             return;
         const socket_t listening = svr_sock_.exchange(INVALID_SOCKET);
-        sockets::shutDown(listening); // wakes the accept
+        const bool isClosed = sockets::endListening(listening);
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_closing = true;
@@ -109,7 +109,8 @@ public:
                 sockets::shutDown(socket);
         }
         m_listener.join();
-        sockets::close(listening, false);
+        if (!isClosed)
+            sockets::close(listening, false);
     }
 
 private:

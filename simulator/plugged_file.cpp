@@ -56,8 +56,10 @@ void PluggedFile::write()
         return;
     }
     file.close();
-    std::error_code failed; // a reader may have it open: then with the next box
+    std::error_code failed;
     std::filesystem::rename(unfinished.toStdU16String(), m_path.toStdU16String(), failed);
+    if (failed)
+        qWarning("cannot replace %s", qPrintable(m_path));
 }
 
 } // namespace sim

@@ -32,17 +32,39 @@ bool canTryLater()
     return WSAGetLastError() == WSAEWOULDBLOCK;
 }
 
-int pollOne(WSAPOLLFD* watched, int ms)
+/// What lies next to be read; 0 for the end of it, below that for nothing yet or for an error.
+int peek(socket_t socket)
 {
-    return WSAPoll(watched, 1, ms);
+    char any = 0;
+    return recv(socket, &any, 1, MSG_PEEK);
 }
 
 /// The system tells nobody of an end that lies behind what was not read yet.
 bool hasGone(socket_t socket)
 {
-    char any = 0;
-    const int got = recv(socket, &any, 1, MSG_PEEK);
+    const int got = peek(socket);
     return got == 0 || (got < 0 && !canTryLater());
+}
+
+/// A shutdown by another thread; who has no more to say can still be written to.
+bool isShutDown(socket_t socket)
+{
+    return peek(socket) < 0 && !canTryLater();
+}
+
+/// In pieces: a shutdown by another thread wakes nobody who waits already, and is no event.
+bool pollOne(socket_t socket, short event, int ms)
+{
+    QElapsedTimer clock;
+    clock.start();
+    for (;;) {
+        const int left = std::max(0, ms - int(clock.elapsed()));
+        WSAPOLLFD watched{socket, event, 0};
+        if (WSAPoll(&watched, 1, std::min(left, lookMs)) != 0 || isShutDown(socket))
+            return true;
+        if (left == 0)
+            return false;
+    }
 }
 
 #else
@@ -89,11 +111,11 @@ void prepare(socket_t socket)
 bool isReady(socket_t socket, Wish wish, int ms)
 {
 #ifdef _WIN32
-    WSAPOLLFD watched{socket, short(wish == Wish::Read ? POLLRDNORM : POLLWRNORM), 0};
+    return pollOne(socket, wish == Wish::Read ? POLLRDNORM : POLLWRNORM, ms);
 #else
     pollfd watched{socket, short(wish == Wish::Read ? POLLIN : POLLOUT), 0};
-#endif
     return pollOne(&watched, ms) > 0;
+#endif
 }
 
 bool staysOpen(socket_t socket, int ms)
@@ -133,6 +155,17 @@ void shutDown(socket_t socket)
     ::shutdown(socket, SD_BOTH);
 #else
     ::shutdown(socket, SHUT_RDWR);
+#endif
+}
+
+bool endListening(socket_t socket)
+{
+#ifdef _WIN32
+    closesocket(socket);
+    return true;
+#else
+    shutDown(socket);
+    return false;
 #endif
 }
 

@@ -22,6 +22,8 @@ ssize_t send(socket_t socket, const char* data, size_t size);
 ssize_t receive(socket_t socket, char* data, size_t size);
 /// No more of anything; whoever waits for the socket wakes up.
 void shutDown(socket_t socket);
+/// No more connections; whoever waits for one wakes up. Whether the socket is closed with that.
+bool endListening(socket_t socket);
 /// With a reset, as when a computer loses its power, or in order.
 void close(socket_t socket, bool withReset);
 /// Two listeners at one address are a mistake; one that was there a moment ago is none.

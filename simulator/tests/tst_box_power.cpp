@@ -8,6 +8,13 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#ifdef Q_OS_UNIX
+#include <csignal>
+
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 using namespace sim;
 
 namespace
@@ -107,6 +114,23 @@ private slots:
         QVERIFY(m_box->plugIn());
         QCOMPARE(readParameter(home, "eParam_DHCP").exitCode, 0);
     }
+
+#ifdef Q_OS_UNIX
+    /// A program that is just being started has copies of all that is open.
+    void startingProgramHoldsNoPort()
+    {
+        const pid_t copy = ::fork();
+        if (copy == 0) {
+            ::pause();
+            ::_exit(0);
+        }
+        m_box->unplug();
+        const bool isBack = m_box->plugIn();
+        ::kill(copy, SIGKILL);
+        ::waitpid(copy, nullptr, 0);
+        QVERIFY2(isBack, qPrintable(m_box->errorString()));
+    }
+#endif
 
     void unpluggedDuringReboot()
     {

@@ -8,13 +8,13 @@
 #include "tests/support/stopwatch.h"
 
 #include <QNetworkAccessManager>
+#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
-#include <csignal>
 
 using namespace sim;
 
@@ -53,9 +53,11 @@ public:
     bool says(const QString& word)
     {
         while (!output.contains(word) && waitForReadyRead(5000))
-            output += QString::fromUtf8(readAllStandardOutput());
+            output += newWords();
         return output.contains(word);
     }
+    /// What it has written to standard output since, with line ends as here.
+    QString newWords() { return QString::fromUtf8(readAllStandardOutput().replace("\r\n", "\n")); }
 
     QString output;
 };
@@ -182,6 +184,7 @@ private slots:
 
         // All of them asked for eight things at once.
         QNetworkAccessManager manager;
+        manager.setProxy(QNetworkProxy::NoProxy); // nor is one looked for
         int good = 0;
         int done = 0;
         const int wanted = boxes * 8;
@@ -212,14 +215,14 @@ private slots:
                       {"-a", "-r", "2", "-t", "200", TEST_BLOCK ".11", TEST_BLOCK ".12"},
                       dir.path());
         QVERIFY(check.waitForFinished());
-        QCOMPARE(check.readAllStandardOutput(), QByteArray(TEST_BLOCK ".11\n"));
+        QCOMPARE(check.newWords(), QString(TEST_BLOCK ".11\n"));
 
         Program sweep("lan-fping", {"-a", "-r", "0", "-t", "100", "-g", TEST_BLOCK ".0/24"},
                       dir.path());
         QVERIFY(sweep.waitForReadyRead()); // line by line, long before the sweep is over
         QCOMPARE(sweep.state(), QProcess::Running);
         QVERIFY(sweep.waitForFinished());
-        QCOMPARE(sweep.readAllStandardOutput(), QByteArray(TEST_BLOCK ".11\n" TEST_BLOCK ".13\n"));
+        QCOMPARE(sweep.newWords(), QString(TEST_BLOCK ".11\n" TEST_BLOCK ".13\n"));
     }
 
     void killedSweepLeavesNoFping()
@@ -234,13 +237,11 @@ private slots:
         Program sweep("lan-fping", {"-a"}, dir.path());
         qunsetenv("KORA_LAN_FPING");
         QTRY_VERIFY(linesOf(pidFile).value(0).toInt() > 0);
-        const int pid = linesOf(pidFile).first().toInt();
-        QCOMPARE(kill(pid, 0), 0);
+        const qint64 pid = linesOf(pidFile).first().toLongLong();
+        QVERIFY(isScriptRunning(pid));
         sweep.kill();
         QVERIFY(sweep.waitForFinished());
-        // Gone, or dead and only waiting to be collected.
-        QTRY_VERIFY(kill(pid, 0) != 0 ||
-                    linesOf(QString("/proc/%1/stat").arg(pid)).value(0).contains(") Z "));
+        QTRY_VERIFY(!isScriptRunning(pid));
     }
 
     void koraLanObeys()
@@ -262,12 +263,14 @@ private slots:
         program.closeWriteChannel();
         QCOMPARE(readParameter(TEST_BLOCK ".12", "eParam_DHCP").exitCode, 0);
         QVERIFY2(!program.waitForFinished(300), "the end of its input is no order to end");
+#ifdef Q_OS_UNIX // no program without a window hears a request elsewhere
         program.terminate();
         QVERIFY(program.waitForFinished());
         QCOMPARE(program.exitStatus(), QProcess::NormalExit);
         QCOMPARE(program.exitCode(), 0);
         QVERIFY(QFile::exists(dir.filePath("plugged")));
         QCOMPARE(linesOf(dir.filePath("plugged")), QStringList());
+#endif
     }
 
     void koraLanOptions()
@@ -287,11 +290,11 @@ private slots:
     void koraLanEndsWithParent()
     {
         QTemporaryDir dir;
-        QProcess parent;
-        parent.start("sleep", {"20"});
-        QVERIFY(parent.waitForStarted());
+        Program parent("kora-lan", {"--subnet", TEST_BLOCK ".0/24", "--boxes", "1", "--no-web"},
+                       dir.filePath("parent"));
+        QVERIFY(parent.says("ready\n"));
         Program program("kora-lan",
-                        {"--subnet", TEST_BLOCK ".0/24", "--boxes", "1", "--no-web", "--run-dir",
+                        {"--subnet", TEST_BLOCK ".0/24", "--boxes", "0", "--no-web", "--run-dir",
                          dir.path(), "--exit-with-parent", QString::number(parent.processId())},
                         dir.path());
         QVERIFY(program.says("ready\n"));
