@@ -55,7 +55,11 @@ foreach(plugin IN LISTS tarn_plugins)
 endforeach()
 
 tarn_describe(tarn-hub "Tarn Hub")
-install(TARGETS tarn-hub RUNTIME DESTINATION . COMPONENT program)
+tarn_describe(tarn-upgrade "Tarn Hub Upgrade")
+tarn_describe(tarn-setup-helper "Tarn Hub Setup")
+# The name that the upgrade is told to start again.
+install(PROGRAMS $<TARGET_FILE:tarn-hub> DESTINATION . RENAME "Tarn Hub.exe" COMPONENT program)
+install(TARGETS tarn-upgrade RUNTIME DESTINATION . COMPONENT program)
 install(TARGETS tarn-fping RUNTIME DESTINATION fping/fping_x64 COMPONENT program)
 install(FILES ${CMAKE_SOURCE_DIR}/LICENSE DESTINATION licences RENAME tarn-hub.txt
     COMPONENT program)

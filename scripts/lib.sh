@@ -9,7 +9,7 @@ packages_for() {
     building)
         echo cmake g++ git ninja-build pkg-config \
             qtbase5-dev qttools5-dev qttools5-dev-tools libqt5websockets5-dev libqt5svg5-dev qtwebengine5-dev \
-            libavcodec-dev libavformat-dev libavutil-dev libswscale-dev libcpp-httplib-dev
+            libavcodec-dev libavformat-dev libavutil-dev libswscale-dev libcpp-httplib-dev libsodium-dev
         ;;
     running) echo curl ffmpeg fonts-noto-cjk fping iproute2 qttranslations5-l10n ;;
     display) echo xauth xvfb ;;
@@ -18,7 +18,9 @@ packages_for() {
     clang) echo clang libclang-rt-dev llvm ;;
     testing) echo lldb openssl ;;
     gallery) echo imagemagick ;;
-    windows) echo dpkg-dev g++-mingw-w64-x86-64-posix xz-utils ;;
+    windows) echo autoconf automake dpkg-dev g++-mingw-w64-x86-64-posix libtool make xz-utils ;;
+    installer) echo nsis ;;
+    wine) echo procps python3 wine wine64 xdotool ;;
     packaging) echo appstream desktop-file-utils dpkg-dev file lintian ;;
     *) die "no packages are listed for $1" ;;
     esac
@@ -303,7 +305,8 @@ run_in_network() {
     local name kept=() kind=$1
     shift
     for name in HOME PATH LANG TERM CI DISPLAY WAYLAND_DISPLAY XAUTHORITY XDG_RUNTIME_DIR \
-        XDG_SESSION_TYPE DBUS_SESSION_BUS_ADDRESS TARN_BUILD_DIR; do
+        XDG_SESSION_TYPE DBUS_SESSION_BUS_ADDRESS TARN_BUILD_DIR TARN_WINDOWS_KIT \
+        TARN_HTTPLIB_DIR; do
         [ -z "${!name+set}" ] || kept+=("$name=${!name}")
     done
     clean_up

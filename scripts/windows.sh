@@ -17,21 +17,41 @@ use_kit() {
     fi
 }
 
+# fetch_source PACKAGE FOLDER [TAR_OPTION...]: the source that Debian's package was made from.
+fetch_source() {
+    local package=$1 to=$2 apt=$dir/apt archive
+    shift 2
+    say "Fetching the source of $package"
+    mkdir -p "$apt/lists/partial" "$apt/cache/archives/partial" "$apt/source" "$to"
+    source_list >"$apt/sources.sources"
+    (cd "$apt/source" && quietly apt_sources update &&
+        quietly apt_sources source --download-only "$package") ||
+        die "could not fetch the source of $package."
+    archive=$(find "$apt/source" -name "${package}_*.orig.tar.*" | head -n 1)
+    tar -C "$to" --strip-components=1 -xf "$archive" "$@"
+    rm -rf "$apt"
+}
+
 # The web library of the virtual boxes, in the form that needs no building: Debian packs it built for
 # this system. Sets httplib to the folder with it.
 fetch_httplib() {
-    local apt=$dir/apt archive
     httplib=$dir/httplib
-    [ ! -e "$httplib/httplib.h" ] || return 0
-    say "Fetching the source of cpp-httplib"
-    mkdir -p "$apt/lists/partial" "$apt/cache/archives/partial" "$apt/source" "$httplib"
-    source_list >"$apt/sources.sources"
-    (cd "$apt/source" && quietly apt_sources update &&
-        quietly apt_sources source --download-only cpp-httplib) ||
-        die "could not fetch the source of cpp-httplib; TARN_HTTPLIB_DIR may name a folder with httplib.h."
-    archive=$(find "$apt/source" -name 'cpp-httplib_*.orig.tar.*' | head -n 1)
-    tar -C "$httplib" --strip-components=1 --wildcards -xf "$archive" '*/httplib.h'
-    rm -rf "$apt"
+    [ -e "$httplib/httplib.h" ] || fetch_source cpp-httplib "$httplib" --wildcards '*/httplib.h'
+}
+
+# The library that checks signatures, static: Debian has none for Windows. Sets sodium to its folder.
+build_sodium() {
+    local source=$dir/sodium-source
+    sodium=$dir/sodium
+    [ ! -e "$sodium/lib/libsodium.a" ] || return 0
+    rm -rf "$source"
+    fetch_source libsodium "$source"
+    say "Building libsodium for Windows"
+    (cd "$source" && quietly ./autogen.sh -s &&
+        quietly ./configure --host=x86_64-w64-mingw32 CC=x86_64-w64-mingw32-gcc-posix \
+            --disable-shared --prefix="$sodium" &&
+        quietly make -j "$(nproc)" install) || die "could not build libsodium."
+    rm -rf "$source"
 }
 
 # This system's own package sources, for source packages.
@@ -69,19 +89,24 @@ find_compiler_file() {
     readlink -f "$path"
 }
 
-# build_windows KIT TARGETS [CMAKE_OPTION...]: leaves dir set to the build's folder.
-build_windows() {
-    local kit=$1 targets=$2
-    shift 2
+# prepare_windows KIT [boxes]: what a build needs besides packages, from the network too.
+prepare_windows() {
     dir=$(build_dir windows)
     mkdir -p "$dir"
-    use_kit "$kit"
+    use_kit "$1"
     httplib=${TARN_HTTPLIB_DIR:-}
-    [[ -n $httplib || " $targets " != *" kora-lan "* ]] || fetch_httplib
+    [[ -n $httplib || ${2:-} != boxes ]] || fetch_httplib
+    build_sodium
+}
+
+# build_windows TARGETS [CMAKE_OPTION...]: after prepare_windows.
+build_windows() {
+    local targets=$1
+    shift
     build windows "$targets" -DTARN_WERROR=ON -DTARN_WINDOWS_KIT="$kit_dir" \
+        -DTARN_SODIUM_DIR="$sodium" \
         -DTARN_RUNTIME_FILES="$(runtime_files)" -DTARN_HTTPLIB_DIR="$httplib" \
         -DQt5LinguistTools_DIR="$(linguist_tools)" "$@"
-    dir=$(build_dir windows)
 }
 
 # Translations are packed by a tool of this system.

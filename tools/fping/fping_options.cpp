@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
 #include <optional>
 
 namespace
@@ -142,46 +141,68 @@ void setValue(FpingOptions* options, char letter, const std::string& text)
         options->intervalMs = *number < shortestInterval ? shortestInterval : *number;
 }
 
+/// A command line, word by word.
+class Reader
+{
+public:
+    explicit Reader(const std::vector<std::string>& words) : m_words(words) {}
+
+    FpingOptions read()
+    {
+        for (; m_at < m_words.size() && m_options.outcome == Outcome::Run; ++m_at) {
+            const std::string& word = m_words[m_at];
+            if (m_optionsOver || word.size() < 2 || word[0] != '-')
+                m_targets.push_back(word);
+            else if (word == "--")
+                m_optionsOver = true;
+            else
+                readLetters(word);
+        }
+        if (m_options.outcome == Outcome::Run)
+            addTargets(&m_options, m_targets, m_generates);
+        return m_options;
+    }
+
+private:
+    /// Letters without a value may share a word; what follows one that has a value is its value.
+    void readLetters(const std::string& word)
+    {
+        for (std::size_t at = 1; at < word.size(); ++at) {
+            const char letter = word[at];
+            if (letter == 'a')
+                m_options.onlyAlive = true;
+            else if (letter == 'g')
+                m_generates = true;
+            else if (letter == 'v')
+                m_options.outcome = Outcome::Version;
+            else if (letter == 'r' || letter == 't' || letter == 'i')
+                return readValue(letter, word.substr(at + 1));
+            else
+                return refuse(&m_options, std::string("invalid option -- '") + letter + "'");
+        }
+    }
+
+    void readValue(char letter, const std::string& rest)
+    {
+        if (!rest.empty())
+            setValue(&m_options, letter, rest);
+        else if (m_at + 1 < m_words.size())
+            setValue(&m_options, letter, m_words[++m_at]);
+        else
+            refuse(&m_options, std::string("option requires an argument -- '") + letter + "'");
+    }
+
+    const std::vector<std::string>& m_words;
+    std::size_t m_at = 0;
+    bool m_optionsOver = false;
+    bool m_generates = false;
+    std::vector<std::string> m_targets;
+    FpingOptions m_options;
+};
+
 } // namespace
 
 FpingOptions readFpingOptions(const std::vector<std::string>& words)
 {
-    FpingOptions options;
-    std::vector<std::string> targets;
-    bool generates = false;
-    bool optionsOver = false;
-    for (std::size_t n = 0; n < words.size() && options.outcome == Outcome::Run; ++n) {
-        const std::string& word = words[n];
-        if (optionsOver || word.size() < 2 || word[0] != '-') {
-            targets.push_back(word);
-            continue;
-        }
-        optionsOver = word == "--";
-        // Letters without a value may share a word; what follows one that has a value is its value.
-        for (std::size_t at = 1; at < word.size() && !optionsOver; ++at) {
-            const char letter = word[at];
-            if (letter == 'a') {
-                options.onlyAlive = true;
-            } else if (letter == 'g') {
-                generates = true;
-            } else if (letter == 'v') {
-                options.outcome = Outcome::Version;
-            } else if (letter == 'r' || letter == 't' || letter == 'i') {
-                if (at + 1 < word.size())
-                    setValue(&options, letter, word.substr(at + 1));
-                else if (n + 1 < words.size())
-                    setValue(&options, letter, words[++n]);
-                else
-                    refuse(&options,
-                           std::string("option requires an argument -- '") + letter + "'");
-                break;
-            } else {
-                refuse(&options, std::string("invalid option -- '") + letter + "'");
-                break;
-            }
-        }
-    }
-    if (options.outcome == Outcome::Run)
-        addTargets(&options, targets, generates);
-    return options;
+    return Reader(words).read();
 }

@@ -7,6 +7,7 @@
 #include "fping_options.h"
 #include "ping_round.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
@@ -32,6 +33,7 @@ constexpr std::size_t dataBytes = 56;
 constexpr std::size_t replyBytes = sizeof(ICMP_ECHO_REPLY) + dataBytes + 64;
 /// The system's own patience is longer than ours, so that only ours counts.
 constexpr double extraPatienceMs = 500;
+constexpr double mostPatienceMs = 600000;
 constexpr double longestPauseMs = 1000;
 
 double now()
@@ -48,6 +50,7 @@ public:
         : m_options(options)
         , m_round(options.targets.size(), options.retries, options.timeoutMs, options.intervalMs)
         , m_system(IcmpCreateFile())
+        , m_patienceMs(DWORD(std::min(m_round.longestPatience() + extraPatienceMs, mostPatienceMs)))
     {
     }
 
@@ -89,7 +92,7 @@ private:
             m_system, nullptr, reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Sweep::hear)),
             question.get(), htonl(m_options.targets[target].address), question->data.data(),
             WORD(question->data.size()), nullptr, question->reply.data(),
-            DWORD(question->reply.size()), DWORD(m_options.timeoutMs + extraPatienceMs));
+            DWORD(question->reply.size()), m_patienceMs);
         const DWORD error = GetLastError();
         if (sent != 0 || error == ERROR_IO_PENDING)
             static_cast<void>(question.release());
@@ -140,6 +143,7 @@ private:
     const FpingOptions& m_options;
     PingRound m_round;
     const HANDLE m_system;
+    const DWORD m_patienceMs;
     bool m_cannotAsk = false;
 };
 

@@ -2,6 +2,7 @@
 #include "ping_round.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace
@@ -14,7 +15,11 @@ constexpr double backoff = 1.5;
 } // namespace
 
 PingRound::PingRound(std::size_t targets, int retries, double timeoutMs, double intervalMs)
-    : m_retries(retries), m_intervalMs(intervalMs), m_targets(targets), m_open(targets)
+    : m_retries(retries)
+    , m_timeoutMs(timeoutMs)
+    , m_intervalMs(intervalMs)
+    , m_targets(targets)
+    , m_open(targets)
 {
     for (std::size_t n = 0; n < targets; ++n) {
         m_targets[n].timeoutMs = timeoutMs;
@@ -71,6 +76,11 @@ std::vector<std::size_t> PingRound::silent(double now)
         given.push_back(number);
     }
     return given;
+}
+
+double PingRound::longestPatience() const
+{
+    return m_timeoutMs * std::pow(backoff, m_retries);
 }
 
 double PingRound::pause(double now) const

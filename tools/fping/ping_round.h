@@ -24,6 +24,8 @@ public:
     /// Those whose time has passed for the last time, each once.
     std::vector<std::size_t> silent(double now);
 
+    /// How long an answer to what was asked last may take at most, whoever was asked.
+    double longestPatience() const;
     /// How long nothing happens unless somebody answers; 0 when something is due.
     double pause(double now) const;
     bool isOver() const { return m_open == 0; }
@@ -45,6 +47,7 @@ private:
     void dropAnswered();
 
     const int m_retries;
+    const double m_timeoutMs;
     const double m_intervalMs;
     std::vector<Target> m_targets;
     std::deque<std::size_t> m_waiting;
