@@ -26,6 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     REQUIRE(whole.totalBytes() >= -1);
     REQUIRE(whole.receivedBytes() >= 0);
     REQUIRE(whole.silentReports() >= 0);
+    REQUIRE(whole.sentPercent() >= -1 && whole.sentPercent() <= 100);
     REQUIRE(whole.error().size() <= 4096);
     const CurlReport cut = read(output, piece);
     REQUIRE(whole.httpStatus() == cut.httpStatus() && whole.totalBytes() == cut.totalBytes());

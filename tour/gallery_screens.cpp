@@ -5,6 +5,7 @@
 #include "device/tree_model.h"
 #include "device/tree_view.h"
 #include "media/ffmpeg_widget.h"
+#include "tour/gallery_upgrades.h"
 #include "ui/recordings/list_widget.h"
 
 #include <QDialog>
@@ -295,7 +296,7 @@ std::vector<Stop> pictureScreens()
 std::vector<Stop> galleryScreens(sim::VirtualLan& lan)
 {
     std::vector<Stop> all = listScreens(lan);
-    for (const auto& more : {panelScreens(lan), pictureScreens()})
+    for (const auto& more : {panelScreens(lan), pictureScreens(), galleryUpgrades(lan)})
         all.insert(all.end(), more.begin(), more.end());
     return all;
 }

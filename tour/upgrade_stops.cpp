@@ -4,13 +4,11 @@
 #include "device/item.h"
 #include "device/tree_model.h"
 #include "device/tree_view.h"
+#include "tour/upgrade_order.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
-#include <QFileDialog>
 #include <QLabel>
-#include <QLineEdit>
 #include <QScreen>
 #include <QTableWidget>
 #include <QTest>
@@ -36,20 +34,6 @@ bool newerFirmwareMarked(Tour& tour)
     });
 }
 
-/// Adds the other two to the selected box, as with the control key held.
-void selectThree(Tour& tour)
-{
-    tour.clickBox(upgraded.first());
-    TreeView* view = tour.devices();
-    for (const QString& ip : upgraded.mid(1)) {
-        const QModelIndex index = view->treeModel()->indexOf(tour.box(ip));
-        view->scrollTo(index);
-        const QRect row = view->visualRect(index);
-        QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::ControlModifier,
-                          {row.left() + row.width() / 3, row.center().y()});
-    }
-}
-
 bool upgradeAsked(Tour& tour)
 {
     const QString package = tour.window().property("otaFilepath").toString();
@@ -58,28 +42,7 @@ bool upgradeAsked(Tour& tour)
         if (!tour.tellLan("fault " + ip + " throttle 400000 on upload times 1"))
             return false;
     }
-    selectThree(tour);
-    const auto choosePackage = [&] {
-        (void)tour.inPopup(
-            [&] { tour.click(tour.child<QWidget>("firmwareUpdate")); }, "a package to choose",
-            [](QWidget& dialog) { return qobject_cast<QFileDialog*>(&dialog) != nullptr; },
-            [&](QWidget& dialog) {
-                auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
-                edit->setText(package);
-                QTest::keyClick(edit, Qt::Key_Return);
-            });
-    };
-    // That leads to the question, which is answered with the third button.
-    return tour.inPopup(
-        choosePackage, "a package to choose and the question whether to upgrade",
-        [](QWidget& dialog) {
-            const auto* keep = dialog.findChild<QAbstractButton*>("Recovery");
-            return keep && keep->isVisible();
-        },
-        [&](QWidget& dialog) {
-            tour.takePicture();
-            QTest::mouseClick(dialog.findChild<QWidget*>("Recovery"), Qt::LeftButton);
-        });
+    return orderUpgrade(tour, upgraded, package);
 }
 
 bool upgradeRuns(Tour& tour)

@@ -14,4 +14,5 @@ set(tarn_accent_pressed "#3b98a9")
 set(tarn_on_accent "#0e1a1d")       # text and marks on the accent
 set(tarn_danger "#f38385")
 set(tarn_ok "#5fc98a")
+set(tarn_progress "#2f7786")        # what is done of it; the text is readable on it
 set(tarn_selection "#2c5a64")       # selected text and rows

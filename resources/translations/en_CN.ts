@@ -65,12 +65,16 @@
       <translation>Waiting for earlier commands to finish</translation>
     </message>
     <message>
-      <source>此前的操作未完成,未升级</source>
+      <source>此前的操作未完成，未升级</source>
       <translation>Earlier commands have not finished, not upgraded</translation>
     </message>
     <message>
-      <source>设备已不在列表中,未升级</source>
+      <source>设备已不在列表中，未升级</source>
       <translation>The box is no longer in the list, not upgraded</translation>
+    </message>
+    <message>
+      <source>计算校验值</source>
+      <translation>Computing checksum</translation>
     </message>
   </context>
   <context>
@@ -135,31 +139,31 @@
       <translation>Firmware updated</translation>
     </message>
     <message>
-      <source>设备没有回应,未升级</source>
+      <source>设备没有回应，未升级</source>
       <translation>The box did not answer and was not upgraded</translation>
     </message>
     <message>
-      <source>网络中有两台设备的MAC地址相同,无法保留设置,未升级</source>
+      <source>网络中有两台设备的MAC地址相同，无法保留设置，未升级</source>
       <translation>Two boxes on the network have the same MAC address: settings cannot be kept, not upgraded</translation>
     </message>
     <message>
-      <source>此地址上现在是另一台设备(%1),未升级</source>
+      <source>此地址上现在是另一台设备（%1），未升级</source>
       <translation>Another box (%1) is at this address now, not upgraded</translation>
     </message>
     <message>
-      <source>此MAC地址的另一台设备正在升级,未升级</source>
+      <source>此MAC地址的另一台设备正在升级，未升级</source>
       <translation>Another box with this MAC address is being upgraded, this one was not</translation>
     </message>
     <message>
-      <source>设备正在升级固件或恢复设置,未再次升级</source>
+      <source>设备正在升级固件或恢复设置，未再次升级</source>
       <translation>The box is being upgraded or its settings are being restored, it was not upgraded again</translation>
     </message>
     <message>
-      <source>网络中有两台设备的MAC地址相同,未升级</source>
+      <source>网络中有两台设备的MAC地址相同，未升级</source>
       <translation>Two boxes on the network have the same MAC address, not upgraded</translation>
     </message>
     <message>
-      <source>设备没有MAC地址,无法保留设置,未升级</source>
+      <source>设备没有MAC地址，无法保留设置，未升级</source>
       <translation>The box has no MAC address: its settings cannot be kept, not upgraded</translation>
     </message>
     <message>
@@ -167,38 +171,38 @@
       <translation>Reading the settings</translation>
     </message>
     <message>
-      <source>设置未能完整读取,未升级</source>
+      <source>设置未能完整读取，未升级</source>
       <translation>The settings could not be read completely, not upgraded</translation>
     </message>
     <message>
-      <source>升级记录无法写入磁盘,未升级</source>
+      <source>升级记录无法写入磁盘，未升级</source>
       <translation>The upgrade record cannot be written to disk, not upgraded</translation>
     </message>
     <message>
-      <source>恢复设置后重启,未再回应</source>
+      <source>恢复设置后重启，未再回应</source>
       <translation>Restarted after its settings were restored and did not answer again</translation>
     </message>
     <message>
-      <source>设置写回后程序曾中断,设备可能尚未重启</source>
+      <source>设置写回后程序曾中断，设备可能尚未重启</source>
       <translation>The program ended after the settings were written back: the box may not have restarted</translation>
     </message>
     <message>
-      <source>设置已写回,但不能确定设备已重启</source>
+      <source>设置已写回，但不能确定设备已重启</source>
       <translation>The settings were written back, but it is not certain that the box restarted</translation>
     </message>
     <message>
-      <source>内部检查未通过(%1),已停止对此设备的操作</source>
+      <source>内部检查未通过（%1），已停止对此设备的操作</source>
       <translation>An internal check failed (%1): nothing more is sent to this box</translation>
     </message>
     <message>
-      <source>此地址上的设备现在才告知MAC地址(%1),未升级,请重试</source>
+      <source>此地址上的设备现在才告知MAC地址（%1），未升级，请重试</source>
       <translation>The box at this address has only now reported its MAC address (%1), not upgraded. Please try again.</translation>
     </message>
   </context>
   <context>
     <name>Closing</name>
     <message>
-      <source>正在向KORA发送命令,完成后将自动关闭.</source>
+      <source>正在向KORA发送命令，完成后将自动关闭。</source>
       <translation>A command is being sent to the box. The program closes when this is done.</translation>
     </message>
   </context>
@@ -280,6 +284,10 @@
       <source>Ctrl+S</source>
       <translation>Ctrl+S</translation>
     </message>
+    <message>
+      <source>DHCP已打开，关闭后才使用此设置</source>
+      <translation>Not used while DHCP is on</translation>
+    </message>
   </context>
   <context>
     <name>ConfigurationSave</name>
@@ -304,22 +312,22 @@
       <translation>Settings saved.</translation>
     </message>
     <message numerus="yes">
-      <source>%n 项参数未从设备读到,没有保存.</source>
+      <source>%n 项参数未从设备读到，没有保存。</source>
       <translation>
         <numerusform>%n setting was not read from the box and has not been saved.</numerusform>
         <numerusform>%n settings were not read from the box and have not been saved.</numerusform>
       </translation>
     </message>
     <message>
-      <source>尚未读到设备的参数,没有可保存的内容.</source>
+      <source>尚未读到设备的参数，没有可保存的内容。</source>
       <translation>No settings of the box have been read: there is nothing to save.</translation>
     </message>
     <message>
-      <source>未读到设备的静态IP地址和子网掩码,不能关闭DHCP.</source>
+      <source>未读到设备的静态IP地址和子网掩码，不能关闭DHCP。</source>
       <translation>DHCP cannot be switched off: the static IP address and subnet mask of the box are unknown.</translation>
     </message>
     <message>
-      <source>设置已写入,但不能确定KORA已重启,重启后才会生效.</source>
+      <source>设置已写入，但不能确定KORA已重启，重启后才会生效。</source>
       <translation>The settings are written, but it is not certain that the box has restarted. They take effect after a restart.</translation>
     </message>
   </context>
@@ -361,7 +369,7 @@
   <context>
     <name>CrashNotice</name>
     <message>
-      <source>软件上次异常退出.</source>
+      <source>软件上次异常退出。</source>
       <translation>The program crashed last time.</translation>
     </message>
     <message>
@@ -396,7 +404,7 @@
       <translation>Could not stop decoding. Please try again.</translation>
     </message>
     <message>
-      <source>尚未读到设备的编码状态,请稍后重试.</source>
+      <source>尚未读到设备的编码状态，请稍后重试。</source>
       <translation>The encoder mode of the box has not been read yet. Please try again later.</translation>
     </message>
   </context>
@@ -411,11 +419,11 @@
       <translation>Refuses connections</translation>
     </message>
     <message>
-      <source>可以连接,但没有完整应答</source>
+      <source>可以连接，但没有完整应答</source>
       <translation>Open, but no complete reply</translation>
     </message>
     <message>
-      <source>应答错误: HTTP %1</source>
+      <source>应答错误：HTTP %1</source>
       <translation>Replies with error HTTP %1</translation>
     </message>
     <message>
@@ -431,15 +439,15 @@
       <translation>No network connection</translation>
     </message>
     <message>
-      <source>网线或无线未连接 (%1)</source>
+      <source>网线或无线未连接（%1）</source>
       <translation>No cable or Wi-Fi (%1)</translation>
     </message>
     <message>
-      <source>网段与设备不同 (%1)</source>
+      <source>网段与设备不同（%1）</source>
       <translation>Other subnet (%1)</translation>
     </message>
     <message>
-      <source>%1: %2</source>
+      <source>%1：%2</source>
       <translation>%1: %2</translation>
     </message>
     <message>
@@ -465,6 +473,10 @@
     <message>
       <source>自%1起中断</source>
       <translation>Lost since %1</translation>
+    </message>
+    <message>
+      <source>设备离线，自%1起无应答</source>
+      <translation>Offline: no answer since %1</translation>
     </message>
   </context>
   <context>
@@ -514,7 +526,7 @@
       <translation>Find a box</translation>
     </message>
     <message>
-      <source>地址,名称,MAC,版本或状态</source>
+      <source>地址，名称，MAC，版本或状态</source>
       <translation>Address, name, MAC, version or state</translation>
     </message>
   </context>
@@ -548,7 +560,7 @@
       <translation>No network connection</translation>
     </message>
     <message>
-      <source>这台电脑没有可以搜索的网络.请检查网线和网卡设置.</source>
+      <source>这台电脑没有可以搜索的网络。请检查网线和网卡设置。</source>
       <translation>This computer has no network to search. Please check its cable and network settings.</translation>
     </message>
     <message>
@@ -556,26 +568,26 @@
       <translation>No box matches</translation>
     </message>
     <message>
-      <source>按Esc显示全部设备.</source>
+      <source>按Esc显示全部设备。</source>
       <translation>Press Esc in the search field to show all boxes.</translation>
     </message>
     <message numerus="yes">
-      <source>已搜索%n秒,还没有找到设备.请检查:</source>
+      <source>已搜索%n秒，还没有找到设备。请检查：</source>
       <translation>
         <numerusform>No box found after %n second. Please check:</numerusform>
         <numerusform>No box found after %n seconds. Please check:</numerusform>
       </translation>
     </message>
     <message>
-      <source>设备已通电,网线已接好.</source>
+      <source>设备已通电，网线已接好。</source>
       <translation>The boxes are on and their cables are plugged in.</translation>
     </message>
     <message>
-      <source>这台电脑与设备在同一网段.</source>
+      <source>这台电脑与设备在同一网段。</source>
       <translation>This computer is on the same subnet.</translation>
     </message>
     <message>
-      <source>防火墙没有阻止ping和端口8081.</source>
+      <source>防火墙没有阻止ping和端口8081。</source>
       <translation>The firewall lets ping and port 8081 through.</translation>
     </message>
   </context>
@@ -669,7 +681,7 @@
       <translation>Box list saved as %1.</translation>
     </message>
     <message>
-      <source>无法保存设备清单: %1</source>
+      <source>无法保存设备清单：%1</source>
       <translation>The box list could not be saved (%1).</translation>
     </message>
   </context>
@@ -680,7 +692,7 @@
       <translation>Restart this box? Address: </translation>
     </message>
     <message>
-      <source>KORA %1 未重启,请检查KORA网络状态后重试.</source>
+      <source>KORA %1 未重启，请检查KORA网络状态后重试。</source>
       <translation>KORA %1 was not restarted. Check its network connection, then try again.</translation>
     </message>
   </context>
@@ -703,7 +715,7 @@
       <translation>Canceled</translation>
     </message>
     <message>
-      <source>下载失败 (%1)</source>
+      <source>下载失败（%1）</source>
       <translation>Download failed (%1)</translation>
     </message>
     <message>
@@ -803,14 +815,14 @@
       <translation>Saved %1</translation>
     </message>
     <message>
-      <source>无法保存画面: %1</source>
+      <source>无法保存画面：%1</source>
       <translation>The picture cannot be saved: %1</translation>
     </message>
   </context>
   <context>
     <name>FieldMark</name>
     <message>
-      <source>已修改,尚未保存</source>
+      <source>已修改，尚未保存</source>
       <translation>Changed, not saved yet</translation>
     </message>
     <message>
@@ -818,7 +830,7 @@
       <translation>The box has no such setting</translation>
     </message>
     <message>
-      <source>尚未从设备读到,不能修改,也不会保存</source>
+      <source>尚未从设备读到，不能修改，也不会保存</source>
       <translation>Not read from the box yet: it cannot be changed and will not be saved</translation>
     </message>
     <message>
@@ -873,7 +885,7 @@
       <translation>Channels: %1</translation>
     </message>
     <message>
-      <source>软件,%1 个线程</source>
+      <source>软件，%1 个线程</source>
       <translation>Software, threads: %1</translation>
     </message>
   </context>
@@ -884,14 +896,14 @@
       <translation>Please select a box in the box list first.</translation>
     </message>
     <message>
-      <source>KORA %1 正在升级固件或恢复设置,请等待完成后再操作.</source>
+      <source>KORA %1 正在升级固件或恢复设置，请等待完成后再操作。</source>
       <translation>The firmware of KORA %1 is being upgraded or its settings are being restored. Please wait until this is done.</translation>
     </message>
   </context>
   <context>
     <name>IPAddress</name>
     <message>
-      <source>%1, 第%2段,共4段</source>
+      <source>%1，第%2段，共4段</source>
       <translation>%1, part %2 of 4</translation>
     </message>
   </context>
@@ -904,6 +916,17 @@
     <message>
       <source>设备信息</source>
       <translation>Box information</translation>
+    </message>
+  </context>
+  <context>
+    <name>InfoHint</name>
+    <message>
+      <source>选择一个设备，这里显示它的信息</source>
+      <translation>Select a box to see its information here</translation>
+    </message>
+    <message>
+      <source>正在读取…</source>
+      <translation>Reading…</translation>
     </message>
   </context>
   <context>
@@ -932,7 +955,7 @@
       <translation>Delete</translation>
     </message>
     <message>
-      <source>%1, 正在播放</source>
+      <source>%1，正在播放</source>
       <translation>%1, playing</translation>
     </message>
     <message>
@@ -959,11 +982,11 @@
       <translation>Streaming could not be stopped. Check the network, then try again.</translation>
     </message>
     <message>
-      <source>设备没有回应,直播服务可能没有开启.</source>
+      <source>设备没有回应，直播服务可能没有开启。</source>
       <translation>The box did not answer; streaming may not have started.</translation>
     </message>
     <message>
-      <source>设备没有回应,直播服务可能没有关闭.</source>
+      <source>设备没有回应，直播服务可能没有关闭。</source>
       <translation>The box did not answer; streaming may not have stopped.</translation>
     </message>
     <message>
@@ -1028,30 +1051,30 @@
   <context>
     <name>Orders</name>
     <message>
-      <source>此地址上现在是另一台设备.</source>
+      <source>此地址上现在是另一台设备。</source>
       <translation>Another box is at this address now.</translation>
     </message>
     <message>
-      <source>此地址上的设备现在才告知MAC地址,请确认后重试.</source>
+      <source>此地址上的设备现在才告知MAC地址，请确认后重试。</source>
       <translation>The box at this address has only now reported its MAC address. Please check it, then try again.</translation>
     </message>
   </context>
   <context>
     <name>PageBar</name>
     <message>
-      <source>此网页想访问另一台主机: %1</source>
+      <source>此网页想访问另一台主机：%1</source>
       <translation>The page wants to reach another host: %1</translation>
     </message>
     <message>
-      <source>此网页多次要求登录,不再询问.</source>
+      <source>此网页多次要求登录，不再询问。</source>
       <translation>The page has asked you to sign in too many times; further requests are ignored.</translation>
     </message>
     <message>
-      <source>此网页打开了太多对话框,不再显示.</source>
+      <source>此网页打开了太多对话框，不再显示。</source>
       <translation>The page opened too many dialogs; no more are shown.</translation>
     </message>
     <message>
-      <source>此网页没有响应.</source>
+      <source>此网页没有响应。</source>
       <translation>The page does not respond.</translation>
     </message>
     <message>
@@ -1133,47 +1156,47 @@
       <translation>Opening the box’s web page…</translation>
     </message>
     <message>
-      <source>无法打开设备的网页.</source>
+      <source>无法打开设备的网页。</source>
       <translation>The box’s web page cannot be opened.</translation>
     </message>
     <message>
-      <source>设备没有返回可显示的网页.</source>
+      <source>设备没有返回可显示的网页。</source>
       <translation>The box returned no page that can be shown.</translation>
     </message>
     <message>
-      <source>网页意外终止,正在重新加载…</source>
+      <source>网页意外终止，正在重新加载…</source>
       <translation>The page ended unexpectedly and is being loaded again…</translation>
     </message>
     <message>
-      <source>此设备通过自己的网页管理.</source>
+      <source>此设备通过自己的网页管理。</source>
       <translation>This box is managed through its own web page.</translation>
     </message>
     <message>
-      <source>请检查设备的电源和网络连接.</source>
+      <source>请检查设备的电源和网络连接。</source>
       <translation>Check the box’s power and network connection.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用: 它没有安装.</source>
+      <source>内置浏览器不可用：它没有安装。</source>
       <translation>The built-in browser is not available: it is not installed.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用: 它的安全沙箱不允许以 root 身份运行.</source>
+      <source>内置浏览器不可用：它的安全沙箱不允许以 root 身份运行。</source>
       <translation>The built-in browser is not available: its sandbox does not run as root.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用: 系统没有为它提供安全沙箱.</source>
+      <source>内置浏览器不可用：系统没有为它提供安全沙箱。</source>
       <translation>The built-in browser is not available: the system offers it no sandbox.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用: 它的程序文件不完整.</source>
+      <source>内置浏览器不可用：它的程序文件不完整。</source>
       <translation>The built-in browser is not available: its program files are incomplete.</translation>
     </message>
     <message>
-      <source>网页已关闭.</source>
+      <source>网页已关闭。</source>
       <translation>The page is closed.</translation>
     </message>
     <message>
-      <source>它占用了过多内存.</source>
+      <source>它占用了过多内存。</source>
       <translation>It used too much memory.</translation>
     </message>
   </context>
@@ -1195,6 +1218,10 @@
       <source>%1 项未保存</source>
       <translation>Not saved: %1</translation>
     </message>
+    <message>
+      <source>尚未读到设备的参数</source>
+      <translation>Settings of the box not read yet</translation>
+    </message>
   </context>
   <context>
     <name>PictureState</name>
@@ -1207,7 +1234,7 @@
       <translation>Opening…</translation>
     </message>
     <message>
-      <source>无信号,自 %1 起没有新画面</source>
+      <source>无信号，自 %1 起没有新画面</source>
       <translation>No signal: no new picture since %1</translation>
     </message>
     <message>
@@ -1234,7 +1261,7 @@
   <context>
     <name>RecordControl</name>
     <message>
-      <source>开启录制失败,请重试.</source>
+      <source>开启录制失败，请重试。</source>
       <translation>Recording could not be started. Please try again.</translation>
     </message>
     <message>
@@ -1269,7 +1296,7 @@
       <translation>the box cannot be reached</translation>
     </message>
     <message>
-      <source>传输中断,文件不完整</source>
+      <source>传输中断，文件不完整</source>
       <translation>the transfer broke off, the file is incomplete</translation>
     </message>
     <message>
@@ -1289,7 +1316,7 @@
       <translation>another box has this address now</translation>
     </message>
     <message>
-      <source>下载程序异常结束 (%1)</source>
+      <source>下载程序异常结束（%1）</source>
       <translation>the download program ended unexpectedly (%1)</translation>
     </message>
   </context>
@@ -1308,7 +1335,7 @@
       <translation>Cancel</translation>
     </message>
     <message>
-      <source>文件[%1]下载失败: %2</source>
+      <source>文件[%1]下载失败：%2</source>
       <translation>Downloading file [%1] failed: %2</translation>
     </message>
     <message>
@@ -1324,19 +1351,19 @@
       <translation>No</translation>
     </message>
     <message>
-      <source>已下载的部分会保留,可以继续下载.</source>
+      <source>已下载的部分会保留，可以继续下载。</source>
       <translation>What has arrived is kept; the download can be resumed.</translation>
     </message>
     <message>
-      <source>还有%1个录制文件没有下载完.
-已开始的下载会保留,下次启动软件后可以继续.
-确认要关闭软件吗?</source>
+      <source>还有%1个录制文件没有下载完。
+已开始的下载会保留，下次启动软件后可以继续。
+确认要关闭软件吗？</source>
       <translation>Recordings not downloaded completely: %1.
 Downloads that have begun are kept and can be resumed when the program is started again.
 Close the program?</translation>
     </message>
     <message>
-      <source>无法打开文件夹,文件保存在: %1</source>
+      <source>无法打开文件夹，文件保存在：%1</source>
       <translation>The folder could not be opened. The file is in: %1</translation>
     </message>
   </context>
@@ -1385,7 +1412,7 @@ Close the program?</translation>
   <context>
     <name>StartUp</name>
     <message>
-      <source>Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.</source>
+      <source>Tarn Hub 已在运行，但没有响应。请等待片刻，或结束该进程后再启动。</source>
       <translation>Tarn Hub is already running but does not respond. Wait a moment, or end that process, and start again.</translation>
     </message>
   </context>
@@ -1414,26 +1441,26 @@ Close the program?</translation>
       <translation>Reading recordings…</translation>
     </message>
     <message>
-      <source>此设备上没有录制文件.</source>
+      <source>此设备上没有录制文件。</source>
       <translation>No recordings on this box.</translation>
     </message>
     <message>
-      <source>无法读取录制文件.</source>
+      <source>无法读取录制文件。</source>
       <translation>The recordings could not be read.</translation>
     </message>
   </context>
   <context>
     <name>ToolNotice</name>
     <message>
-      <source>未找到 fping,无法发现设备. 请安装 fping 或重新安装本软件.</source>
+      <source>未找到 fping，无法发现设备。请安装 fping 或重新安装本软件。</source>
       <translation>fping was not found: no boxes can be discovered. Install fping, or reinstall this program.</translation>
     </message>
     <message>
-      <source>未找到 %1,无法发现设备. 请检查启动参数 --fping.</source>
+      <source>未找到 %1，无法发现设备。请检查启动参数 --fping。</source>
       <translation>%1 was not found: no boxes can be discovered. Check the option --fping.</translation>
     </message>
     <message>
-      <source>未找到 curl,无法控制和升级设备. 请安装 curl 或重新安装本软件.</source>
+      <source>未找到 curl，无法控制和升级设备。请安装 curl 或重新安装本软件。</source>
       <translation>curl was not found: boxes can be neither controlled nor upgraded. Install curl, or reinstall this program.</translation>
     </message>
   </context>
@@ -1462,6 +1489,10 @@ Close the program?</translation>
     <message>
       <source>%1/%2 在线</source>
       <translation>%1 of %2 online</translation>
+    </message>
+    <message>
+      <source>显示 %1/%2</source>
+      <translation>%1 of %2 shown</translation>
     </message>
   </context>
   <context>
@@ -1494,11 +1525,11 @@ Close the program?</translation>
       <translation>from %1</translation>
     </message>
     <message>
-      <source>安装文件已被更改,未启动升级. 请重新启动软件以再次下载.</source>
+      <source>安装文件已被更改，未启动升级。请重新启动软件以再次下载。</source>
       <translation>The installer was changed; the upgrade was not started. Restart Tarn Hub to download it again.</translation>
     </message>
     <message>
-      <source>无法启动升级程序. 请重新安装本软件.</source>
+      <source>无法启动升级程序。请重新安装本软件。</source>
       <translation>The upgrade program cannot be started. Reinstall Tarn Hub.</translation>
     </message>
   </context>
@@ -1517,7 +1548,7 @@ Close the program?</translation>
       <translation>The settings of %1 could not be restored, even after a second attempt. Please check the box.</translation>
     </message>
     <message numerus="yes">
-      <source>上次固件升级中断时,有%n个KORA的设置尚未恢复(保存于%1),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
+      <source>上次固件升级中断时，有%n个KORA的设置尚未恢复（保存于%1），是否在发现这些KORA时恢复？取消则放弃这些设置。</source>
       <translation>
         <numerusform>When the last upgrade was interrupted, the settings of %n box had not been restored (saved %1). Restore them when this box is found? Cancel abandons these settings.</numerusform>
         <numerusform>When the last upgrade was interrupted, the settings of %n boxes had not been restored (saved %1). Restore them when these boxes are found? Cancel abandons these settings.</numerusform>
@@ -1528,22 +1559,30 @@ Close the program?</translation>
       <translation>Firmware is being upgraded. Please do not close the program.</translation>
     </message>
     <message numerus="yes">
-      <source>上次固件升级被中断,当时有%n个KORA正在升级,请查看升级报告.</source>
+      <source>上次固件升级被中断，当时有%n个KORA正在升级，请查看升级报告。</source>
       <translation>
         <numerusform>The last upgrade was interrupted while %n box was being upgraded. Please see the upgrade report.</numerusform>
         <numerusform>The last upgrade was interrupted while %n boxes were being upgraded. Please see the upgrade report.</numerusform>
       </translation>
     </message>
     <message numerus="yes">
-      <source>还有%n个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复.是否关闭?</source>
+      <source>还有%n个KORA的设置等待恢复。如果现在关闭，下次启动时会询问是否恢复。是否关闭？</source>
       <translation>
         <numerusform>The settings of %n box are still waiting to be restored. If you close now, you will be asked about them at the next start. Close?</numerusform>
         <numerusform>The settings of %n boxes are still waiting to be restored. If you close now, you will be asked about them at the next start. Close?</numerusform>
       </translation>
     </message>
     <message>
-      <source>%1 设置已写回但未能核对,KORA设备正在重启.</source>
+      <source>%1 设置已写回但未能核对，KORA设备正在重启。</source>
       <translation>The settings of %1 have been restored but could not be verified. The box is restarting.</translation>
+    </message>
+    <message>
+      <source>上传 %1%</source>
+      <translation>Upload %1%</translation>
+    </message>
+    <message>
+      <source>正在计算固件校验值</source>
+      <translation>Computing the checksum of the package</translation>
     </message>
   </context>
   <context>
@@ -1553,11 +1592,11 @@ Close the program?</translation>
       <translation>Not kept</translation>
     </message>
     <message>
-      <source>未能完整读取,不恢复</source>
+      <source>未能完整读取，不恢复</source>
       <translation>Not read completely, not restored</translation>
     </message>
     <message>
-      <source>设备未回应,待恢复</source>
+      <source>设备未回应，待恢复</source>
       <translation>No answer, to be restored</translation>
     </message>
     <message>
@@ -1569,7 +1608,7 @@ Close the program?</translation>
       <translation>Restored</translation>
     </message>
     <message>
-      <source>已写回,未核对</source>
+      <source>已写回，未核对</source>
       <translation>Restored, not verified</translation>
     </message>
     <message numerus="yes">
@@ -1592,7 +1631,7 @@ Close the program?</translation>
       <translation>The version has not changed</translation>
     </message>
     <message>
-      <source>MAC地址未知,无法证实</source>
+      <source>MAC地址未知，无法证实</source>
       <translation>MAC address unknown, cannot be verified</translation>
     </message>
     <message>
@@ -1624,7 +1663,7 @@ Close the program?</translation>
       <translation>Settings</translation>
     </message>
     <message>
-      <source>用时(秒)</source>
+      <source>用时（秒）</source>
       <translation>Time (s)</translation>
     </message>
     <message>
@@ -1672,11 +1711,11 @@ Close the program?</translation>
       <translation>Interrupted during its upload</translation>
     </message>
     <message>
-      <source>网络中有两台设备的MAC地址相同,无法证实</source>
+      <source>网络中有两台设备的MAC地址相同，无法证实</source>
       <translation>Two boxes on the network have the same MAC address: cannot be verified</translation>
     </message>
     <message>
-      <source>升级前版本未知,无法证实</source>
+      <source>升级前版本未知，无法证实</source>
       <translation>The version before is not known: cannot be verified</translation>
     </message>
     <message>
@@ -1688,7 +1727,7 @@ Close the program?</translation>
       <translation>The version is not that of the package</translation>
     </message>
     <message>
-      <source>未改动,无需恢复</source>
+      <source>未改动，无需恢复</source>
       <translation>Unchanged, nothing to restore</translation>
     </message>
     <message>
@@ -1696,7 +1735,7 @@ Close the program?</translation>
       <translation>Restored by a later upgrade</translation>
     </message>
     <message>
-      <source>MAC地址重复,未恢复</source>
+      <source>MAC地址重复，未恢复</source>
       <translation>MAC address not unique, not restored</translation>
     </message>
     <message>
@@ -1704,11 +1743,11 @@ Close the program?</translation>
       <translation>Switched to DHCP</translation>
     </message>
     <message>
-      <source>内部检查已停止此升级:%1</source>
+      <source>内部检查已停止此升级：%1</source>
       <translation>Stopped by an internal check: %1</translation>
     </message>
     <message>
-      <source>设备称没有这些设置:%1</source>
+      <source>设备称没有这些设置：%1</source>
       <translation>Settings that the box says it does not have: %1</translation>
     </message>
     <message>
@@ -1723,11 +1762,11 @@ Close the program?</translation>
       <translation>Upgrade report</translation>
     </message>
     <message>
-      <source>共[%1]个,已证实[%2]个,未证实[%3]个,失败[%4]个,已中断[%5]个,进行中[%6]个</source>
+      <source>共[%1]个，已证实[%2]个，未证实[%3]个，失败[%4]个，已中断[%5]个，进行中[%6]个</source>
       <translation>Total [%1]: verified [%2], not verified [%3], failed [%4], interrupted [%5], under way [%6]</translation>
     </message>
     <message>
-      <source>报告文件: %1</source>
+      <source>报告文件：%1</source>
       <translation>Report file: %1</translation>
     </message>
   </context>
@@ -1856,8 +1895,12 @@ Close the program?</translation>
       <translation>Enter a valid port number.</translation>
     </message>
     <message>
-      <source>未能读到NDI源,请刷新重试</source>
+      <source>未能读到NDI源，请刷新重试</source>
       <translation>The NDI sources could not be read. Refresh to try again.</translation>
+    </message>
+    <message>
+      <source>例如 %1</source>
+      <translation>e.g. %1</translation>
     </message>
   </context>
 </TS>

@@ -5,7 +5,7 @@
     <name>AudioLevels</name>
     <message>
       <source>控制 %1 失败,请重试!</source>
-      <translation>%1을(를) 설정하지 못했습니다. 다시 시도하세요.</translation>
+      <translation>설정하지 못했습니다: %1. 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
@@ -64,12 +64,16 @@
       <translation>이전 작업이 끝나기를 기다리는 중</translation>
     </message>
     <message>
-      <source>此前的操作未完成,未升级</source>
+      <source>此前的操作未完成，未升级</source>
       <translation>이전 작업이 끝나지 않아 업그레이드하지 않음</translation>
     </message>
     <message>
-      <source>设备已不在列表中,未升级</source>
+      <source>设备已不在列表中，未升级</source>
       <translation>장치가 더 이상 목록에 없어 업그레이드하지 않았습니다</translation>
+    </message>
+    <message>
+      <source>计算校验值</source>
+      <translation>체크섬 계산 중</translation>
     </message>
   </context>
   <context>
@@ -134,31 +138,31 @@
       <translation>펌웨어 업데이트 성공</translation>
     </message>
     <message>
-      <source>设备没有回应,未升级</source>
+      <source>设备没有回应，未升级</source>
       <translation>장치가 응답하지 않아 업그레이드하지 않았습니다</translation>
     </message>
     <message>
-      <source>网络中有两台设备的MAC地址相同,无法保留设置,未升级</source>
+      <source>网络中有两台设备的MAC地址相同，无法保留设置，未升级</source>
       <translation>네트워크에 MAC 주소가 같은 장치가 두 대 있어 설정을 보존할 수 없으므로 업그레이드하지 않았습니다</translation>
     </message>
     <message>
-      <source>此地址上现在是另一台设备(%1),未升级</source>
+      <source>此地址上现在是另一台设备（%1），未升级</source>
       <translation>이 주소에 이제 다른 장치(%1)가 있어 업그레이드하지 않았습니다</translation>
     </message>
     <message>
-      <source>此MAC地址的另一台设备正在升级,未升级</source>
+      <source>此MAC地址的另一台设备正在升级，未升级</source>
       <translation>이 MAC 주소의 다른 장치를 업그레이드하는 중이므로 업그레이드하지 않았습니다</translation>
     </message>
     <message>
-      <source>设备正在升级固件或恢复设置,未再次升级</source>
+      <source>设备正在升级固件或恢复设置，未再次升级</source>
       <translation>장치가 업그레이드 중이거나 설정을 복원하는 중이므로 다시 업그레이드하지 않았습니다</translation>
     </message>
     <message>
-      <source>网络中有两台设备的MAC地址相同,未升级</source>
+      <source>网络中有两台设备的MAC地址相同，未升级</source>
       <translation>네트워크에 MAC 주소가 같은 장치가 두 대 있어 업그레이드하지 않았습니다</translation>
     </message>
     <message>
-      <source>设备没有MAC地址,无法保留设置,未升级</source>
+      <source>设备没有MAC地址，无法保留设置，未升级</source>
       <translation>장치에 MAC 주소가 없어 설정을 보존할 수 없으므로 업그레이드하지 않았습니다</translation>
     </message>
     <message>
@@ -166,38 +170,38 @@
       <translation>설정을 읽는 중</translation>
     </message>
     <message>
-      <source>设置未能完整读取,未升级</source>
+      <source>设置未能完整读取，未升级</source>
       <translation>설정을 모두 읽지 못하여 업그레이드하지 않았습니다</translation>
     </message>
     <message>
-      <source>升级记录无法写入磁盘,未升级</source>
+      <source>升级记录无法写入磁盘，未升级</source>
       <translation>업그레이드 기록을 디스크에 쓸 수 없어 업그레이드하지 않았습니다</translation>
     </message>
     <message>
-      <source>恢复设置后重启,未再回应</source>
+      <source>恢复设置后重启，未再回应</source>
       <translation>설정 복원 후 다시 시작했으나 더 이상 응답하지 않습니다</translation>
     </message>
     <message>
-      <source>设置写回后程序曾中断,设备可能尚未重启</source>
+      <source>设置写回后程序曾中断，设备可能尚未重启</source>
       <translation>설정을 다시 쓴 후 프로그램이 종료되어 장치가 다시 시작되지 않았을 수 있습니다</translation>
     </message>
     <message>
-      <source>设置已写回,但不能确定设备已重启</source>
+      <source>设置已写回，但不能确定设备已重启</source>
       <translation>설정을 다시 썼으나 장치가 다시 시작되었는지 확실하지 않습니다</translation>
     </message>
     <message>
-      <source>内部检查未通过(%1),已停止对此设备的操作</source>
+      <source>内部检查未通过（%1），已停止对此设备的操作</source>
       <translation>내부 검사 실패(%1): 이 장치에 더 이상 아무것도 보내지 않습니다</translation>
     </message>
     <message>
-      <source>此地址上的设备现在才告知MAC地址(%1),未升级,请重试</source>
+      <source>此地址上的设备现在才告知MAC地址（%1），未升级，请重试</source>
       <translation>이 주소의 장치가 이제야 MAC 주소(%1)를 알려 왔습니다. 업그레이드하지 않았으니 다시 시도하세요</translation>
     </message>
   </context>
   <context>
     <name>Closing</name>
     <message>
-      <source>正在向KORA发送命令,完成后将自动关闭.</source>
+      <source>正在向KORA发送命令，完成后将自动关闭。</source>
       <translation>KORA에 명령을 보내는 중입니다. 완료되면 프로그램이 자동으로 닫힙니다.</translation>
     </message>
   </context>
@@ -279,6 +283,10 @@
       <source>Ctrl+S</source>
       <translation>Ctrl+S</translation>
     </message>
+    <message>
+      <source>DHCP已打开，关闭后才使用此设置</source>
+      <translation>DHCP가 켜져 있는 동안에는 사용되지 않음</translation>
+    </message>
   </context>
   <context>
     <name>ConfigurationSave</name>
@@ -303,21 +311,21 @@
       <translation>설정을 저장했습니다.</translation>
     </message>
     <message numerus="yes">
-      <source>%n 项参数未从设备读到,没有保存.</source>
+      <source>%n 项参数未从设备读到，没有保存。</source>
       <translation>
         <numerusform>설정 %n개는 장치에서 읽지 못하여 저장하지 않았습니다.</numerusform>
       </translation>
     </message>
     <message>
-      <source>尚未读到设备的参数,没有可保存的内容.</source>
+      <source>尚未读到设备的参数，没有可保存的内容。</source>
       <translation>장치의 설정을 아직 읽지 못하여 저장할 내용이 없습니다.</translation>
     </message>
     <message>
-      <source>未读到设备的静态IP地址和子网掩码,不能关闭DHCP.</source>
+      <source>未读到设备的静态IP地址和子网掩码，不能关闭DHCP。</source>
       <translation>장치의 고정 IP 주소와 서브넷 마스크를 읽지 못하여 DHCP를 끌 수 없습니다.</translation>
     </message>
     <message>
-      <source>设置已写入,但不能确定KORA已重启,重启后才会生效.</source>
+      <source>设置已写入，但不能确定KORA已重启，重启后才会生效。</source>
       <translation>설정을 기록했지만 KORA가 다시 시작되었는지 확실하지 않습니다. 다시 시작해야 적용됩니다.</translation>
     </message>
   </context>
@@ -359,7 +367,7 @@
   <context>
     <name>CrashNotice</name>
     <message>
-      <source>软件上次异常退出.</source>
+      <source>软件上次异常退出。</source>
       <translation>프로그램이 지난번에 비정상 종료되었습니다.</translation>
     </message>
     <message>
@@ -394,7 +402,7 @@
       <translation>디코딩을 중지하지 못했습니다. 다시 시도하세요.</translation>
     </message>
     <message>
-      <source>尚未读到设备的编码状态,请稍后重试.</source>
+      <source>尚未读到设备的编码状态，请稍后重试。</source>
       <translation>장치의 인코딩 상태를 아직 읽지 못했습니다. 잠시 후 다시 시도하세요.</translation>
     </message>
   </context>
@@ -409,11 +417,11 @@
       <translation>연결 거부</translation>
     </message>
     <message>
-      <source>可以连接,但没有完整应答</source>
+      <source>可以连接，但没有完整应答</source>
       <translation>연결되지만 완전한 응답 없음</translation>
     </message>
     <message>
-      <source>应答错误: HTTP %1</source>
+      <source>应答错误：HTTP %1</source>
       <translation>HTTP %1 오류로 응답</translation>
     </message>
     <message>
@@ -429,15 +437,15 @@
       <translation>네트워크 연결 없음</translation>
     </message>
     <message>
-      <source>网线或无线未连接 (%1)</source>
+      <source>网线或无线未连接（%1）</source>
       <translation>케이블·Wi-Fi 연결 안 됨 (%1)</translation>
     </message>
     <message>
-      <source>网段与设备不同 (%1)</source>
+      <source>网段与设备不同（%1）</source>
       <translation>다른 서브넷 (%1)</translation>
     </message>
     <message>
-      <source>%1: %2</source>
+      <source>%1：%2</source>
       <translation>%1: %2</translation>
     </message>
     <message>
@@ -463,6 +471,10 @@
     <message>
       <source>自%1起中断</source>
       <translation>%1부터 끊김</translation>
+    </message>
+    <message>
+      <source>设备离线，自%1起无应答</source>
+      <translation>오프라인: %1부터 응답 없음</translation>
     </message>
   </context>
   <context>
@@ -512,7 +524,7 @@
       <translation>장치 찾기</translation>
     </message>
     <message>
-      <source>地址,名称,MAC,版本或状态</source>
+      <source>地址，名称，MAC，版本或状态</source>
       <translation>주소, 이름, MAC, 버전 또는 상태</translation>
     </message>
   </context>
@@ -546,7 +558,7 @@
       <translation>네트워크에 연결되어 있지 않음</translation>
     </message>
     <message>
-      <source>这台电脑没有可以搜索的网络.请检查网线和网卡设置.</source>
+      <source>这台电脑没有可以搜索的网络。请检查网线和网卡设置。</source>
       <translation>이 컴퓨터에 검색할 네트워크가 없습니다. 케이블과 네트워크 설정을 확인하세요.</translation>
     </message>
     <message>
@@ -554,25 +566,25 @@
       <translation>조건에 맞는 장치 없음</translation>
     </message>
     <message>
-      <source>按Esc显示全部设备.</source>
+      <source>按Esc显示全部设备。</source>
       <translation>검색란에서 Esc를 누르면 모든 장치가 표시됩니다.</translation>
     </message>
     <message numerus="yes">
-      <source>已搜索%n秒,还没有找到设备.请检查:</source>
+      <source>已搜索%n秒，还没有找到设备。请检查：</source>
       <translation>
         <numerusform>%n초 동안 찾은 장치가 없습니다. 다음을 확인하세요.</numerusform>
       </translation>
     </message>
     <message>
-      <source>设备已通电,网线已接好.</source>
+      <source>设备已通电，网线已接好。</source>
       <translation>장치 전원이 켜져 있고 케이블이 연결되어 있는지</translation>
     </message>
     <message>
-      <source>这台电脑与设备在同一网段.</source>
+      <source>这台电脑与设备在同一网段。</source>
       <translation>이 컴퓨터가 같은 서브넷에 있는지</translation>
     </message>
     <message>
-      <source>防火墙没有阻止ping和端口8081.</source>
+      <source>防火墙没有阻止ping和端口8081。</source>
       <translation>방화벽이 ping과 포트 8081을 막지 않는지</translation>
     </message>
   </context>
@@ -666,7 +678,7 @@
       <translation>장치 목록을 저장했습니다. (%1)</translation>
     </message>
     <message>
-      <source>无法保存设备清单: %1</source>
+      <source>无法保存设备清单：%1</source>
       <translation>장치 목록을 저장할 수 없습니다. (%1)</translation>
     </message>
   </context>
@@ -677,8 +689,8 @@
       <translation>이 KORA 장치를 다시 시작할까요? 주소: </translation>
     </message>
     <message>
-      <source>KORA %1 未重启,请检查KORA网络状态后重试.</source>
-      <translation>KORA %1을(를) 다시 시작하지 못했습니다. KORA 네트워크 상태를 확인한 후 다시 시도하세요.</translation>
+      <source>KORA %1 未重启，请检查KORA网络状态后重试。</source>
+      <translation>KORA %1: 다시 시작하지 못했습니다. KORA 네트워크 상태를 확인한 후 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
@@ -700,7 +712,7 @@
       <translation>취소됨</translation>
     </message>
     <message>
-      <source>下载失败 (%1)</source>
+      <source>下载失败（%1）</source>
       <translation>다운로드 실패 (%1)</translation>
     </message>
     <message>
@@ -800,14 +812,14 @@
       <translation>%1 저장됨</translation>
     </message>
     <message>
-      <source>无法保存画面: %1</source>
+      <source>无法保存画面：%1</source>
       <translation>화면을 저장할 수 없습니다: %1</translation>
     </message>
   </context>
   <context>
     <name>FieldMark</name>
     <message>
-      <source>已修改,尚未保存</source>
+      <source>已修改，尚未保存</source>
       <translation>변경됨, 아직 저장되지 않음</translation>
     </message>
     <message>
@@ -815,7 +827,7 @@
       <translation>장치에 없는 설정</translation>
     </message>
     <message>
-      <source>尚未从设备读到,不能修改,也不会保存</source>
+      <source>尚未从设备读到，不能修改，也不会保存</source>
       <translation>아직 장치에서 읽지 못해 변경할 수 없으며 저장되지 않습니다</translation>
     </message>
     <message>
@@ -870,7 +882,7 @@
       <translation>채널 %1개</translation>
     </message>
     <message>
-      <source>软件,%1 个线程</source>
+      <source>软件，%1 个线程</source>
       <translation>소프트웨어, 스레드 %1개</translation>
     </message>
   </context>
@@ -881,14 +893,14 @@
       <translation>먼저 장치 목록에서 장치를 선택하세요.</translation>
     </message>
     <message>
-      <source>KORA %1 正在升级固件或恢复设置,请等待完成后再操作.</source>
+      <source>KORA %1 正在升级固件或恢复设置，请等待完成后再操作。</source>
       <translation>KORA %1의 펌웨어를 업그레이드하거나 설정을 복원하는 중입니다. 완료된 후 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
     <name>IPAddress</name>
     <message>
-      <source>%1, 第%2段,共4段</source>
+      <source>%1，第%2段，共4段</source>
       <translation>%1, 4칸 중 %2번째</translation>
     </message>
   </context>
@@ -901,6 +913,17 @@
     <message>
       <source>设备信息</source>
       <translation>장치 정보</translation>
+    </message>
+  </context>
+  <context>
+    <name>InfoHint</name>
+    <message>
+      <source>选择一个设备，这里显示它的信息</source>
+      <translation>장치를 선택하면 여기에 정보가 표시됩니다</translation>
+    </message>
+    <message>
+      <source>正在读取…</source>
+      <translation>읽는 중…</translation>
     </message>
   </context>
   <context>
@@ -929,7 +952,7 @@
       <translation>삭제</translation>
     </message>
     <message>
-      <source>%1, 正在播放</source>
+      <source>%1，正在播放</source>
       <translation>%1, 재생 중</translation>
     </message>
     <message>
@@ -956,11 +979,11 @@
       <translation>라이브 송출을 중지하지 못했습니다. 네트워크를 확인한 후 다시 시도하세요.</translation>
     </message>
     <message>
-      <source>设备没有回应,直播服务可能没有开启.</source>
+      <source>设备没有回应，直播服务可能没有开启。</source>
       <translation>장치가 응답하지 않습니다. 송출이 시작되지 않았을 수 있습니다.</translation>
     </message>
     <message>
-      <source>设备没有回应,直播服务可能没有关闭.</source>
+      <source>设备没有回应，直播服务可能没有关闭。</source>
       <translation>장치가 응답하지 않습니다. 송출이 중지되지 않았을 수 있습니다.</translation>
     </message>
     <message>
@@ -1025,30 +1048,30 @@
   <context>
     <name>Orders</name>
     <message>
-      <source>此地址上现在是另一台设备.</source>
+      <source>此地址上现在是另一台设备。</source>
       <translation>이 주소에는 이제 다른 장치가 있습니다.</translation>
     </message>
     <message>
-      <source>此地址上的设备现在才告知MAC地址,请确认后重试.</source>
+      <source>此地址上的设备现在才告知MAC地址，请确认后重试。</source>
       <translation>이 주소의 장치가 이제야 MAC 주소를 알려 왔습니다. 확인한 후 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
     <name>PageBar</name>
     <message>
-      <source>此网页想访问另一台主机: %1</source>
+      <source>此网页想访问另一台主机：%1</source>
       <translation>이 페이지가 다른 호스트에 접속하려고 합니다: %1</translation>
     </message>
     <message>
-      <source>此网页多次要求登录,不再询问.</source>
+      <source>此网页多次要求登录，不再询问。</source>
       <translation>이 페이지가 로그인을 여러 번 요청하여 더 이상 묻지 않습니다.</translation>
     </message>
     <message>
-      <source>此网页打开了太多对话框,不再显示.</source>
+      <source>此网页打开了太多对话框，不再显示。</source>
       <translation>이 페이지가 대화 상자를 너무 많이 열어 더 이상 표시하지 않습니다.</translation>
     </message>
     <message>
-      <source>此网页没有响应.</source>
+      <source>此网页没有响应。</source>
       <translation>이 페이지가 응답하지 않습니다.</translation>
     </message>
     <message>
@@ -1084,7 +1107,7 @@
     </message>
     <message>
       <source>选择发送给 %1 的文件</source>
-      <translation>%1(으)로 보낼 파일 선택</translation>
+      <translation>보낼 파일 선택 (받는 곳: %1)</translation>
     </message>
     <message>
       <source>%1 要求登录</source>
@@ -1130,47 +1153,47 @@
       <translation>장치의 웹 페이지를 여는 중…</translation>
     </message>
     <message>
-      <source>无法打开设备的网页.</source>
+      <source>无法打开设备的网页。</source>
       <translation>장치의 웹 페이지를 열 수 없습니다.</translation>
     </message>
     <message>
-      <source>设备没有返回可显示的网页.</source>
+      <source>设备没有返回可显示的网页。</source>
       <translation>장치가 표시할 수 있는 페이지를 보내지 않았습니다.</translation>
     </message>
     <message>
-      <source>网页意外终止,正在重新加载…</source>
+      <source>网页意外终止，正在重新加载…</source>
       <translation>페이지가 예기치 않게 종료되어 다시 불러오는 중…</translation>
     </message>
     <message>
-      <source>此设备通过自己的网页管理.</source>
+      <source>此设备通过自己的网页管理。</source>
       <translation>이 장치는 자체 웹 페이지로 관리합니다.</translation>
     </message>
     <message>
-      <source>请检查设备的电源和网络连接.</source>
+      <source>请检查设备的电源和网络连接。</source>
       <translation>장치의 전원과 네트워크 연결을 확인하세요.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用: 它没有安装.</source>
+      <source>内置浏览器不可用：它没有安装。</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 설치되어 있지 않습니다.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用: 它的安全沙箱不允许以 root 身份运行.</source>
+      <source>内置浏览器不可用：它的安全沙箱不允许以 root 身份运行。</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 보안 샌드박스는 root로 실행되지 않습니다.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用: 系统没有为它提供安全沙箱.</source>
+      <source>内置浏览器不可用：系统没有为它提供安全沙箱。</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 시스템이 보안 샌드박스를 제공하지 않습니다.</translation>
     </message>
     <message>
-      <source>内置浏览器不可用: 它的程序文件不完整.</source>
+      <source>内置浏览器不可用：它的程序文件不完整。</source>
       <translation>내장 브라우저를 사용할 수 없습니다. 프로그램 파일이 완전하지 않습니다.</translation>
     </message>
     <message>
-      <source>网页已关闭.</source>
+      <source>网页已关闭。</source>
       <translation>페이지를 닫았습니다.</translation>
     </message>
     <message>
-      <source>它占用了过多内存.</source>
+      <source>它占用了过多内存。</source>
       <translation>메모리를 너무 많이 사용했습니다.</translation>
     </message>
   </context>
@@ -1192,6 +1215,10 @@
       <source>%1 项未保存</source>
       <translation>%1개 저장 안 됨</translation>
     </message>
+    <message>
+      <source>尚未读到设备的参数</source>
+      <translation>장치의 설정을 아직 읽지 못함</translation>
+    </message>
   </context>
   <context>
     <name>PictureState</name>
@@ -1204,7 +1231,7 @@
       <translation>여는 중…</translation>
     </message>
     <message>
-      <source>无信号,自 %1 起没有新画面</source>
+      <source>无信号，自 %1 起没有新画面</source>
       <translation>신호 없음: %1 이후 새 화면이 없습니다</translation>
     </message>
     <message>
@@ -1231,7 +1258,7 @@
   <context>
     <name>RecordControl</name>
     <message>
-      <source>开启录制失败,请重试.</source>
+      <source>开启录制失败，请重试。</source>
       <translation>녹화를 시작하지 못했습니다. 다시 시도하세요.</translation>
     </message>
     <message>
@@ -1266,7 +1293,7 @@
       <translation>장치에 연결할 수 없습니다</translation>
     </message>
     <message>
-      <source>传输中断,文件不完整</source>
+      <source>传输中断，文件不完整</source>
       <translation>전송이 중단되어 파일이 불완전합니다</translation>
     </message>
     <message>
@@ -1286,7 +1313,7 @@
       <translation>이 주소에는 지금 다른 장치가 있습니다</translation>
     </message>
     <message>
-      <source>下载程序异常结束 (%1)</source>
+      <source>下载程序异常结束（%1）</source>
       <translation>다운로드 프로그램이 비정상 종료되었습니다 (%1)</translation>
     </message>
   </context>
@@ -1305,7 +1332,7 @@
       <translation>취소</translation>
     </message>
     <message>
-      <source>文件[%1]下载失败: %2</source>
+      <source>文件[%1]下载失败：%2</source>
       <translation>파일 [%1] 다운로드 실패: %2</translation>
     </message>
     <message>
@@ -1321,19 +1348,19 @@
       <translation>아니요</translation>
     </message>
     <message>
-      <source>已下载的部分会保留,可以继续下载.</source>
+      <source>已下载的部分会保留，可以继续下载。</source>
       <translation>받은 부분은 보관되며 다운로드를 이어받을 수 있습니다.</translation>
     </message>
     <message>
-      <source>还有%1个录制文件没有下载完.
-已开始的下载会保留,下次启动软件后可以继续.
-确认要关闭软件吗?</source>
+      <source>还有%1个录制文件没有下载完。
+已开始的下载会保留，下次启动软件后可以继续。
+确认要关闭软件吗？</source>
       <translation>아직 다운로드가 끝나지 않은 녹화 파일: %1개.
 시작된 것은 다음에 실행할 때 이어받을 수 있습니다.
 프로그램을 닫을까요?</translation>
     </message>
     <message>
-      <source>无法打开文件夹,文件保存在: %1</source>
+      <source>无法打开文件夹，文件保存在：%1</source>
       <translation>폴더를 열 수 없습니다. 저장 위치: %1</translation>
     </message>
   </context>
@@ -1353,7 +1380,7 @@
     </message>
     <message>
       <source>播放地址%1异常!</source>
-      <translation>%1을(를) 재생할 수 없습니다. 주소와 장치를 확인하세요.</translation>
+      <translation>재생할 수 없습니다: %1. 주소와 장치를 확인하세요.</translation>
     </message>
     <message>
       <source>确认要删除这些录制文件吗?</source>
@@ -1361,7 +1388,7 @@
     </message>
     <message>
       <source>文件[%1]删除错误,请重试</source>
-      <translation>파일 [%1]을(를) 삭제하지 못했습니다. 다시 시도하세요.</translation>
+      <translation>파일을 삭제하지 못했습니다: [%1]. 다시 시도하세요.</translation>
     </message>
   </context>
   <context>
@@ -1382,7 +1409,7 @@
   <context>
     <name>StartUp</name>
     <message>
-      <source>Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.</source>
+      <source>Tarn Hub 已在运行，但没有响应。请等待片刻，或结束该进程后再启动。</source>
       <translation>Tarn Hub가 이미 실행 중이지만 응답하지 않습니다. 잠시 기다리거나 해당 프로세스를 종료한 후 다시 시작하세요.</translation>
     </message>
   </context>
@@ -1411,26 +1438,26 @@
       <translation>녹화 파일을 읽는 중…</translation>
     </message>
     <message>
-      <source>此设备上没有录制文件.</source>
+      <source>此设备上没有录制文件。</source>
       <translation>이 장치에는 녹화 파일이 없습니다.</translation>
     </message>
     <message>
-      <source>无法读取录制文件.</source>
+      <source>无法读取录制文件。</source>
       <translation>녹화 파일을 읽지 못했습니다.</translation>
     </message>
   </context>
   <context>
     <name>ToolNotice</name>
     <message>
-      <source>未找到 fping,无法发现设备. 请安装 fping 或重新安装本软件.</source>
+      <source>未找到 fping，无法发现设备。请安装 fping 或重新安装本软件。</source>
       <translation>fping을 찾을 수 없어 장치를 검색할 수 없습니다. fping을 설치하거나 이 프로그램을 다시 설치하세요.</translation>
     </message>
     <message>
-      <source>未找到 %1,无法发现设备. 请检查启动参数 --fping.</source>
-      <translation>%1을(를) 찾을 수 없어 장치를 검색할 수 없습니다. 시작 옵션 --fping을 확인하세요.</translation>
+      <source>未找到 %1，无法发现设备。请检查启动参数 --fping。</source>
+      <translation>장치를 검색할 수 없습니다. 찾을 수 없는 프로그램: %1. 시작 옵션 --fping을 확인하세요.</translation>
     </message>
     <message>
-      <source>未找到 curl,无法控制和升级设备. 请安装 curl 或重新安装本软件.</source>
+      <source>未找到 curl，无法控制和升级设备。请安装 curl 或重新安装本软件。</source>
       <translation>curl을 찾을 수 없어 장치를 제어하거나 업그레이드할 수 없습니다. curl을 설치하거나 이 프로그램을 다시 설치하세요.</translation>
     </message>
   </context>
@@ -1459,6 +1486,10 @@
     <message>
       <source>%1/%2 在线</source>
       <translation>%2대 중 %1대 온라인</translation>
+    </message>
+    <message>
+      <source>显示 %1/%2</source>
+      <translation>%2대 중 %1대 표시</translation>
     </message>
   </context>
   <context>
@@ -1491,11 +1522,11 @@
       <translation>제공: %1</translation>
     </message>
     <message>
-      <source>安装文件已被更改,未启动升级. 请重新启动软件以再次下载.</source>
+      <source>安装文件已被更改，未启动升级。请重新启动软件以再次下载。</source>
       <translation>설치 파일이 변경되어 업그레이드를 시작하지 않았습니다. Tarn Hub를 다시 시작하여 다시 다운로드하세요.</translation>
     </message>
     <message>
-      <source>无法启动升级程序. 请重新安装本软件.</source>
+      <source>无法启动升级程序。请重新安装本软件。</source>
       <translation>업그레이드 프로그램을 시작할 수 없습니다. Tarn Hub를 다시 설치하세요.</translation>
     </message>
   </context>
@@ -1514,7 +1545,7 @@
       <translation>%1의 설정을 복원하지 못했습니다. 다시 시도했지만 여전히 실패했습니다. KORA 장치를 확인하세요.</translation>
     </message>
     <message numerus="yes">
-      <source>上次固件升级中断时,有%n个KORA的设置尚未恢复(保存于%1),是否在发现这些KORA时恢复? 取消则放弃这些设置.</source>
+      <source>上次固件升级中断时，有%n个KORA的设置尚未恢复（保存于%1），是否在发现这些KORA时恢复？取消则放弃这些设置。</source>
       <translation>
         <numerusform>지난 업그레이드가 중단되었을 때 KORA %n대의 설정이 복원되지 않았습니다(%1에 저장됨). 이 장치를 찾으면 복원할까요? 취소하면 이 설정을 버립니다.</numerusform>
       </translation>
@@ -1524,20 +1555,28 @@
       <translation>KORA 펌웨어를 업그레이드하는 중입니다. 프로그램을 닫지 마세요.</translation>
     </message>
     <message numerus="yes">
-      <source>上次固件升级被中断,当时有%n个KORA正在升级,请查看升级报告.</source>
+      <source>上次固件升级被中断，当时有%n个KORA正在升级，请查看升级报告。</source>
       <translation>
         <numerusform>지난 업그레이드가 중단되었습니다. 당시 KORA %n대를 업그레이드하는 중이었습니다. 업그레이드 보고서를 확인하세요.</numerusform>
       </translation>
     </message>
     <message numerus="yes">
-      <source>还有%n个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复.是否关闭?</source>
+      <source>还有%n个KORA的设置等待恢复。如果现在关闭，下次启动时会询问是否恢复。是否关闭？</source>
       <translation>
         <numerusform>KORA %n대의 설정이 아직 복원을 기다리고 있습니다. 지금 닫으면 다음에 시작할 때 복원 여부를 묻습니다. 닫을까요?</numerusform>
       </translation>
     </message>
     <message>
-      <source>%1 设置已写回但未能核对,KORA设备正在重启.</source>
+      <source>%1 设置已写回但未能核对，KORA设备正在重启。</source>
       <translation>%1의 설정을 복원했지만 검증하지 못했습니다. KORA 장치를 다시 시작하는 중입니다.</translation>
+    </message>
+    <message>
+      <source>上传 %1%</source>
+      <translation>업로드 %1%</translation>
+    </message>
+    <message>
+      <source>正在计算固件校验值</source>
+      <translation>패키지 체크섬을 계산하는 중</translation>
     </message>
   </context>
   <context>
@@ -1547,11 +1586,11 @@
       <translation>유지 안 함</translation>
     </message>
     <message>
-      <source>未能完整读取,不恢复</source>
+      <source>未能完整读取，不恢复</source>
       <translation>완전히 읽지 못해 복원하지 않음</translation>
     </message>
     <message>
-      <source>设备未回应,待恢复</source>
+      <source>设备未回应，待恢复</source>
       <translation>응답 없음, 복원 대기</translation>
     </message>
     <message>
@@ -1563,7 +1602,7 @@
       <translation>복원됨</translation>
     </message>
     <message>
-      <source>已写回,未核对</source>
+      <source>已写回，未核对</source>
       <translation>복원됨(검증 안 됨)</translation>
     </message>
     <message numerus="yes">
@@ -1585,7 +1624,7 @@
       <translation>버전이 바뀌지 않음</translation>
     </message>
     <message>
-      <source>MAC地址未知,无法证实</source>
+      <source>MAC地址未知，无法证实</source>
       <translation>MAC 주소를 알 수 없어 확인할 수 없음</translation>
     </message>
     <message>
@@ -1617,7 +1656,7 @@
       <translation>설정 복원</translation>
     </message>
     <message>
-      <source>用时(秒)</source>
+      <source>用时（秒）</source>
       <translation>소요 시간(초)</translation>
     </message>
     <message>
@@ -1665,11 +1704,11 @@
       <translation>업로드 중에 중단됨</translation>
     </message>
     <message>
-      <source>网络中有两台设备的MAC地址相同,无法证实</source>
+      <source>网络中有两台设备的MAC地址相同，无法证实</source>
       <translation>네트워크에 MAC 주소가 같은 장치가 두 대 있어 확인할 수 없음</translation>
     </message>
     <message>
-      <source>升级前版本未知,无法证实</source>
+      <source>升级前版本未知，无法证实</source>
       <translation>업그레이드 전 버전을 알 수 없어 확인할 수 없음</translation>
     </message>
     <message>
@@ -1681,7 +1720,7 @@
       <translation>버전이 펌웨어 패키지와 다름</translation>
     </message>
     <message>
-      <source>未改动,无需恢复</source>
+      <source>未改动，无需恢复</source>
       <translation>변경되지 않음, 복원 불필요</translation>
     </message>
     <message>
@@ -1689,7 +1728,7 @@
       <translation>이후 업그레이드에서 복원</translation>
     </message>
     <message>
-      <source>MAC地址重复,未恢复</source>
+      <source>MAC地址重复，未恢复</source>
       <translation>MAC 주소 중복, 복원되지 않음</translation>
     </message>
     <message>
@@ -1697,11 +1736,11 @@
       <translation>DHCP로 전환됨</translation>
     </message>
     <message>
-      <source>内部检查已停止此升级:%1</source>
+      <source>内部检查已停止此升级：%1</source>
       <translation>내부 검사로 중지됨: %1</translation>
     </message>
     <message>
-      <source>设备称没有这些设置:%1</source>
+      <source>设备称没有这些设置：%1</source>
       <translation>장치에 없다고 응답한 설정: %1</translation>
     </message>
     <message>
@@ -1716,11 +1755,11 @@
       <translation>업그레이드 보고서</translation>
     </message>
     <message>
-      <source>共[%1]个,已证实[%2]个,未证实[%3]个,失败[%4]个,已中断[%5]个,进行中[%6]个</source>
+      <source>共[%1]个，已证实[%2]个，未证实[%3]个，失败[%4]个，已中断[%5]个，进行中[%6]个</source>
       <translation>전체 [%1]대: 확인됨 [%2]대, 미확인 [%3]대, 실패 [%4]대, 중단됨 [%5]대, 진행 중 [%6]대</translation>
     </message>
     <message>
-      <source>报告文件: %1</source>
+      <source>报告文件：%1</source>
       <translation>보고서 파일: %1</translation>
     </message>
   </context>
@@ -1849,8 +1888,12 @@
       <translation>올바른 포트 번호를 입력하세요.</translation>
     </message>
     <message>
-      <source>未能读到NDI源,请刷新重试</source>
+      <source>未能读到NDI源，请刷新重试</source>
       <translation>NDI 소스를 읽지 못했습니다. 새로 고침하여 다시 시도하세요.</translation>
+    </message>
+    <message>
+      <source>例如 %1</source>
+      <translation>예: %1</translation>
     </message>
   </context>
 </TS>

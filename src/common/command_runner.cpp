@@ -72,6 +72,9 @@ void start(QProcess* process, const QString& command)
         process->setWorkingDirectory(input.folder);
     if (!input.standardInputFile.isEmpty())
         process->setStandardInputFile(input.standardInputFile);
+    if (!input.standardOutputFile.isEmpty())
+        process->setStandardOutputFile(input.standardOutputFile,
+                                       input.appends ? QIODevice::Append : QIODevice::Truncate);
     process->start(program, input.arguments, QIODevice::ReadWrite);
     process->write(input.standardInput);
     process->closeWriteChannel();
@@ -196,8 +199,14 @@ QPointer<QProcess> CommandRunner::execCurl(const QString& ip, const QString& com
 
 void CommandRunner::limit(QProcess* process, int limitMs)
 {
-    QObject::connect(process, &QProcess::started, process,
-                     [process, limitMs] { QTimer::singleShot(limitMs, process, &QProcess::kill); });
+    const auto count = [process, limitMs] {
+        QTimer::singleShot(limitMs, process, &QProcess::kill);
+    };
+    // Where starting blocks, it has started before anybody could ask to be told.
+    if (process->state() == QProcess::Running)
+        count();
+    else
+        QObject::connect(process, &QProcess::started, process, count);
 }
 
 void CommandRunner::stop(QProcess* process)

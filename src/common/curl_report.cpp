@@ -99,6 +99,11 @@ int CurlReport::readMeter(const QByteArray& line)
         return 0;
     enum Column { Total = 1, Received, Sent, SpeedIn, SpeedOut, SpeedNow };
     m_received = bytesOf(match.captured(Received));
+    const qint64 total = bytesOf(match.captured(Total));
+    if (total > 0) {
+        const qint64 sent = qBound<qint64>(0, bytesOf(match.captured(Sent)), total);
+        m_sentPercent = int(100.0 * double(sent) / double(total));
+    }
     m_silentReports = bytesOf(match.captured(SpeedNow)) > 0 ? 0 : m_silentReports + 1;
     return match.capturedEnd();
 }

@@ -18,6 +18,9 @@ public:
     qint64 totalBytes() const;
     /// What has arrived since curl started, in bytes, as exactly as its meter tells.
     qint64 receivedBytes() const { return m_received; }
+    /// What has been sent, in percent of all that is to be sent and received; -1 before the meter
+    /// tells.
+    int sentPercent() const { return m_sentPercent; }
     /// How many reports of the meter, about one a second, have come since data last arrived.
     int silentReports() const { return m_silentReports; }
     /// curl's own words for what went wrong, empty when it said nothing.
@@ -33,6 +36,7 @@ private:
     qint64 m_contentLength = -1; ///< of this answer
     qint64 m_rangeTotal = -1;    ///< of the file that it is a range of
     qint64 m_received = 0;
+    int m_sentPercent = -1;
     int m_silentReports = 0;
     QString m_error;
 };

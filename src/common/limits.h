@@ -49,6 +49,9 @@ constexpr int FirstConnections = 8;
 
 /// Bytes of a message of an event feed, and of a piece of one.
 constexpr int FeedMessageBytes = 64 * 1024;
+/// Bytes of a feed that wait to be read: a whole message and its head always find room. With less,
+/// nothing tells on Windows that the rest has come.
+constexpr int FeedUnreadBytes = 2 * FeedMessageBytes;
 /// Messages of a feed that the window is handed at a time, their characters together unless it is
 /// one, and milliseconds between two times.
 constexpr int FeedMessagesAtOnce = 16;

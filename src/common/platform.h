@@ -37,18 +37,24 @@ QString fpingPath(const QString& wanted);
 /// them. Needs no application object.
 QStringList arguments(int argc, char* argv[]);
 
-/// What a child process gets: its arguments, and what it reads from its standard input: a file, or
-/// these bytes.
+/// What a child process gets: its arguments, what it reads from its standard input (a file, or
+/// these bytes), and the file that its standard output goes to, where it is not read.
 struct ChildInput {
     QStringList arguments;
     QByteArray standardInput;
     QString standardInputFile;
-    QString folder; ///< where it is started; empty: here
+    QString standardOutputFile;
+    bool appends = false; ///< to that file
+    QString folder;       ///< where it is started; empty: here
 };
 
 /// Prepares `arguments` of curl so that the data it posts is UTF-8 on the wire, and the files that
 /// it reads and writes are those named, on every system.
 ChildInput curlInput(const QStringList& arguments);
+
+/// Whether FFmpeg's quick way from rows to rows writes other pixels than it should: FFmpeg 5.1 does
+/// so on 64-bit Windows.
+bool scalesRowsWrongly();
 
 /// Before anything else in main: what is written to a standard stream that was closed, or whose
 /// reader has gone or is busy, neither lands in a file of ours nor ends or holds up the program.
@@ -87,9 +93,6 @@ bool startDetached(const QString& program, const QStringList& arguments, const Q
 /// which whoever asks knows too, or where each user has a place of his own for such things. `name`
 /// is unlike any other there.
 QStringList serverNames(const QString& folder, const QString& name);
-
-/// OpenSSL's library of algorithms, in the places where it may be, the newest first.
-QStringList cryptoLibraries();
 
 /// Lets another program bring its window to the front, which some systems allow only to the program
 /// that the user has just started.

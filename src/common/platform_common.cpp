@@ -8,6 +8,24 @@
 
 #include <algorithm>
 
+namespace
+{
+
+/// Looked at once: the window asks for its folders again and again, and the disk may have gone.
+/// Empty when the program is not portable.
+QString portableRoot()
+{
+    static const QString root = [] {
+        const QString own = QCoreApplication::applicationDirPath();
+        return QFileInfo::exists(own + QStringLiteral("/portable.txt"))
+                   ? own + QStringLiteral("/data")
+                   : QString();
+    }();
+    return root;
+}
+
+} // namespace
+
 namespace Platform
 {
 
@@ -23,10 +41,8 @@ QString programPath(const QString& name)
 QString dataRoot()
 {
     // Before there is an application, its folder is not known.
-    const QString own =
-        QCoreApplication::instance() ? QCoreApplication::applicationDirPath() : QString();
-    if (!own.isEmpty() && QFileInfo::exists(own + QStringLiteral("/portable.txt")))
-        return own + QStringLiteral("/data");
+    if (QCoreApplication::instance() && !portableRoot().isEmpty())
+        return portableRoot();
     QString root = qEnvironmentVariable("APPDATA");
     if (root.isEmpty())
         root = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);

@@ -89,8 +89,14 @@ void passOutput(Platform::ChildInput* input)
     const QFileInfo file(input->arguments.value(place));
     if (place < 0 || isInCodePage(file.filePath()))
         return;
-    input->folder = file.absolutePath();
-    input->arguments[place] = file.fileName();
+    if (isInCodePage(file.fileName())) {
+        input->folder = file.absolutePath();
+        input->arguments[place] = file.fileName();
+    } else {
+        input->standardOutputFile = file.absoluteFilePath();
+        input->appends = input->arguments.contains(QStringLiteral("-C"));
+        input->arguments[place] = QStringLiteral("-");
+    }
 }
 
 /// Closed by the system when the program ends, however that ends, and with it all that is in it.
@@ -195,7 +201,8 @@ QProcess* newModestProcess()
 
 ChildInput curlInput(const QStringList& arguments)
 {
-    ChildInput input{arguments, {}, {}, {}};
+    ChildInput input;
+    input.arguments = arguments;
     passData(&input);
     passUpload(&input);
     passOutput(&input);
@@ -230,12 +237,9 @@ QStringList serverNames(const QString&, const QString& name)
     return {name};
 }
 
-QStringList cryptoLibraries()
+bool scalesRowsWrongly()
 {
-    // Qt uses the system's encryption here: what else is needed is shipped with the program.
-    const QString folder = QCoreApplication::applicationDirPath();
-    return {folder + QStringLiteral("/libcrypto-3-x64.dll"),
-            folder + QStringLiteral("/libcrypto-1_1-x64.dll")};
+    return true;
 }
 
 void letOthersToFront()

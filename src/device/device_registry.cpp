@@ -77,7 +77,30 @@ void DeviceRegistry::checkStates()
         check->setOrder(++m_checks);
         check->startRefreshDevice(ips);
     }
+    askNames();
     QTimer::singleShot(checkPauseMs, this, &DeviceRegistry::checkStates);
+}
+
+/// Of some at a time, so that not all are asked in the same moment.
+void DeviceRegistry::askNames()
+{
+    const QList<Item*> boxes = m_model.items(koraFamily());
+    const int checks = qMax(1, m_settings.namePauseMs / checkPauseMs);
+    int room = boxes.size() / checks + 1;
+    const qint64 now = m_clock.elapsed();
+    for (const Item* box : boxes) {
+        if (!box->isDevice() || !box->isOnline() || box->isOwned())
+            continue;
+        qint64& next = m_nextNames[box->address()];
+        if (next == 0)
+            next = now + m_settings.namePauseMs;
+        if (room == 0 || next > now)
+            continue;
+        --room;
+        next = now + m_settings.namePauseMs;
+        m_http.get(nameProbe(), BoxProtocol::readUrl(box->address(), BoxProtocol::DeviceName),
+                   false);
+    }
 }
 
 QList<Item*> DeviceRegistry::devices() const

@@ -34,7 +34,8 @@ public:
 
     /// Starts the endless search.
     void startSearch();
-    /// Asks all known boxes whether they still answer, now and again every five seconds.
+    /// Asks all known boxes whether they still answer, now and again every five seconds; and for
+    /// their names, about once a minute.
     void checkStates();
     /// Ends every thread and its child processes.
     void stop();
@@ -75,6 +76,7 @@ signals:
 private:
     Spark_Thread* newThread();
     QList<Item*> devices() const;
+    void askNames();
 
     TreeModel& m_model;
     Spark_Http& m_http;
@@ -85,5 +87,6 @@ private:
     QElapsedTimer m_clock;
     int m_checks = 0;             // begun so far
     QHash<QString, int> m_newest; // by address: this check and older ones say nothing new of it
+    QHash<QString, qint64> m_nextNames; // by address: when it is asked for its name again
     QList<QPointer<Spark_Thread>> m_threads;
 };

@@ -12,6 +12,7 @@
 #include <QVector>
 
 #include <memory>
+#include <optional>
 
 /// What a row shows of the upgrade of its box.
 struct ItemUpgrade {
@@ -76,11 +77,18 @@ public:
     /// Where a row of information stands among the others.
     int place() const { return m_place; }
     void setPlace(int place) { m_place = place; }
+    /// A row of information that says what is wrong.
+    bool isFault() const { return m_isFault; }
+    void setFault(bool isFault) { m_isFault = isFault; }
 
     /// What the tree shows: the content, or the title when there is none.
     QString displayText() const;
     /// The title followed by the content in brackets.
     QString combinedLabel() const;
+
+    /// Of a group while only some of its boxes are in sight: how many; no value while all are.
+    std::optional<int> shownCount() const { return m_shownCount; }
+    void setShownCount(std::optional<int> count) { m_shownCount = count; }
 
     // --- a box ---------------------------------------------------------------------------------
 
@@ -137,6 +145,9 @@ public:
     bool isUploaded() const;
     /// What is left of the allowance, in its seconds.
     int secondsLeft() const;
+    /// What goes on with it right now, in a word or two; empty when nothing that is worth one.
+    QString activity() const { return m_activity; }
+    void setActivity(const QString& words) { m_activity = words; }
     /// Progress messages, oldest first.
     QStringList tips() const;
 
@@ -199,6 +210,9 @@ private:
     CommandRunner m_runner;
     std::unique_ptr<RecordingDownload> m_download;
     int m_place = 0;
+    QString m_activity;
+    bool m_isFault = false;
+    std::optional<int> m_shownCount;
     bool m_owned = false;
     int m_orders = 0; ///< of the operator, under way
 };

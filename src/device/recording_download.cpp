@@ -365,13 +365,13 @@ QString RecordingDownload::problem() const
     case NoRange:
     case NoReply:
     case Broken:
-        return tr("传输中断,文件不完整");
+        return tr("传输中断，文件不完整");
     case CannotWrite:
         return tr("无法写入文件");
     default:
         return m_report.error().isEmpty()
                    ? tr("下载程序异常结束")
-                   : BoxProtocol::fill(tr("下载程序异常结束 (%1)"), {m_report.error()});
+                   : BoxProtocol::fill(tr("下载程序异常结束（%1）"), {m_report.error()});
     }
 }
 

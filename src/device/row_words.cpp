@@ -42,6 +42,7 @@ QString RowWords::description(const Item& item)
         marks << tr("升级未成功");
     else if (item.isUpgrading())
         marks << tr("升级中");
+    marks << item.activity();
     if (item.hasNewerFirmware())
         marks << TreeModel::zoneTip(item, Action::NewFirmware);
     return joined(marks);

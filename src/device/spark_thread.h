@@ -10,6 +10,9 @@
 struct SweepSettings {
     QString fping;       ///< the ping-sweep tool to use; empty: the one that is there
     QStringList subnets; ///< blocks "a.b.c.0/24" to sweep; empty: the computer's own networks
+    /// A box may be given another name on its own page: so often it is asked for it, in
+    /// milliseconds.
+    int namePauseMs = 60000;
 };
 
 /// The thread that pings: an endless search for live addresses, or one check of known ones. It

@@ -71,6 +71,15 @@ QString iconName(Action action)
 
 TreeDelegate::TreeDelegate(QTreeView* view) : QStyledItemDelegate(view), m_view(view) {}
 
+void TreeDelegate::fit(const Item& box)
+{
+    const int width = QFontMetrics(m_view->font()).horizontalAdvance(box.displayText());
+    if (width <= m_widestAddress)
+        return;
+    m_widestAddress = width;
+    m_view->viewport()->update();
+}
+
 RowZones TreeDelegate::zones(const QModelIndex& index) const
 {
     return {m_view->visualRect(index), *TreeModel::itemAt(index), m_view->isExpanded(index)};
@@ -106,7 +115,7 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     if (&item == m_marked && item.isDevice())
         painter->fillRect(QRect(row.topLeft(), QSize(markWidth, row.height())), colour(markColour));
     const RowZones zones(row, item, m_view->isExpanded(index));
-    paintIcons(*painter, zones, selected || hovered);
+    paintIcons(*painter, zones, item, selected || hovered);
     painter->setFont(option.font);
     paintText(*painter, zones, item, selected || hovered);
     if (hasKeys) {
@@ -130,9 +139,11 @@ void TreeDelegate::paintUpgrade(QPainter& painter, const QRect& row, const Item&
     }
 }
 
-void TreeDelegate::paintIcons(QPainter& painter, const RowZones& zones, bool active) const
+void TreeDelegate::paintIcons(QPainter& painter, const RowZones& zones, const Item& item,
+                              bool active) const
 {
-    paintIcon(painter, zones.leading().rect, iconName(zones.leading().action));
+    paintIcon(painter, zones.leading().rect,
+              item.isFault() ? QStringLiteral("warning") : iconName(zones.leading().action));
     for (const RowZones::Zone& zone : zones.rightIcons()) {
         // Restart icons on every row at once would be noise; they show on the row in use.
         if (active || zone.action == Action::NewFirmware)
@@ -164,17 +175,27 @@ void TreeDelegate::paintText(QPainter& painter, const RowZones& zones, const Ite
     drawLine(painter, zones.content(), textColour, item.content());
 }
 
+/// At a box's right end what goes on with it; returns the room that this takes.
+int TreeDelegate::paintActivity(QPainter& painter, const QRect& rect, const Item& item)
+{
+    if (item.activity().isEmpty())
+        return 0;
+    return drawLine(painter, rect, textColour, item.activity(), Qt::AlignRight) + besideGap;
+}
+
 /// A box's own name behind its address; at a group's right end how many of its boxes are there.
 void TreeDelegate::paintBeside(QPainter& painter, const RowZones& zones, const Item& item,
                                int titleWidth, bool active) const
 {
-    const QRect rest = zones.title().adjusted(titleWidth + besideGap, 0, 0, 0);
+    const int begin = item.isDevice() ? qMax(titleWidth, m_widestAddress) : titleWidth;
+    const QRect rest = zones.title().adjusted(begin + besideGap, 0, 0, 0);
     // Dim on a lit row would be hard to read.
     const char* const shade = active ? textColour : dimTextColour;
     if (rest.width() < narrowestBeside)
         return;
     if (item.isDevice())
-        drawLine(painter, rest, shade, item.name());
+        drawLine(painter, rest.adjusted(0, 0, -paintActivity(painter, rest, item), 0), shade,
+                 item.name());
     else if (item.isGroup())
         drawLine(painter, rest.adjusted(0, 0, -besideGap, 0), shade, TreeModel::groupCount(item),
                  Qt::AlignRight);

@@ -22,6 +22,8 @@ public:
 
     /// The box whose row is marked among the highlighted ones; null: none.
     void setMarked(const Item* box) { m_marked = box; }
+    /// The names of boxes stand in a column, behind the widest of these boxes' addresses.
+    void fit(const Item& box);
     /// Where everything stands in the visible row of `index`.
     RowZones zones(const QModelIndex& index) const;
 
@@ -38,13 +40,15 @@ protected:
 
 private:
     void paintUpgrade(QPainter& painter, const QRect& row, const Item& item) const;
-    void paintIcons(QPainter& painter, const RowZones& zones, bool active) const;
+    void paintIcons(QPainter& painter, const RowZones& zones, const Item& item, bool active) const;
     void paintText(QPainter& painter, const RowZones& zones, const Item& item, bool active) const;
     void paintBeside(QPainter& painter, const RowZones& zones, const Item& item, int titleWidth,
                      bool active) const;
+    static int paintActivity(QPainter& painter, const QRect& rect, const Item& item);
     void paintIcon(QPainter& painter, const QRect& rect, const QString& name) const;
 
     QTreeView* m_view;
     const Item* m_marked = nullptr; // compared, never followed
+    int m_widestAddress = 0;
     mutable QHash<QString, QIcon> m_icons;
 };

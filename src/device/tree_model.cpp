@@ -145,6 +145,8 @@ QString TreeModel::groupCount(const Item& group)
     int online = 0;
     for (int row = 0; row < group.childCount(); ++row)
         online += group.child(row)->isOnline() ? 1 : 0;
+    if (group.shownCount())
+        return tr("显示 %1/%2").arg(*group.shownCount()).arg(group.childCount());
     return online == group.childCount() ? QString::number(online)
                                         : tr("%1/%2 在线").arg(online).arg(group.childCount());
 }

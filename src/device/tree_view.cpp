@@ -65,6 +65,9 @@ TreeView::TreeView(QWidget* parent)
             [this](const QModelIndex& group, int first) {
                 if (group.isValid() && first == 0 && m_model->rowCount(group) == 1)
                     expand(group);
+                const Item* filed = TreeModel::itemAt(m_model->index(first, 0, group));
+                if (filed->isDevice())
+                    m_delegate->fit(*filed);
             });
 }
 

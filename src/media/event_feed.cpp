@@ -87,7 +87,7 @@ void EventFeed::drop()
 void EventFeed::greet()
 {
     m_handshake.stop();
-    m_socket->setReadBufferSize(Limits::FeedMessageBytes);
+    m_socket->setReadBufferSize(Limits::FeedUnreadBytes);
     m_isWaitingForPong = false;
     m_alive.start();
     emit connected(m_turn);

@@ -14,6 +14,9 @@ namespace
 
 /// How long the lag of the last picture says something.
 constexpr qint64 lagKnownMs = 1000;
+/// How often a source that has played may be denied: a box that has just started may not know its
+/// recordings yet, and one that goes on like that has deleted it.
+constexpr int mostRefusals = 6;
 
 } // namespace
 
@@ -113,6 +116,7 @@ bool FFmpegThread::openNow()
         return false;
     m_needInit = false;
     m_openedAt = av_gettime_relative();
+    m_refusals = 0;
     if (m_hasPlayed)
         ++m_state.reconnections;
     m_hasPlayed = true;
@@ -134,7 +138,8 @@ void FFmpegThread::noteBreak()
 /// After a try that has failed; false when there is none that could do better.
 bool FFmpegThread::waitForNextTry()
 {
-    if (m_playback->isOverLimit() || !(m_hasPlayed || m_playback->mayComeLater()))
+    m_refusals = m_playback->mayComeLater() ? 0 : m_refusals + 1;
+    if (m_playback->isOverLimit() || m_refusals > (m_hasPlayed ? mostRefusals : 0))
         return false;
     if (!m_hasPlayed)
         tell(OpenFailed);

@@ -114,4 +114,5 @@ private:
     qint64 m_startedAt = 0;           // microseconds
     qint64 m_openedAt = 0;
     bool m_hasPlayed = false;
+    int m_refusals = 0; ///< one after the other
 };

@@ -76,7 +76,7 @@ FFmpegWidget::FFmpegWidget(QWidget* parent)
         emit stillSaved(path);
     });
     connect(m_still, &StillPicture::failed, this, [this](const QString& reason) {
-        m_notice->tell(tr("无法保存画面: %1").arg(reason), true);
+        m_notice->tell(tr("无法保存画面：%1").arg(reason), true);
     });
     m_state->raise();
     retranslate();

@@ -151,7 +151,7 @@ QStringList FiguresView::values() const
 
 QString FiguresView::decoder() const
 {
-    return tr("软件,%1 个线程").arg(m_figures.threads);
+    return tr("软件，%1 个线程").arg(m_figures.threads);
 }
 
 void FiguresView::retranslate()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "media/frame_converter.h"
 
+#include "common/platform.h"
+
 extern "C" {
 #include <libavutil/frame.h>
 #include <libavutil/pixdesc.h>
@@ -50,9 +52,9 @@ void paintTurned(const QImage& image, const QTransform& turn, QImage& turned)
 
 SwsContext* newScaler(const QSize& from, int fromFormat, const QSize& to, int toFormat)
 {
+    const int manner = SWS_FAST_BILINEAR | (Platform::scalesRowsWrongly() ? SWS_ACCURATE_RND : 0);
     return sws_getContext(from.width(), from.height(), AVPixelFormat(fromFormat), to.width(),
-                          to.height(), AVPixelFormat(toFormat), SWS_FAST_BILINEAR, nullptr, nullptr,
-                          nullptr);
+                          to.height(), AVPixelFormat(toFormat), manner, nullptr, nullptr, nullptr);
 }
 
 /// The scaler knows neither matrix nor range by itself, only that old formats have a full one. What

@@ -36,6 +36,7 @@ PictureState::PictureState(QWidget* area)
     m_title->setObjectName(QStringLiteral("video_state_title"));
     m_title->setTextFormat(Qt::PlainText);
     m_title->setAlignment(Qt::AlignCenter);
+    m_title->setWordWrap(true);
     m_detail->setObjectName(QStringLiteral("video_state_detail"));
     m_detail->setProperty("dim", true);
     m_detail->setAlignment(Qt::AlignCenter);
@@ -97,7 +98,7 @@ QString PictureState::title() const
     case State::Opening:
         return tr("正在打开…");
     case State::Silent:
-        return tr("无信号,自 %1 起没有新画面").arg(m_since.toString(QStringLiteral("HH:mm:ss")));
+        return tr("无信号，自 %1 起没有新画面").arg(m_since.toString(QStringLiteral("HH:mm:ss")));
     case State::Ended:
         return tr("播放结束");
     case State::Failed:
@@ -136,7 +137,8 @@ void PictureState::place()
     // lines that it needs.
     const QLabel* second = m_state == State::Idle ? m_hint : m_detail;
     const int detail = second->fontMetrics().horizontalAdvance(second->text()) + 2 * margin + 2;
-    const int width = qMin(qMax(minimumSizeHint().width(), detail), area.width());
+    const int title = m_title->fontMetrics().horizontalAdvance(m_title->text()) + 2 * margin + 2;
+    const int width = qMin(qMax(title, detail), area.width());
     const int height =
         layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height();
     QRect place(QPoint(), QSize(width, height));

@@ -274,47 +274,60 @@ Playback::Outcome Playback::lookForSilence()
     return isSilent ? Outcome::Broken : Outcome::GoesOn;
 }
 
-/// Makes an image of the picture in hand, if there is a free one.
-bool Playback::convert()
+/// Makes an image of the picture in hand; there is none if none is free.
+bool Playback::convert(QImage* image)
 {
-    const PictureDecoder& decoder = m_session->pictures();
-    const PictureShape shape = decoder.shape();
     m_area = m_state.area();
-    QImage image;
+    const PictureDecoder& decoder = m_session->pictures();
     const FrameConverter::Result result =
-        m_converter.convert(decoder.frame(), shape, m_area, &image);
+        m_converter.convert(decoder.frame(), decoder.shape(), m_area, image);
     m_isPending = result == FrameConverter::Result::Busy;
-    if (result == FrameConverter::Result::Done) {
-        m_state.setShown(ShownPicture(decoder.frame(), shape));
-        m_show(image);
-    }
     return result != FrameConverter::Result::Failed;
+}
+
+void Playback::handOut(const QImage& image)
+{
+    if (image.isNull())
+        return;
+    const PictureDecoder& decoder = m_session->pictures();
+    m_state.setShown(ShownPicture(decoder.frame(), decoder.shape()));
+    m_show(image);
 }
 
 void Playback::show()
 {
+    QImage image;
     // That nobody takes a picture is not the source's fault.
-    if (!convert())
+    if (!convert(&image))
         return;
     m_hasShown = true;
     m_shownAt = av_gettime_relative();
     const AVFrame& frame = m_session->pictures().frame();
     m_state.meter.addPicture(m_shownAt, {frame.width, frame.height});
+    // Whoever gets the picture finds that the source is back.
     m_state.waitingSince = 0;
     m_state.tries = 0;
+    handOut(image);
+}
+
+void Playback::showAgain()
+{
+    QImage image;
+    if (convert(&image))
+        handOut(image);
 }
 
 void Playback::showPending()
 {
     if (m_isPending)
-        convert();
+        showAgain();
 }
 
 /// The picture that stands still is as sharp in a larger window.
 void Playback::followArea()
 {
     if (m_hasShown && !(m_state.area() == m_area))
-        convert();
+        showAgain();
 }
 
 /// Until a film's next picture is due; false when it is to be shown no more.

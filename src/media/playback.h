@@ -65,7 +65,9 @@ private:
     qint64 arrivalOf(qint64 stamp, qint64 now) const;
     bool isLate(qint64 lag) const;
     Outcome lookForSilence();
-    bool convert();
+    bool convert(QImage* image);
+    void handOut(const QImage& image);
+    void showAgain();
     void show();
     void showPending();
     void followArea();

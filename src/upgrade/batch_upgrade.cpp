@@ -79,6 +79,7 @@ BatchUpgrade::Chosen BatchUpgrade::choose(Item& box)
     }
     box.showUpgrade(taken);
     box.addTip(tr("正在计算固件校验值"));
+    box.setActivity(tr("计算校验值"));
     return chosen;
 }
 
@@ -95,7 +96,7 @@ bool BatchUpgrade::waitsForOrders(Pending& pending)
             box.item->addTip(tr("正在等待此前的操作完成"));
         if (!isOver)
             continue;
-        box.leftOut = tr("此前的操作未完成,未升级");
+        box.leftOut = tr("此前的操作未完成，未升级");
         box.item->addTip(box.leftOut);
         box.item->showUpgrade(released);
     }
@@ -107,6 +108,10 @@ void BatchUpgrade::digestReady(const PackageDigest* digest)
     const auto found = std::find_if(m_pending.begin(), m_pending.end(), [digest](const Pending& p) {
         return p.digest.get() == digest;
     });
+    for (const Chosen& box : found->boxes) {
+        if (box.item && box.leftOut.isEmpty())
+            box.item->setActivity(QString());
+    }
     // What was ordered before ends first: half of a configuration, or a restart that strikes in the
     // change, would harm the box.
     if (waitsForOrders(*found)) {
@@ -133,7 +138,7 @@ void BatchUpgrade::begin(Pending& pending, const QString& file, const QString& m
     m_fleet.begin({file, md5, version});
     for (Chosen& box : pending.boxes) {
         if (!box.item && box.leftOut.isEmpty())
-            box.leftOut = tr("设备已不在列表中,未升级");
+            box.leftOut = tr("设备已不在列表中，未升级");
         if (box.leftOut.isEmpty())
             m_rows.bind(m_fleet.add(box.item->address(), box.item->macAddress(), pending.keep),
                         *box.item);

@@ -88,7 +88,7 @@ void BoxUpgrade::tick()
     m_reader.tick();
     const qint64 now = m_clock.ms();
     if (m_step == Step::Identifying && now >= m_limit && m_next) {
-        leaveAlone(tr("设备没有回应,未升级"));
+        leaveAlone(tr("设备没有回应，未升级"));
         return;
     }
     watchTime(now);
@@ -186,7 +186,7 @@ void BoxUpgrade::stopSafely()
     if (row().settings == Settings::Restored || row().settings == Settings::Unverified)
         row().aftermath = restartDoubt();
     row().stopped = m_link.breach();
-    m_host.tell(*this, tr("内部检查未通过(%1),已停止对此设备的操作").arg(row().stopped));
+    m_host.tell(*this, tr("内部检查未通过（%1），已停止对此设备的操作").arg(row().stopped));
     if (row().stage < Stage::Activated)
         row().stage = Stage::UploadFailed;
     if (row().settings != Settings::Waiting) {
@@ -224,7 +224,7 @@ void BoxUpgrade::confirm(void (BoxUpgrade::*same)())
 void BoxUpgrade::confirmNow()
 {
     if (row().ambiguous && m_keep) {
-        leaveAlone(tr("网络中有两台设备的MAC地址相同,无法保留设置,未升级"));
+        leaveAlone(tr("网络中有两台设备的MAC地址相同，无法保留设置，未升级"));
         return;
     }
     m_link.read(row().address, BoxProtocol::MACAddress,
@@ -245,8 +245,8 @@ void BoxUpgrade::anotherBox(const QString& mac)
 {
     m_host.identified(row().address, mac);
     // One that had none to tell may be the same, or not.
-    leaveAlone((row().mac.isEmpty() ? tr("此地址上的设备现在才告知MAC地址(%1),未升级,请重试")
-                                    : tr("此地址上现在是另一台设备(%1),未升级"))
+    leaveAlone((row().mac.isEmpty() ? tr("此地址上的设备现在才告知MAC地址（%1），未升级，请重试")
+                                    : tr("此地址上现在是另一台设备（%1），未升级"))
                    .arg(mac));
 }
 
@@ -326,13 +326,13 @@ void BoxUpgrade::leaveToOwner(const BoxUpgrade& owner)
         } else if (other) {
             other->heardAt(row().address);
         }
-        leaveAlone(twins ? tr("此MAC地址的另一台设备正在升级,未升级") : ownedText());
+        leaveAlone(twins ? tr("此MAC地址的另一台设备正在升级，未升级") : ownedText());
     });
 }
 
 QString BoxUpgrade::ownedText()
 {
-    return tr("设备正在升级固件或恢复设置,未再次升级");
+    return tr("设备正在升级固件或恢复设置，未再次升级");
 }
 
 /// A box that moved leaves a row behind: only what answers counts. One lost packet is no silence.
@@ -404,7 +404,7 @@ void BoxUpgrade::identified()
     if (m_tookOver) {
         // What the box has by now is what the upgrade before left of them.
         if (row().ambiguous)
-            leaveAlone(tr("网络中有两台设备的MAC地址相同,未升级"));
+            leaveAlone(tr("网络中有两台设备的MAC地址相同，未升级"));
         else if (m_keep)
             switchDhcp();
         else
@@ -412,8 +412,8 @@ void BoxUpgrade::identified()
     } else if (!m_keep) {
         beginUploading();
     } else if (row().ambiguous || row().mac.isEmpty()) {
-        leaveAlone(row().ambiguous ? tr("网络中有两台设备的MAC地址相同,无法保留设置,未升级")
-                                   : tr("设备没有MAC地址,无法保留设置,未升级"));
+        leaveAlone(row().ambiguous ? tr("网络中有两台设备的MAC地址相同，无法保留设置，未升级")
+                                   : tr("设备没有MAC地址，无法保留设置，未升级"));
     } else {
         readSettings();
     }

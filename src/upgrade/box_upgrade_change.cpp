@@ -38,7 +38,7 @@ void BoxUpgrade::readSettings()
                    [this](const QVariantMap& values, bool whole) {
                        if (!whole) {
                            row().settings = Settings::NotSaved;
-                           leaveAlone(tr("设置未能完整读取,未升级"));
+                           leaveAlone(tr("设置未能完整读取，未升级"));
                            return;
                        }
                        row().saved = values;
@@ -67,7 +67,7 @@ void BoxUpgrade::switchDhcp()
             row().settings = Settings::NotSaved;
             m_host.writeBackEnded(*this);
         }
-        leaveAlone(tr("升级记录无法写入磁盘,未升级"));
+        leaveAlone(tr("升级记录无法写入磁盘，未升级"));
     });
 }
 
@@ -163,7 +163,7 @@ void BoxUpgrade::keepActivation()
             confirm(&BoxUpgrade::orderActivation);
             return;
         }
-        leaveAlone(tr("升级记录无法写入磁盘,未升级"));
+        leaveAlone(tr("升级记录无法写入磁盘，未升级"));
     });
 }
 

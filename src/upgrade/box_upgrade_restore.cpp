@@ -194,7 +194,7 @@ void BoxUpgrade::restarted()
 
 QString BoxUpgrade::restartDoubt()
 {
-    return tr("设置已写回,但不能确定设备已重启");
+    return tr("设置已写回，但不能确定设备已重启");
 }
 
 /// The silence that has just ended was no matter of a busy network: where the order was not

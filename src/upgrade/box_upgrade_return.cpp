@@ -35,7 +35,7 @@ void BoxUpgrade::resume()
     row().settled = false;
     m_link.adopted();
     if (row().settings == Settings::Restored || row().settings == Settings::Unverified)
-        row().aftermath = tr("设置写回后程序曾中断,设备可能尚未重启");
+        row().aftermath = tr("设置写回后程序曾中断，设备可能尚未重启");
     if (m_ordered) {
         enter(Step::Away);
         watch();
@@ -294,7 +294,7 @@ void BoxUpgrade::giveUpWaiting()
     m_ordered = false;
     m_round.forget();
     if (m_step == Step::Restarting && row().settings != Settings::Waiting) {
-        row().aftermath = tr("恢复设置后重启,未再回应");
+        row().aftermath = tr("恢复设置后重启，未再回应");
         end();
         return;
     }

@@ -2,6 +2,7 @@
 #include "upgrade/curl_link.h"
 
 #include "common/box_protocol.h"
+#include "common/curl_report.h"
 #include "common/http_result.h"
 #include "common/spark_http.h"
 
@@ -52,8 +53,23 @@ void CurlLink::write(const QString& ip, const QString& parameter, const QString&
 
 void CurlLink::upload(const QString& ip, const QString& file, Answered answered)
 {
-    run(ip, BoxProtocol::uploadCommand(file, ip), 0, std::move(answered));
+    run(ip, BoxProtocol::uploadCommand(file, ip), 0, std::move(answered),
+        CommandRunner::ErrorOutput::Deliver);
     m_uploads.insert(ip, m_made);
+    watchUpload(ip, m_made);
+}
+
+void CurlLink::watchUpload(const QString& ip, QProcess* process)
+{
+    const auto report = std::make_shared<CurlReport>();
+    connect(process, &QProcess::readyReadStandardError, this, [this, ip, process, report] {
+        report->feed(process->readAllStandardError());
+        emit uploadProgressed(ip, qMax(0, report->sentPercent()));
+    });
+    connect(process, &QProcess::stateChanged, this, [this, ip](QProcess::ProcessState state) {
+        if (state == QProcess::NotRunning)
+            emit uploadProgressed(ip, -1);
+    });
 }
 
 void CurlLink::abandonUpload(const QString& ip)
@@ -69,10 +85,11 @@ void CurlLink::order(const QString& ip, BoxOrder order, Answered answered)
         activate ? 0 : CommandRunner::WaitLimitMs, std::move(answered));
 }
 
-void CurlLink::run(const QString& ip, const QString& command, int limitMs, Answered answered)
+void CurlLink::run(const QString& ip, const QString& command, int limitMs, Answered answered,
+                   CommandRunner::ErrorOutput errorOutput)
 {
     m_next = {std::move(answered), limitMs, {}};
-    m_runner.execCurl(ip, command, {});
+    m_runner.execCurl(ip, command, {}, errorOutput);
     m_next = {};
 }
 

@@ -31,8 +31,14 @@ public:
     static QString readType() { return QStringLiteral("upgradeRead"); }
     void handleRead(const HttpResult& result);
 
+signals:
+    /// How much of the package the box at `ip` has, in percent; -1 when the upload has ended.
+    void uploadProgressed(const QString& ip, int percent);
+
 private:
-    void run(const QString& ip, const QString& command, int limitMs, Answered answered);
+    void watchUpload(const QString& ip, QProcess* process);
+    void run(const QString& ip, const QString& command, int limitMs, Answered answered,
+             CommandRunner::ErrorOutput errorOutput = CommandRunner::ErrorOutput::Discard);
     void collect(QProcess* process);
     void ended(QProcess* process);
 

@@ -68,11 +68,11 @@ QString UpgradeJudgement::doubt(const UpgradeRow& row)
         return QCoreApplication::translate("UpgradeReport", "升级后未再回应");
     if (row.ambiguous)
         return QCoreApplication::translate("UpgradeReport",
-                                           "网络中有两台设备的MAC地址相同,无法证实");
+                                           "网络中有两台设备的MAC地址相同，无法证实");
     if (row.mac.isEmpty())
-        return QCoreApplication::translate("UpgradeReport", "MAC地址未知,无法证实");
+        return QCoreApplication::translate("UpgradeReport", "MAC地址未知，无法证实");
     if (row.versionBefore.isEmpty())
-        return QCoreApplication::translate("UpgradeReport", "升级前版本未知,无法证实");
+        return QCoreApplication::translate("UpgradeReport", "升级前版本未知，无法证实");
     if (row.versionAfter == row.versionBefore)
         return QCoreApplication::translate("UpgradeReport", "版本没有变化");
     return changeOf(row, row.versionAfter) == Change::Older

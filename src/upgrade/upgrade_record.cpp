@@ -29,25 +29,25 @@ QString settingsText(const UpgradeRow& row)
     case Settings::NotKept:
         return QCoreApplication::translate("UpgradeReport", "未保留");
     case Settings::NotSaved:
-        return QCoreApplication::translate("UpgradeReport", "未能完整读取,不恢复");
+        return QCoreApplication::translate("UpgradeReport", "未能完整读取，不恢复");
     case Settings::Waiting:
-        return row.settled ? QCoreApplication::translate("UpgradeReport", "设备未回应,待恢复")
+        return row.settled ? QCoreApplication::translate("UpgradeReport", "设备未回应，待恢复")
                            : QCoreApplication::translate("UpgradeReport", "待恢复");
     case Settings::Restored:
         return QCoreApplication::translate("UpgradeReport", "已恢复");
     case Settings::Unverified:
-        return QCoreApplication::translate("UpgradeReport", "已写回,未核对");
+        return QCoreApplication::translate("UpgradeReport", "已写回，未核对");
     case Settings::SomeFailed:
         return QCoreApplication::translate("UpgradeReport", "%n项失败", nullptr,
                                            row.failedSettings.size());
     case Settings::Dropped:
         return QCoreApplication::translate("UpgradeReport", "已放弃恢复");
     case Settings::Unchanged:
-        return QCoreApplication::translate("UpgradeReport", "未改动,无需恢复");
+        return QCoreApplication::translate("UpgradeReport", "未改动，无需恢复");
     case Settings::HandedOver:
         return QCoreApplication::translate("UpgradeReport", "由之后的升级恢复");
     case Settings::Ambiguous:
-        return QCoreApplication::translate("UpgradeReport", "MAC地址重复,未恢复");
+        return QCoreApplication::translate("UpgradeReport", "MAC地址重复，未恢复");
     }
     return QString();
 }
@@ -56,7 +56,7 @@ QString noteText(const UpgradeRow& row)
 {
     QStringList parts;
     if (!row.stopped.isEmpty())
-        parts << QCoreApplication::translate("UpgradeReport", "内部检查已停止此升级:%1")
+        parts << QCoreApplication::translate("UpgradeReport", "内部检查已停止此升级：%1")
                      .arg(row.stopped);
     if (!row.failedSettings.isEmpty())
         parts << row.failedSettings.join(QStringLiteral(", "));
@@ -69,7 +69,7 @@ QString noteText(const UpgradeRow& row)
         (row.settings == Settings::Dropped || row.settings == Settings::Ambiguous))
         parts << QCoreApplication::translate("UpgradeReport", "已切换为DHCP");
     if (!row.absent.isEmpty())
-        parts << QCoreApplication::translate("UpgradeReport", "设备称没有这些设置:%1")
+        parts << QCoreApplication::translate("UpgradeReport", "设备称没有这些设置：%1")
                      .arg(row.absent.join(QStringLiteral(", ")));
     // "Success", as a box was told it in its activation, is no evidence and would pass for it.
     if (!row.note.isEmpty() && row.stage != Stage::Activated)
@@ -255,7 +255,7 @@ QStringList UpgradeText::headers()
             QCoreApplication::translate("UpgradeReport", "升级后版本"),
             QCoreApplication::translate("UpgradeReport", "结果"),
             QCoreApplication::translate("UpgradeReport", "设置恢复"),
-            QCoreApplication::translate("UpgradeReport", "用时(秒)"),
+            QCoreApplication::translate("UpgradeReport", "用时（秒）"),
             QCoreApplication::translate("UpgradeReport", "说明"),
             QCoreApplication::translate("UpgradeReport", "固件包"),
             QCoreApplication::translate("UpgradeReport", "固件MD5")};

@@ -98,16 +98,16 @@ QString PageNotice::message() const
     case Loading:
         return tr("正在打开设备的网页…");
     case Failed:
-        return tr("无法打开设备的网页.");
+        return tr("无法打开设备的网页。");
     case NoPage:
-        return tr("设备没有返回可显示的网页.");
+        return tr("设备没有返回可显示的网页。");
     case Crashed:
-        return tr("网页意外终止,正在重新加载…");
+        return tr("网页意外终止，正在重新加载…");
     case Closed:
     case TooLarge:
-        return tr("网页已关闭.");
+        return tr("网页已关闭。");
     default:
-        return tr("此设备通过自己的网页管理.");
+        return tr("此设备通过自己的网页管理。");
     }
 }
 
@@ -115,17 +115,17 @@ QString PageNotice::reason() const
 {
     switch (m_kind) {
     case Failed:
-        return tr("请检查设备的电源和网络连接.");
+        return tr("请检查设备的电源和网络连接。");
     case TooLarge:
-        return tr("它占用了过多内存.");
+        return tr("它占用了过多内存。");
     case NotInstalled:
-        return tr("内置浏览器不可用: 它没有安装.");
+        return tr("内置浏览器不可用：它没有安装。");
     case RunsAsRoot:
-        return tr("内置浏览器不可用: 它的安全沙箱不允许以 root 身份运行.");
+        return tr("内置浏览器不可用：它的安全沙箱不允许以 root 身份运行。");
     case NoIsolation:
-        return tr("内置浏览器不可用: 系统没有为它提供安全沙箱.");
+        return tr("内置浏览器不可用：系统没有为它提供安全沙箱。");
     case Incomplete:
-        return tr("内置浏览器不可用: 它的程序文件不完整.");
+        return tr("内置浏览器不可用：它的程序文件不完整。");
     default:
         return QString();
     }

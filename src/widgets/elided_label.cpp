@@ -13,15 +13,18 @@ ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent)
 
 QString ElidedLabel::shownText() const
 {
-    return fontMetrics().elidedText(text().simplified(), Qt::ElideMiddle, contentsRect().width());
+    QStringList lines = m_keepsLines ? text().split(QLatin1Char('\n')) : QStringList(text());
+    for (QString& line : lines)
+        line = fontMetrics().elidedText(line.simplified(), Qt::ElideMiddle, contentsRect().width());
+    return lines.join(QLatin1Char('\n'));
 }
 
 bool ElidedLabel::event(QEvent* event)
 {
     if (event->type() == QEvent::ToolTip)
         setToolTip(shownText() == text() ? QString()
-                                         : QStringLiteral("<span>") + text().toHtmlEscaped() +
-                                               QStringLiteral("</span>"));
+                                         : QStringLiteral("<span style=\"white-space:pre-wrap\">") +
+                                               text().toHtmlEscaped() + QStringLiteral("</span>"));
     return QLabel::event(event);
 }
 

@@ -3,11 +3,13 @@
 
 #include <QLabel>
 
-/// A label of one line that ends in "…" where its room does. Its text is plain, never markup; the
-/// tooltip shows it whole while it does not fit.
+/// A label of one line with "…" in it where it has no room for more. Its text is plain, never
+/// markup; the tooltip shows it whole while it does not fit.
 class ElidedLabel : public QLabel
 {
     Q_OBJECT
+    /// Each line of the text stands for itself; else the ends of lines are blanks.
+    Q_PROPERTY(bool keepsLines MEMBER m_keepsLines)
 
 public:
     explicit ElidedLabel(QWidget* parent = nullptr);
@@ -18,4 +20,6 @@ protected:
 
 private:
     QString shownText() const;
+
+    bool m_keepsLines = false;
 };

@@ -2,30 +2,13 @@
 #include "widgets/input_ui.h"
 
 #include "ui_input_ui.h"
+#include "widgets/placeholder.h"
 
 #include <QAbstractItemModel>
 #include <QCompleter>
 #include <QEvent>
 #include <QPainter>
 #include <QStyleOption>
-
-namespace
-{
-
-/// Keeps a placeholder apart from typed text: a style sheet that names a text colour would
-/// otherwise paint both alike.
-void dimPlaceholder(QWidget* field)
-{
-    QPalette palette = field->palette();
-    QColor dimmed = palette.color(QPalette::Text);
-    dimmed.setAlphaF(dimmed.alphaF() * 0.6);
-    if (palette.color(QPalette::PlaceholderText) != dimmed) {
-        palette.setColor(QPalette::PlaceholderText, dimmed);
-        field->setPalette(palette);
-    }
-}
-
-} // namespace
 
 Inputui::Inputui(QWidget* parent) : QWidget(parent), m_ui(std::make_unique<Ui::Inputui>())
 {
@@ -36,6 +19,8 @@ Inputui::Inputui(QWidget* parent) : QWidget(parent), m_ui(std::make_unique<Ui::I
     fitPage();
     connect(m_ui->titleEdit, &QLineEdit::returnPressed, this, &Inputui::returnPressed);
 
+    keepPlaceholderDim(*m_ui->titleEdit);
+    keepPlaceholderDim(*m_ui->contentEdit);
     m_ui->titleEdit->installEventFilter(this);
     m_ui->contentEdit->installEventFilter(this);
     installEventFilter(this);
@@ -104,8 +89,6 @@ bool Inputui::eventFilter(QObject* watched, QEvent* event)
         m_ui->retranslateUi(this);
     } else if (watched == m_ui->titleEdit && event->type() == QEvent::MouseButtonPress) {
         showSuggestions();
-    } else if (watched != this && event->type() == QEvent::PaletteChange) {
-        dimPlaceholder(static_cast<QWidget*>(watched));
     }
     return QWidget::eventFilter(watched, event);
 }

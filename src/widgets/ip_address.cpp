@@ -82,7 +82,7 @@ void IPAddress::nameFields()
 {
     for (int index = 0; index < FieldCount; ++index)
         m_fields[index]->setAccessibleName(
-            tr("%1, 第%2段,共4段").arg(accessibleName()).arg(index + 1));
+            tr("%1，第%2段，共4段").arg(accessibleName()).arg(index + 1));
 }
 
 QString IPAddress::getIP()

@@ -51,9 +51,12 @@ QPoint cascadePlace(const messageBox* box)
     const QWidget* parent = box->parentWidget() ? box->parentWidget()->window() : nullptr;
     const QScreen* screen = parent ? parent->screen() : QApplication::primaryScreen();
     const QRect room = screen->availableGeometry();
-    const QRect frame = parent && parent->isVisible() ? parent->frameGeometry() : room;
+    const bool hasParent = parent && parent->isVisible();
+    const QRect frame = hasParent ? parent->frameGeometry() : room;
 
-    QRect place(QPoint(), box->size());
+    // It gets its own frame only when it is shown: as wide as that of its parent.
+    const QSize border = hasParent ? parent->frameSize() - parent->size() : QSize(0, 0);
+    QRect place(QPoint(), box->size() + border);
     place.moveCenter(frame.center());
     place.moveLeft(qMax(room.left(), qMin(place.left(), room.right() + 1 - place.width())));
     place.moveTop(qMax(room.top(), qMin(place.top(), room.bottom() + 1 - place.height())));
@@ -106,6 +109,13 @@ int messageBox::ask(const QString& text, QWidget* parent, const QString& okText,
     return runAndDelete(box);
 }
 
+void messageBox::tell(const QString& text, QWidget* parent)
+{
+    auto* box = new messageBox(text, parent);
+    box->setNotice();
+    runAndDelete(box);
+}
+
 int messageBox::askWithRecovery(const QString& text, QWidget* parent)
 {
     auto* box = new messageBox(text, parent);
@@ -116,6 +126,7 @@ int messageBox::askWithRecovery(const QString& text, QWidget* parent)
 messageBox* messageBox::notify(const QString& text, QWidget* parent)
 {
     auto* box = new messageBox(text, parent);
+    box->setNotice();
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setAttribute(Qt::WA_ShowWithoutActivating);
     box->move(cascadePlace(box));
@@ -143,6 +154,11 @@ void messageBox::setButtonText(const QString& okText, const QString& cancelText)
     m_okText = okText;
     m_cancelText = cancelText;
     applyButtonText();
+}
+
+void messageBox::setNotice()
+{
+    m_ui->cancelpushButton->hide();
 }
 
 void messageBox::setRecoveryVisible(bool visible)

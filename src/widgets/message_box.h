@@ -37,11 +37,13 @@ public:
     /// the wait. `okText` and `cancelText` rename the buttons as setButtonText() does.
     static int ask(const QString& text, QWidget* parent, const QString& okText = QString(),
                    const QString& cancelText = QString());
+    /// Says something and waits until it has been read, as ask() does: there is only OK.
+    static void tell(const QString& text, QWidget* parent);
     /// As ask(), with the third button "OK and keep the configuration".
     static int askWithRecovery(const QString& text, QWidget* parent);
-    /// Shows a notice without waiting and without taking the keyboard from what the user is typing
-    /// in. The box deletes itself when it is closed; boxes shown at the same time are set off from
-    /// each other. The parent may be null.
+    /// Shows a notice, with OK only, without waiting and without taking the keyboard from what the
+    /// user is typing in. The box deletes itself when it is closed; boxes shown at the same time
+    /// are set off from each other. The parent may be null.
     static messageBox* notify(const QString& text, QWidget* parent);
 
     void setText(const QString& text);
@@ -49,6 +51,8 @@ public:
     /// Renames OK and Cancel; an empty text means the usual one. The names outlast a language
     /// change.
     void setButtonText(const QString& okText, const QString& cancelText);
+    /// A notice has no Cancel: there is nothing to decide. Escape closes it all the same.
+    void setNotice();
     /// Shows or hides "OK and keep the configuration"; hidden at first.
     void setRecoveryVisible(bool visible);
 

@@ -6,6 +6,7 @@
 #include "common/platform.h"
 #include "tests/support/files.h"
 #include "tests/support/plugged_box.h"
+#include "tests/support/process.h"
 #include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
@@ -156,14 +157,14 @@ void tst_CommandRunner::currentFolderIsNotSearched()
     const QString here = QDir::currentPath();
     const QByteArray path = qgetenv("PATH");
     QDir::setCurrent(folder.path());
-    qputenv("PATH", ".::" + path);
+    qputenv("PATH", QByteArray(".;;").replace(';', QDir::listSeparator().toLatin1()) + path);
     const QString fping = Platform::fpingPath(QString());
     const QString reply =
         m_runner->execCurlWait(boxIp, BoxProtocol::controlCommand("hxenc_on", boxIp));
     qputenv("PATH", path);
     QDir::setCurrent(here);
     QCOMPARE(jsonToMap(reply).value("action").toString(), QString("hxenc_on"));
-    QVERIFY2(fping.startsWith('/') && !fping.startsWith(folder.path()), qPrintable(fping));
+    QVERIFY2(QDir::isAbsolutePath(fping) && !fping.startsWith(folder.path()), qPrintable(fping));
 }
 
 void tst_CommandRunner::missingProgramGivesAnEmptyReply()
@@ -270,10 +271,10 @@ void tst_CommandRunner::nothingOutlivesTheProgram()
     const QPointer<QProcess> process = m_started.first();
     QVERIFY(process->waitForStarted());
     const qint64 pid = process->processId();
-    QVERIFY(QFileInfo::exists(QString("/proc/%1").arg(pid)));
+    QVERIFY(isRunning(pid));
     CommandRunner::endAll();
     QVERIFY(!process);
-    QVERIFY(!QFileInfo::exists(QString("/proc/%1").arg(pid)));
+    QVERIFY(!isRunning(pid));
 }
 
 /// One command is just starting and others wait; the next window must not have to wait for them.

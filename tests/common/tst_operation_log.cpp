@@ -116,6 +116,7 @@ void tst_OperationLog::keyNamesNoOtherFolder()
 
 void tst_OperationLog::hangingDiskHoldsNobodyUp()
 {
+    NEED_HELD_FILES();
     const QString key = "held";
     dataPath("log");
     QElapsedTimer clock;
@@ -177,12 +178,14 @@ void tst_OperationLog::folderIsPrivateAndBounded()
     QCOMPARE(linesOf(log(today + "---own_tarn_hub.txt")).size(), 1);
     QCOMPARE(linesOf(log(today + "---own_tarn_hub.1.txt")).size(), 2);
 
+#ifdef Q_OS_UNIX // elsewhere the user's own folder is private as a whole
     QFile::setPermissions(log(today + "---own_tarn_hub.1.txt"), QFile::Permissions(0x6644));
     folder.look();
     for (const QString& name : filesIn(dataPath("log")).filter("own"))
         QCOMPARE(QFile::permissions(log(name)) & 0x77, 0);
     for (const QString& path : {dataPath("log"), dataPath(QString())})
         QCOMPARE(QFile::permissions(path) & 0x77, 0);
+#endif
 
     // A clock that is years ahead for an hour: all there is seems old.
     for (const QString& name : filesIn(dataPath("log")).filter(".txt"))

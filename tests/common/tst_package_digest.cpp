@@ -11,7 +11,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#ifdef Q_OS_UNIX
 #include <sys/stat.h>
+#endif
 
 /// Files that cannot be read, or hang.
 class tst_PackageDigest : public QObject
@@ -23,7 +25,9 @@ private slots:
     {
         writeFile(m_folder.filePath("a.dat"), "abc");
         QDir(m_folder.path()).mkdir("folder.dat");
+#ifdef Q_OS_UNIX
         ::mkfifo(m_folder.filePath("pipe.dat").toLocal8Bit().constData(), 0600);
+#endif
         for (const char* name : {"a.dat", "folder.dat", "pipe.dat", "none.dat"}) {
             PackageDigest digest(m_folder.filePath(name));
             QSignalSpy ready(&digest, &PackageDigest::ready);
@@ -35,6 +39,7 @@ private slots:
 
     void hangingFileHoldsNobodyUp()
     {
+        NEED_HELD_FILES();
         const QString path = writeFile(m_folder.filePath("held.dat"), "abc");
         const HeldFile held(path);
         QVERIFY(held.isHeld());

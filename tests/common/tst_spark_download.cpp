@@ -119,6 +119,7 @@ void tst_SparkDownload::tooLongDownloadIsGivenUp()
 void tst_SparkDownload::certificatesOfDownloadsAreChecked()
 {
     QVERIFY(QSslSocket::supportsSsl());
+    NEED_ENCRYPTED_SERVERS();
     ScriptedServer server(serverIp, fileAnswer("new"), ScriptedServer::Closes);
     server.encrypt(untrustedCertificate, untrustedKey);
     QCOMPARE(m_http->get("x", server.url("https", "a.json"), true), QString("new"));

@@ -2,38 +2,12 @@
 #include "media/pacing.h"
 #include "tests/support/clips.h"
 #include "tests/support/player.h"
+#include "tests/support/process.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 
-#include <QDir>
-
-#include <ctime>
 #include <memory>
-
-namespace
-{
-
-int entriesOf(const char* what)
-{
-    return QDir(QString("/proc/self/") + what)
-        .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
-        .size();
-}
-
-qint64 residentKb()
-{
-    return readFile("/proc/self/statm").split(' ').at(1).toLongLong() * 4;
-}
-
-double processorSeconds()
-{
-    timespec used{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
-    return double(used.tv_sec) + double(used.tv_nsec) / 1e9;
-}
-
-} // namespace
 
 /// Opening, waiting, ending: the life of a session.
 class tst_FFmpegThread : public QObject
@@ -114,7 +88,8 @@ private slots:
         Player player(url);
         QTRY_COMPARE_WITH_TIMEOUT(player.statuses, QList<int>{FFmpegThread::OpenFailed}, 5000);
         if (mayComeLater)
-            QTRY_VERIFY_WITH_TIMEOUT(player.thread.tries() > 2, 3000);
+            // Windows asks three times before it believes that a port is closed.
+            QTRY_VERIFY_WITH_TIMEOUT(player.thread.tries() > 2, 9000);
         else
             QTRY_VERIFY(player.thread.isFinished());
         QCOMPARE(player.statuses.size(), 1);
@@ -233,6 +208,8 @@ private slots:
         QTest::qWait(1000);
         Player player(source.isEmpty() ? target : source);
         QTRY_VERIFY_WITH_TIMEOUT(player.pictures > 20, 12000);
+        // It may have come before the server.
+        player.statuses.removeOne(FFmpegThread::OpenFailed);
         QCOMPARE(player.statuses, QList<int>{FFmpegThread::Playing});
         player.thread.stop();
         QVERIFY(player.thread.wait(500));
@@ -277,16 +254,16 @@ private slots:
         rounds(40);
         QTRY_COMPARE(silent.connections(), 0);
         QTest::qWait(100);
-        const int threads = entriesOf("task");
-        const int files = entriesOf("fd");
-        const qint64 memory = residentKb();
+        const int threadsBefore = threads();
+        const int files = openHandles();
+        const qint64 before = memory();
         rounds(200);
         QTRY_COMPARE(silent.connections(), 0);
         // A library's own thread may have ended meanwhile, and the system lists one that was joined
         // for a moment longer.
-        QTRY_VERIFY2(entriesOf("task") <= threads, qPrintable(QString::number(entriesOf("task"))));
-        QTRY_VERIFY2(entriesOf("fd") <= files, qPrintable(QString::number(entriesOf("fd"))));
-        const qint64 grown = residentKb() - memory;
+        QTRY_VERIFY2(threads() <= threadsBefore, qPrintable(QString::number(threads())));
+        QTRY_VERIFY2(openHandles() <= files, qPrintable(QString::number(openHandles())));
+        const qint64 grown = (memory() - before) / 1024;
         qInfo("200 rounds: %lld kB more", static_cast<long long>(grown));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
         // The allocator keeps a few megabytes more or less; one picture per round would be 46.

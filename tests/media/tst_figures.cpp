@@ -188,7 +188,7 @@ private slots:
         QTRY_VERIFY(words(*view).contains("320 × 180"));
         QTRY_VERIFY(!words(*view).contains("fps: 0") && view->findChild<LevelMeter*>());
         const QString text = words(*view);
-        for (const char* part : {"h264 (", "320 × 180", " fps", "bit/s", "软件,1 个线程", "2 个"})
+        for (const char* part : {"h264 (", "320 × 180", " fps", "bit/s", "软件，1 个线程", "2 个"})
             QVERIFY2(text.contains(part), qPrintable(text));
         QTRY_VERIFY(view->findChild<LevelMeter*>()->marks().value(0) > -7);
 

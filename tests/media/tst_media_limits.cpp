@@ -2,6 +2,7 @@
 #include "common/limits.h"
 #include "tests/support/clips.h"
 #include "tests/support/player.h"
+#include "tests/support/process.h"
 #include "tests/support/scripted_server.h"
 #include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
@@ -142,23 +143,17 @@ QByteArray largeFilm(const QString& path)
     return readFile(path);
 }
 
-qint64 mostMemoryMb()
-{
-    const QByteArray status = readFile("/proc/self/status");
-    return status.mid(status.indexOf("VmHWM:") + 6).trimmed().split(' ').first().toLongLong() /
-           1024;
-}
-
 /// What a process of its own tells: how it went, and the most memory that the source has cost it.
 int playAlone(const QString& url)
 {
-    const qint64 before = mostMemoryMb();
+    constexpr qint64 megabyte = 1 << 20;
+    const qint64 before = mostMemory() / megabyte;
     Player player(url);
     for (const auto until = QDeadlineTimer(20000);
          !until.hasExpired() && !player.statuses.contains(FFmpegThread::OpenFailed);)
         QTest::qWait(20);
     std::printf("%d %lld", player.statuses.value(player.statuses.size() - 1, -1),
-                mostMemoryMb() - before);
+                mostMemory() / megabyte - before);
     return 0;
 }
 

@@ -42,9 +42,16 @@ class tst_StillPicture : public QObject
 private slots:
     void init()
     {
+#ifdef Q_OS_WIN
+        // The system's own folder of pictures, which only a Windows of the test's own has empty.
+        if (!qEnvironmentVariableIsSet("TARN_HOST_DISK_C"))
+            QSKIP("it would clear the folder of kept pictures");
+        QVERIFY(QDir(StillPicture::folder()).removeRecursively());
+#else
         m_home = std::make_unique<QTemporaryDir>();
         qputenv("HOME", m_home->path().toLocal8Bit());
         QVERIFY(StillPicture::folder().startsWith(m_home->path()));
+#endif
     }
 
     void namesAreSafe_data()
@@ -175,7 +182,7 @@ private slots:
         QFile blocker(StillPicture::folder().chopped(1));
         QVERIFY(blocker.open(QIODevice::WriteOnly));
         widget->saveStill();
-        QTRY_VERIFY(notice->findChild<ElidedLabel*>()->text().startsWith("无法保存画面: "));
+        QTRY_VERIFY(notice->findChild<ElidedLabel*>()->text().startsWith("无法保存画面："));
         QCOMPARE(saved.size(), 2);
     }
 

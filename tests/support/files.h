@@ -15,12 +15,20 @@ inline QString writeFile(const QString& path, const QByteArray& content)
     return path;
 }
 
-/// The same for a program of the shell.
-inline QString writeScript(const QString& path, const QByteArray& text)
+/// A program that does what this text says to a shell, as a path. Under Wine that is the host's.
+inline QString writeScript(const QString& path, QByteArray text)
 {
+#ifdef Q_OS_WIN
+    const QString disk = qEnvironmentVariable("TARN_HOST_DISK_C");
+    writeFile(path + ".sh", text.replace("C:/", disk.toUtf8() + '/').replace("Z:/", "/"));
+    if (!QFile::copy(TEST_HOST_TOOL, path + ".exe"))
+        qFatal("cannot write %s", qPrintable(path));
+    return path + ".exe";
+#else
     writeFile(path, "#!/bin/sh\n" + text);
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     return path;
+#endif
 }
 
 /// Empty while there is no such file.
@@ -28,6 +36,19 @@ inline QByteArray readFile(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Whether the script that has told this number, its "$$", is running.
+inline bool isScriptRunning(qint64 number)
+{
+#ifdef Q_OS_WIN
+    const QString all = "Z:/proc";
+#else
+    const QString all = "/proc";
+#endif
+    const QByteArray state = readFile(QString("%1/%2/stat").arg(all).arg(number));
+    // Dead ones wait to be collected.
+    return !state.isEmpty() && !state.contains(") Z ");
 }
 
 inline QStringList linesOf(const QString& path)

@@ -3,10 +3,13 @@
 
 #include <QString>
 
+#ifdef Q_OS_UNIX
 #include <csignal>
 
 #include <fcntl.h>
 #include <unistd.h>
+
+#define NEED_HELD_FILES() static_cast<void>(0)
 
 /// A file that holds everybody up who opens it, as on a share that is gone, while this exists.
 class HeldFile
@@ -28,3 +31,11 @@ private:
     const int m_file;
     bool m_isHeld = false;
 };
+#else
+#define NEED_HELD_FILES() QSKIP("no file of this system holds up who opens it")
+
+struct HeldFile {
+    explicit HeldFile(const QString&) {}
+    static bool isHeld() { return false; }
+};
+#endif

@@ -35,6 +35,7 @@ private slots:
     /// Who cannot prove to be the update server is asked nothing.
     void encryptedServersProveWhoTheyAre()
     {
+        NEED_ENCRYPTED_SERVERS();
         for (bool trusted : {false, true}) {
             ScriptedServer server(TEST_BLOCK ".1", "?", ScriptedServer::Closes);
             encrypt(&server);
@@ -57,6 +58,7 @@ private slots:
     }
     void encryptedServersHaveTheUsualLimits()
     {
+        NEED_ENCRYPTED_SERVERS();
         QFETCH(QByteArray, headers);
         ScriptedServer server(TEST_BLOCK ".1", "HTTP/1.1 200 OK\r\n" + headers + "\r\n\r\n{}");
         encrypt(&server);

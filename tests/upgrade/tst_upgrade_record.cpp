@@ -302,10 +302,10 @@ private slots:
             "版本与固件包不符");
         row("older", old, next, "1.1.9.999", "away", true, false, "版本退回到更旧的版本");
         row("as before", old, next, old, "away", false, false, "版本没有变化");
-        row("unknown before", "", next, next, "away", false, false, "升级前版本未知,无法证实");
+        row("unknown before", "", next, next, "away", false, false, "升级前版本未知，无法证实");
         row("silent", old, next, "", "away", false, false, "升级后未再回应");
         row("told by two boxes", old, next, next, "away twins", true, false,
-            "网络中有两台设备的MAC地址相同,无法证实");
+            "网络中有两台设备的MAC地址相同，无法证实");
     }
     void proof()
     {

@@ -60,7 +60,7 @@ private slots:
         if (!script.contains("ws:")) {
             QTRY_VERIFY_WITH_TIMEOUT(bar->isVisible(), loadMs);
             QCOMPARE(bar->findChild<QLabel*>()->text(),
-                     QString("此网页想访问另一台主机: " TEST_BLOCK ".77"));
+                     QString("此网页想访问另一台主机：" TEST_BLOCK ".77"));
         }
         QTest::qWait(300);
         QCOMPARE(other.taken(), 0);
@@ -103,7 +103,7 @@ private slots:
                  "=> { const t = o.result.transaction('s', 'readwrite'); "
                  "t.objectStore('s').put('y'.repeat(1e7), ++n); t.oncomplete = () => n < 150 ? "
                  "put() : 0; }; put(); }; 0");
-        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("网页已关闭."), loadMs);
+        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("网页已关闭。"), loadMs);
         QTRY_VERIFY(notice()->isVisible());
         qint64 bytes = 0;
         QDirIterator files(qEnvironmentVariable("APPDATA"), QDirIterator::Subdirectories);
@@ -123,7 +123,7 @@ private slots:
         auto* bar = view()->parentWidget()->findChild<QWidget*>("pageBar");
         QTRY_VERIFY_WITH_TIMEOUT(bar->isVisible(), loadMs);
         bar->findChild<QPushButton*>("pageBarYes")->click();
-        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("网页已关闭."), loadMs);
+        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("网页已关闭。"), loadMs);
         QVERIFY(!bar->isVisible());
         notice()->findChild<QPushButton*>("webRetry")->click();
         QTRY_VERIFY_WITH_TIMEOUT(!notice()->isVisible(), loadMs);
@@ -134,7 +134,7 @@ private slots:
     {
         selectAndWait(box);
         view()->page()->runJavaScript("for (;;) console.log('x'.repeat(1e6));");
-        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("网页已关闭."), 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("网页已关闭。"), 3000);
         QTRY_VERIFY(notice()->isVisible());
     }
 

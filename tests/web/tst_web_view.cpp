@@ -199,7 +199,7 @@ private slots:
         QVERIFY(gone);
         gone->unplug();
         m_lan->clickRow(otherBox);
-        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("无法打开设备的网页."), loadMs);
+        QTRY_COMPARE_WITH_TIMEOUT(noticeText(), QString("无法打开设备的网页。"), loadMs);
         QVERIFY(notice()->isVisible());
         QCOMPARE(m_lan->child<QLabel>("webAddress")->text(), requestedUrl());
         QVERIFY(gone->plugIn());

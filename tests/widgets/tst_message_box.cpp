@@ -185,6 +185,7 @@ private slots:
             for (int letters = 36; letters < 66; ++letters) {
                 const QString word = QString(blanks, 'i') + QString(letters, 'n');
                 messageBox box(word + ' ' + word + " x?");
+                box.setAttribute(Qt::WA_DontShowOnScreen); // so many windows take their time
                 auto* shown = box.findChild<QTextEdit*>("m_tipContent");
                 shown->installEventFilter(&counter);
                 box.show();
@@ -304,7 +305,7 @@ private slots:
         const QRect screen = window.screen()->availableGeometry();
         for (int count = 0; count < 40; ++count) {
             boxes.append(messageBox::notify("more", &window));
-            QVERIFY(screen.contains(boxes.last()->geometry()));
+            QVERIFY(screen.contains(boxes.last()->frameGeometry()));
         }
         for (const QPointer<messageBox>& box : boxes)
             box->close();
@@ -322,8 +323,21 @@ private slots:
         });
         QCOMPARE(messageBox::ask("question", nullptr), 1);
         QVERIFY(notice && notice->isVisible());
-        QTest::mouseClick(button(notice, "cancelpushButton"), Qt::LeftButton);
+        QTest::mouseClick(button(notice, "okpushButton"), Qt::LeftButton);
         QTRY_VERIFY(!notice);
+    }
+
+    /// There is nothing to decide.
+    void noticeHasOneButton()
+    {
+        for (const int key : {Qt::Key_Escape, Qt::Key_Return}) {
+            whenOpen([key](messageBox& notice) {
+                QVERIFY(!button(&notice, "cancelpushButton")->isVisible());
+                QVERIFY(button(&notice, "okpushButton")->hasFocus());
+                press(&notice, Qt::Key(key));
+            });
+            messageBox::tell("notice", nullptr);
+        }
     }
 
     void promptAnswers_data()

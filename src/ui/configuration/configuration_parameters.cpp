@@ -7,11 +7,25 @@
 
 namespace Box = BoxProtocol;
 
+namespace
+{
+
+/// A static address counts only while the box is not given one.
+QString staticIsUnused(const QCheckBox& dhcp)
+{
+    return dhcp.isChecked()
+               ? QCoreApplication::translate("ConfigurationArea", "DHCP已打开，关闭后才使用此设置")
+               : QString();
+}
+
+} // namespace
+
 ParameterTable configurationParameters(const Ui::ConfigurationArea& area, HubState& state)
 {
     using namespace Bind;
     const auto dhcp = [&state](bool on) { state.setShownDhcp(on); };
     const auto ip = [&state](const QString& shown) { state.setShownIp(shown); };
+    const auto unused = [&area] { return staticIsUnused(*area.DHCP); };
     const auto mask = [&state](const QString& shown) { state.setShownMask(shown); };
     return {
         {Box::NDIName, text(area.eParam_NDIName), {area.caption_0}},
@@ -32,8 +46,8 @@ ParameterTable configurationParameters(const Ui::ConfigurationArea& area, HubSta
          kiloAsMega(area.eParam_NDIHXBitRate, area.eParam_NDIHXBitRateSlider),
          {area.caption_5}},
         {Box::DHCP, flag(area.DHCP, dhcp), {area.caption_6}},
-        {Box::IPAddress, address(area.eParam_IPAddress, ip), {area.caption_7}},
-        {Box::NetMask, address(area.eParam_NetMask, mask), {area.caption_8}},
+        {Box::IPAddress, address(area.eParam_IPAddress, ip), {area.caption_7}, unused},
+        {Box::NetMask, address(area.eParam_NetMask, mask), {area.caption_8}, unused},
         {Box::NTPServer, text(area.eParam_NTPServer), {area.caption_9}},
         {Box::NDIHDR, choice({{area.SDR, "0"}, {area.HDR, "1"}}), {area.caption_10}},
         // What is saved is for encoding.

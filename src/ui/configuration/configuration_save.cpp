@@ -7,6 +7,7 @@
 #include "device/tree_model.h"
 #include "ui/configuration/configuration_area.h"
 #include "ui/configuration/parameter_panel.h"
+#include "ui/hub/availability.h"
 #include "widgets/message_box.h"
 
 namespace
@@ -24,8 +25,14 @@ ConfigurationSave::ConfigurationSave(const Hub& hub, Ui::ConfigurationArea& area
     : QObject(nullptr)
     , m_hub(hub)
     , m_panel(panel)
+    , m_button(*area.save)
     , m_busy(area.busy_config, {area.config_body, area.save})
 {
+}
+
+void ConfigurationSave::setHindrance(const QString& why)
+{
+    Availability::set(m_button, "unread", why);
 }
 
 void ConfigurationSave::save()
@@ -44,7 +51,7 @@ void ConfigurationSave::save()
     const int unread = m_panel.unreadCount(ip);
     const QString problem = objection(values, before);
     if (!problem.isEmpty()) {
-        messageBox::ask(problem, m_hub.window);
+        messageBox::tell(problem, m_hub.window);
         return;
     }
     Busy::Run run(m_busy);
@@ -56,8 +63,8 @@ void ConfigurationSave::save()
     if (result == SequenceResult::WindowClosed)
         return;
     if (unread > 0)
-        message += QLatin1Char('\n') + tr("%n 项参数未从设备读到,没有保存.", nullptr, unread);
-    messageBox::ask(message, m_hub.window);
+        message += QLatin1Char('\n') + tr("%n 项参数未从设备读到，没有保存。", nullptr, unread);
+    messageBox::tell(message, m_hub.window);
 }
 
 /// Blocks, serving events; `message` is what is to be said of it.
@@ -83,7 +90,7 @@ QString ConfigurationSave::objection(const QMap<QString, QString>& values,
                                      const Network& before) const
 {
     if (values.isEmpty())
-        return tr("尚未读到设备的参数,没有可保存的内容.");
+        return tr("尚未读到设备的参数，没有可保存的内容。");
     const auto isEmpty = [&values](QLatin1String name) {
         return values.contains(name) && values.value(name).isEmpty();
     };
@@ -95,7 +102,7 @@ QString ConfigurationSave::objection(const QMap<QString, QString>& values,
         values.value(BoxProtocol::DHCP) == QLatin1String("0") && before.dhcp != QLatin1String("0");
     if (endsDhcp &&
         !(values.contains(BoxProtocol::IPAddress) && values.contains(BoxProtocol::NetMask)))
-        return tr("未读到设备的静态IP地址和子网掩码,不能关闭DHCP.");
+        return tr("未读到设备的静态IP地址和子网掩码，不能关闭DHCP。");
     return QString();
 }
 
@@ -128,9 +135,9 @@ SequenceResult ConfigurationSave::apply(const BoxId& box, const QMap<QString, QS
     // Part of saving: a window that closes before the box has heard it would leave the box with
     // settings that it does not use.
     const SequenceResult result = m_hub.orders.run(box, {command});
-    message =
-        result == SequenceResult::AllSucceeded
-            ? applied
-            : m_hub.orders.explained(box.ip, tr("设置已写入,但不能确定KORA已重启,重启后才会生效."));
+    message = result == SequenceResult::AllSucceeded
+                  ? applied
+                  : m_hub.orders.explained(
+                        box.ip, tr("设置已写入，但不能确定KORA已重启，重启后才会生效。"));
     return result;
 }

@@ -26,6 +26,8 @@ public:
     /// Saves what is known of the selected box's settings and what the operator changed, and says
     /// how it went. Blocks, serving events.
     void save();
+    /// Why there is nothing to save, empty when there is.
+    void setHindrance(const QString& why);
 
 private:
     /// What the box last reported of its network settings.
@@ -43,5 +45,6 @@ private:
 
     const Hub m_hub;
     ParameterPanel& m_panel;
+    QWidget& m_button;
     Busy m_busy;
 };

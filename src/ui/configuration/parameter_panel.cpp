@@ -10,7 +10,6 @@
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
 
-#include <QLabel>
 #include <QTimer>
 
 namespace
@@ -59,10 +58,12 @@ std::optional<QString> identityIn(const HttpResult& answer)
 
 } // namespace
 
-ParameterPanel::ParameterPanel(const Hub& hub, const ParameterTable& table, QLabel& summary)
+ParameterPanel::ParameterPanel(const Hub& hub, const ParameterTable& table, QLabel& summary,
+                               QWidget& warning)
     : QObject(nullptr)
     , m_hub(hub)
     , m_summary(summary)
+    , m_warning(warning)
     , m_read(BoxProtocol::configurationParameters())
 {
     for (const ParameterRow& row : table) {
@@ -91,7 +92,8 @@ void ParameterPanel::watch()
         if (!parameter.row().binding.watch)
             continue;
         parameter.row().binding.watch(this, [this, &parameter] {
-            if (parameter.look())
+            // What others are worth may hang on it.
+            if (parameter.look() || parameter.row().name == BoxProtocol::DHCP)
                 showStates();
         });
     }
@@ -308,58 +310,6 @@ void ParameterPanel::noteSaved(const QString& ip, const QMap<QString, QString>& 
     // What it has made of it, it has to tell.
     if (isDoubtful)
         emit m_hub.state.readingWanted();
-}
-
-void ParameterPanel::showStates()
-{
-    QHash<QWidget*, FieldState> states;
-    for (const ShownParameter& parameter : m_parameters) {
-        const ParameterRow& row = parameter.row();
-        QVector<QWidget*> widgets = row.binding.fields;
-        for (QLabel* caption : row.captions)
-            widgets << caption;
-        for (QWidget* widget : qAsConst(widgets))
-            states[widget] = qMax(states.value(widget), parameter.state());
-    }
-    for (auto it = states.cbegin(); it != states.cend(); ++it)
-        FieldMark::show(it.key(), it.value());
-    m_summary.setText(summaryText());
-}
-
-QString ParameterPanel::summaryText() const
-{
-    int awaited = 0;
-    int unread = 0;
-    int missing = 0;
-    int changed = 0;
-    for (const ShownParameter& parameter : m_parameters) {
-        if (parameter.row().binding.fields.isEmpty())
-            continue;
-        awaited += parameter.isAwaited() ? 1 : 0;
-        unread += parameter.isUnread() ? 1 : 0;
-        missing += parameter.state() == FieldState::Missing ? 1 : 0;
-        changed += parameter.state() == FieldState::Changed ? 1 : 0;
-    }
-    QStringList parts;
-    if (awaited > 0)
-        parts << tr("正在读取…");
-    else if (unread > 0)
-        parts << tr("%1 项未读到").arg(unread);
-    if (missing > 0)
-        parts << tr("%1 项设备没有").arg(missing);
-    if (changed > 0)
-        parts << tr("%1 项未保存").arg(changed);
-    return parts.join(QStringLiteral(" · "));
-}
-
-void ParameterPanel::retranslate()
-{
-    showStates();
-    // The fields take up their own hints again only after this.
-    QTimer::singleShot(0, this, [this] {
-        for (ShownParameter& parameter : m_parameters)
-            parameter.retranslate();
-    });
 }
 
 ShownParameter* ParameterPanel::find(const QString& parameter)

@@ -15,6 +15,7 @@
 #include <vector>
 
 class QLabel;
+class QWidget;
 struct HttpResult;
 
 /// The configuration and control areas: filled from the selected box, and read when the operator
@@ -28,8 +29,9 @@ class ParameterPanel : public QObject
     Q_OBJECT
 
 public:
-    /// `summary` says how much is unread, missing or unsaved.
-    ParameterPanel(const Hub& hub, const ParameterTable& table, QLabel& summary);
+    /// `summary` says what is wrong with the box, and how much is unread, missing or unsaved;
+    /// `warning` shows beside it when something is wrong.
+    ParameterPanel(const Hub& hub, const ParameterTable& table, QLabel& summary, QWidget& warning);
 
     /// Reads every parameter of the panels from the selected box.
     void getConfigDeviceinfo();
@@ -51,8 +53,16 @@ public:
     /// The box at `ip` has taken all of `values`.
     void noteSaved(const QString& ip, const QMap<QString, QString>& values);
 
+    /// What is wrong with the selected box, in words; empty when nothing is. The values of such a
+    /// box look as old as they are.
+    void setTrouble(const QString& text);
     /// States in the language of now.
     void retranslate();
+
+signals:
+    /// Why nothing can be ordered of the box, as far as the panels know: nothing of it has been
+    /// read. Empty when something has. `mayObey`: nothing says that it would not take an order.
+    void hindered(const QString& why, bool mayObey);
 
 private:
     ShownParameter* find(const QString& parameter);
@@ -66,10 +76,15 @@ private:
     void rememberValue(const QString& ip, const QString& name, const QVariant& value) const;
     void watch();
     void showStates();
+    void showMarks();
+    bool isAnyKnown() const;
+    void tellHindrance();
     QString summaryText() const;
 
     const Hub m_hub;
     QLabel& m_summary;
+    QWidget& m_warning;
+    QString m_trouble;
     std::vector<ShownParameter> m_parameters;
     QStringList m_read;              ///< what the panels read, in this order
     QHash<QString, QString> m_asked; ///< parameters by the ids of the requests still under way

@@ -66,5 +66,5 @@ void AudioLevels::send()
     const QString failure = tr("控制 %1 失败,请重试!").arg(caption->text());
     const QString command = BoxProtocol::setCommand(parameter, QString::number(m_value), m_box.ip);
     if (m_hub.orders.run(m_box, {command}) == SequenceResult::SomeFailed)
-        messageBox::ask(m_hub.orders.explained(m_box.ip, failure), m_hub.window);
+        messageBox::tell(m_hub.orders.explained(m_box.ip, failure), m_hub.window);
 }

@@ -52,7 +52,7 @@ void DecodeControl::tellSuccess(const QString& command, const char* text)
 {
     m_hub.exchange.onReply(command, [this, text](const QProcess&, const BoxReply& reply) {
         if (reply.isSuccess())
-            messageBox::ask(tr(text), m_hub.window);
+            messageBox::tell(tr(text), m_hub.window);
     });
 }
 
@@ -63,12 +63,11 @@ void DecodeControl::ask()
         return;
     // Whether the encoder has to make room depends on it.
     if (!m_encoder.isModeKnown()) {
-        messageBox::ask(tr("尚未读到设备的编码状态,请稍后重试."), m_hub.window);
+        messageBox::tell(tr("尚未读到设备的编码状态，请稍后重试。"), m_hub.window);
         return;
     }
     const BoxId box = BoxId::of(*device);
-    const QString ip = box.ip;
-    auto* dialog = new setui(setui::Page::Decode, ip, m_hub.http, m_hub.window);
+    auto* dialog = new setui(setui::Page::Decode, *device, m_hub.http, m_hub.window);
     const bool encoding = m_encoder.isEncoding();
     const int result = dialog->exec();
     const QString source = dialog->source();
@@ -107,7 +106,7 @@ void DecodeControl::tell(const BoxId& box, SequenceResult result, const QString&
                          const QString& failure)
 {
     if (result == SequenceResult::AllSucceeded)
-        messageBox::ask(success, m_hub.window);
+        messageBox::tell(success, m_hub.window);
     else if (result == SequenceResult::SomeFailed)
-        messageBox::ask(m_hub.orders.explained(box.ip, failure), m_hub.window);
+        messageBox::tell(m_hub.orders.explained(box.ip, failure), m_hub.window);
 }

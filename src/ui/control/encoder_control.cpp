@@ -160,7 +160,7 @@ void EncoderControl::switchMode(QCheckBox* button, const Commands& list, const Q
     // The button may stand for another box by now, one that has told nothing yet.
     if (m_hub.state.deviceIp() == list.box().ip && isModeKnown())
         button->toggle();
-    messageBox::ask(m_hub.orders.explained(list.box().ip, failure), m_hub.window);
+    messageBox::tell(m_hub.orders.explained(list.box().ip, failure), m_hub.window);
 }
 
 void EncoderControl::setH264(bool on)
@@ -195,6 +195,6 @@ void EncoderControl::setCodec(int codec)
     }
     // One text for both codecs.
     if (run(list) == SequenceResult::SomeFailed)
-        messageBox::ask(m_hub.orders.explained(list.box().ip, tr("控制 H264 失败,请重试!")),
-                        m_hub.window);
+        messageBox::tell(m_hub.orders.explained(list.box().ip, tr("控制 H264 失败,请重试!")),
+                         m_hub.window);
 }

@@ -15,15 +15,15 @@ LiveControl::LiveControl(const Hub& hub) : QObject(nullptr), m_hub(hub)
     hub.exchange.onReply(BoxProtocol::StreamOn,
                          [this](const QProcess&, const BoxReply& reply) { handleStarted(reply); });
     hub.exchange.onReply(BoxProtocol::StreamOff, [this](const QProcess&, const BoxReply& reply) {
-        messageBox::ask(reply.isSuccess() ? tr("关闭直播服务成功") : tr("关闭直播服务失败"),
-                        m_hub.window);
+        messageBox::tell(reply.isSuccess() ? tr("关闭直播服务成功") : tr("关闭直播服务失败"),
+                         m_hub.window);
     });
     // The answer may be lost and the deed done.
     hub.exchange.onSilence(BoxProtocol::StreamOn, [this](const QProcess&) {
-        messageBox::ask(tr("设备没有回应,直播服务可能没有开启."), m_hub.window);
+        messageBox::tell(tr("设备没有回应，直播服务可能没有开启。"), m_hub.window);
     });
     hub.exchange.onSilence(BoxProtocol::StreamOff, [this](const QProcess&) {
-        messageBox::ask(tr("设备没有回应,直播服务可能没有关闭."), m_hub.window);
+        messageBox::tell(tr("设备没有回应，直播服务可能没有关闭。"), m_hub.window);
     });
 }
 
@@ -34,7 +34,7 @@ void LiveControl::handleStarted(const BoxReply& reply)
     if (reply.isSuccess())
         text = address.isEmpty() ? tr("开启直播服务成功")
                                  : BoxProtocol::fill(tr("开启直播服务成功%1"), {address});
-    messageBox::ask(text, m_hub.window);
+    messageBox::tell(text, m_hub.window);
 }
 
 void LiveControl::ask()
@@ -44,7 +44,7 @@ void LiveControl::ask()
         return;
     const BoxId box = BoxId::of(*device);
     const QString ip = box.ip;
-    auto* dialog = new setui(setui::Page::Live, ip, m_hub.http, m_hub.window);
+    auto* dialog = new setui(setui::Page::Live, *device, m_hub.http, m_hub.window);
     const int result = dialog->exec();
     const QString address = BoxProtocol::escapeEquals(dialog->address());
     const QString port = dialog->port();
@@ -63,6 +63,6 @@ void LiveControl::ask()
     m_hub.orders.send(box, command, {}, this, [this, ip, stops](bool isSent) {
         const QString failure = stops ? tr("关闭直播服务失败") : tr("开启直播服务失败");
         if (!isSent)
-            messageBox::ask(m_hub.orders.explained(ip, failure), m_hub.window);
+            messageBox::tell(m_hub.orders.explained(ip, failure), m_hub.window);
     });
 }

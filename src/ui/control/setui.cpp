@@ -4,9 +4,11 @@
 #include "common/box_protocol.h"
 #include "common/http_result.h"
 #include "common/spark_http.h"
+#include "device/item.h"
 #include "ui/hub/access.h"
 #include "ui_setui.h"
 #include "widgets/message_box.h"
+#include "widgets/placeholder.h"
 
 #include <QHeaderView>
 
@@ -24,12 +26,12 @@ QString ndiSourceName(const QString& entry)
     return entry.section(QStringLiteral("):"), 0, 0) + QLatin1Char(')');
 }
 
-setui::setui(Page page, const QString& deviceip, Spark_Http& http, QWidget* parent)
+setui::setui(Page page, const Item& box, Spark_Http& http, QWidget* parent)
     : QDialog(parent), m_ui(std::make_unique<Ui::setui>()), m_http(http)
 {
     m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-    setProperty("deviceip", deviceip);
+    setProperty("deviceip", box.address());
     const bool decode = page == Page::Decode;
     // The other page would only keep its room.
     QWidget* unused = decode ? m_ui->page_live : m_ui->page_decode;
@@ -39,8 +41,16 @@ setui::setui(Page page, const QString& deviceip, Spark_Http& http, QWidget* pare
     m_ui->Media_tableWidget->horizontalHeader()->setStretchLastSection(true);
     m_ui->Media_tableWidget->verticalHeader()->hide();
     resize(decode ? QSize(520, 380) : QSize(520, 0));
-    setWindowTitle(decode ? tr("解码控制") : tr("直播服务控制"));
+    const QString name = QStringList{box.address(), box.name()}.join(QLatin1Char(' ')).trimmed();
+    const QString what = decode ? tr("解码控制") : tr("直播服务控制");
+    setWindowTitle(what + QStringLiteral(" – ") + name);
+    m_ui->box_name->setText(name);
+    keepPlaceholderDim(*m_ui->stream_url);
+    keepPlaceholderDim(*m_ui->srt_port);
     (decode ? m_ui->okpushButton : m_ui->oklive)->setDefault(true);
+    for (QRadioButton* kind : m_ui->page_live->findChildren<QRadioButton*>())
+        connect(kind, &QRadioButton::toggled, this, &setui::showExample);
+    showExample();
     on_radioButton_Listener_toggled(m_ui->radioButton_Listener->isChecked());
     connect(m_ui->Media_tableWidget, &QTableWidget::cellDoubleClicked, this,
             &setui::on_okpushButton_clicked);
@@ -84,7 +94,7 @@ void setui::showAnswer(const QVariantMap& map)
     m_ui->dec_refresh->setEnabled(true);
 
     m_ui->no_sources->setText(result.value.isValid() ? tr("没有找到NDI源")
-                                                     : tr("未能读到NDI源,请刷新重试"));
+                                                     : tr("未能读到NDI源，请刷新重试"));
     QStringList names;
     const QVariantList entries = result.value.toList();
     for (const QVariant& entry : entries)
@@ -122,7 +132,7 @@ void setui::on_okpushButton_clicked()
     const QTableWidgetItem* item = m_ui->Media_tableWidget->currentItem();
     m_source = item ? item->text() : QString();
     if (m_source.isEmpty()) {
-        messageBox::ask(tr("请选择您要解码的源"), this);
+        messageBox::tell(tr("请选择您要解码的源"), this);
         return;
     }
     done(StartDecoding);
@@ -143,11 +153,11 @@ void setui::on_oklive_clicked()
     m_address = m_ui->stream_url->text();
     m_port = m_ui->radioButton_Listener->isChecked() ? m_ui->srt_port->text() : QString();
     if (m_address.isEmpty()) {
-        messageBox::ask(tr("请输入正确的url"), this);
+        messageBox::tell(tr("请输入正确的url"), this);
         return;
     }
     if (m_ui->radioButton_Listener->isChecked() && m_port.isEmpty()) {
-        messageBox::ask(tr("请输入正确的端口号"), this);
+        messageBox::tell(tr("请输入正确的端口号"), this);
         return;
     }
     done(StartLive);
@@ -156,6 +166,24 @@ void setui::on_oklive_clicked()
 void setui::on_closelive_clicked()
 {
     done(StopLive);
+}
+
+void setui::on_cancellive_clicked()
+{
+    reject();
+}
+
+void setui::showExample()
+{
+    QString example = QStringLiteral("rtmp://server/app/stream");
+    if (m_ui->radioButton_rtsp->isChecked())
+        example = QStringLiteral("rtsp://server:8554/stream");
+    else if (m_ui->radioButton_srt->isChecked())
+        example = QStringLiteral("srt://server:9000");
+    else if (m_ui->radioButton_Listener->isChecked())
+        example = QStringLiteral("cam1");
+    m_ui->stream_url->setPlaceholderText(tr("例如 %1").arg(example));
+    m_ui->srt_port->setPlaceholderText(tr("例如 %1").arg(9000));
 }
 
 void setui::on_radioButton_Listener_toggled(bool checked)

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+class Item;
 class Spark_Http;
 namespace Ui
 {
@@ -21,8 +22,8 @@ public:
     enum class Page { Decode, Live };
     enum Result { StartDecoding = 1, StopDecoding = 2, StartLive = 3, StopLive = 4 };
 
-    /// `deviceip` is the box that is asked for its sources.
-    setui(Page page, const QString& deviceip, Spark_Http& http, QWidget* parent);
+    /// `box` is the one that is asked for its sources; the dialog names it, and does not keep it.
+    setui(Page page, const Item& box, Spark_Http& http, QWidget* parent);
     ~setui() override;
 
     /// What was chosen; valid after the dialog has closed.
@@ -37,6 +38,7 @@ public slots:
     void on_closepushButton_clicked();
     void on_oklive_clicked();
     void on_closelive_clicked();
+    void on_cancellive_clicked();
     void on_radioButton_Listener_toggled(bool checked);
     void on_dec_refresh_clicked();
 
@@ -44,6 +46,8 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    /// What an address for what is chosen looks like.
+    void showExample();
     /// Reads the sources again.
     void refresh();
     void showAnswer(const QVariantMap& map);

@@ -39,9 +39,9 @@ QString outcomeText(const InterfaceFinding& finding)
     case Outcome::Refused:
         return DeviceAbsence::tr("拒绝连接");
     case Outcome::NoReply:
-        return DeviceAbsence::tr("可以连接,但没有完整应答");
+        return DeviceAbsence::tr("可以连接，但没有完整应答");
     case Outcome::HttpError:
-        return DeviceAbsence::tr("应答错误: HTTP %1").arg(finding.httpStatus);
+        return DeviceAbsence::tr("应答错误：HTTP %1").arg(finding.httpStatus);
     case Outcome::NotUnderstood:
         return DeviceAbsence::tr("应答无法识别");
     case Outcome::Answers:
@@ -62,9 +62,9 @@ QString ownText(const OwnNetworks& own)
     case OwnNetworks::Verdict::None:
         return DeviceAbsence::tr("没有网络连接");
     case OwnNetworks::Verdict::Unplugged:
-        return DeviceAbsence::tr("网线或无线未连接 (%1)").arg(details);
+        return DeviceAbsence::tr("网线或无线未连接（%1）").arg(details);
     case OwnNetworks::Verdict::OtherSubnet:
-        return DeviceAbsence::tr("网段与设备不同 (%1)").arg(details);
+        return DeviceAbsence::tr("网段与设备不同（%1）").arg(details);
     }
     return QString();
 }
@@ -109,7 +109,7 @@ DeviceAbsence::DeviceAbsence(const Hub& hub, TreeView& view, DeviceInfo& info)
         m_rest.start();
         const QVector<InfoNote> all = notes(*item);
         for (const InfoNote& note : all)
-            *lines << tr("%1: %2").arg(note.caption, note.content);
+            *lines << tr("%1：%2").arg(note.caption, note.content);
     });
 }
 
@@ -145,13 +145,13 @@ QVector<InfoNote> DeviceAbsence::notes(const Item& box) const
     if (!box.isOnline() || finding.outcome == Outcome::NoAnswer)
         own = OwnNetworks::judge(box.address(), ownAddresses());
     if (own.verdict != OwnNetworks::Verdict::Fit)
-        all.append({tr("这台电脑"), ownText(own)});
+        all.append({tr("这台电脑"), ownText(own), true});
     if (!box.isOnline())
-        all.append({tr("Ping"), tr("自%1起无应答").arg(timeText(box.lastSeen()))});
+        all.append({tr("Ping"), tr("自%1起无应答").arg(timeText(box.lastSeen())), true});
     else if (box.lastSeen().secsTo(QDateTime::currentDateTime()) <= pingSeconds)
         all.append({tr("Ping"), outcomeText({Outcome::Answers, 0, 0})});
     if (finding.outcome != Outcome::Unknown)
-        all.append({tr("端口%1").arg(finding.port), outcomeText(finding)});
+        all.append({tr("端口%1").arg(finding.port), outcomeText(finding), finding.isFault()});
     return all;
 }
 
@@ -161,7 +161,7 @@ QVector<InfoNote> DeviceAbsence::feedNotes(const Item& box) const
     if (box.address() != m_feedIp || m_patience.isActive())
         return all;
     for (auto feed = m_lostFeeds.begin(); feed != m_lostFeeds.end(); ++feed)
-        all.append({tr("事件通道%1").arg(feed.key()), tr("自%1起中断").arg(timeText(*feed))});
+        all.append({tr("事件通道%1").arg(feed.key()), tr("自%1起中断").arg(timeText(*feed)), true});
     return all;
 }
 
@@ -249,9 +249,28 @@ void DeviceAbsence::handleChange()
         ask(box->address());
 }
 
+/// The steps that fail, the first of them in words that stand for themselves.
+QString DeviceAbsence::troubleOf(const Item& box) const
+{
+    // An upgrade takes it away for a while, and tells of that itself.
+    if (box.isOwned())
+        return QString();
+    QStringList parts;
+    if (!box.isOnline())
+        parts << tr("设备离线，自%1起无应答").arg(timeText(box.lastSeen()));
+    const QVector<InfoNote> all =
+        findingOf(box).isFault() || !box.isOnline() ? notes(box) : QVector<InfoNote>();
+    for (const InfoNote& note : all) {
+        if (note.isFault && note.caption != tr("Ping"))
+            parts << tr("%1：%2").arg(note.caption, note.content);
+    }
+    return parts.join(QStringLiteral(" · "));
+}
+
 void DeviceAbsence::tell()
 {
     const Item* box = selectedBox();
     m_info.setNotes(box ? notes(*box) : QVector<InfoNote>());
+    emit troubleTold(box ? troubleOf(*box) : QString());
     m_view.refreshTip();
 }

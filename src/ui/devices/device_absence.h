@@ -43,6 +43,10 @@ public:
     /// What is said, in the language of now.
     void retranslate() { tell(); }
 
+signals:
+    /// What keeps the selected KORA box from answering, in one line; empty when it answers.
+    void troubleTold(const QString& text);
+
 private:
     struct Known {
         InterfaceFinding finding;
@@ -64,6 +68,7 @@ private:
     void hear(const QVariantMap& map);
     void handleChange();
     void tell();
+    QString troubleOf(const Item& box) const;
 
     const Hub m_hub;
     TreeView& m_view;

@@ -6,6 +6,7 @@
 #include "device/tree_model.h"
 #include "device/tree_view.h"
 #include "ui_device_area.h"
+#include "widgets/placeholder.h"
 
 #include <QKeyEvent>
 #include <QShortcut>
@@ -29,6 +30,7 @@ DeviceFilter::DeviceFilter(const Hub& hub, Ui::DeviceArea& area) : QObject(hub.w
     auto* find =
         new QShortcut(QKeySequence(area.filterDevices->property("keys").toString()), hub.window);
     connect(find, &QShortcut::activated, this, &DeviceFilter::open);
+    keepPlaceholderDim(*area.deviceFilter);
     area.deviceFilter->installEventFilter(this);
     area.deviceView->installEventFilter(this);
 }
@@ -77,7 +79,7 @@ void DeviceFilter::apply()
     const TreeModel& model = *view.treeModel();
     const QString words = m_area.deviceFilter->text().simplified();
     for (int row = 0; row < model.root()->childCount(); ++row) {
-        const Item& group = *model.root()->child(row);
+        Item& group = *model.root()->child(row);
         const bool isShown = applyToGroup(group, words);
         if (view.isRowHidden(row, {}) == isShown)
             view.setRowHidden(row, {}, !isShown);
@@ -92,21 +94,26 @@ void DeviceFilter::apply()
 }
 
 /// Whether any box of the group is in sight.
-bool DeviceFilter::applyToGroup(const Item& group, const QString& words)
+bool DeviceFilter::applyToGroup(Item& group, const QString& words)
 {
     TreeView& view = *m_area.deviceView;
     const TreeModel& model = *view.treeModel();
     const QModelIndex parent = model.indexOf(&group);
-    bool isAnyKept = false;
+    int kept = 0;
     for (int row = 0; row < group.childCount(); ++row) {
         const Item& box = *group.child(row);
         const bool isKept =
             matches(box, words) || view.selectionModel()->isSelected(model.indexOf(&box));
         if (view.isRowHidden(row, parent) == isKept)
             view.setRowHidden(row, parent, !isKept);
-        isAnyKept |= isKept;
+        kept += isKept ? 1 : 0;
     }
-    return isAnyKept;
+    const std::optional<int> count = words.isEmpty() ? std::nullopt : std::optional<int>(kept);
+    if (group.shownCount() != count) {
+        group.setShownCount(count);
+        view.viewport()->update();
+    }
+    return kept > 0;
 }
 
 /// The keys that lead out of the search: to what was found, or back to all.

@@ -43,7 +43,7 @@ protected:
 
 private:
     void apply();
-    bool applyToGroup(const Item& group, const QString& words);
+    bool applyToGroup(Item& group, const QString& words);
 
     Ui::DeviceArea& m_area;
     /// Many boxes come, and tell their names, within one turn of the event loop.

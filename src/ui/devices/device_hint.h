@@ -2,17 +2,16 @@
 #pragma once
 
 #include "device/spark_thread.h"
+#include "ui/hub/list_hint.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
-#include <QWidget>
 
-class QLabel;
 class TreeView;
 
 /// What stands in the device list as long as no box does: which networks are searched and how
 /// long already, what to check then, or that the filter leaves none.
-class DeviceHint : public QWidget
+class DeviceHint final : public ListHint
 {
     Q_OBJECT
 
@@ -24,21 +23,19 @@ public:
     /// What it says after so many seconds of searching `networks`.
     static QString advice(const QStringList& networks, qint64 seconds);
 
-    /// Looks anew at what the list shows.
-    void refresh();
+    void refresh() override;
 
 protected:
-    void changeEvent(QEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool isListEmpty() const override;
+    QString title() const override;
+    QString words() const override;
 
 private:
-    bool hasVisibleRows() const;
-    void place();
+    bool isFiltered() const;
 
     TreeView* const m_view;
     const SweepSettings m_settings;
-    QLabel* const m_title;
-    QLabel* const m_detail;
+    QStringList m_networks;
     QTimer m_clock;
     QElapsedTimer m_searched;
 };

@@ -7,6 +7,7 @@
 #include "device/item.h"
 #include "device/tree_model.h"
 #include "device/tree_view.h"
+#include "ui/devices/info_hint.h"
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
 #include "ui/hub/orders.h"
@@ -65,6 +66,7 @@ QString caption(int place)
 DeviceInfo::DeviceInfo(const Hub& hub, TreeView* infoView)
     : QObject(hub.window), m_hub(hub), m_view(infoView)
 {
+    new InfoHint(hub, infoView); // the list owns it
     hub.exchange.onResult(requestType, [this](const HttpResult& result) { handleReply(result); });
     connect(&hub.devices, &DeviceRegistry::deviceAdded, this, [this](const Item* item) {
         if (!item->isKora())
@@ -241,6 +243,7 @@ void DeviceInfo::showNotes()
         Item* item =
             Item::makeInformation(note.caption, note.content, m_hub.state.deviceIp()).release();
         item->setPlace(firstNote);
+        item->setFault(note.isFault);
         model->insertTopRow(model->root()->childCount(), item);
     }
     m_view->refresh();

@@ -17,10 +17,11 @@ struct HttpResult;
 struct InfoNote {
     QString caption;
     QString content;
+    bool isFault = false; ///< it says what is wrong
 
     bool operator==(const InfoNote& other) const
     {
-        return caption == other.caption && content == other.content;
+        return caption == other.caption && content == other.content && isFault == other.isFault;
     }
 };
 

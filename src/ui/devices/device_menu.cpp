@@ -122,7 +122,7 @@ void DeviceMenu::save(const QString& path)
     };
     m_disk.add(work, [this, reason, path] {
         const QString text = reason->isEmpty() ? tr("设备清单已保存到%1").arg(path)
-                                               : tr("无法保存设备清单: %1").arg(*reason);
+                                               : tr("无法保存设备清单：%1").arg(*reason);
         messageBox::notify(text, m_hub.window);
     });
 }

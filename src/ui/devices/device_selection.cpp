@@ -67,8 +67,8 @@ void DeviceSelection::restart(Item* item)
 
 void DeviceSelection::tellNotRestarted(const QString& ip)
 {
-    const QString text = tr("KORA %1 未重启,请检查KORA网络状态后重试.").arg(ip);
-    messageBox::ask(m_hub.orders.explained(ip, text), m_hub.window);
+    const QString text = tr("KORA %1 未重启，请检查KORA网络状态后重试。").arg(ip);
+    messageBox::tell(m_hub.orders.explained(ip, text), m_hub.window);
 }
 
 void DeviceSelection::handleCameOnline(const QString& ip)

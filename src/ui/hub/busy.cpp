@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/hub/busy.h"
 
+#include "ui/hub/availability.h"
+
 #include <QApplication>
 
 Busy::Busy(QWidget* indicator, QVector<QWidget*> widgets)
@@ -15,8 +17,12 @@ void Busy::setRunning(bool running)
     // Disabling a widget takes its focus away for good unless it is given back.
     if (running)
         m_focus = QApplication::focusWidget();
-    for (QWidget* widget : m_widgets)
-        widget->setEnabled(!running);
+    for (QWidget* widget : m_widgets) {
+        if (running)
+            Availability::hinder(*widget, "busy", QString());
+        else
+            Availability::release(*widget, "busy");
+    }
     m_indicator->setVisible(running);
     if (!running && m_focus)
         m_focus->setFocus();

@@ -11,6 +11,7 @@ namespace
 {
 
 const char* const stateProperty = "fieldState";
+const char* const idleProperty = "idle";
 
 /// The names of the style sheet.
 QString nameOf(FieldState state)
@@ -28,17 +29,23 @@ QString nameOf(FieldState state)
     return QStringLiteral("read");
 }
 
+void restyle(QWidget* widget)
+{
+    widget->style()->unpolish(widget);
+    widget->style()->polish(widget);
+}
+
 } // namespace
 
-void FieldMark::show(QWidget* field, FieldState state)
+void FieldMark::show(QWidget* field, FieldState state, const QString& note)
 {
-    QString text;
+    QString text = note;
     if (state == FieldState::Changed)
-        text = tr("已修改,尚未保存");
+        text = tr("已修改，尚未保存");
     else if (state == FieldState::Missing)
         text = tr("设备没有此参数");
     else if (state == FieldState::Unknown)
-        text = tr("尚未从设备读到,不能修改,也不会保存");
+        text = tr("尚未从设备读到，不能修改，也不会保存");
     field->setToolTip(text);
     field->setAccessibleDescription(text);
     // Of an editor made of several, these have the keys.
@@ -49,11 +56,22 @@ void FieldMark::show(QWidget* field, FieldState state)
         return;
     field->setProperty(stateProperty, nameOf(state));
     field->setEnabled(state == FieldState::Read || state == FieldState::Changed);
-    field->style()->unpolish(field);
-    field->style()->polish(field);
+    restyle(field);
     // A label takes the room for its border only on being told.
     QEvent restyled(QEvent::StyleChange);
     QCoreApplication::sendEvent(field, &restyled);
+}
+
+void FieldMark::showIdle(QWidget* field, bool isIdle)
+{
+    if (field->property(idleProperty).toBool() == isIdle)
+        return;
+    field->setProperty(idleProperty, isIdle);
+    restyle(field);
+    // An editor made of several is styled as a whole.
+    const auto inner = field->findChildren<QWidget*>();
+    for (QWidget* part : inner)
+        restyle(part);
 }
 
 QString FieldMark::word(FieldState state)

@@ -22,7 +22,10 @@ class FieldMark
     Q_DECLARE_TR_FUNCTIONS(FieldMark)
 
 public:
-    static void show(QWidget* field, FieldState state);
+    /// `note`, too, is said in words.
+    static void show(QWidget* field, FieldState state, const QString& note = QString());
+    /// Whether what `field` shows counts for nothing now: its box is away, or does not use it.
+    static void showIdle(QWidget* field, bool isIdle);
     /// Why there is no value, short enough for an empty field.
     static QString word(FieldState state);
     /// The state that `field` shows; Read for one that has never shown any.

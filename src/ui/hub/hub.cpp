@@ -16,7 +16,7 @@ Item* Hub::selectedDevice() const
 {
     Item* device = findSelectedDevice();
     if (!device)
-        messageBox::ask(tr("请您在设备列表中选择要操作的设备!"), window);
+        messageBox::tell(tr("请您在设备列表中选择要操作的设备!"), window);
     return device;
 }
 
@@ -30,7 +30,7 @@ bool Hub::isFree(const Item& device) const
 {
     if (!device.isOwned())
         return true;
-    messageBox::ask(tr("KORA %1 正在升级固件或恢复设置,请等待完成后再操作.").arg(device.address()),
-                    window);
+    messageBox::tell(
+        tr("KORA %1 正在升级固件或恢复设置，请等待完成后再操作。").arg(device.address()), window);
     return false;
 }

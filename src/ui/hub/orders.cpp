@@ -107,8 +107,8 @@ void Orders::handleAnswer(const HttpResult& result)
         const bool isMeant = isSame || (waiter.box.mac.isEmpty() && hasAnswered && !isNamed);
         if (isNamed && !isSame)
             m_doubts.insert(ip, waiter.box.mac.isEmpty()
-                                    ? tr("此地址上的设备现在才告知MAC地址,请确认后重试.")
-                                    : tr("此地址上现在是另一台设备."));
+                                    ? tr("此地址上的设备现在才告知MAC地址，请确认后重试。")
+                                    : tr("此地址上现在是另一台设备。"));
         // Each on its own: one may block, and the answer would be old for the next.
         QTimer::singleShot(0, waiter.context, [this, waiter, isMeant] {
             waiter.then(isMeant && isFree(waiter.box.ip) && m_ways.window.isVisible());

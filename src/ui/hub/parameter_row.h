@@ -44,6 +44,8 @@ struct ParameterRow {
     QString name;
     ParameterBinding binding;
     QVector<QLabel*> captions = {};
+    /// Why the box makes no use of the value just now; empty when it does. May be missing.
+    std::function<QString()> unused = {};
 
     /// Its value is read from the box.
     bool isRead() const { return binding.show || binding.showList; }

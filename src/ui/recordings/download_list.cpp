@@ -12,8 +12,8 @@
 namespace
 {
 
-constexpr int rowHeight = 30;
-constexpr int mostRowsShown = 3;
+constexpr int rowHeight = 26;
+constexpr int mostRowsShown = 4; ///< as many as come at once
 constexpr int textMargin = 4;
 
 } // namespace
@@ -34,7 +34,7 @@ DownloadRow::DownloadRow(const QString& name, QWidget* parent)
     retranslate();
 
     auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(12, 2, 8, 2);
+    layout->setContentsMargins(12, 1, 8, 1);
     layout->addWidget(label, 1);
     layout->addWidget(m_bar, 1);
     layout->addWidget(m_resume);

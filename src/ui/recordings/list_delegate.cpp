@@ -29,6 +29,30 @@ QColor colour(const char* name)
     return QColor(QLatin1String(name));
 }
 
+/// Whether a name may go on in the next line before its character at `place`: behind a word, and
+/// where a date or a number begins.
+bool maySplit(const QString& name, int place)
+{
+    const QChar before = name.at(place - 1);
+    const QChar after = name.at(place);
+    return !before.isLetterOrNumber() || after.isSpace() || (before.isLetter() && after.isDigit());
+}
+
+/// How many of the `fitting` first characters of a name its first line gets: a whole number of
+/// words, if the rest then fits as well.
+template <class Fits> int breakOf(const QString& name, int fitting, Fits fits)
+{
+    if (fitting >= name.size())
+        return fitting;
+    for (int place = fitting; place > 0; --place) {
+        if (!fits(name.mid(place)))
+            break;
+        if (maySplit(name, place))
+            return place;
+    }
+    return fitting;
+}
+
 } // namespace
 
 ListDelegate::ListDelegate(QObject* parent) : QStyledItemDelegate(parent)
@@ -134,11 +158,15 @@ void ListDelegate::paintName(QPainter& painter, const QRect& rect, const QString
         if (longer <= text.size() && metrics.horizontalAdvance(text, longer) <= rect.width())
             fitting = longer;
     }
+    fitting = breakOf(text, fitting, [&](const QString& rest) {
+        return metrics.horizontalAdvance(rest) <= rect.width();
+    });
     QRect line(rect.left(), rect.top(), rect.width(), metrics.height());
-    painter.drawText(line, Qt::AlignCenter | Qt::TextSingleLine, text.left(fitting));
+    painter.drawText(line, Qt::AlignCenter | Qt::TextSingleLine, text.left(fitting).trimmed());
     line.moveTop(line.top() + metrics.height());
-    painter.drawText(line, Qt::AlignCenter | Qt::TextSingleLine,
-                     metrics.elidedText(text.mid(fitting), Qt::ElideMiddle, rect.width()));
+    painter.drawText(
+        line, Qt::AlignCenter | Qt::TextSingleLine,
+        metrics.elidedText(text.mid(fitting).trimmed(), Qt::ElideMiddle, rect.width()));
 }
 
 /// 1: a frame around the row; 2 and 3: a bar above and below it.

@@ -29,7 +29,7 @@ public:
         if (!entry || (role != Qt::AccessibleTextRole && role != Qt::AccessibleDescriptionRole))
             return QListWidgetItem::data(role);
         if (role == Qt::AccessibleTextRole)
-            return entry->isPlaying() ? ListWidget::tr("%1, 正在播放").arg(text()) : text();
+            return entry->isPlaying() ? ListWidget::tr("%1，正在播放").arg(text()) : text();
         return fileType(entry->filePath()) == FileType::Video ? ListWidget::tr("视频") : QString();
     }
 };

@@ -6,6 +6,7 @@
 #include "device/device_registry.h"
 #include "device/item.h"
 #include "device/tree_model.h"
+#include "ui/hub/availability.h"
 #include "ui/hub/exchange.h"
 #include "ui/hub/hub_state.h"
 #include "ui/hub/orders.h"
@@ -70,7 +71,7 @@ void RecordControl::setRecording(bool on)
     const int number = ++m_lastNumber;
     keys.insert(QLatin1String(numberProperty), number);
     m_pending.insert(ip, {number, on, name});
-    m_widgets.group.setEnabled(false);
+    Availability::hinder(m_widgets.group, "answer", QString());
     m_hub.orders.send(BoxId::of(*device), command, keys, this, [this, ip, number](bool isSent) {
         if (isSent)
             QTimer::singleShot(AnswerLimitMs, this, [this, ip, number] { giveUp(ip, number); });
@@ -86,7 +87,7 @@ void RecordControl::handleNotSent(const QString& ip, int number)
         return;
     m_pending.remove(ip);
     show();
-    const QString failure = command.on ? tr("开启录制失败,请重试.") : tr("停止录制失败,请重试.");
+    const QString failure = command.on ? tr("开启录制失败，请重试。") : tr("停止录制失败,请重试.");
     tell(ip, m_hub.orders.explained(ip, failure));
 }
 
@@ -127,9 +128,20 @@ void RecordControl::show()
 {
     const Item* box = m_hub.findSelectedDevice();
     const bool isWaiting = m_pending.contains(m_hub.state.deviceIp());
-    m_widgets.group.setEnabled(!isWaiting);
+    if (isWaiting)
+        Availability::hinder(m_widgets.group, "answer", QString());
+    else
+        Availability::release(m_widgets.group, "answer");
     if (!isWaiting)
         m_widgets.record.setChecked(box && isRecording(*box));
+    Availability::set(m_widgets.group, "unread",
+                      m_widgets.record.isChecked() ? QString() : m_hindrance);
+}
+
+void RecordControl::setHindrance(const QString& why)
+{
+    m_hindrance = why;
+    show();
 }
 
 void RecordControl::showBox(const Item& box)
@@ -175,7 +187,7 @@ void RecordControl::giveUp(const QString& ip, int number)
         noteStopped(ip);
     } else {
         show();
-        tell(ip, command.on ? tr("开启录制失败,请重试.") : tr("停止录制失败,请重试."));
+        tell(ip, command.on ? tr("开启录制失败，请重试。") : tr("停止录制失败,请重试."));
     }
 }
 
@@ -189,7 +201,7 @@ void RecordControl::handleStarted(const QProcess& process, bool succeeded)
         noteRefusal(ip, true);
     // One that was given up has been told of.
     if (!succeeded && wasPending)
-        tell(ip, tr("开启录制失败,请重试."));
+        tell(ip, tr("开启录制失败，请重试。"));
 }
 
 void RecordControl::handleStopped(const QProcess& process, bool succeeded)
@@ -265,7 +277,7 @@ void RecordControl::offerToView(const QString& ip, const QString& name)
 
 void RecordControl::tell(const QString& ip, const QString& text)
 {
-    messageBox::ask(named(ip, text), m_hub.window);
+    messageBox::tell(named(ip, text), m_hub.window);
 }
 
 /// The operator may have gone on to another box: then `text` says which one it is about.

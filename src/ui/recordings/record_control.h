@@ -38,6 +38,8 @@ public:
     void setRecording(bool on);
     /// At `ip` answers the box with this MAC address.
     void noteMac(const QString& ip, const QString& mac);
+    /// Why the selected box can be told nothing, empty when it can. What records can be stopped.
+    void setHindrance(const QString& why);
     /// To be told of the selected box's feed.
     RecordWatch& watch() { return m_watch; }
 
@@ -71,6 +73,7 @@ private:
     RecordWatch m_watch;
     QHash<QString, Command> m_pending; ///< by the address of the box
     int m_lastNumber = 0;
+    QString m_hindrance;
     QHash<QString, bool> m_refused; ///< the order that a box has refused last: on or off
     QSet<QString> m_unnamed;        ///< boxes that are taken to record, under a name nobody knows
     QHash<QString, QString> m_macs; ///< of the boxes at these addresses, as last told

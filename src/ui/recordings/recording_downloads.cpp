@@ -200,8 +200,8 @@ bool RecordingDownloads::mayClose()
     m_asksToClose = true;
     const QPointer<RecordingDownloads> self(this);
     const QString text =
-        tr("还有%1个录制文件没有下载完.\n已开始的下载会保留,下次启动软件后可以继续.\n"
-           "确认要关闭软件吗?")
+        tr("还有%1个录制文件没有下载完。\n已开始的下载会保留，下次启动软件后可以继续。\n"
+           "确认要关闭软件吗？")
             .arg(unfinished());
     const int answer = messageBox::ask(text, m_hub.window);
     if (self)
@@ -232,7 +232,7 @@ void RecordingDownloads::noteResult(const Item& recording, const DownloadResult&
     if (result.succeeded)
         m_completed << result.path;
     else if (!result.reason.isEmpty())
-        m_failed << BoxProtocol::fill(tr("文件[%1]下载失败: %2"),
+        m_failed << BoxProtocol::fill(tr("文件[%1]下载失败：%2"),
                                       {recording.title(), result.reason});
     m_isPartKept |= result.kept;
     QTimer::singleShot(0, this, &RecordingDownloads::tell);
@@ -248,11 +248,11 @@ void RecordingDownloads::tell()
     while (self && (!m_failed.isEmpty() || !m_completed.isEmpty())) {
         if (!m_failed.isEmpty()) {
             if (m_isPartKept)
-                m_failed << tr("已下载的部分会保留,可以继续下载.");
+                m_failed << tr("已下载的部分会保留，可以继续下载。");
             m_isPartKept = false;
             const QString text = m_failed.join(QLatin1Char('\n'));
             m_failed.clear();
-            messageBox::ask(text, m_hub.window);
+            messageBox::tell(text, m_hub.window);
             continue;
         }
         const QString path = m_completed.takeFirst();
@@ -265,8 +265,8 @@ void RecordingDownloads::tell()
         const int answer = messageBox::ask(tr("下载完成,是否前往文件所在文件夹?"), m_hub.window,
                                            tr("前往"), tr("否"));
         if (answer == messageBox::Confirmed && !Platform::revealFile(path) && self)
-            messageBox::ask(BoxProtocol::fill(tr("无法打开文件夹,文件保存在: %1"), {folder}),
-                            m_hub.window);
+            messageBox::tell(BoxProtocol::fill(tr("无法打开文件夹，文件保存在：%1"), {folder}),
+                             m_hub.window);
     }
     if (self)
         m_telling = false;

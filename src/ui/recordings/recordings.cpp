@@ -152,7 +152,7 @@ void Recordings::playSelected(bool on)
         }
     }
     m_player.play.setChecked(false);
-    messageBox::ask(tr("请您在存储区域中选择要播放的内容!"), m_hub.window);
+    messageBox::tell(tr("请您在存储区域中选择要播放的内容!"), m_hub.window);
 }
 
 void Recordings::playOrStop(const Item* recording)
@@ -176,10 +176,10 @@ void Recordings::playNeighbour(int step)
         if (wanted >= 0 && wanted < count)
             play(*entries[static_cast<size_t>(wanted)]);
         else
-            messageBox::ask(step < 0 ? tr("已经是最后一个了") : tr("已经第一个了"), m_hub.window);
+            messageBox::tell(step < 0 ? tr("已经是最后一个了") : tr("已经第一个了"), m_hub.window);
         return;
     }
-    messageBox::ask(tr("请您在存储区域中选择要播放的内容!"), m_hub.window);
+    messageBox::tell(tr("请您在存储区域中选择要播放的内容!"), m_hub.window);
 }
 
 void Recordings::play(const Item& recording)
@@ -216,7 +216,7 @@ void Recordings::showStatus(int status, const QString& url)
     m_player.address.setText(m_playing);
     markPlaying(m_playing);
     if (status == Failed)
-        messageBox::ask(BoxProtocol::fill(tr("播放地址%1异常!"), {url}), m_hub.window);
+        messageBox::tell(BoxProtocol::fill(tr("播放地址%1异常!"), {url}), m_hub.window);
 }
 
 void Recordings::markPlaying(const QString& url)
@@ -309,5 +309,5 @@ void Recordings::tellFailedDeletes()
     const QString text = m_failedDeletes.join(QLatin1Char('\n'));
     m_failedDeletes.clear();
     getDeviceRecordList();
-    messageBox::ask(text, m_hub.window);
+    messageBox::tell(text, m_hub.window);
 }

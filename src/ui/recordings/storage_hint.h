@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QLabel>
+#include "ui/hub/list_hint.h"
 
 class ListWidget;
 
-/// Says in an empty storage list why it is empty. Hidden while there are rows; takes no mouse
-/// events; the list owns it.
-class StorageHint : public QLabel
+/// Says in an empty storage list why it is empty.
+class StorageHint final : public ListHint
 {
     Q_OBJECT
 
@@ -19,12 +18,8 @@ public:
     void setReason(Reason reason);
 
 protected:
-    void changeEvent(QEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    QString words() const override;
 
 private:
-    void refresh();
-
-    ListWidget* m_list;
     Reason m_reason = Reason::Reading;
 };

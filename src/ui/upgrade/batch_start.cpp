@@ -27,7 +27,7 @@ void BatchStart::choosePackage()
     if (m_asking)
         return;
     if (BatchUpgrade::idleOf(m_view->selectedBoxes()).isEmpty()) {
-        messageBox::ask(tr("请您在设备列表中选择要升级固件的设备!"), m_window);
+        messageBox::tell(tr("请您在设备列表中选择要升级固件的设备!"), m_window);
         return;
     }
     setAsking(true);
@@ -59,12 +59,13 @@ void BatchStart::startBatchUpgrade(const QStringList& files)
         refusal = tr("请您拖拽一个固件包文件到此处!");
     else if (!files.first().endsWith(QLatin1String(".dat")))
         refusal = tr("请您拖拽一个有效的固件升级包到此处");
-    const int answer =
-        refusal.isEmpty()
-            ? messageBox::askWithRecovery(
-                  tr("即将对您选择的%n个KORA进行升级固件操作,是否确认?", nullptr, boxes.size()),
-                  m_window)
-            : messageBox::ask(refusal, m_window);
+    int answer = messageBox::Cancelled;
+    if (refusal.isEmpty())
+        answer = messageBox::askWithRecovery(
+            tr("即将对您选择的%n个KORA进行升级固件操作,是否确认?", nullptr, boxes.size()),
+            m_window);
+    else
+        messageBox::tell(refusal, m_window);
     if (!self)
         return;
     setAsking(false);

@@ -18,6 +18,29 @@
 #include <QScrollArea>
 #include <QScrollBar>
 
+namespace
+{
+
+/// A label breaks lines between words only, and what a box answers may be one word of hundreds of
+/// letters.
+QString breakable(const QString& text)
+{
+    constexpr int longestWord = 24;
+    QString broken;
+    int word = 0;
+    for (const QChar letter : text) {
+        word = letter.isSpace() ? 0 : word + 1;
+        if (word > longestWord) {
+            broken += QChar(0x200b);
+            word = 1;
+        }
+        broken += letter;
+    }
+    return broken;
+}
+
+} // namespace
+
 UpgradeFeatures::UpgradeFeatures(const Hub& hub, const UpgradeWidgets& widgets,
                                  const DropAreas& dropAreas, int tickMs)
     : QObject(nullptr)
@@ -42,6 +65,7 @@ UpgradeFeatures::UpgradeFeatures(const Hub& hub, const UpgradeWidgets& widgets,
 
 void UpgradeFeatures::connectEngine()
 {
+    connect(&m_engine.link, &CurlLink::uploadProgressed, this, &UpgradeFeatures::showUpload);
     const BatchUpgrade* batch = &m_engine.batch;
     connect(batch, &BatchUpgrade::prepared, this, &UpgradeFeatures::showPrepared);
     connect(batch, &BatchUpgrade::packageUnreadable, this, &UpgradeFeatures::tellUnreadable);
@@ -63,7 +87,7 @@ void UpgradeFeatures::connectEngine()
     connect(fleet, &UpgradeFleet::interruptedFound, this, &UpgradeFeatures::tellInterrupted);
     connect(fleet, &UpgradeFleet::restored, this, [this](const QString& ip, bool verified) {
         const QString text = verified ? tr("%1 恢复设置成功,KORA设备正在重启.")
-                                      : tr("%1 设置已写回但未能核对,KORA设备正在重启.");
+                                      : tr("%1 设置已写回但未能核对，KORA设备正在重启。");
         messageBox::notify(text.arg(ip), m_hub.window);
     });
     connect(fleet, &UpgradeFleet::restoreFailed, this, [this](const QString& ip) {
@@ -92,13 +116,13 @@ void UpgradeFeatures::noteFetchedPackage(const QString& path)
 bool UpgradeFeatures::mayClose()
 {
     if (!isBatchOver()) {
-        messageBox::ask(tr("正在对KORA升级固件,请勿关闭软件."), m_hub.window);
+        messageBox::tell(tr("正在对KORA升级固件,请勿关闭软件."), m_hub.window);
         return false;
     }
     const int waiting = m_engine.fleet.waitingCount();
     return waiting == 0 ||
-           messageBox::ask(tr("还有%n个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复."
-                              "是否关闭?",
+           messageBox::ask(tr("还有%n个KORA的设置等待恢复。如果现在关闭，下次启动时会询问是否恢复。"
+                              "是否关闭？",
                               nullptr, waiting),
                            m_hub.window) == messageBox::Confirmed;
 }
@@ -125,8 +149,21 @@ bool UpgradeFeatures::isBatchOver() const
     return rows.allEnded() && m_engine.batch.counts().allEnded();
 }
 
+void UpgradeFeatures::showUpload(const QString& ip, int percent)
+{
+    Item* box = m_hub.devices.model().find(ip);
+    if (!box || !box->isDevice())
+        return;
+    box->setActivity(percent < 0 ? QString() : tr("上传 %1%").arg(percent));
+    m_widgets.deviceView->viewport()->update();
+}
+
 void UpgradeFeatures::showPrepared()
 {
+    // Nobody knows how long the package's digest takes.
+    if (!m_widgets.deviceView->isUpgradeTickRunning())
+        m_widgets.progress->setRange(0, 0);
+    m_widgets.status->setText(tr("正在计算固件校验值"));
     const Item* box = m_hub.findSelectedDevice();
     if (box && box->isUpgrading())
         emit waitingWanted();
@@ -137,7 +174,7 @@ void UpgradeFeatures::showStarted(const UpgradeCounts& counts)
 {
     if (!m_widgets.deviceView->isUpgradeTickRunning())
         m_widgets.deviceView->startUpgradeTick();
-    m_widgets.progress->setMaximum(m_engine.batch.maximum());
+    m_widgets.progress->setRange(0, m_engine.batch.maximum());
     m_widgets.progress->setValue(m_engine.batch.progress());
     m_widgets.status->setText(BatchUpgrade::statusText(counts));
 }
@@ -146,7 +183,7 @@ void UpgradeFeatures::showProgress(const UpgradeCounts& counts)
 {
     const Item* shown = m_hub.findSelectedDevice();
     m_widgets.progress->setValue(m_engine.batch.progress());
-    m_widgets.tip->setText(shown ? shown->tips().join(QLatin1Char('\n')) : QString());
+    m_widgets.tip->setText(shown ? breakable(shown->tips().join(QLatin1Char('\n'))) : QString());
     m_widgets.status->setText(BatchUpgrade::statusText(counts));
 }
 
@@ -155,7 +192,7 @@ void UpgradeFeatures::showEnd(const UpgradeCounts& counts)
     emit monitorWanted();
     m_widgets.deviceView->stopUpgradeTick();
     m_widgets.tip->clear();
-    messageBox::ask(BatchUpgrade::endText(counts), m_hub.window);
+    messageBox::tell(BatchUpgrade::endText(counts), m_hub.window);
 }
 
 void UpgradeFeatures::tellUnreadable()
@@ -164,23 +201,24 @@ void UpgradeFeatures::tellUnreadable()
     if (shown && shown->isKora() && !shown->isUpgrading())
         emit koraWanted(*shown);
     m_widgets.deviceView->refresh();
-    messageBox::ask(tr("文件打开失败! "), m_hub.window);
+    messageBox::tell(tr("文件打开失败! "), m_hub.window);
 }
 
 void UpgradeFeatures::tellInterrupted(int boxes)
 {
     messageBox::notify(
-        tr("上次固件升级被中断,当时有%n个KORA正在升级,请查看升级报告.", nullptr, boxes),
+        tr("上次固件升级被中断，当时有%n个KORA正在升级，请查看升级报告。", nullptr, boxes),
         m_hub.window);
 }
 
 void UpgradeFeatures::offerSettings(const QMap<QString, QVariantMap>& saved, const QDateTime& when)
 {
-    const int answer = messageBox::ask(tr("上次固件升级中断时,有%n个KORA的设置尚未恢复(保存于%1),"
-                                          "是否在发现这些KORA时恢复? 取消则放弃这些设置.",
-                                          nullptr, saved.size())
-                                           .arg(when.toString(QStringLiteral("yyyy-MM-dd HH:mm"))),
-                                       m_hub.window);
+    const int answer =
+        messageBox::ask(tr("上次固件升级中断时，有%n个KORA的设置尚未恢复（保存于%1），"
+                           "是否在发现这些KORA时恢复？取消则放弃这些设置。",
+                           nullptr, saved.size())
+                            .arg(when.toString(QStringLiteral("yyyy-MM-dd HH:mm"))),
+                        m_hub.window);
     if (!m_hub.window->isVisible())
         return;
     if (answer == messageBox::Confirmed)

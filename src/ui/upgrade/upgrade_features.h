@@ -73,6 +73,7 @@ signals:
 private:
     void registerWords();
     void connectEngine();
+    void showUpload(const QString& ip, int percent);
     void showPrepared();
     void showStarted(const UpgradeCounts& counts);
     void showProgress(const UpgradeCounts& counts);

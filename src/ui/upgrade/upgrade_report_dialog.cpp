@@ -173,16 +173,17 @@ void UpgradeReportDialog::fill()
     }
     m_table->setRowCount(total);
     using Verdict = UpgradeRow::Verdict;
-    m_summary->setText(tr("共[%1]个,已证实[%2]个,未证实[%3]个,失败[%4]个,已中断[%5]个,进行中[%6]个")
-                           .arg(total)
-                           .arg(counts.value(Verdict::Proved))
-                           .arg(counts.value(Verdict::NotProved))
-                           .arg(counts.value(Verdict::Failed))
-                           .arg(counts.value(Verdict::Interrupted))
-                           .arg(counts.value(Verdict::UnderWay)));
+    m_summary->setText(
+        tr("共[%1]个，已证实[%2]个，未证实[%3]个，失败[%4]个，已中断[%5]个，进行中[%6]个")
+            .arg(total)
+            .arg(counts.value(Verdict::Proved))
+            .arg(counts.value(Verdict::NotProved))
+            .arg(counts.value(Verdict::Failed))
+            .arg(counts.value(Verdict::Interrupted))
+            .arg(counts.value(Verdict::UnderWay)));
     if (!sessions.isEmpty())
         m_path->setText(
-            tr("报告文件: %1")
+            tr("报告文件：%1")
                 .arg(QDir::toNativeSeparators(UpgradeJournal::csvPath(*sessions.last()))));
 }
 

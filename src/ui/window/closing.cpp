@@ -18,7 +18,7 @@ bool Closing::mayClose()
     if (!m_isUnderWay())
         return true;
     if (!m_notice || !m_notice->isVisible())
-        m_notice = messageBox::notify(tr("正在向KORA发送命令,完成后将自动关闭."), &m_window);
+        m_notice = messageBox::notify(tr("正在向KORA发送命令，完成后将自动关闭。"), &m_window);
     m_again.start();
     return false;
 }

@@ -72,7 +72,7 @@ void CrashNotice::changeEvent(QEvent* event)
 
 void CrashNotice::retranslate()
 {
-    m_text->setText(tr("软件上次异常退出."));
+    m_text->setText(tr("软件上次异常退出。"));
     m_open->setText(tr("查看崩溃记录"));
     m_close->setToolTip(tr("关闭"));
     m_close->setAccessibleName(m_close->toolTip());

@@ -8,6 +8,7 @@
 #include "ui/configuration/configuration_parameters.h"
 #include "ui/control/control_parameters.h"
 #include "ui/hub/access.h"
+#include "ui/hub/availability.h"
 #include "ui/window/options.h"
 
 #include <QCoreApplication>
@@ -77,7 +78,7 @@ Tarn_Hub::Features::Features(Tarn_Hub* window, const Options& options)
     , panel(hub,
             configurationParameters(form.config_area->ui, state) +
                 controlParameters(form.control_area->ui, state),
-            *form.config_area->ui.config_state)
+            *form.config_area->ui.config_state, *form.config_area->ui.config_warning)
     , save(hub, form.config_area->ui, panel)
     , controlBusy(form.control_area->ui.busy_control, {form.control_area->ui.control_body})
     , encoder(hub, form.control_area->ui, controlBusy)
@@ -120,6 +121,10 @@ void Tarn_Hub::Features::connectRooms()
     QObject::connect(&monitor, &Monitor::recordClock, &record.watch(), &RecordWatch::hear);
     QObject::connect(&monitor, &Monitor::streamLost, &record.watch(), &RecordWatch::lose);
     QObject::connect(&monitor, &Monitor::feedChanged, &deviceAbsence, &DeviceAbsence::noteFeed);
+    QObject::connect(&deviceAbsence, &DeviceAbsence::troubleTold, &panel,
+                     &ParameterPanel::setTrouble);
+    QObject::connect(&panel, &ParameterPanel::hindered, &save,
+                     [this](const QString& why, bool mayObey) { hinder(why, mayObey); });
     QObject::connect(&deviceInfo, &DeviceInfo::deviceChanged, &deviceFilter,
                      &DeviceFilter::lookAgain);
     QObject::connect(&deviceInfo, &DeviceInfo::macReported, &deviceFilter,
@@ -140,6 +145,17 @@ void Tarn_Hub::Features::connectRooms()
                      &UpgradeFeatures::noteFetchedPackage);
 }
 
+/// What needs no values of the box, a recording above all, is not withheld only because none have
+/// been read.
+void Tarn_Hub::Features::hinder(const QString& why, bool mayObey)
+{
+    save.setHindrance(why);
+    Availability::set(*form.control_area->ui.pushButton_hxdec_on, "unread", why);
+    const QString lasting = mayObey ? QString() : why;
+    Availability::set(*form.control_area->ui.pushButton_live_on, "unread", lasting);
+    record.setHindrance(lasting);
+}
+
 void Tarn_Hub::Features::start()
 {
     frame.sizePanes();
@@ -154,6 +170,7 @@ void Tarn_Hub::Features::start()
     devices->startSearch();
     devices->checkStates();
     frame.showNothingSelected();
+    form.device_list->ui.deviceView->setFocus();
 }
 
 bool Tarn_Hub::Features::isCommanding() const

@@ -49,6 +49,8 @@ struct Tarn_Hub::Features {
     void connectRooms();
     /// What the features begin with, once the window has its size.
     void start();
+    /// The selected box can be told nothing, or less than usual; empty: it can be told everything.
+    void hinder(const QString& why, bool mayObey);
 
     /// Boxes are being upgraded or get their settings back, one is being told a list of commands,
     /// or recordings are being downloaded.

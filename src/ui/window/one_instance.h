@@ -29,12 +29,14 @@ public:
     /// as `patienceMs`.
     Outcome claim(int patienceMs = 5000);
 
+    /// Where the first one hears others, best first, as QLocalServer takes it.
+    QStringList names() const;
+
 signals:
     /// Another program wants to have this one in front.
     void called();
 
 private:
-    QStringList names() const;
     void listen();
     void answer();
     bool call(int patienceMs) const;

@@ -96,7 +96,7 @@ bool isServer(const QUrl& url)
 
 QString applicationVersion()
 {
-    return QStringLiteral("1.0.0.10");
+    return QStringLiteral(TARN_VERSION);
 }
 
 OptionsResult readOptions(const QStringList& arguments)

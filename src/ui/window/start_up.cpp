@@ -69,9 +69,9 @@ void tellStuck()
     Language language(nullptr);
     language.chooseSystemLanguage();
     const QString text = QCoreApplication::translate(
-        "StartUp", "Tarn Hub 已在运行,但没有响应. 请等待片刻,或结束该进程后再启动.");
+        "StartUp", "Tarn Hub 已在运行，但没有响应。请等待片刻，或结束该进程后再启动。");
     std::fputs((text + QLatin1Char('\n')).toLocal8Bit().constData(), stderr);
-    messageBox::ask(text, nullptr);
+    messageBox::tell(text, nullptr);
 }
 
 void limitEnd(int exitCode, int ms)

@@ -96,9 +96,9 @@ void ToolNotice::retranslate()
     QStringList lines;
     if (m_missing.contains(fpingName()))
         lines << (m_fping.isEmpty()
-                      ? tr("未找到 fping,无法发现设备. 请安装 fping 或重新安装本软件.")
-                      : tr("未找到 %1,无法发现设备. 请检查启动参数 --fping.").arg(m_fping));
+                      ? tr("未找到 fping，无法发现设备。请安装 fping 或重新安装本软件。")
+                      : tr("未找到 %1，无法发现设备。请检查启动参数 --fping。").arg(m_fping));
     if (m_missing.contains(curlName()))
-        lines << tr("未找到 curl,无法控制和升级设备. 请安装 curl 或重新安装本软件.");
+        lines << tr("未找到 curl，无法控制和升级设备。请安装 curl 或重新安装本软件。");
     m_text->setText(lines.join(QLatin1Char('\n')));
 }

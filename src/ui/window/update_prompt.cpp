@@ -81,7 +81,7 @@ void UpdatePrompt::check()
 void UpdatePrompt::install()
 {
     if (m_digest->digest() != m_offered.digest) {
-        show(tr("安装文件已被更改,未启动升级. 请重新启动软件以再次下载."));
+        show(tr("安装文件已被更改，未启动升级。请重新启动软件以再次下载。"));
         return;
     }
     // What began meanwhile goes first; the question comes again after it.
@@ -92,7 +92,7 @@ void UpdatePrompt::install()
     if (!Platform::startDetached(m_folder + QStringLiteral("/Upgrade.exe"),
                                  {QStringLiteral("Tarn Hub.exe"), m_offered.path, m_version},
                                  m_folder)) {
-        show(tr("无法启动升级程序. 请重新安装本软件."));
+        show(tr("无法启动升级程序。请重新安装本软件。"));
         return;
     }
     // Nothing may begin any more.

@@ -70,7 +70,7 @@ QString DownloadLine::stateText() const
     case QWebEngineDownloadItem::DownloadCancelled:
         return tr("已取消");
     case QWebEngineDownloadItem::DownloadInterrupted:
-        return m_failure.isEmpty() ? tr("下载失败") : tr("下载失败 (%1)").arg(m_failure);
+        return m_failure.isEmpty() ? tr("下载失败") : tr("下载失败（%1）").arg(m_failure);
     default:
         break;
     }

@@ -17,15 +17,15 @@ QString saying(PageBar::Kind kind, const QString& host)
 {
     switch (kind) {
     case PageBar::HostWanted:
-        return PageBar::tr("此网页想访问另一台主机: %1").arg(PageDialog::shortHost(host));
+        return PageBar::tr("此网页想访问另一台主机：%1").arg(PageDialog::shortHost(host));
     case PageBar::LoginsEnded:
-        return PageBar::tr("此网页多次要求登录,不再询问.");
+        return PageBar::tr("此网页多次要求登录，不再询问。");
     case PageBar::DialogsEnded:
-        return PageBar::tr("此网页打开了太多对话框,不再显示.");
+        return PageBar::tr("此网页打开了太多对话框，不再显示。");
     case PageBar::Unresponsive:
         break;
     }
-    return PageBar::tr("此网页没有响应.");
+    return PageBar::tr("此网页没有响应。");
 }
 
 QString offer(PageBar::Kind kind)

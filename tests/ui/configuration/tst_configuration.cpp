@@ -39,7 +39,7 @@ private:
             window().R_refreshDeviceIP({ip(7), ip(8)});
             // Whoever types goes on where he is; nothing is saved that has not been read again.
             QVERIFY(child<QWidget>("eParam_NTPServer")->isEnabled());
-            save("尚未读到设备的参数,没有可保存的内容.");
+            save("尚未读到设备的参数，没有可保存的内容。");
         });
     }
 
@@ -56,6 +56,9 @@ void tst_Configuration::initTestCase()
 
 void tst_Configuration::init()
 {
+    // A test that failed may have left them elsewhere.
+    if (m_box->address() != ip(7))
+        QVERIFY(m_other->moveTo(ip(8)) && m_box->moveTo(ip(7)));
     m_box->clearFaults();
     select(7, settings());
 }
@@ -87,6 +90,14 @@ void tst_Configuration::everyValueIsShown()
     QCOMPARE(child<QLabel>("config_state")->text(), QString());
     QCOMPARE(information().size(), 6);
     QCOMPARE(window().property("eParam_NDIDecodeList").type(), QVariant::List);
+    // A static address counts only without DHCP, and can be typed before.
+    const auto* address = child<QWidget>("eParam_IPAddress");
+    QVERIFY(!address->property("idle").toBool() && address->toolTip().isEmpty());
+    child<QAbstractButton>("DHCP")->click();
+    QVERIFY(address->property("idle").toBool() && address->isEnabled());
+    QVERIFY(!address->toolTip().isEmpty());
+    child<QAbstractButton>("DHCP")->click();
+    QVERIFY(!address->property("idle").toBool());
 }
 
 void tst_Configuration::oddValues_data()
@@ -181,8 +192,19 @@ void tst_Configuration::nothingOfTheBoxBeforeStays()
     for (const char* name : {"quality_3", "main", "CBR", "SDR", "HX2", "H264", "H265"})
         QCOMPARE(shown(name), QString("off"));
     QCOMPARE(shown("eParam_NDIHXGopLength") + shown("eParam_SDIVolume"), QString("––"));
-    QCOMPARE(child<QLabel>("config_state")->text(), QString("16 项未读到"));
+    const QString summary = child<QLabel>("config_state")->text();
+    QVERIFY2(summary.endsWith("16 项未读到"), qPrintable(summary));
+    // What is wrong is said where one looks, and nothing can be ordered of such a box.
+    QTRY_VERIFY(child<QLabel>("config_state")->text().startsWith("端口8081："));
+    QVERIFY(child<QWidget>("config_warning")->isVisible());
+    for (const char* name : {"save", "pushButton_hxdec_on", "pushButton_live_on", "recode"})
+        QVERIFY2(!child<QWidget>(name)->isEnabled(), name);
+    QVERIFY(child<QWidget>("save")->toolTip().startsWith("端口8081："));
     m_other->clearFaults();
+    readAfter(7, [this] { clickRow(7); });
+    QVERIFY(child<QWidget>("save")->isEnabled() && child<QWidget>("recode")->isEnabled());
+    QCOMPARE(child<QWidget>("save")->toolTip(), QString("保存 (Ctrl+S)"));
+    QVERIFY(!child<QWidget>("config_warning")->isVisible());
 }
 
 /// Away for a moment, the box changed by somebody else meanwhile.
@@ -227,7 +249,7 @@ void tst_Configuration::typedIsNotForAnotherBox()
     window().R_refreshDeviceIP({ip(8)});
     window().R_refreshDeviceIP({ip(7), ip(8)});
     QCOMPARE(child<QLabel>("config_state")->text(), QString("正在读取… · 1 项未保存"));
-    save("尚未读到设备的参数,没有可保存的内容.");
+    save("尚未读到设备的参数，没有可保存的内容。");
     QCOMPARE(m_box->parameter("eParam_NDIName"), QString("Stage Left"));
     QTRY_COMPARE(shown("eParam_NDIName"), QString("Stage Left"));
     QTRY_COMPARE(child<QLabel>("config_state")->text(), QString());

@@ -179,13 +179,12 @@ void tst_Save::onlyWhatIsKnownIsSent_data()
     row("a box without the parameter", QStringList{}, "no-value on read+eParam_NTPServer", 11,
         "设置参数成功.");
     row("read in vain", QStringList{}, "garbage on read+eParam_NetMask", 11,
-        "设置参数成功.\n1 项参数未从设备读到,没有保存.");
-    row("nothing read", QStringList{}, "garbage on read", 0,
-        "尚未读到设备的参数,没有可保存的内容.");
+        "设置参数成功.\n1 项参数未从设备读到，没有保存。");
+    row("nothing read", QStringList{}, "garbage on read", 0, "");
     row("off DHCP to nowhere", QStringList{"DHCP=1"}, "no-value on read+eParam_IPAddress", 0,
-        "未读到设备的静态IP地址和子网掩码,不能关闭DHCP.");
+        "未读到设备的静态IP地址和子网掩码，不能关闭DHCP。");
     row("no flag", QStringList{"DHCP=yes"}, "slow 0", 11,
-        "设置参数成功.\n1 项参数未从设备读到,没有保存.");
+        "设置参数成功.\n1 项参数未从设备读到，没有保存。");
     // Between the panel's steps; nobody has touched it.
     row("odd bit rate", QStringList{"NDIHXBitRate=1999"}, "slow 0", 12, "设置参数成功.");
 }
@@ -199,7 +198,11 @@ void tst_Save::onlyWhatIsKnownIsSent()
     const QMap<QString, QString> before = box->parameters();
     if (settings == QStringList{"DHCP=1"})
         m_fixture->child<QAbstractButton>("DHCP")->click();
-    m_fixture->save(message);
+    QCOMPARE(m_fixture->child<QWidget>("save")->isEnabled(), !message.isEmpty());
+    if (message.isEmpty())
+        QVERIFY(!m_fixture->child<QWidget>("save")->toolTip().isEmpty());
+    else
+        m_fixture->save(message);
     QCOMPARE(told(box).size(), sent);
     QCOMPARE(box->parameters(), before);
 }
@@ -246,7 +249,7 @@ void tst_Save::addressThatPassesOnStopsTheRun()
     const DialogAnswerer notices;
     m_fixture->click("save");
     QTRY_COMPARE(notices.texts(), QStringList{"设置参数部分失败,请检查KORA网络状态后重试.\n"
-                                              "此地址上现在是另一台设备."});
+                                              "此地址上现在是另一台设备。"});
     QVERIFY(hasMoved);
     QCOMPARE(told(other), QStringList());
 }
@@ -268,7 +271,7 @@ void tst_Save::closingWaitsForTheWhole()
         });
     m_fixture->save("设置成功,正在重启KORA软件.");
     QTRY_VERIFY(m_fixture->window().isHidden());
-    QCOMPARE(waiting, (QVector<QString>(2, "正在向KORA发送命令,完成后将自动关闭.").toList()));
+    QCOMPARE(waiting, (QVector<QString>(2, "正在向KORA发送命令，完成后将自动关闭。").toList()));
     QCOMPARE(told(box).size(), 13);
     QCOMPARE(told(box).last(), QString("reboot"));
 }

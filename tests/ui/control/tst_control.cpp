@@ -217,7 +217,7 @@ void tst_Control::ownedBoxIsLeftAlone()
         click(QTest::currentDataTag());
     }
     QTRY_COMPARE(notices.texts(),
-                 QStringList{"KORA " + ip(7) + " 正在升级固件或恢复设置,请等待完成后再操作."});
+                 QStringList{"KORA " + ip(7) + " 正在升级固件或恢复设置，请等待完成后再操作。"});
     item(7)->setOwned(false);
     QCOMPARE(looks(), before);
     QVERIFY2(told().isEmpty(), qPrintable(told().join(' ')));

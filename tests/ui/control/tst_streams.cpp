@@ -236,14 +236,14 @@ void tst_Streams::liveCommands_data()
     row("refused", "radioButton_rtmp", "rtmp://h/live", "fail stream_on",
         "stream_on&stream_url='rtmp://h/live'", "开启直播服务失败");
     row("hung up on", "radioButton_rtmp", "rtmp://h/live", "hang-up 0 on stream_on",
-        "stream_on&stream_url='rtmp://h/live'", "设备没有回应,直播服务可能没有开启");
+        "stream_on&stream_url='rtmp://h/live'", "设备没有回应，直播服务可能没有开启");
     row("answered as something else", "radioButton_rtmp", "rtmp://h/live",
         "misnamed on stream_on as stream_off", "stream_on&stream_url='rtmp://h/live'",
-        "设备没有回应,直播服务可能没有开启");
+        "设备没有回应，直播服务可能没有开启");
     row("stop", "", "", "", "stream_off", "关闭直播服务成功");
     row("stop refused", "", "", "fail stream_off", "stream_off", "关闭直播服务失败");
     row("stop unanswered", "", "", "hang-up 0 on stream_off", "stream_off",
-        "设备没有回应,直播服务可能没有关闭");
+        "设备没有回应，直播服务可能没有关闭");
 }
 
 void tst_Streams::liveCommands()
@@ -258,7 +258,10 @@ void tst_Streams::liveCommands()
             press(dialog, "closelive");
             return;
         }
+        QVERIFY2(dialog.windowTitle().contains(TEST_BLOCK ".7"), qPrintable(dialog.windowTitle()));
         press(dialog, mode.toUtf8().constData());
+        const QString example = dialog.findChild<QLineEdit*>("stream_url")->placeholderText();
+        QVERIFY2(example.contains(address.section(':', 0, 0)), qPrintable(example));
         dialog.findChild<QLineEdit*>("stream_url")->setText(address);
         dialog.findChild<QLineEdit*>("srt_port")->setText(port);
         press(dialog, "oklive");

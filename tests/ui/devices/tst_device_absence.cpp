@@ -4,6 +4,7 @@
 #include "ui/devices/device_absence.h"
 #include "ui/devices/own_networks.h"
 
+#include <QLabel>
 #include <QToolTip>
 
 /// What is said of a box that does not answer, and that nothing is when it does.
@@ -55,9 +56,9 @@ private slots:
     {
         columns<QString, QString>("fault", "port");
         row("closed", "refuse", "拒绝连接");
-        row("silent", "silent on read", "可以连接,但没有完整应答");
-        row("broken off", "hang-up 50 on read", "可以连接,但没有完整应答");
-        row("error", "http-error 503 on read", "应答错误: HTTP 503");
+        row("silent", "silent on read", "可以连接，但没有完整应答");
+        row("broken off", "hang-up 50 on read", "可以连接，但没有完整应答");
+        row("error", "http-error 503 on read", "应答错误：HTTP 503");
         row("no JSON", "garbage on read", "应答无法识别");
     }
     void selectedBoxTellsItsFault()
@@ -94,11 +95,16 @@ private slots:
             "自" + m_fixture->item(7)->lastSeen().toString("HH:mm:ss") + "起无应答";
         QTRY_COMPARE_WITH_TIMEOUT(notes(), (QStringList{"Ping=" + away, "端口8081=拒绝连接"}),
                                   12000);
-        QVERIFY(tipOf(7).contains("Ping: " + away));
+        QVERIFY(tipOf(7).contains("Ping：" + away));
+        // The panels say it, too, and what they show looks as old as it is.
+        auto* state = m_fixture->child<QLabel>("config_state");
+        QVERIFY2(state->text().startsWith("设备离线，" + away + " · 端口8081：拒绝连接"),
+                 qPrintable(state->text()));
+        QVERIFY(m_fixture->child<QWidget>("eParam_NDIName")->property("idle").toBool());
         // One that only leaves pings without an answer, seen by whom the mouse rests on.
         QTRY_VERIFY_WITH_TIMEOUT(!m_fixture->item(8)->isOnline(), 15000);
         tipOf(8);
-        QTRY_VERIFY2(QToolTip::text().contains("端口8081: 有应答"), qPrintable(QToolTip::text()));
+        QTRY_VERIFY2(QToolTip::text().contains("端口8081：有应答"), qPrintable(QToolTip::text()));
         QVERIFY(!tipOf(9).contains("Ping"));
         // A selected row of another box says nothing of this one.
         m_fixture->clickRow(9);
@@ -110,6 +116,8 @@ private slots:
         QVERIFY(box->plugIn());
         QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(7)->isOnline(), 15000);
         QTRY_COMPARE_WITH_TIMEOUT(m_fixture->information().size(), 6, 12000);
+        QTRY_COMPARE(state->text(), QString());
+        QVERIFY(!m_fixture->child<QWidget>("eParam_NDIName")->property("idle").toBool());
         QCOMPARE(notes(), QStringList());
         QVERIFY(!tipOf(7).contains("Ping"));
     }

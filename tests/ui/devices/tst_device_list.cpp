@@ -144,6 +144,8 @@ private slots:
         QVERIFY(bar->isVisible() && field()->hasFocus());
         QTest::keyClicks(field(), "left");
         QCOMPARE(visible(), QList<int>{1});
+        const Item& group = *deviceView()->treeModel()->findGroup("KORA");
+        QCOMPARE(TreeModel::groupCount(group), QString("显示 1/%1").arg(group.childCount()));
         QTest::keyClick(field(), Qt::Key_Down);
         QVERIFY(deviceView()->hasFocus());
         QTest::keyClick(deviceView(), Qt::Key_F, Qt::ControlModifier);
@@ -152,6 +154,7 @@ private slots:
         QTest::keyClick(deviceView(), Qt::Key_Escape);
         QVERIFY(bar->isHidden() && deviceView()->hasFocus());
         QVERIFY(visible().size() >= 4);
+        QVERIFY(!TreeModel::groupCount(group).contains("显示"));
         QTest::keyClick(deviceView(), Qt::Key_F, Qt::ControlModifier);
         QTest::keyClick(field(), Qt::Key_Escape);
         QVERIFY(bar->isHidden() && deviceView()->hasFocus());

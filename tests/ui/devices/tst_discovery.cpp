@@ -109,6 +109,17 @@ private slots:
         QTRY_COMPARE(m_fixture->item(8)->firmwareVersion(), QString("1.3.0.1"));
     }
 
+    void nameGivenElsewhereIsSeen()
+    {
+        sim::VirtualBox* box = m_fixture->addBox(7);
+        Options options = WindowFixture::options();
+        options.sweep.namePauseMs = 1000;
+        m_fixture->openKnowing({7}, options);
+        box->setParameter("eParam_DeviceName", "Renamed on its page");
+        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->item(7)->name(), QString("Renamed on its page"),
+                                  15000);
+    }
+
     void selectionFillsTheInformation()
     {
         sim::VirtualBox* box = m_fixture->addBox(7);

@@ -74,13 +74,13 @@ void tst_Orders::anotherBoxIsToldNothing_data()
 {
     columns<QString>("text");
     row("save", "设置参数部分失败,请检查KORA网络状态后重试.");
-    row("restart", "KORA " TEST_BLOCK ".7 未重启,请检查KORA网络状态后重试.");
+    row("restart", "KORA " TEST_BLOCK ".7 未重启，请检查KORA网络状态后重试。");
     row("HB", "控制 HB 失败,请重试!");
     row("H264", "控制 H264 失败,请重试!");
     row("eParam_SDIVolumeSlider", "控制 SDI音量 (0~32) 失败,请重试!");
     row("pushButton_hxdec_on/closepushButton", "关闭解码失败,请重试!");
     row("pushButton_live_on/closelive", "关闭直播服务失败");
-    row("recode", "开启录制失败,请重试.");
+    row("recode", "开启录制失败，请重试。");
     row("delete", "文件[show.mp4]删除错误,请重试");
 }
 
@@ -96,7 +96,7 @@ void tst_Orders::anotherBoxIsToldNothing()
         act(QTest::currentDataTag(), answers);
         const QString why = QTest::currentDataTag() == QString("delete")
                                 ? QString()
-                                : "\n此地址上现在是另一台设备.";
+                                : "\n此地址上现在是另一台设备。";
         QTRY_COMPARE(answers.texts().value(answers.texts().size() - 1), text + why);
         QTest::qWait(300); // for what must not come
     }
@@ -117,7 +117,7 @@ void tst_Orders::refusedRestartIsTold()
     DialogAnswerer answers;
     act("restart", answers);
     QTRY_COMPARE(answers.texts().value(1),
-                 QString("KORA " TEST_BLOCK ".7 未重启,请检查KORA网络状态后重试."));
+                 QString("KORA " TEST_BLOCK ".7 未重启，请检查KORA网络状态后重试。"));
 }
 
 /// And from then on it is that one, for the panels as well. One lost answer changes nothing.
@@ -130,7 +130,7 @@ void tst_Orders::boxThatHidIsAskedForAgain()
     m_box->clearFaults();
     // It may be another one by now.
     m_fixture->save("设置参数部分失败,请检查KORA网络状态后重试.\n"
-                    "此地址上的设备现在才告知MAC地址,请确认后重试.");
+                    "此地址上的设备现在才告知MAC地址，请确认后重试。");
     QCOMPARE(WindowFixture::told(*m_box), QStringList());
     QTRY_VERIFY(m_fixture->child<QLabel>("config_state")->text().isEmpty());
     m_fixture->save("设置参数成功.");
@@ -138,7 +138,7 @@ void tst_Orders::boxThatHidIsAskedForAgain()
     passOn();
     // The row has been corrected by somebody; the panels are still the other box's.
     m_fixture->item(7)->setMacAddress(m_other->parameter("eParam_MACAddress"));
-    m_fixture->save("设置参数部分失败,请检查KORA网络状态后重试.\n此地址上现在是另一台设备.");
+    m_fixture->save("设置参数部分失败,请检查KORA网络状态后重试.\n此地址上现在是另一台设备。");
     QCOMPARE(WindowFixture::told(*m_other), QStringList());
 }
 

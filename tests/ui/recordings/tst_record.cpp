@@ -74,7 +74,7 @@ void tst_Record::recordsUnderItsOwnName()
 void tst_Record::boxDecidesWhatRecordShows_data()
 {
     columns<QString, bool, QString>("fault", "recording", "text"); // "recording": before the click
-    row("start refused", "fail on record_on", false, "开启录制失败,请重试.");
+    row("start refused", "fail on record_on", false, "开启录制失败，请重试。");
     row("stop refused", "fail on record_off", true, "停止录制失败,请重试.");
 }
 
@@ -115,7 +115,7 @@ void tst_Record::silenceIsToldOfItsBox()
     m_other->unplug();
     click("recode");
     QTRY_COMPARE_WITH_TIMEOUT(answers.texts().size(), 2, 12000);
-    QVERIFY(answers.texts().contains("开启录制失败,请重试."));
+    QVERIFY(answers.texts().contains("开启录制失败，请重试。"));
     QVERIFY(answers.texts().contains(ip(7) + ": 停止录制失败,请重试."));
     QVERIFY(!recode()->isChecked());
     QVERIFY(m_other->plugIn());

@@ -84,13 +84,13 @@ void tst_Recordings::otherBoxClearsTheList()
     // Whatever the box does: the other's recordings are not taken for its own.
     QTRY_COMPARE(titles(), QStringList());
     // An empty list says why it is empty.
-    const auto* hint = child<QLabel>("storage_hint");
+    const auto* hint = child<QWidget>("storage_hint")->findChild<QLabel*>("words");
     QVERIFY(hint->isVisible());
     QCOMPARE(hint->text(), QString("正在读取录制文件…"));
-    QTRY_COMPARE(hint->text(), QString("无法读取录制文件."));
+    QTRY_COMPARE(hint->text(), QString("无法读取录制文件。"));
     m_other->clearFaults();
     clickRow(8);
-    QTRY_COMPARE(hint->text(), QString("此设备上没有录制文件."));
+    QTRY_COMPARE(hint->text(), QString("此设备上没有录制文件。"));
 
     // Nor those of the box that had this address before.
     clickRow(7);
@@ -282,6 +282,7 @@ void tst_Recordings::everyChosenFolderGetsTheFile()
 /// That of earlier downloads' records.
 void tst_Recordings::diskThatHangsHoldsNothingUp()
 {
+    NEED_HELD_FILES();
     close();
     QVERIFY(QDir(dataFolder()).mkpath("download"));
     const HeldFile record(dataFolder() + "download/x.json");
@@ -326,7 +327,7 @@ void tst_Recordings::downloadsWaitForTheirTurn()
         QCOMPARE(closing.isAccepted(), key == Qt::Key_Return);
     }
     QCOMPARE(answers.texts().size(), 2);
-    QVERIFY(answers.texts().first().startsWith("还有5个录制文件没有下载完."));
+    QVERIFY(answers.texts().first().startsWith("还有5个录制文件没有下载完。"));
 
     // The program ends. What it has got is there again, and goes on when the operator wants it to.
     for (const QString& file : filesIn(folder.path()))
@@ -371,7 +372,7 @@ void tst_Recordings::downloadsIntoTheChosenFolder()
     // What is under way does not depend on the list or the selection.
     clickRow(8);
 
-    QTRY_COMPARE(answers.texts(), QStringList("文件[gone.mp4]下载失败: 设备上没有此文件"));
+    QTRY_COMPARE(answers.texts(), QStringList("文件[gone.mp4]下载失败：设备上没有此文件"));
     QVERIFY(downloads->isVisible());
     QTRY_COMPARE_WITH_TIMEOUT(answers.texts().size(), 2, 20000);
     QCOMPARE(answers.texts().last(), QString("下载完成,是否前往文件所在文件夹?"));

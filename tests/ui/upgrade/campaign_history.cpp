@@ -11,7 +11,9 @@
 #include <QTest>
 #include <QTimer>
 
+#ifdef Q_OS_UNIX
 #include <sys/resource.h>
+#endif
 
 using Settings = UpgradeRow::Settings;
 using Verdict = UpgradeRow::Verdict;
@@ -241,8 +243,12 @@ void CampaignHistory::setDiskFull(bool full)
 {
     if (m_program.state() != QProcess::Running)
         return;
+#ifdef Q_OS_UNIX // elsewhere nobody can take the room from a program alone
     const rlimit limit{full ? 0 : RLIM_INFINITY, RLIM_INFINITY};
     prlimit(pid_t(m_program.processId()), RLIMIT_FSIZE, &limit, nullptr);
+#else
+    Q_UNUSED(full)
+#endif
 }
 
 void CampaignHistory::startProgram()

@@ -101,6 +101,8 @@ void tst_BatchUpgrade::secondBatchJoins()
     QTRY_VERIFY(m_fixture->deviceView()->isUpgradeTickRunning());
     QCOMPARE(bar->maximum(), 600);
     QVERIFY(bar->value() >= 30 && bar->value() < 60);
+    // Curl tells about once a second how far it is.
+    QTRY_VERIFY(m_fixture->item(1)->activity().startsWith("上传 "));
     // Those under way are not taken again.
     select({1, 2, 3});
     drop({m_package});
@@ -221,7 +223,7 @@ void tst_BatchUpgrade::survivesBeingKilled()
     };
     QTRY_VERIFY(journal().contains("\"Activated\"") && journal().count("\"Waiting\"") == 3 &&
                 journal().count("\"Uploading\"") == 2);
-    ::kill(pid_t(program.processId()), SIGKILL);
+    program.kill();
     program.waitForFinished();
     QTRY_VERIFY_WITH_TIMEOUT(m_boxes[1]->isOn(), 5000);
     for (int host : {2, 3}) {

@@ -2,11 +2,9 @@
 #include "tests/support/window_fixture.h"
 #include "tests/ui/upgrade/campaign_history.h"
 
-#include <QSocketNotifier>
-
 #include <csignal>
 #include <cstdio>
-#include <unistd.h>
+#include <thread>
 
 /// An operator who upgrades sixty boxes in the real window, again and again, on a bad day. Each
 /// seed is one day; more with TARN_LIVES, beginning with TARN_SEED, or that one alone.
@@ -58,10 +56,9 @@ public:
         , m_package(package)
         , m_window(options())
         , m_answers(m_story.chance(85) ? "okpushButton" : "cancelpushButton")
-        , m_input(STDIN_FILENO, QSocketNotifier::Read)
     {
         m_window.show();
-        QObject::connect(&m_input, &QSocketNotifier::activated, &m_window, [this] { read(); });
+        std::thread([this] { listen(); }).detach();
         QObject::connect(&m_known, &QTimer::timeout, &m_window, [this] { sayKnown(); });
         m_known.start(200);
     }
@@ -89,12 +86,21 @@ private:
         std::fflush(stdout);
     }
 
-    void read()
+    /// In a thread of its own: not every system tells when there is something to read. Ends with
+    /// the order to close, which comes by itself when the test has gone.
+    void listen()
     {
-        char line[64];
-        const ssize_t length = ::read(STDIN_FILENO, line, sizeof line);
-        const QByteArray words = QByteArray(line, int(qMax<ssize_t>(0, length))).trimmed();
-        if (words.isEmpty() || words == "close") // or the test has gone
+        QByteArray words;
+        while (words != "close") {
+            char line[64];
+            words = std::fgets(line, sizeof line, stdin) ? QByteArray(line).trimmed() : "close";
+            QMetaObject::invokeMethod(&m_window, [this, words] { obey(words); });
+        }
+    }
+
+    void obey(const QByteArray& words)
+    {
+        if (words == "close")
             QCoreApplication::exit();
         else
             upgrade(words == "keep");
@@ -118,14 +124,15 @@ private:
     Tarn_Hub m_window;
     TreeView* m_view = m_window.findChild<TreeView*>("deviceView");
     DialogAnswerer m_answers;
-    QSocketNotifier m_input;
     QTimer m_known;
 };
 
 static int runAsProgram(QApplication& application, const QStringList& arguments)
 {
+#ifdef Q_OS_UNIX
     // A full disk is an error, not the end.
     std::signal(SIGXFSZ, SIG_IGN);
+#endif
     StartUp::dress(application);
     const Operator at(arguments.value(2).toUInt(), arguments.value(3));
     return QApplication::exec();

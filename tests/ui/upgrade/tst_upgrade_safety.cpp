@@ -61,12 +61,12 @@ void tst_UpgradeSafety::asksWhoAnswers()
         (QStringList{question(4), "部分升级完成,KORA即将重启完成固件升级.成功[1]个,未知[3]个"}),
         20000);
     m_fixture->child<QAbstractButton>("upgradeReport")->click();
-    const QString failed("||失败|未能完整读取,不恢复|");
-    const QString another("此地址上现在是另一台设备(%1),未升级");
+    const QString failed("||失败|未能完整读取，不恢复|");
+    const QString another("此地址上现在是另一台设备（%1），未升级");
     QCOMPARE(reported(1), failed + another.arg(mac(2)));
     QCOMPARE(reported(2), failed + another.arg(mac(1)));
     QTRY_VERIFY_WITH_TIMEOUT(reported(6).endsWith("|1.2.0.623|已证实|已恢复|"), 20000);
-    QVERIFY(reported(3).endsWith("|网络中有两台设备的MAC地址相同,无法保留设置,未升级"));
+    QVERIFY(reported(3).endsWith("|网络中有两台设备的MAC地址相同，无法保留设置，未升级"));
     QCOMPARE(m_boxes[5]->parameter("eParam_DHCP"), QString("0"));
     for (const int host : {1, 2, 3, 4})
         QCOMPARE(told(host), QStringList());
@@ -138,10 +138,12 @@ void tst_UpgradeSafety::leavesABusyBoxAlone()
     drop({m_package});
     QTRY_VERIFY(answers.isDone());
     const QString refusal =
-        "KORA " + m_fixture->ip(1) + " 正在升级固件或恢复设置,请等待完成后再操作.";
-    m_fixture->clickRow(1, 26 - 8); // restart
-    for (const char* name : {"save", "HB", "pushButton_live_on", "recode"})
+        "KORA " + m_fixture->ip(1) + " 正在升级固件或恢复设置，请等待完成后再操作。";
+    for (const char* name : {"save", "HB", "pushButton_live_on", "recode"}) {
+        QTRY_VERIFY(m_fixture->child<QWidget>(name)->isEnabled());
         m_fixture->click(name);
+    }
+    m_fixture->clickRow(1, 26 - 8); // restart
     drop({m_package});
     QTRY_COMPARE(answers.texts().size(), 6);
     QVERIFY(m_fixture->item(1) && m_fixture->item(1)->isOwned());
@@ -151,7 +153,7 @@ void tst_UpgradeSafety::leavesABusyBoxAlone()
                               QString("部分升级完成,KORA即将重启完成固件升级.成功[1]个,未知[1]个"),
                               15000);
     m_fixture->child<QAbstractButton>("upgradeReport")->click();
-    QCOMPARE(reported(1), QString("||失败|未保留|设备正在升级固件或恢复设置,未再次升级"));
+    QCOMPARE(reported(1), QString("||失败|未保留|设备正在升级固件或恢复设置，未再次升级"));
     QTRY_VERIFY_WITH_TIMEOUT(m_fixture->item(1) && !m_fixture->item(1)->isOwned(), 15000);
     QCOMPARE(told(1), (QStringList{"NDIName=kept", "reboot"}));
 }
@@ -184,15 +186,15 @@ void tst_UpgradeSafety::closingAsksAboutSettingsThatWait()
         answers.setButton(button);
         QCOMPARE(m_fixture->window().close(), QString(button) == "okpushButton");
         QCOMPARE(answers.texts().last(),
-                 QString("还有2个KORA的设置等待恢复.如果现在关闭,下次启动时会询问是否恢复."
-                         "是否关闭?"));
+                 QString("还有2个KORA的设置等待恢复。如果现在关闭，下次启动时会询问是否恢复。"
+                         "是否关闭？"));
     }
     m_fixture->close();
     answers.clear();
     QVERIFY(m_boxes[1]->plugIn());
     m_fixture->open(quickUpgrades(20));
     QTRY_COMPARE(answers.texts().size(), 1);
-    QVERIFY(answers.texts().first().startsWith("上次固件升级中断时,有2个KORA的设置尚未恢复"));
+    QVERIFY(answers.texts().first().startsWith("上次固件升级中断时，有2个KORA的设置尚未恢复"));
     QTRY_COMPARE_WITH_TIMEOUT(m_boxes[1]->parameter("eParam_DHCP"), QString("0"), 15000);
     // Nothing was cut short: the batch had ended.
     QVERIFY(!newestCsv(*m_fixture).contains("中断"));

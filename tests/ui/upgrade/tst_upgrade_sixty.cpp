@@ -39,20 +39,20 @@ private:
 
 const std::array<tst_UpgradeSixty::Kind, 15> tst_UpgradeSixty::kinds{{
     {"good", 23, "", true, "已证实", "已恢复", true, true},
-    {"refused", 3, "refuse", false, "失败", "未能完整读取,不恢复", false, true},
-    {"switched off", 1, "off", false, "失败", "未能完整读取,不恢复", false, true},
+    {"refused", 3, "refuse", false, "失败", "未能完整读取，不恢复", false, true},
+    {"switched off", 1, "off", false, "失败", "未能完整读取，不恢复", false, true},
     {"wrong digest", 3, "wrong-md5", false, "失败", ownAddressOnly, false, true},
     {"always cut", 3, "cut-upload 60", false, "失败", ownAddressOnly, false, true},
     {"cut once", 3, "cut-upload 60 times 1", true, "已证实", "已恢复", true, true},
     {"no answer to the activation", 3, "silent on ota", false, "未证实", "已恢复", false, true},
     {"hangs up on the activation", 2, "hang-up 0 on ota", true, "已证实", "已恢复", true, true},
-    {"stays away", 3, "ota-stays-away", true, "未证实", "设备未回应,待恢复", true, false},
+    {"stays away", 3, "ota-stays-away", true, "未证实", "设备未回应，待恢复", true, false},
     {"old version", 3, "ota-old-version", true, "未证实", "已恢复", false, true},
     {"loses its settings", 4, "ota-loses-settings", true, "已证实", "已恢复", true, true},
     {"moves", 4, "ota-moves " TEST_BLOCK ".1@", true, "已证实", "已恢复", true, true},
     {"takes no name", 2, "fail write+eParam_NDIName", true, "已证实", "1项失败", true, true},
     {"one value unreadable", 2, "garbage on read+eParam_NTPServer", false, "失败",
-     "未能完整读取,不恢复", false, true},
+     "未能完整读取，不恢复", false, true},
     {"refuses the upload once", 1, "http-error 503 on upload times 1", true, "已证实", "已恢复",
      true, true},
 }};
@@ -183,7 +183,7 @@ void tst_UpgradeSixty::checkBox(int host, const QMap<QString, QString>& row)
     QString settings = kind.settings;
     // Of a box that stayed as it is only the address is put back.
     if (settings == ownAddressOnly)
-        settings = m_before[host]["eParam_DHCP"] == "0" ? "已恢复" : "未改动,无需恢复";
+        settings = m_before[host]["eParam_DHCP"] == "0" ? "已恢复" : "未改动，无需恢复";
     same(row["设置恢复"], settings, "settings");
     // What the list says may be old: of a box that did not answer nothing is known.
     const bool answered = QString(kind.fault) != "off" && QString(kind.fault) != "refuse";

@@ -53,11 +53,12 @@ private slots:
         QCOMPARE(name("quality_3"), QString("高, NDI HX编码质量"));
         QCOMPARE(name("recode"), QString("录制"));
         auto* mask = child<QWidget>("eParam_NetMask");
-        QCOMPARE(spoken(mask->findChild<QWidget*>("txtIP4")), QString("静态子网掩码, 第4段,共4段"));
+        QCOMPARE(spoken(mask->findChild<QWidget*>("txtIP4")),
+                 QString("静态子网掩码，第4段，共4段"));
         // What is marked on an editor is said of the field that has the keys.
         auto* field = child<QWidget>("eParam_NDIName")->focusProxy();
         QTest::keyClicks(field, "x");
-        QCOMPARE(spoken(field, QAccessible::Description), QString("已修改,尚未保存"));
+        QCOMPARE(spoken(field, QAccessible::Description), QString("已修改，尚未保存"));
         QTest::keyClick(field, Qt::Key_Backspace);
         speak(2);
         QCOMPARE(name("H265"), QString("H.265(HEVC), HX codec"));
@@ -82,7 +83,7 @@ private slots:
         box.setOnline(true);
         QVERIFY(rows(child<QWidget>("infoView")).contains("MAC地址: " + box.macAddress()));
         list()->entries().front()->setPlaying(true);
-        QCOMPARE(rows(list()), (QStringList{"a.mp4, 正在播放 (视频)", "b.mov (视频)"}));
+        QCOMPARE(rows(list()), (QStringList{"a.mp4，正在播放 (视频)", "b.mov (视频)"}));
         list()->entries().front()->setPlaying(false);
     }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/files.h"
+#include "tests/support/process.h"
 #include "tests/support/window_fixture.h"
 
 #include "crash/crash_handler.h"
@@ -8,34 +9,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QUrl>
-
-#include <csignal>
-
-namespace
-{
-
-/// The system's own word on whether a process handles this signal.
-bool handles(qint64 process, int signal)
-{
-    static const QRegularExpression caught("SigCgt:\\s*([0-9a-f]+)");
-    const QString status = readFile(QString("/proc/%1/status").arg(process));
-    return caught.match(status).captured(1).toULongLong(nullptr, 16) >> (signal - 1) & 1;
-}
-
-/// Whether the window of a process is up and its search has begun: a thread of that name runs.
-bool searches(qint64 process)
-{
-    const QDir threads(QString("/proc/%1/task").arg(process));
-    for (const QString& thread : threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        if (readFile(threads.filePath(thread) + "/comm").startsWith("findDevice"))
-            return true;
-    }
-    return false;
-}
-
-} // namespace
 
 /// The real program crashes; the next start tells of it, the one after that does not.
 class tst_CrashNotice : public QObject, WindowFixture
@@ -57,15 +31,18 @@ private slots:
 
     void programLeavesADump()
     {
+#ifdef Q_OS_WIN
+        QSKIP("the dump writer of Wine takes longer than any crash may");
+#endif
+        const auto* box = addBox(5);
         QProcess program;
         program.start(TARN_HUB_PROGRAM, {"--subnet", ip(0) + "/24", "--fping", LAN_FPING,
                                          "--update-server", "http://" + ip(250) + ":9"});
         QVERIFY(program.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(handles(program.processId(), SIGSEGV), 20000);
-        // A sanitizer handles it long before, and hangs while libraries are still being loaded.
-        QTRY_VERIFY_WITH_TIMEOUT(searches(program.processId()), 20000);
+        // Its window is up: a sanitizer would hang while libraries are still being loaded.
+        QTRY_VERIFY_WITH_TIMEOUT(!box->requests().isEmpty(), 20000);
         QVERIFY(dumps().isEmpty());
-        ::kill(static_cast<pid_t>(program.processId()), SIGSEGV);
+        crash(program.processId());
         QVERIFY(program.waitForFinished(10000));
 #ifdef __SANITIZE_ADDRESS__
         // So built, the program leaves crashes to the sanitizer.
@@ -73,7 +50,6 @@ private slots:
         QVERIFY(dumps().isEmpty());
 #else
         QCOMPARE(program.exitStatus(), QProcess::CrashExit);
-        QCOMPARE(program.exitCode(), SIGSEGV);
         QCOMPARE(dumps().size(), 1);
 #endif
     }

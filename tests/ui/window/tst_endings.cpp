@@ -158,6 +158,8 @@ void tst_Endings::brokenSurroundings_data()
     row("nobody reads them", talks + "exec 2> >(:) >&2; sleep 0.2");
     row("nobody empties them", talks + "exec 2> >(exec sleep 9); head -c 65536 /dev/zero >&2");
     row("no right to write", "touch $1/file; export APPDATA=$1/file");
+    row("portable", "mkdir $1/stick; cp $2 $1/stick; touch $1/stick/portable.txt\n"
+                    "export APPDATA=$1/elsewhere; set -- $1 $1/stick/${2##*/} \"${@:3}\"");
 }
 
 /// The real program, which a careless script has started.
@@ -184,6 +186,9 @@ void tst_Endings::brokenSurroundings()
     VERIFY_BELOW(clock.elapsed(), 2000);
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
     QCOMPARE(program.exitCode(), 0);
+    const bool isPortable = surroundings.contains("portable.txt");
+    QCOMPARE(QFileInfo::exists(folder("stick/data/Tarn Hub")), isPortable);
+    QVERIFY(!QFileInfo::exists(folder("elsewhere")));
 }
 
 /// The window alone, as main() has it, on the box of the test that started it; its operator begins

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/files.h"
+#include "tests/support/process.h"
 #include "tests/support/stopwatch.h"
 #include "tests/support/table.h"
 #include "tests/support/window_fixture.h"
@@ -8,8 +9,6 @@
 #include <QLocalSocket>
 #include <QProcess>
 #include <QSignalSpy>
-
-#include <csignal>
 
 using Outcome = OneInstance::Outcome;
 
@@ -30,9 +29,11 @@ private slots:
     {
         OneInstance first(folder());
         QCOMPARE(first.claim(), Outcome::First);
+#ifdef Q_OS_UNIX // elsewhere no file stands for it
         QCOMPARE(QFile(folder() + "instance").permissions() &
                      (QFile::ReadGroup | QFile::WriteOther),
                  QFile::Permissions());
+#endif
         QSignalSpy called(&first, &OneInstance::called);
         hold();
         QTRY_COMPARE(m_holder.state(), QProcess::NotRunning);
@@ -49,7 +50,7 @@ private slots:
         QCOMPARE(first.claim(), Outcome::First);
         QSignalSpy called(&first, &OneInstance::called);
         QLocalSocket talker;
-        talker.connectToServer(folder() + "instance");
+        talker.connectToServer(first.names().first());
         talker.write(QByteArray(8 << 20, 'x'));
         QTRY_COMPARE(talker.state(), QLocalSocket::UnconnectedState);
         QCOMPARE(called.size(), 1);
@@ -72,7 +73,7 @@ private slots:
         QFETCH(QByteArray, left);
         if (left.isEmpty()) {
             hold();
-            QTRY_VERIFY(QFile::exists(folder() + "instance"));
+            QTRY_VERIFY(QFile::exists(folder() + "instance.lock"));
             cleanup();
         } else {
             writeFile(folder() + "instance.lock", left);
@@ -88,8 +89,8 @@ private slots:
     void hangingProgramIsNotWaitedForLong()
     {
         hold();
-        QTRY_VERIFY(QFile::exists(folder() + "instance"));
-        ::kill(pid_t(m_holder.processId()), SIGSTOP);
+        QTRY_VERIFY(QFile::exists(folder() + "instance.lock"));
+        freeze(m_holder.processId());
         Stopwatch clock;
         QCOMPARE(OneInstance(folder()).claim(500), Outcome::Stuck);
         VERIFY_BELOW(clock.elapsed(), 1500);
@@ -105,7 +106,7 @@ private slots:
     {
         m_holder.setProcessEnvironment(environment(m_data->path()));
         m_holder.start(TARN_HUB_PROGRAM, arguments());
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_data->path() + "/Tarn Hub/instance"), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_data->path() + "/Tarn Hub/instance.lock"), 10000);
         QProcess second;
         second.setProcessEnvironment(environment(m_data->path()));
         second.start(TARN_HUB_PROGRAM, arguments());
@@ -116,16 +117,23 @@ private slots:
         const QTemporaryDir elsewhere;
         second.setProcessEnvironment(environment(elsewhere.path()));
         second.start(TARN_HUB_PROGRAM, arguments());
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(elsewhere.path() + "/Tarn Hub/instance"), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(elsewhere.path() + "/Tarn Hub/instance.lock"),
+                                 10000);
         QCOMPARE(second.state(), QProcess::Running);
         second.kill();
         second.waitForFinished();
     }
 
 private:
-    QString folder() const { return m_data->path() + "/"; }
+    QString folder() const
+    {
+        return m_data->path() + "/";
+    }
     /// Another program of this kind, which keeps the folder if it is the first.
-    void hold() { m_holder.start(QCoreApplication::applicationFilePath(), {"hold", folder()}); }
+    void hold()
+    {
+        m_holder.start(QCoreApplication::applicationFilePath(), {"hold", folder()});
+    }
 
     static QStringList arguments()
     {

@@ -65,7 +65,7 @@ private slots:
     {
         columns<QStringList, int, QString, QString>("arguments", "exitCode", "output", "error");
         row("help", QStringList{"--help"}, 0, "(?s)--subnet.*--fping.*--update-server", "");
-        row("version", QStringList{"--version"}, 0, "^Tarn Hub 1\\.0\\.0\\.10\n$", "");
+        row("version", QStringList{"--version"}, 0, "^Tarn Hub 1\\.0\\.0\\.10\r?\n$", "");
         row("version, short", QStringList{"-v"}, 0, "^Tarn Hub", "");
         row("unknown option", QStringList{"--sweep"}, 2, "", "sweep");
         row("wrong block", QStringList{"--subnet", "10.0.0.0/8"}, 2, "", "10.0.0.0/8");

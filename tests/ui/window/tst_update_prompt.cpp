@@ -78,7 +78,7 @@ private slots:
         QFile::remove(updater());
         DialogAnswerer yes;
         open("1.0.1");
-        QTRY_VERIFY(isTold(yes, "无法启动升级程序. 请重新安装本软件."));
+        QTRY_VERIFY(isTold(yes, "无法启动升级程序。请重新安装本软件。"));
         QVERIFY(m_fixture->window().isEnabled());
     }
 
@@ -100,7 +100,7 @@ private slots:
             QTest::keyClick(&question, Qt::Key_Return);
         });
         open("1.0.1");
-        QTRY_VERIFY(isTold(yes, "安装文件已被更改,未启动升级. 请重新启动软件以再次下载."));
+        QTRY_VERIFY(isTold(yes, "安装文件已被更改，未启动升级。请重新启动软件以再次下载。"));
         QTest::qWait(500);
         QCOMPARE(started(), QString());
     }
