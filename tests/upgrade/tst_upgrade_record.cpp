@@ -7,6 +7,7 @@
 #include "upgrade/upgrade_judgement.h"
 
 #include <QJsonDocument>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -15,6 +16,7 @@ using Stage = UpgradeRow::Stage;
 using Settings = UpgradeRow::Settings;
 using Verdict = UpgradeRow::Verdict;
 Q_DECLARE_METATYPE(UpgradeRow)
+Q_DECLARE_METATYPE(UpgradeSession)
 Q_DECLARE_METATYPE(Verdict)
 
 namespace
@@ -69,6 +71,7 @@ class tst_UpgradeRecord : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { qRegisterMetaType<QVector<UpgradeSession>>(); }
     void init()
     {
         m_data = std::make_unique<QTemporaryDir>();
@@ -265,12 +268,65 @@ private slots:
         const QVector<UpgradeSession> found = load(next);
         QCOMPARE(found.size(), 1);
         QCOMPARE(found.first().toJson(), session.toJson());
-        // Another program leaves it alone meanwhile.
-        UpgradeJournal other;
-        QVERIFY(load(other).isEmpty());
         next.save(found.first(), false, [](bool) {});
         QTRY_VERIFY(!QFile::exists(file + ".json"));
         QCOMPARE(readFile(file + ".csv").count("\r\n"), 2);
+    }
+
+    void journalIsOneProgramsAtATime()
+    {
+        UpgradeSession session = sessionOf(rowAt(Stage::Uploading));
+        const QString journal = QFileInfo(UpgradeJournal::csvPath(session)).completeBaseName();
+        auto first = std::make_unique<UpgradeJournal>();
+        first->save(session, true, [](bool) {});
+        QVERIFY(first->flush(5000));
+        // Another program leaves it alone meanwhile.
+        UpgradeJournal other;
+        QTest::ignoreMessage(
+            QtWarningMsg,
+            qPrintable("journal " + journal + " is another program's until that has ended"));
+        QVERIFY(load(other).isEmpty());
+        // It gets what the first one has written last, once, as soon as that is gone.
+        QSignalSpy taken(&other, &UpgradeJournal::loaded);
+        QTest::qWait(UpgradeJournal::AgainMs * 3 / 2);
+        QVERIFY(taken.isEmpty());
+        session.rows.first().versionBefore = "what was written last";
+        first->save(session, true, [](bool) {});
+        first.reset();
+        QVERIFY(taken.wait(UpgradeJournal::AgainMs * 2));
+        const auto found = taken.first().first().value<QVector<UpgradeSession>>();
+        QCOMPARE(found.size(), 1);
+        QCOMPARE(found.first().toJson(), session.toJson());
+        QVERIFY(!taken.wait(UpgradeJournal::AgainMs * 3 / 2));
+        QVERIFY(load(other).isEmpty());
+    }
+
+    /// A program that was killed may have left a lock that does not say whose it is, or whose
+    /// number is another program's by now.
+    void lockThatNobodyHasIsTaken_data()
+    {
+        columns<QByteArray>("left");
+        row("empty", QByteArray());
+        row("with the number of one that runs",
+            QByteArray::number(QCoreApplication::applicationPid()) + "\n" +
+                QFileInfo(QCoreApplication::applicationFilePath()).fileName().toUtf8() + "\n" +
+                QSysInfo::machineHostName().toUtf8() + "\n");
+    }
+    void lockThatNobodyHasIsTaken()
+    {
+        QFETCH(QByteArray, left);
+        const UpgradeSession session = sessionOf(rowAt(Stage::Uploading));
+        UpgradeJournal(nullptr).save(session, true, [](bool) {});
+        const QString path = UpgradeJournal::csvPath(session).replace(".csv", ".lock");
+        writeFile(path, left);
+        UpgradeJournal next;
+        QSignalSpy loaded(&next, &UpgradeJournal::loaded);
+        next.load();
+        // The one that makes a lock has not said who it is for a moment: then nobody takes it.
+        QVERIFY(loaded.wait());
+        QCOMPARE(loaded.takeFirst().first().value<QVector<UpgradeSession>>().size(), 0);
+        QVERIFY(loaded.wait(UpgradeJournal::AgainMs * 3));
+        QCOMPARE(loaded.first().first().value<QVector<UpgradeSession>>().size(), 1);
     }
 
     void versionsInNames_data()
@@ -357,14 +413,10 @@ private slots:
 private:
     static QVector<UpgradeSession> load(UpgradeJournal& journal)
     {
-        QVector<UpgradeSession> found;
-        bool loaded = false;
-        connect(&journal, &UpgradeJournal::loaded, &journal, [&](const auto& sessions) {
-            found = sessions;
-            loaded = true;
-        });
+        QSignalSpy loaded(&journal, &UpgradeJournal::loaded);
         journal.load();
-        [&] { QTRY_VERIFY(loaded); }();
+        [&] { QVERIFY(loaded.wait()); }();
+        const auto found = loaded.value(0).value(0).value<QVector<UpgradeSession>>();
         return found;
     }
 
