@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
@@ -22,26 +23,8 @@ namespace
 {
 
 constexpr int popupSeconds = 10;
-
-/// Waits in an event loop that sleeps until something happens: what needs many turns of the loop,
-/// as a web page does, gets them at once.
-bool waitUntil(const std::function<bool()>& condition, int milliseconds)
-{
-    if (condition())
-        return true;
-    bool reached = false;
-    QEventLoop loop;
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        reached = condition();
-        if (reached)
-            loop.quit();
-    });
-    look.start(20);
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-    return reached;
-}
+/// A stop that takes longer stands before a dialog that it does not know of.
+constexpr int stopSeconds = 100;
 
 QWidget* openPopup()
 {
@@ -49,11 +32,52 @@ QWidget* openPopup()
     return popup ? popup : QApplication::activeModalWidget();
 }
 
+/// Asks a dialog or menu to go, as an operator does.
+void dismiss(QWidget* popup)
+{
+    QTest::keyClick(popup, Qt::Key_Escape);
+}
+
+/// Waits in an event loop that sleeps until something happens: what needs many turns of the loop,
+/// as a web page does, gets them at once. A dialog that the program opens meanwhile runs a loop of
+/// its own, which keeps this one from ending: it is told of, and has to go.
+bool waitUntil(const std::function<bool()>& condition, int milliseconds,
+               const std::function<void(QWidget&)>& tellOfDialog = {})
+{
+    if (condition())
+        return true;
+    bool reached = false;
+    QEventLoop loop;
+    const QDeadlineTimer deadline(milliseconds);
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        const bool isHeldUp = !loop.isRunning();
+        reached = reached || condition();
+        if (reached || deadline.hasExpired())
+            loop.quit();
+        if (!isHeldUp || !openPopup())
+            return;
+        reached = false;
+        if (tellOfDialog)
+            tellOfDialog(*openPopup());
+        dismiss(openPopup());
+    });
+    look.start(20);
+    loop.exec();
+    return reached;
+}
+
+QString wordsOf(const QWidget& dialog)
+{
+    const auto* text = dialog.findChild<QWidget*>("m_tipContent");
+    return text ? text->property("plainText").toString() : dialog.metaObject()->className();
+}
+
 void closePopups()
 {
     // A bound, should one refuse to go.
     for (int tries = 0; tries < 10 && openPopup(); ++tries) {
-        QTest::keyClick(openPopup(), Qt::Key_Escape);
+        dismiss(openPopup());
         (void)waitUntil([] { return openPopup() == nullptr; }, 500);
     }
 }
@@ -102,7 +126,19 @@ bool Tour::visit(const Stop& stop)
 {
     m_pictureTaken = false;
     m_why = "for no stated reason";
+    QString inTheWay;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+        if (openPopup()) {
+            inTheWay = noteDialog(*openPopup());
+            closePopups();
+        }
+    });
+    watch.start(stopSeconds * 1000);
     bool ok = stop.visit(*this);
+    watch.stop();
+    if (!inTheWay.isEmpty())
+        ok = fail(inTheWay);
     if (!m_pictureTaken)
         takePicture();
     if (!m_pictureTaken)
@@ -113,9 +149,18 @@ bool Tour::visit(const Stop& stop)
 
 bool Tour::waitFor(const QString& what, const std::function<bool()>& condition, int seconds)
 {
-    if (waitUntil(condition, seconds * 1000))
+    QString inTheWay;
+    if (waitUntil(condition, seconds * 1000,
+                  [&](QWidget& dialog) { inTheWay = "; " + noteDialog(dialog); }))
         return true;
-    return fail(QString("not within %1 s: %2").arg(seconds).arg(what));
+    return fail(QString("not within %1 s: %2%3").arg(seconds).arg(what, inTheWay));
+}
+
+QString Tour::noteDialog(const QWidget& dialog)
+{
+    const QString words = wordsOf(dialog);
+    takePicture();
+    return "a dialog is in the way: " + words;
 }
 
 bool Tour::fail(const QString& why)
@@ -198,10 +243,7 @@ bool Tour::answerDialog(const std::function<void()>& open, const QString& text, 
 {
     return inPopup(
         open, "a dialog with: " + text,
-        [&](QWidget& dialog) {
-            const auto* label = dialog.findChild<QWidget*>("m_tipContent");
-            return label && label->property("plainText").toString().contains(text);
-        },
+        [&](QWidget& dialog) { return wordsOf(dialog).contains(text); },
         [&](QWidget& dialog) {
             takePicture();
             QTest::keyClick(&dialog, key);

@@ -72,6 +72,8 @@ public:
 
 private:
     bool visit(const Stop& stop);
+    /// Takes a picture of a dialog that nobody has asked for, and tells what it says.
+    QString noteDialog(const QWidget& dialog);
 
     Tarn_Hub& m_window;
     const QString m_lanCommands;
