@@ -3,6 +3,7 @@
 #include "simulator/console.h"
 #include "simulator/lan_commands.h"
 #include "simulator/open_files.h"
+#include "simulator/sample_clip.h"
 #include "simulator/scenario.h"
 #include "simulator/update_server.h"
 #include "simulator/virtual_lan.h"
@@ -194,6 +195,7 @@ int main(int argc, char* argv[])
     sim::console::readLines([&commands](const QByteArray& line) { obey(&commands, line); }, &app);
     if (options->parent > 0)
         sim::console::quitWith(options->parent, &app);
+    sim::makeSampleClips();
     say(commands.run(QStringLiteral("list")).text);
     say(QStringLiteral("run directory: ") + options->runDir);
     say(QStringLiteral("ready"));

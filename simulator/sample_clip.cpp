@@ -32,4 +32,10 @@ QString sampleClip(const QString& name)
     return done ? path : QString();
 }
 
+void makeSampleClips()
+{
+    (void)sampleClip(QStringLiteral("film.mp4"));
+    (void)sampleClip(QStringLiteral("film.mov"));
+}
+
 } // namespace sim

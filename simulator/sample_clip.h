@@ -11,4 +11,8 @@ namespace sim
 /// for that time, about a second. Empty when FFmpeg fails. For any thread.
 QString sampleClip(const QString& name);
 
+/// Makes both now. A player waits three seconds for a box's first word, and FFmpeg may have to come
+/// from a slow disk.
+void makeSampleClips();
+
 } // namespace sim

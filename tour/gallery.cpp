@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // tarn-hub-gallery: the program's screens, one picture of each, for scripts/gallery.
+#include "simulator/sample_clip.h"
 #include "tour/gallery_screens.h"
 #include "ui/window/options.h"
 #include "ui/window/start_up.h"
@@ -22,6 +23,7 @@ int main(int argc, char* argv[])
         return 2;
     }
     const QTemporaryDir run;
+    sim::makeSampleClips();
     sim::VirtualLan lan(run.path());
     qputenv(sim::VirtualLan::runVariable().toLatin1(), run.path().toUtf8());
     StartUp::dress(application);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "simulator/sample_clip.h"
 #include "tests/support/window_fixture.h"
 #include "ui/recordings/list_widget.h"
 
@@ -14,6 +15,7 @@ class RecordingsFixture : public WindowFixture
 protected:
     void openBoxes()
     {
+        sim::makeSampleClips();
         m_box = addBox(7);
         m_other = addBox(8);
         openKnowing({7, 8});
