@@ -52,6 +52,9 @@ void EventFeed::attempt()
     m_handshake.start(Limits::FeedHandshakeMs);
     m_looks = 0;
     m_socket->open(m_url);
+    // Without a way to the box it may have been given up already.
+    if (!m_socket)
+        return;
     const auto* wire = m_socket->findChild<QAbstractSocket*>();
     connect(wire, &QIODevice::readyRead, this, [this, wire] { watch(*wire); });
 }

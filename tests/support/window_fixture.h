@@ -30,6 +30,8 @@ public:
     {
         qputenv("APPDATA", m_folder.path().toUtf8());
         qputenv("KORA_LAN_RUN", m_lan.runDir().toUtf8());
+        // Those of the system cannot be driven by a test.
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         static const bool dressed = (StartUp::dress(*qApp), true);
         (void)dressed;
     }
