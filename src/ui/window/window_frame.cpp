@@ -2,6 +2,7 @@
 #include "ui/window/window_frame.h"
 
 #include "device/item.h"
+#include "ui/window/caption_columns.h"
 #include "ui_tarn_hub.h"
 #include "web/web_pane.h"
 
@@ -24,6 +25,7 @@ WindowFrame::WindowFrame(Ui::Tarn_Hub& form, QWidget* window)
     form.main_splitter->setStretchFactor(1, 1);
     form.main_splitter->setStretchFactor(3, 1);
     form.monitor_splitter->setStretchFactor(0, 1);
+    new CaptionColumns({form.config_area->ui.layout4, form.control_area->ui.layout4}, this);
     connect(form.monitor_top->ui.fold_panels, &QToolButton::toggled, this, &WindowFrame::arrange);
 }
 
