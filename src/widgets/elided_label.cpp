@@ -14,8 +14,9 @@ ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent)
 QString ElidedLabel::shownText() const
 {
     QStringList lines = m_keepsLines ? text().split(QLatin1Char('\n')) : QStringList(text());
+    const Qt::TextElideMode mode = m_keepsStart ? Qt::ElideRight : Qt::ElideMiddle;
     for (QString& line : lines)
-        line = fontMetrics().elidedText(line.simplified(), Qt::ElideMiddle, contentsRect().width());
+        line = fontMetrics().elidedText(line.simplified(), mode, contentsRect().width());
     return lines.join(QLatin1Char('\n'));
 }
 

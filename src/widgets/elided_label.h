@@ -10,6 +10,8 @@ class ElidedLabel : public QLabel
     Q_OBJECT
     /// Each line of the text stands for itself; else the ends of lines are blanks.
     Q_PROPERTY(bool keepsLines MEMBER m_keepsLines)
+    /// What says the most stands first: only the end goes; else the middle.
+    Q_PROPERTY(bool keepsStart MEMBER m_keepsStart)
 
 public:
     explicit ElidedLabel(QWidget* parent = nullptr);
@@ -22,4 +24,5 @@ private:
     QString shownText() const;
 
     bool m_keepsLines = false;
+    bool m_keepsStart = false;
 };
