@@ -16,6 +16,18 @@ namespace
 
 using Buttons = QVector<QAbstractButton*>;
 
+/// Of a long name the beginning says which it is; whoever types keeps the cursor.
+void showStart(QWidget& edit)
+{
+    QList<QLineEdit*> lines = edit.findChildren<QLineEdit*>();
+    if (auto* itself = qobject_cast<QLineEdit*>(&edit))
+        lines << itself;
+    for (QLineEdit* line : qAsConst(lines)) {
+        if (!line->hasFocus())
+            line->setCursorPosition(0);
+    }
+}
+
 template <class Edit> ParameterBinding freeText(Edit* edit, std::function<QString()> hint)
 {
     ParameterBinding binding;
@@ -25,6 +37,7 @@ template <class Edit> ParameterBinding freeText(Edit* edit, std::function<QStrin
         // The cursor of whoever looks at the same text stays where it is.
         if (edit->text() != value)
             edit->setText(value);
+        showStart(*edit);
     };
     binding.blank = [edit](const QString& word) {
         edit->setPlaceholderText(word);
