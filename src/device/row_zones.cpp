@@ -14,7 +14,8 @@ constexpr int selectOrderX = 6;
 constexpr int groupTextGap = 5;
 constexpr int boxTextGap = 10;
 constexpr int textEndGap = 5;
-constexpr int widestCaption = 150;
+/// Reached in every pane, with a scroll bar or without: the values do not move when one comes.
+constexpr int widestCaption = 120;
 
 QRect iconAt(const QRect& row, int x)
 {
