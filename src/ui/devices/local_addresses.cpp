@@ -10,6 +10,7 @@ LocalAddresses::LocalAddresses(QLabel* label) : QObject(label), m_label(label) {
 void LocalAddresses::refresh()
 {
     constexpr int pauseMs = 5000;
-    m_label->setText(localAddresses().join(QLatin1Char('\n')));
+    const QString addresses = localAddresses().join(QLatin1Char('\n'));
+    m_label->setText(addresses.isEmpty() ? QStringLiteral("–") : addresses);
     QTimer::singleShot(pauseMs, this, &LocalAddresses::refresh);
 }
