@@ -94,6 +94,7 @@ UpgradeReportDialog::UpgradeReportDialog(const UpgradeFleet& fleet, QWidget* par
     m_table->setWordWrap(false);
     m_table->setTabKeyNavigation(false);
     m_table->verticalHeader()->hide();
+    m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_table->setColumnCount(UpgradeText::headers().size());
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_summary);
