@@ -15,6 +15,7 @@ namespace
 constexpr int rowHeight = 26;
 constexpr int mostRowsShown = 4; ///< as many as come at once
 constexpr int textMargin = 4;
+constexpr int belowRows = 4; ///< else the last bar stands on the edge of the window
 
 } // namespace
 
@@ -155,6 +156,7 @@ DownloadList::DownloadList(QWidget* parent) : QScrollArea(parent)
     setWidget(content);
     setWidgetResizable(true);
     setFrameShape(NoFrame);
+    setViewportMargins(0, 0, 0, belowRows);
     // The buttons of the rows take the keys, and bring their row into sight.
     setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -181,6 +183,6 @@ void DownloadList::removeRow(DownloadRow* row)
 
 void DownloadList::fitRows()
 {
-    setFixedHeight(qMin(m_count, mostRowsShown) * rowHeight);
+    setFixedHeight(qMin(m_count, mostRowsShown) * rowHeight + belowRows);
     setVisible(m_count > 0);
 }
