@@ -65,6 +65,11 @@ private slots:
         const QImage look = deviceView()->viewport()->grab().toImage();
         const auto edge = [&](int host) { return look.pixel(1, rowOf(host).center().y()); };
         QVERIFY(edge(3) != edge(4));
+        // The two panels are read as one.
+        const auto begin = [this](const char* slider) {
+            return child<QWidget>(slider)->mapTo(&window(), {}).x();
+        };
+        QTRY_COMPARE(begin("eParam_SDIVolumeSlider"), begin("eParam_NDIHXGopLengthSlider"));
         sim::VirtualBox* box = lan().find(ip(3));
         QTRY_COMPARE(shown("eParam_NDIName"), box->parameter("eParam_NDIName"));
         child<Inputui>("eParam_NDIName")->setText("Stage");
