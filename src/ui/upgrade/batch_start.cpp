@@ -5,10 +5,26 @@
 #include "device/tree_view.h"
 #include "ui/upgrade/package_dialog.h"
 #include "upgrade/batch_upgrade.h"
+#include "upgrade/box_upgrade.h"
 #include "widgets/message_box.h"
 
 #include <QPointer>
 #include <QWidget>
+
+#include <algorithm>
+
+namespace
+{
+
+/// Why there is nothing to upgrade though rows may be highlighted.
+QString nothingIdle(const QList<Item*>& selected)
+{
+    if (std::any_of(selected.begin(), selected.end(), [](Item* box) { return box->isKora(); }))
+        return BoxUpgrade::ownedText();
+    return BatchStart::tr("请您在设备列表中选择要升级固件的设备!");
+}
+
+} // namespace
 
 BatchStart::BatchStart(TreeView* deviceView, BatchUpgrade& batch, QWidget* window)
     : QObject(nullptr), m_view(deviceView), m_batch(batch), m_window(window)
@@ -26,8 +42,9 @@ void BatchStart::choosePackage()
 {
     if (m_asking)
         return;
-    if (BatchUpgrade::idleOf(m_view->selectedBoxes()).isEmpty()) {
-        messageBox::tell(tr("请您在设备列表中选择要升级固件的设备!"), m_window);
+    const QList<Item*> selected = m_view->selectedBoxes();
+    if (BatchUpgrade::idleOf(selected).isEmpty()) {
+        messageBox::tell(nothingIdle(selected), m_window);
         return;
     }
     setAsking(true);
@@ -49,12 +66,13 @@ void BatchStart::startBatchUpgrade(const QStringList& files)
     setAsking(true);
     // By pointers that notice when a box leaves the list while the question is open.
     QList<QPointer<Item>> boxes;
-    const QList<Item*> idle = BatchUpgrade::idleOf(m_view->selectedBoxes());
+    const QList<Item*> selected = m_view->selectedBoxes();
+    const QList<Item*> idle = BatchUpgrade::idleOf(selected);
     for (Item* box : idle)
         boxes << box;
     QString refusal;
     if (boxes.isEmpty())
-        refusal = tr("请您在设备列表中选择要升级固件的设备!");
+        refusal = nothingIdle(selected);
     else if (files.size() != 1)
         refusal = tr("请您拖拽一个固件包文件到此处!");
     else if (!files.first().endsWith(QLatin1String(".dat")))

@@ -148,7 +148,7 @@ void tst_UpgradeSafety::leavesABusyBoxAlone()
     QTRY_COMPARE(answers.texts().size(), 6);
     QVERIFY(m_fixture->item(1) && m_fixture->item(1)->isOwned());
     QCOMPARE(answers.texts().count(refusal), 5);
-    QCOMPARE(answers.texts().last(), QString("请您在设备列表中选择要升级固件的设备!"));
+    QCOMPARE(answers.texts().last(), QString("设备正在升级固件或恢复设置，未再次升级"));
     QTRY_COMPARE_WITH_TIMEOUT(answers.texts().last(),
                               QString("部分升级完成,KORA即将重启完成固件升级.成功[1]个,未知[1]个"),
                               15000);
