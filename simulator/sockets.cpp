@@ -123,12 +123,14 @@ bool staysOpen(socket_t socket, int ms)
 #ifdef _WIN32
     QElapsedTimer clock;
     clock.start();
-    while (ms < 0 || clock.elapsed() < ms) {
-        if (hasGone(socket))
-            return false;
-        Sleep(DWORD(ms < 0 ? lookMs : std::min<qint64>(lookMs, ms - clock.elapsed() + 1)));
+    while (!hasGone(socket)) {
+        // Asked once: time passes between two looks, and a sleep of less than nothing is endless.
+        const qint64 left = ms < 0 ? lookMs : ms - clock.elapsed();
+        if (left <= 0)
+            return true;
+        Sleep(DWORD(std::min<qint64>(lookMs, left)));
     }
-    return true;
+    return false;
 #else
     pollfd watched{socket, POLLRDHUP, 0};
     return pollOne(&watched, ms) == 0;
