@@ -134,6 +134,8 @@ constexpr int PageCacheBytes = 32 * 1024 * 1024;
 /// Bytes of memory by which this process may grow while a page is shown, and that the page's own
 /// process may keep.
 constexpr qint64 PageStoreBytes = 256 * 1024 * 1024;
+/// Bytes more of this process for each pixel that a page is shown on: a dozen pictures of it.
+constexpr qint64 PageBytesPerPixel = 12 * 4;
 constexpr qint64 PageProcessBytes = 1024 * 1024 * 1024;
 /// Lines a minute that FFmpeg may write about a source.
 constexpr int MediaLogLines = 300;

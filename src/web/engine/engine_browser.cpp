@@ -175,11 +175,18 @@ void EngineBrowser::judgeDocument(const QUrl& document)
         m_notice->hide();
 }
 
+/// What drawing the page takes of this process: much on a large display, whatever the page holds.
+qint64 EngineBrowser::drawingBytes() const
+{
+    const qreal ratio = m_view->devicePixelRatioF();
+    return qint64(m_view->width() * ratio * m_view->height() * ratio) * Limits::PageBytesPerPixel;
+}
+
 /// What pages store off the record lies in the memory of this process.
 bool EngineBrowser::isTooLarge() const
 {
     const qint64 bytes = Platform::residentBytes(QCoreApplication::applicationPid());
-    return bytes - m_bytesBefore > Limits::PageStoreBytes ||
+    return bytes - m_bytesBefore > Limits::PageStoreBytes + drawingBytes() ||
            Platform::residentBytes(m_view->page()->renderProcessPid()) > Limits::PageProcessBytes;
 }
 

@@ -37,6 +37,7 @@ private:
     void endFlood();
     /// Finds out whether the page is still alive.
     void feelPulse();
+    qint64 drawingBytes() const;
     bool isTooLarge() const;
     void close(PageNotice::Kind reason);
     void follow(PageBar::Kind kind, const QString& host);
