@@ -1254,6 +1254,10 @@
       <translation>Right-click to play a local file or a network address</translation>
     </message>
     <message>
+      <source>右键单击可停止重试</source>
+      <translation>Right-click to stop trying</translation>
+    </message>
+    <message>
       <source>第 %1 次重新连接</source>
       <translation>Reconnecting, try %1</translation>
     </message>

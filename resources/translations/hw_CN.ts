@@ -1251,6 +1251,10 @@
       <translation>마우스 오른쪽 버튼을 클릭하여 로컬 파일이나 네트워크 주소를 재생하세요</translation>
     </message>
     <message>
+      <source>右键单击可停止重试</source>
+      <translation>마우스 오른쪽 버튼을 클릭하면 다시 시도하지 않습니다</translation>
+    </message>
+    <message>
       <source>第 %1 次重新连接</source>
       <translation>다시 연결 중, %1번째 시도</translation>
     </message>

@@ -134,6 +134,7 @@ void FFmpegWidget::open(const QString& url, MediaOptions::Origin origin)
     releaseThread();
     m_url = url;
     const int session = ++m_session;
+    m_hasPlayed = false;
     m_ffmpegThread = new FFmpegThread;
     connect(
         m_ffmpegThread, &FFmpegThread::receiveImage, this,
@@ -180,8 +181,8 @@ void FFmpegWidget::releaseThread()
         return;
     FFmpegThread* thread = m_ffmpegThread;
     m_ffmpegThread = nullptr;
-    // What has failed is about to end by itself.
-    if (thread->isRunning() && state() != PictureState::State::Failed)
+    // What has failed and is not tried again is about to end by itself.
+    if (thread->isRunning() && (state() != PictureState::State::Failed || m_state->tries() > 0))
         thread->stop();
     thread->requestStop();
     thread->quit();
@@ -209,6 +210,7 @@ void FFmpegWidget::handleImage(int session, const QImage& image)
     if (session != m_session)
         return;
     m_clearTimer.stop();
+    m_hasPlayed = true;
     updateImage(image);
     if (m_ffmpegThread)
         m_natural = m_ffmpegThread->shown().size();
@@ -250,13 +252,15 @@ void FFmpegWidget::checkSource()
     m_ffmpegThread->setArea({size(), devicePixelRatioF()});
     const qint64 silence = m_ffmpegThread->silentMs();
     const int tries = m_ffmpegThread->tries();
-    const bool isNew = state() != PictureState::State::Silent || m_state->tries() != tries;
+    // Nothing can be missed of a source that never had a picture.
+    const PictureState::State kind =
+        tries > 0 && !m_hasPlayed ? PictureState::State::Failed : PictureState::State::Silent;
+    const bool isNew = state() != kind || m_state->tries() != tries;
     if (m_ffmpegThread->isAtEnd()) {
         if (state() != PictureState::State::Ended)
             showState(PictureState::State::Ended);
     } else if (silence > silenceMs && isNew) {
-        m_state->show(PictureState::State::Silent, m_url,
-                      QTime::currentTime().addMSecs(-int(silence)), tries);
+        m_state->show(kind, m_url, QTime::currentTime().addMSecs(-int(silence)), tries);
     }
 }
 

@@ -98,7 +98,8 @@ private:
     StillPicture* m_still;
     QString m_url;
     QString m_sourceName;
-    int m_session = 0; // what a queued signal belongs to
+    int m_session = 0;        // what a queued signal belongs to
+    bool m_hasPlayed = false; ///< a picture of the address of now has come
     QTimer m_clearTimer;
     QTimer m_watch;
     QTimer m_figuresTimer;

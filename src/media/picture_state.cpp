@@ -123,9 +123,10 @@ void PictureState::retranslate()
 {
     m_title->setText(title());
     m_detail->setText(detail());
-    m_hint->setText(tr("右键单击可播放本地文件或网络地址"));
+    m_hint->setText(m_state == State::Idle ? tr("右键单击可播放本地文件或网络地址")
+                                           : tr("右键单击可停止重试"));
     m_detail->setVisible(m_state != State::Idle);
-    m_hint->setVisible(m_state == State::Idle);
+    m_hint->setVisible(m_state == State::Idle || m_tries > 0);
     place();
 }
 

@@ -221,6 +221,13 @@ void DeviceInfo::showRow(const QString& parameter, const QString& content)
     m_view->refresh();
 }
 
+void DeviceInfo::clear()
+{
+    m_notes.clear();
+    m_view->treeModel()->clear();
+    m_view->refresh();
+}
+
 void DeviceInfo::setNotes(const QVector<InfoNote>& notes)
 {
     if (notes == m_notes)

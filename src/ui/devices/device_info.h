@@ -41,6 +41,8 @@ public:
     void handleReply(const HttpResult& result);
     /// What stands below the rows of the selected box, in place of what stood there.
     void setNotes(const QVector<InfoNote>& notes);
+    /// Nothing is selected: what stood there would be taken for the state of now.
+    void clear();
     /// Captions in the language of now; notes stay as they are.
     void retranslate();
 

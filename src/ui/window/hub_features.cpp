@@ -112,6 +112,8 @@ void Tarn_Hub::Features::connectRooms()
 {
     QObject::connect(&selection, &DeviceSelection::nothingSelected, &frame,
                      &WindowFrame::showNothingSelected);
+    QObject::connect(&selection, &DeviceSelection::nothingSelected, &deviceInfo,
+                     &DeviceInfo::clear);
     QObject::connect(&selection, &DeviceSelection::webBoxSelected, &frame,
                      &WindowFrame::showWebPage);
     QObject::connect(&state, &HubState::koraSelected, &frame, &WindowFrame::showKora);

@@ -77,6 +77,7 @@ void WindowFrame::showStart()
 
 void WindowFrame::showNothingSelected()
 {
+    setCaptions(QString());
     m_shown = Shown::Nothing;
     arrange();
 }

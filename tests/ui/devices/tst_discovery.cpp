@@ -185,6 +185,7 @@ private slots:
         // Nothing selected: what belongs to a box goes.
         m_fixture->deviceView()->clearSelection();
         QVERIFY(m_fixture->child<QWidget>("right_widget")->isHidden());
+        QVERIFY(m_fixture->information().isEmpty());
         QVERIFY(m_fixture->child<QWidget>("middle_widget")->isVisible());
     }
 
